@@ -1,0 +1,63 @@
+# nfx_add_test(NAME <name> SOURCES <file>... LIBRARIES <target>...
+#              [LABELS <label>...] [TIMEOUT <seconds>] [LONG <pattern>] [DISCOVERY_PORTS])
+#
+# Builds the gtest program <name> and registers it with ctest, one entry for the whole program: under Wine each process
+# costs a second. Run one case by hand with --gtest_filter.
+#
+# TIMEOUT          120 without it; three times as much under a sanitizer
+# LONG             the cases that match this gtest pattern become an entry of their own, <name>-long, labelled "long":
+#                  ctest -LE long leaves them out
+# DISCOVERY_PORTS  the program binds the fixed UDP ports, so ctest runs it beside no other such program
+
+# How ctest starts a program of this build; empty when it starts it directly.
+set(NFX_TEST_LAUNCHER ${CMAKE_CROSSCOMPILING_EMULATOR})
+
+function(nfx_register_test name program filter)
+  cmake_parse_arguments(PARSE_ARGV 3 arg "DISCOVERY_PORTS" "TIMEOUT" "LABELS")
+
+  set(command $<TARGET_FILE:${program}>)
+  if(filter)
+    list(APPEND command "--gtest_filter=${filter}")
+  endif()
+  add_test(NAME ${name} COMMAND ${NFX_TEST_LAUNCHER} ${command})
+
+  if(NFX_SANITIZE)
+    math(EXPR arg_TIMEOUT "3 * ${arg_TIMEOUT}")
+  endif()
+  set_tests_properties(${name} PROPERTIES
+    TIMEOUT ${arg_TIMEOUT}
+    LABELS "${arg_LABELS}"
+    ENVIRONMENT "${NFX_TEST_ENVIRONMENT}")
+  if(arg_DISCOVERY_PORTS)
+    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK discovery-ports)
+  endif()
+endfunction()
+
+function(nfx_add_test)
+  cmake_parse_arguments(PARSE_ARGV 0 arg "DISCOVERY_PORTS" "NAME;TIMEOUT;LONG" "SOURCES;LIBRARIES;LABELS")
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "nfx_add_test: unknown arguments: ${arg_UNPARSED_ARGUMENTS}")
+  endif()
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  set(ports "")
+  if(arg_DISCOVERY_PORTS)
+    set(ports DISCOVERY_PORTS)
+  endif()
+
+  add_executable(${arg_NAME} ${arg_SOURCES})
+  target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} nfx_gtest nfx_warnings)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    # GoogleTest's typed and parameterised suites leave the variable part of its macros empty.
+    target_compile_options(${arg_NAME} PRIVATE -Wno-gnu-zero-variadic-macro-arguments)
+  endif()
+
+  set(filter "")
+  if(arg_LONG)
+    set(filter "-${arg_LONG}")
+    nfx_register_test(${arg_NAME}-long ${arg_NAME} "${arg_LONG}"
+      TIMEOUT ${arg_TIMEOUT} LABELS ${arg_LABELS} long ${ports})
+  endif()
+  nfx_register_test(${arg_NAME} ${arg_NAME} "${filter}" TIMEOUT ${arg_TIMEOUT} LABELS ${arg_LABELS} ${ports})
+endfunction()
