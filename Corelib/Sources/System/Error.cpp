@@ -1,0 +1,93 @@
+#include "system/Error.h"
+
+#include "system/Boolean.h"
+#include "system/Convert.h"
+#include "system/Exceptions.h"
+#include "system/TypeCode.h"
+
+namespace Nfx::System
+{
+namespace
+{
+const char SourceName[] = "Corelib/Sources/System/Error";
+
+const ErrorTable::Map* Validated(const ErrorTable::Map* table, std::int32_t code)
+{
+    if (table == nullptr)
+    {
+        throw Exception(ErrorCodes::ParameterIsNull, SourceName, 385);
+    }
+    if (table->Find(code) == nullptr)
+    {
+        throw Exception(ErrorCodes::InvalidParameterValue, SourceName, 388);
+    }
+    return table;
+}
+
+const Error& NotNull(const Error* source)
+{
+    if (source == nullptr)
+    {
+        throw Exception(ErrorCodes::ParameterIsNull, SourceName, 42);
+    }
+    return *source;
+}
+} // namespace
+
+Error::Error()
+    : Error(ErrorCodes::None)
+{
+}
+
+Error::Error(std::int32_t code)
+    : code(code)
+    , table(Validated(&ErrorTable::Instance(), code))
+{
+}
+
+Error::Error(const Error* source)
+    : Error(NotNull(source))
+{
+}
+
+Boolean Error::Equals(const Object* object) const
+{
+    const Error* other = dynamic_cast<const Error*>(object);
+    return other != nullptr && other->code == code;
+}
+
+Int32 Error::GetHashCode() const
+{
+    return code;
+}
+
+String Error::ToString() const
+{
+    const String* const text = table != nullptr ? table->Find(code) : nullptr;
+    return text != nullptr ? *text : "Error " + Convert::ToHexadecimal(code);
+}
+
+Int32 Error::CompareTo(const Object* object) const
+{
+    if (object == nullptr)
+    {
+        throw ArgumentNullException(SourceName, __LINE__);
+    }
+    const Error* other = dynamic_cast<const Error*>(object);
+    if (other == nullptr)
+    {
+        throw ArgumentException(SourceName, __LINE__);
+    }
+    return code < other->code ? -1 : (code > other->code ? 1 : 0);
+}
+
+TypeCode Error::GetTypeCode() const
+{
+    return TypeCode::Int32;
+}
+
+Int32 Error::ToInt32() const
+{
+    return code;
+}
+} // namespace Nfx::System

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Nfx::System
+{
+/// The tracked allocator: counts what is alive, so that a leak shows. Any thread.
+class Memory final
+{
+public:
+    Memory() = delete;
+
+    /// Uninitialised memory, released with Free; null when there is none.
+    static void* Allocate(std::size_t size, const char* sourceName) noexcept;
+
+    /// Null is allowed.
+    static void Free(void* memory) noexcept;
+
+    /// Blocks allocated and not yet freed.
+    static std::int64_t LiveCount() noexcept;
+};
+} // namespace Nfx::System
