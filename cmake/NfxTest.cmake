@@ -12,6 +12,11 @@
 # How ctest starts a program of this build; empty when it starts it directly.
 set(NFX_TEST_LAUNCHER ${CMAKE_CROSSCOMPILING_EMULATOR})
 
+set(NFX_TEST_ENVIRONMENT
+  ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1
+  UBSAN_OPTIONS=print_stacktrace=1
+  TSAN_OPTIONS=second_deadlock_stack=1)
+
 function(nfx_register_test name program filter)
   cmake_parse_arguments(PARSE_ARGV 3 arg "DISCOVERY_PORTS" "TIMEOUT" "LABELS")
 
