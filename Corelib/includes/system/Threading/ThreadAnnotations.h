@@ -10,6 +10,7 @@
 #define NFX_CAPABILITY(NAME) NFX_ANNOTATE(capability(NAME))
 #define NFX_SCOPED_CAPABILITY NFX_ANNOTATE(scoped_lockable)
 #define NFX_GUARDED_BY(LOCK) NFX_ANNOTATE(guarded_by(LOCK))
+#define NFX_PT_GUARDED_BY(LOCK) NFX_ANNOTATE(pt_guarded_by(LOCK))
 #define NFX_REQUIRES(...) NFX_ANNOTATE(requires_capability(__VA_ARGS__))
 #define NFX_ACQUIRE(...) NFX_ANNOTATE(acquire_capability(__VA_ARGS__))
 #define NFX_TRY_ACQUIRE(...) NFX_ANNOTATE(try_acquire_capability(__VA_ARGS__))
