@@ -1,0 +1,113 @@
+#pragma once
+
+#include "system/Enum.h"
+
+namespace Nfx::System::Net::Sockets
+{
+/// Why a socket operation failed. The values are Winsock's on every platform; a failure without a name here shows as
+/// its number.
+class SocketError final : public Enum<SocketError>
+{
+public:
+    enum : std::int32_t
+    {
+        SockError = -1,
+        Success = 0,
+        OperationAborted = 995,
+        IOPending = 997,
+        Interrupted = 10004,
+        AccessDenied = 10013,
+        Fault = 10014,
+        InvalidArgument = 10022,
+        TooManyOpenSockets = 10024,
+        WouldBlock = 10035,
+        InProgress = 10036,
+        AlreadyInProgress = 10037,
+        NotSocket = 10038,
+        DestinationAddressRequired = 10039,
+        MessageSize = 10040,
+        ProtocolType = 10041,
+        ProtocolOption = 10042,
+        ProtocolNotSupported = 10043,
+        SocketNotSupported = 10044,
+        OperationNotSupported = 10045,
+        ProtocolFamilyNotSupported = 10046,
+        AddressFamilyNotSupported = 10047,
+        AddressAlreadyInUse = 10048,
+        AddressNotAvailable = 10049,
+        NetworkDown = 10050,
+        NetworkUnreachable = 10051,
+        NetworkReset = 10052,
+        ConnectionAborted = 10053,
+        ConnectionReset = 10054,
+        NoBufferSpaceAvailable = 10055,
+        IsConnected = 10056,
+        NotConnected = 10057,
+        Shutdown = 10058,
+        TimedOut = 10060,
+        ConnectionRefused = 10061,
+        HostDown = 10064,
+        HostUnreachable = 10065,
+        ProcessLimit = 10067,
+        SystemNotReady = 10091,
+        VersionNotSupported = 10092,
+        NotInitialized = 10093,
+        Disconnecting = 10101,
+        TypeNotFound = 10109,
+        HostNotFound = 11001,
+        TryAgain = 11002,
+        NoRecovery = 11003,
+        NoData = 11004
+    };
+
+    static constexpr EnumName Names[] = {{SockError, "SockError"},
+                                         {Success, "Success"},
+                                         {OperationAborted, "OperationAborted"},
+                                         {IOPending, "IOPending"},
+                                         {Interrupted, "Interrupted"},
+                                         {AccessDenied, "AccessDenied"},
+                                         {Fault, "Fault"},
+                                         {InvalidArgument, "InvalidArgument"},
+                                         {TooManyOpenSockets, "TooManyOpenSockets"},
+                                         {WouldBlock, "WouldBlock"},
+                                         {InProgress, "InProgress"},
+                                         {AlreadyInProgress, "AlreadyInProgress"},
+                                         {NotSocket, "NotSocket"},
+                                         {DestinationAddressRequired, "DestinationAddressRequired"},
+                                         {MessageSize, "MessageSize"},
+                                         {ProtocolType, "ProtocolType"},
+                                         {ProtocolOption, "ProtocolOption"},
+                                         {ProtocolNotSupported, "ProtocolNotSupported"},
+                                         {SocketNotSupported, "SocketNotSupported"},
+                                         {OperationNotSupported, "OperationNotSupported"},
+                                         {ProtocolFamilyNotSupported, "ProtocolFamilyNotSupported"},
+                                         {AddressFamilyNotSupported, "AddressFamilyNotSupported"},
+                                         {AddressAlreadyInUse, "AddressAlreadyInUse"},
+                                         {AddressNotAvailable, "AddressNotAvailable"},
+                                         {NetworkDown, "NetworkDown"},
+                                         {NetworkUnreachable, "NetworkUnreachable"},
+                                         {NetworkReset, "NetworkReset"},
+                                         {ConnectionAborted, "ConnectionAborted"},
+                                         {ConnectionReset, "ConnectionReset"},
+                                         {NoBufferSpaceAvailable, "NoBufferSpaceAvailable"},
+                                         {IsConnected, "IsConnected"},
+                                         {NotConnected, "NotConnected"},
+                                         {Shutdown, "Shutdown"},
+                                         {TimedOut, "TimedOut"},
+                                         {ConnectionRefused, "ConnectionRefused"},
+                                         {HostDown, "HostDown"},
+                                         {HostUnreachable, "HostUnreachable"},
+                                         {ProcessLimit, "ProcessLimit"},
+                                         {SystemNotReady, "SystemNotReady"},
+                                         {VersionNotSupported, "VersionNotSupported"},
+                                         {NotInitialized, "NotInitialized"},
+                                         {Disconnecting, "Disconnecting"},
+                                         {TypeNotFound, "TypeNotFound"},
+                                         {HostNotFound, "HostNotFound"},
+                                         {TryAgain, "TryAgain"},
+                                         {NoRecovery, "NoRecovery"},
+                                         {NoData, "NoData"}};
+
+    using Enum::Enum;
+};
+} // namespace Nfx::System::Net::Sockets
