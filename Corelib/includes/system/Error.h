@@ -48,7 +48,7 @@ public:
 
 private:
     std::int32_t code;
-    bool flag = false; // cleared by every constructor; nothing sets it
+    [[maybe_unused]] bool flag = false; // cleared by every constructor; nothing sets it
     const ErrorTable::Map* table;
 };
 } // namespace Nfx::System

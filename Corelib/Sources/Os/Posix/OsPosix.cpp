@@ -1,0 +1,23 @@
+#include "Os/IOs.h"
+#include "Os/Posix/MonitorPosix.h"
+
+namespace Nfx::Os
+{
+namespace
+{
+class OsPosix final : public IOs
+{
+public:
+    IMonitor& Monitor() override { return monitor; }
+
+private:
+    Os::Monitor monitor;
+};
+} // namespace
+
+IOs& Platform()
+{
+    static OsPosix& platform = *new OsPosix();
+    return platform;
+}
+} // namespace Nfx::Os

@@ -1,0 +1,129 @@
+#include "Os/Win32/MonitorW32.h"
+
+#include "Os/Win32/PlatformW32.h"
+
+#include <atomic>
+#include <new>
+
+namespace Nfx::Os
+{
+// A critical section has no timed entry, and some systems hand it over to a waiter, who may be suspended for long or
+// terminated. Here a waiter never owns the lock before it runs.
+class MonitorRecord final
+{
+public:
+    enum : int
+    {
+        Free,
+        Held,
+        HeldAndWanted // whoever exits must wake a waiter
+    };
+
+    ~MonitorRecord()
+    {
+        if (freed != nullptr)
+        {
+            CloseHandle(freed);
+        }
+    }
+
+    bool TryEnter()
+    {
+        int expected = Free;
+        return state.compare_exchange_strong(expected, Held, std::memory_order_acquire, std::memory_order_relaxed);
+    }
+
+    /// False when the time was over first.
+    bool EnterOrWait(DWORD milliseconds)
+    {
+        const ULONGLONG start = GetTickCount64();
+        while (state.exchange(HeldAndWanted, std::memory_order_acquire) != Free)
+        {
+            const ULONGLONG passed = GetTickCount64() - start;
+            if (milliseconds != INFINITE && passed >= milliseconds)
+            {
+                return false;
+            }
+            WaitUntilFreed(milliseconds == INFINITE ? INFINITE : milliseconds - static_cast<DWORD>(passed));
+        }
+        return true;
+    }
+
+    void Exit()
+    {
+        if (state.exchange(Free, std::memory_order_release) == HeldAndWanted)
+        {
+            const HANDLE event = freed.load(std::memory_order_acquire);
+            if (event != nullptr)
+            {
+                SetEvent(event);
+            }
+        }
+    }
+
+private:
+    void WaitUntilFreed(DWORD milliseconds)
+    {
+        const HANDLE event = FreedEvent();
+        if (event != nullptr)
+        {
+            WaitForSingleObject(event, milliseconds);
+        }
+        else
+        {
+            Sleep(1); // no handle to be had just now: look again
+        }
+    }
+
+    // Most locks are never waited for and need no handle.
+    HANDLE FreedEvent()
+    {
+        HANDLE event = freed.load(std::memory_order_acquire);
+        if (event == nullptr)
+        {
+            const HANDLE created = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+            if (freed.compare_exchange_strong(event, created, std::memory_order_acq_rel))
+            {
+                return created;
+            }
+            if (created != nullptr)
+            {
+                CloseHandle(created);
+            }
+        }
+        return event;
+    }
+
+    std::atomic<int> state{Free};
+    std::atomic<HANDLE> freed{nullptr}; // set to wake one waiter; created by the first one
+};
+
+void Monitor::Close(MonitorRecord* monitor)
+{
+    delete monitor;
+}
+
+MonitorRecord* Monitor::Create()
+{
+    return new (std::nothrow) MonitorRecord();
+}
+
+void Monitor::Enter(MonitorRecord* monitor)
+{
+    if (!monitor->TryEnter())
+    {
+        monitor->EnterOrWait(INFINITE);
+    }
+}
+
+void Monitor::Exit(MonitorRecord* monitor)
+{
+    monitor->Exit();
+}
+
+bool Monitor::TryEnter(MonitorRecord* monitor, std::int32_t timeout)
+{
+    return monitor->TryEnter() ||
+           (timeout != 0 && monitor->EnterOrWait(timeout < 0 ? INFINITE : static_cast<DWORD>(timeout)));
+}
+} // namespace Nfx::Os

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Os/IMonitor.h"
+
+namespace Nfx::Os
+{
+class Monitor final : public IMonitor
+{
+public:
+    void Close(MonitorRecord* monitor) override;
+    MonitorRecord* Create() override;
+    void Enter(MonitorRecord* monitor) override;
+    void Exit(MonitorRecord* monitor) override;
+    bool TryEnter(MonitorRecord* monitor, std::int32_t timeout) override;
+};
+} // namespace Nfx::Os
