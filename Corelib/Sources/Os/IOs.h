@@ -2,6 +2,7 @@
 
 namespace Nfx::Os
 {
+class IHostMemory;
 class IMonitor;
 
 /// The services of the platform: every platform call of the framework goes through one of them.
@@ -9,6 +10,7 @@ class IMonitor;
 class IOs
 {
 public:
+    virtual IHostMemory& HostMemory() = 0;
     virtual IMonitor& Monitor() = 0;
 
 protected:

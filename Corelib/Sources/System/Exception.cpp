@@ -69,8 +69,7 @@ String Exception::ToString() const
 
 const String& Exception::GetDefaultMessage() const
 {
-    static const String& text =
-        *new String("Exception of type '" + Type::NameOf(typeid(Exception)) + "' was throw.");
+    static const String& text = *new String("Exception of type '" + Type::NameOf(typeid(Exception)) + "' was throw.");
     return text;
 }
 

@@ -10,10 +10,7 @@ namespace Nfx::System
 String IntPtr::ToString() const
 {
     char text[2 + 2 * sizeof(std::uintptr_t) + 1];
-    std::snprintf(text,
-                  sizeof text,
-                  "0x%0*" PRIXPTR,
-                  static_cast<int>(2 * sizeof(std::uintptr_t)),
+    std::snprintf(text, sizeof text, "0x%0*" PRIXPTR, static_cast<int>(2 * sizeof(std::uintptr_t)),
                   static_cast<std::uintptr_t>(std::intptr_t{*this}));
     return text;
 }

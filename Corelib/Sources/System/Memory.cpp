@@ -1,5 +1,8 @@
 #include "system/Memory.h"
 
+#include "Os/IHostMemory.h"
+#include "Os/IOs.h"
+
 #include <atomic>
 #include <cstdlib>
 
@@ -27,6 +30,11 @@ void Memory::Free(void* memory) noexcept
         liveBlocks.fetch_sub(1, std::memory_order_relaxed);
         std::free(memory);
     }
+}
+
+void* Memory::AllocateForHost(std::size_t size) noexcept
+{
+    return Os::Platform().HostMemory().Allocate(size);
 }
 
 std::int64_t Memory::LiveCount() noexcept

@@ -45,8 +45,8 @@ String Type::ToString() const
 String Type::NameOf(const std::type_info& type)
 {
     int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> name(
-        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
+    const std::unique_ptr<char, decltype(&std::free)> name(abi::__cxa_demangle(type.name(), nullptr, nullptr, &status),
+                                                           &std::free);
     return String(WithoutKeyword(status == 0 && name != nullptr ? name.get() : type.name()));
 }
 } // namespace Nfx::System

@@ -18,32 +18,17 @@ public:
     {
     }
 
-    Int32 Length() const noexcept
-    {
-        return static_cast<std::int32_t>(elements.size());
-    }
+    Int32 Length() const noexcept { return static_cast<std::int32_t>(elements.size()); }
 
     /// @throws IndexOutOfRangeException for an index outside of 0 to Length() - 1.
-    T& operator[](std::int32_t index)
-    {
-        return elements[CheckedIndex(index)];
-    }
+    T& operator[](std::int32_t index) { return elements[CheckedIndex(index)]; }
 
-    const T& operator[](std::int32_t index) const
-    {
-        return elements[CheckedIndex(index)];
-    }
+    const T& operator[](std::int32_t index) const { return elements[CheckedIndex(index)]; }
 
     /// The elements in a row.
-    T* Data() noexcept
-    {
-        return elements.data();
-    }
+    T* Data() noexcept { return elements.data(); }
 
-    const T* Data() const noexcept
-    {
-        return elements.data();
-    }
+    const T* Data() const noexcept { return elements.data(); }
 
     template <class TAction>
     void ForEach(TAction&& action) const

@@ -19,10 +19,7 @@ public:
     {
     }
 
-    operator bool() const noexcept
-    {
-        return value;
-    }
+    operator bool() const noexcept { return value; }
 
     Boolean Equals(const Object* object) const override;
     Int32 GetHashCode() const override;

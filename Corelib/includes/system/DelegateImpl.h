@@ -19,10 +19,7 @@ public:
     {
     }
 
-    void Invoke(TArgs... args) override
-    {
-        (target.*method)(args...);
-    }
+    void Invoke(TArgs... args) override { (target.*method)(args...); }
 
     Boolean Equals(const Object* object) const override
     {
@@ -47,10 +44,7 @@ public:
     {
     }
 
-    void Invoke(TArgs... args) override
-    {
-        function(args...);
-    }
+    void Invoke(TArgs... args) override { function(args...); }
 
     Boolean Equals(const Object* object) const override
     {

@@ -15,10 +15,7 @@ namespace Nfx::System
 class EnumBase : public ValueType
 {
 public:
-    operator std::int32_t() const noexcept
-    {
-        return value;
-    }
+    operator std::int32_t() const noexcept { return value; }
 
     Int32 GetHashCode() const override;
 
@@ -64,16 +61,10 @@ public:
 
     /// The value of a name; case counts.
     /// @throws Exception with ErrorCodes::InvalidFormat when there is no such name.
-    static T Parse(const String& name)
-    {
-        return T(ParseName(T::Names, name));
-    }
+    static T Parse(const String& name) { return T(ParseName(T::Names, name)); }
 
     /// True when the value has a name.
-    static bool IsDefined(std::int32_t value) noexcept
-    {
-        return FindName(T::Names, value) != nullptr;
-    }
+    static bool IsDefined(std::int32_t value) noexcept { return FindName(T::Names, value) != nullptr; }
 };
 
 template <class T>

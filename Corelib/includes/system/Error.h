@@ -26,10 +26,7 @@ public:
     Error(const Error& source) noexcept = default;
     Error& operator=(const Error& source) noexcept = default;
 
-    std::int32_t Code() const noexcept
-    {
-        return code;
-    }
+    std::int32_t Code() const noexcept { return code; }
 
     /// True for another Error of the same code.
     Boolean Equals(const Object* object) const override;

@@ -57,23 +57,24 @@ public:
         return handlers.Count();
     }
 
+    /// The handlers of this moment, in the order in which they were added.
+    Collections::Generic::List<Handler> Handlers() const
+    {
+        const Threading::Lock lock(handlersLock);
+        return handlers;
+    }
+
     /// Calls every handler on this thread; what a handler throws ends the round and goes to the caller.
     void Raise(Object* sender, const TEventArgs& args) const
     {
-        for (const Handler& handler : Snapshot())
+        for (const Handler& handler : Handlers())
         {
             handler->Invoke(sender, args);
         }
     }
 
 private:
-    Collections::Generic::List<Handler> Snapshot() const
-    {
-        const Threading::Lock lock(handlersLock);
-        return handlers;
-    }
-
     mutable Threading::Monitor handlersLock;
-    Collections::Generic::List<Handler> handlers; // guarded by handlersLock
+    Collections::Generic::List<Handler> handlers NFX_GUARDED_BY(handlersLock);
 };
 } // namespace Nfx::System

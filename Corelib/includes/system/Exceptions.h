@@ -31,10 +31,7 @@ NFX_EXCEPTION(InvalidOperationException,
               SystemException,
               "Operation is not valid due to the current state of the object.",
               ErrorCodes::InvalidOperation);
-NFX_EXCEPTION(NotSupportedException,
-              SystemException,
-              "Specified method is not supported.",
-              ErrorCodes::NotSupported);
+NFX_EXCEPTION(NotSupportedException, SystemException, "Specified method is not supported.", ErrorCodes::NotSupported);
 NFX_EXCEPTION(NullPointerException,
               SystemException,
               "Object pointer not set to an instance of an object.",
@@ -55,10 +52,7 @@ NFX_EXCEPTION(DirectoryNotFoundException,
               IOException,
               "Attempted to access a path that is not on the disk.",
               ErrorCodes::DirectoryNotFound);
-NFX_EXCEPTION(FileNotFoundException,
-              IOException,
-              "Unable to find the specified file.",
-              ErrorCodes::FileNotFound);
+NFX_EXCEPTION(FileNotFoundException, IOException, "Unable to find the specified file.", ErrorCodes::FileNotFound);
 } // namespace IO
 
 namespace Threading

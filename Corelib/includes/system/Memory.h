@@ -17,6 +17,10 @@ public:
     /// Null is allowed.
     static void Free(void* memory) noexcept;
 
+    /// Memory that the host application frees, with free or, on Windows, with CoTaskMemFree. Not counted; null when
+    /// there is none.
+    static void* AllocateForHost(std::size_t size) noexcept;
+
     /// Blocks allocated and not yet freed.
     static std::int64_t LiveCount() noexcept;
 };

@@ -19,10 +19,7 @@ public:
     {
     }
 
-    operator TValue() const noexcept
-    {
-        return value;
-    }
+    operator TValue() const noexcept { return value; }
 
     /// True for the same value of the same number type.
     Boolean Equals(const Object* object) const override;

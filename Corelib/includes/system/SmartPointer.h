@@ -7,8 +7,8 @@
 #include "system/RefCounter.h"
 #include "system/String.h"
 
-#include <cstddef>
 #include <concepts>
+#include <cstddef>
 #include <functional>
 #include <utility>
 
@@ -27,15 +27,10 @@ class SmartPointer final : public Object
 public:
     SmartPointer() noexcept = default;
 
-    SmartPointer(std::nullptr_t) noexcept
-    {
-    }
+    SmartPointer(std::nullptr_t) noexcept {}
 
     /// Adopts the object; null gives an empty pointer. When there is no memory for the counter the object is deleted.
-    explicit SmartPointer(T* object)
-    {
-        Adopt(object);
-    }
+    explicit SmartPointer(T* object) { Adopt(object); }
 
     SmartPointer(const SmartPointer& source) noexcept
         : Object()
@@ -53,23 +48,17 @@ public:
 
     /// Shares an object held as a derived class, or as a class that implements this interface.
     template <class U>
-        requires std::convertible_to<U*, T*>
-    SmartPointer(const SmartPointer<U>& source) noexcept
+    requires std::convertible_to<U*, T*> SmartPointer(const SmartPointer<U>& source)
+    noexcept
         : pointer(source.pointer)
         , counter(source.counter)
     {
         Share();
     }
 
-    ~SmartPointer() override
-    {
-        Release();
-    }
+    ~SmartPointer() override { Release(); }
 
-    SmartPointer& operator=(const SmartPointer& source)
-    {
-        return Assign(&source);
-    }
+    SmartPointer& operator=(const SmartPointer& source) { return Assign(&source); }
 
     SmartPointer& operator=(SmartPointer&& source) noexcept
     {
@@ -103,26 +92,14 @@ public:
     }
 
     /// @throws NullPointerException when the pointer is empty.
-    T* operator->() const
-    {
-        return Get();
-    }
+    T* operator->() const { return Get(); }
 
     /// @throws NullPointerException when the pointer is empty.
-    T& operator*() const
-    {
-        return *Get();
-    }
+    T& operator*() const { return *Get(); }
 
-    bool IsNull() const noexcept
-    {
-        return pointer == nullptr && counter == nullptr;
-    }
+    bool IsNull() const noexcept { return pointer == nullptr && counter == nullptr; }
 
-    friend bool operator==(const SmartPointer& left, std::nullptr_t) noexcept
-    {
-        return left.IsNull();
-    }
+    friend bool operator==(const SmartPointer& left, std::nullptr_t) noexcept { return left.IsNull(); }
 
     /// The same object held as another class; empty when it is not of that class.
     template <class U>
@@ -163,10 +140,7 @@ public:
     }
 
     /// The hash of the address that is held, so that all aliases of one object agree.
-    Int32 GetHashCode() const override
-    {
-        return Int32(static_cast<std::int32_t>(std::hash<const void*>{}(pointer)));
-    }
+    Int32 GetHashCode() const override { return Int32(static_cast<std::int32_t>(std::hash<const void*>{}(pointer))); }
 
     String ToString() const override
     {

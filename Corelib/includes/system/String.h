@@ -48,26 +48,14 @@ public:
     Int32 GetHashCode() const override;
     String ToString() const override;
 
-    std::size_t Length() const noexcept
-    {
-        return text.size();
-    }
+    std::size_t Length() const noexcept { return text.size(); }
 
-    bool IsEmpty() const noexcept
-    {
-        return text.empty();
-    }
+    bool IsEmpty() const noexcept { return text.empty(); }
 
     /// NUL-terminated; valid until the string changes.
-    const char* CString() const noexcept
-    {
-        return text.c_str();
-    }
+    const char* CString() const noexcept { return text.c_str(); }
 
-    std::string_view View() const noexcept
-    {
-        return text;
-    }
+    std::string_view View() const noexcept { return text; }
 
     String& Append(std::string_view part)
     {
@@ -81,44 +69,23 @@ public:
         return *this;
     }
 
-    String& operator+=(const String& part)
-    {
-        return Append(part.View());
-    }
+    String& operator+=(const String& part) { return Append(part.View()); }
 
-    String& operator+=(const char* part)
-    {
-        return Append(std::string_view(part));
-    }
+    String& operator+=(const char* part) { return Append(std::string_view(part)); }
 
-    void Clear() noexcept
-    {
-        text.clear();
-    }
+    void Clear() noexcept { text.clear(); }
 
-    void Reserve(std::size_t length)
-    {
-        text.reserve(length);
-    }
+    void Reserve(std::size_t length) { text.reserve(length); }
 
     /// Byte-wise order: negative, zero or positive.
-    int CompareTo(const String& other) const noexcept
-    {
-        return text.compare(other.text);
-    }
+    int CompareTo(const String& other) const noexcept { return text.compare(other.text); }
 
     /// The parts between separators, in order; n separators give n + 1 parts unless empty ones are removed.
     Collections::Generic::List<String> Split(char separator, const StringSplitOptions& options) const;
 
-    friend bool operator==(const String& left, const String& right) noexcept
-    {
-        return left.text == right.text;
-    }
+    friend bool operator==(const String& left, const String& right) noexcept { return left.text == right.text; }
 
-    friend bool operator==(const String& left, const char* right) noexcept
-    {
-        return left.text == right;
-    }
+    friend bool operator==(const String& left, const char* right) noexcept { return left.text == right; }
 
     friend std::strong_ordering operator<=>(const String& left, const String& right) noexcept
     {
@@ -137,10 +104,7 @@ public:
         return left;
     }
 
-    friend String operator+(const char* left, const String& right)
-    {
-        return String(left) + right;
-    }
+    friend String operator+(const char* left, const String& right) { return String(left) + right; }
 
 private:
     std::string text;

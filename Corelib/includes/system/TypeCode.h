@@ -28,22 +28,11 @@ public:
         String
     };
 
-    static constexpr EnumName Names[] = {{Empty, "Empty"},
-                                         {Object, "Object"},
-                                         {Boolean, "Boolean"},
-                                         {Char, "Char"},
-                                         {SByte, "SByte"},
-                                         {Byte, "Byte"},
-                                         {Int16, "Int16"},
-                                         {UInt16, "UInt16"},
-                                         {Int32, "Int32"},
-                                         {UInt32, "UInt32"},
-                                         {Int64, "Int64"},
-                                         {UInt64, "UInt64"},
-                                         {Single, "Single"},
-                                         {Double, "Double"},
-                                         {DateTime, "DateTime"},
-                                         {String, "String"}};
+    static constexpr EnumName Names[] = {
+        {Empty, "Empty"},   {Object, "Object"}, {Boolean, "Boolean"},   {Char, "Char"},
+        {SByte, "SByte"},   {Byte, "Byte"},     {Int16, "Int16"},       {UInt16, "UInt16"},
+        {Int32, "Int32"},   {UInt32, "UInt32"}, {Int64, "Int64"},       {UInt64, "UInt64"},
+        {Single, "Single"}, {Double, "Double"}, {DateTime, "DateTime"}, {String, "String"}};
 
     using Enum::Enum;
 };

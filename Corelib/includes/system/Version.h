@@ -19,30 +19,15 @@ public:
 
     /// @throws ArgumentOutOfRangeException for a negative component (Undefined allowed for build and revision), or a
     /// revision without a build.
-    Version(std::int32_t major,
-            std::int32_t minor,
-            std::int32_t build = Undefined,
-            std::int32_t revision = Undefined);
+    Version(std::int32_t major, std::int32_t minor, std::int32_t build = Undefined, std::int32_t revision = Undefined);
 
-    std::int32_t Major() const noexcept
-    {
-        return major;
-    }
+    std::int32_t Major() const noexcept { return major; }
 
-    std::int32_t Minor() const noexcept
-    {
-        return minor;
-    }
+    std::int32_t Minor() const noexcept { return minor; }
 
-    std::int32_t Build() const noexcept
-    {
-        return build;
-    }
+    std::int32_t Build() const noexcept { return build; }
 
-    std::int32_t Revision() const noexcept
-    {
-        return revision;
-    }
+    std::int32_t Revision() const noexcept { return revision; }
 
     Boolean Equals(const Object* object) const override;
     Int32 GetHashCode() const override;
@@ -54,10 +39,7 @@ public:
     /// @throws Exception with ErrorCodes::InvalidFormat for any other text.
     static Version Parse(const String& text);
 
-    friend bool operator==(const Version& left, const Version& right) noexcept
-    {
-        return (left <=> right) == 0;
-    }
+    friend bool operator==(const Version& left, const Version& right) noexcept { return (left <=> right) == 0; }
 
     friend std::strong_ordering operator<=>(const Version& left, const Version& right) noexcept;
 

@@ -1,4 +1,5 @@
 #include "Os/IOs.h"
+#include "Os/Posix/HostMemoryPosix.h"
 #include "Os/Posix/MonitorPosix.h"
 
 namespace Nfx::Os
@@ -8,9 +9,12 @@ namespace
 class OsPosix final : public IOs
 {
 public:
+    IHostMemory& HostMemory() override { return hostMemory; }
+
     IMonitor& Monitor() override { return monitor; }
 
 private:
+    Os::HostMemory hostMemory;
     Os::Monitor monitor;
 };
 } // namespace

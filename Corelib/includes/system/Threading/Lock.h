@@ -14,10 +14,7 @@ public:
         monitor.Enter();
     }
 
-    ~Lock() NFX_RELEASE()
-    {
-        monitor.Exit();
-    }
+    ~Lock() NFX_RELEASE() { monitor.Exit(); }
 
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;

@@ -18,10 +18,7 @@ class Dictionary final : public Object
 public:
     using Entry = KeyValuePair<K, V>;
 
-    std::size_t Count() const noexcept
-    {
-        return entries.size();
-    }
+    std::size_t Count() const noexcept { return entries.size(); }
 
     /// @throws ArgumentException when the key is there already; nothing changes.
     void Add(K key, V value)
@@ -59,10 +56,7 @@ public:
         return position == index.end() ? nullptr : &entries[position->second].Value();
     }
 
-    bool ContainsKey(const K& key) const
-    {
-        return Find(key) != nullptr;
-    }
+    bool ContainsKey(const K& key) const { return Find(key) != nullptr; }
 
     /// Linear in the number of entries: the later ones move up.
     bool Remove(const K& key)
@@ -101,15 +95,9 @@ public:
         }
     }
 
-    auto begin() const noexcept
-    {
-        return entries.begin();
-    }
+    auto begin() const noexcept { return entries.begin(); }
 
-    auto end() const noexcept
-    {
-        return entries.end();
-    }
+    auto end() const noexcept { return entries.end(); }
 
 private:
     std::map<K, std::size_t> index; // key to place in entries

@@ -17,20 +17,11 @@ public:
     {
     }
 
-    const K& Key() const noexcept
-    {
-        return key;
-    }
+    const K& Key() const noexcept { return key; }
 
-    const V& Value() const noexcept
-    {
-        return value;
-    }
+    const V& Value() const noexcept { return value; }
 
-    V& Value() noexcept
-    {
-        return value;
-    }
+    V& Value() noexcept { return value; }
 
 private:
     K key;

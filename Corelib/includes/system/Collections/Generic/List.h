@@ -21,36 +21,18 @@ public:
     {
     }
 
-    void Add(T value)
-    {
-        elements.push_back(std::move(value));
-    }
+    void Add(T value) { elements.push_back(std::move(value)); }
 
-    Int32 Count() const noexcept
-    {
-        return static_cast<std::int32_t>(elements.size());
-    }
+    Int32 Count() const noexcept { return static_cast<std::int32_t>(elements.size()); }
 
-    bool IsEmpty() const noexcept
-    {
-        return elements.empty();
-    }
+    bool IsEmpty() const noexcept { return elements.empty(); }
 
-    void Reserve(std::size_t count)
-    {
-        elements.reserve(count);
-    }
+    void Reserve(std::size_t count) { elements.reserve(count); }
 
     /// @throws ArgumentOutOfRangeException for an index outside of 0 to Count() - 1.
-    T& operator[](std::int32_t index)
-    {
-        return elements[Checked(index)];
-    }
+    T& operator[](std::int32_t index) { return elements[Checked(index)]; }
 
-    const T& operator[](std::int32_t index) const
-    {
-        return elements[Checked(index)];
-    }
+    const T& operator[](std::int32_t index) const { return elements[Checked(index)]; }
 
     /// @throws ArgumentOutOfRangeException for an index outside of 0 to Count() - 1.
     void RemoveAt(std::int32_t index)
@@ -58,10 +40,7 @@ public:
         elements.erase(elements.begin() + static_cast<std::ptrdiff_t>(Checked(index)));
     }
 
-    void Clear() noexcept
-    {
-        elements.clear();
-    }
+    void Clear() noexcept { elements.clear(); }
 
     /// Calls action(value) for each value in order.
     template <class TAction>
@@ -73,25 +52,13 @@ public:
         }
     }
 
-    auto begin() noexcept
-    {
-        return elements.begin();
-    }
+    auto begin() noexcept { return elements.begin(); }
 
-    auto end() noexcept
-    {
-        return elements.end();
-    }
+    auto end() noexcept { return elements.end(); }
 
-    auto begin() const noexcept
-    {
-        return elements.begin();
-    }
+    auto begin() const noexcept { return elements.begin(); }
 
-    auto end() const noexcept
-    {
-        return elements.end();
-    }
+    auto end() const noexcept { return elements.end(); }
 
 private:
     std::size_t Checked(std::int32_t index) const

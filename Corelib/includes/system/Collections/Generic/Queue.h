@@ -15,20 +15,11 @@ class Queue final : public Object
 {
 public:
     /// The lock that belongs to this queue.
-    Threading::Monitor& SyncRoot() const noexcept
-    {
-        return syncRoot;
-    }
+    Threading::Monitor& SyncRoot() const noexcept { return syncRoot; }
 
-    std::size_t Count() const noexcept
-    {
-        return elements.size();
-    }
+    std::size_t Count() const noexcept { return elements.size(); }
 
-    void Enqueue(T value)
-    {
-        elements.push_back(std::move(value));
-    }
+    void Enqueue(T value) { elements.push_back(std::move(value)); }
 
     /// Removes and returns the oldest value.
     /// @throws InvalidOperationException when the queue is empty.
@@ -43,10 +34,7 @@ public:
         return value;
     }
 
-    void Clear() noexcept
-    {
-        elements.clear();
-    }
+    void Clear() noexcept { elements.clear(); }
 
 private:
     mutable Threading::Monitor syncRoot;

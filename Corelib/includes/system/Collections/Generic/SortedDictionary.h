@@ -13,16 +13,10 @@ template <class K, class V>
 class SortedDictionary final : public Object
 {
 public:
-    std::size_t Count() const noexcept
-    {
-        return entries.size();
-    }
+    std::size_t Count() const noexcept { return entries.size(); }
 
     /// Adds an entry; false, and nothing changes, when the key is there already.
-    bool TryAdd(K key, V value)
-    {
-        return entries.try_emplace(std::move(key), std::move(value)).second;
-    }
+    bool TryAdd(K key, V value) { return entries.try_emplace(std::move(key), std::move(value)).second; }
 
     /// Null when there is no such key.
     const V* Find(const K& key) const
@@ -31,10 +25,7 @@ public:
         return entry == entries.end() ? nullptr : &entry->second;
     }
 
-    bool Remove(const K& key)
-    {
-        return entries.erase(key) != 0;
-    }
+    bool Remove(const K& key) { return entries.erase(key) != 0; }
 
     /// Calls action(key, value) for each entry in key order.
     template <class TAction>

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Os/IHostMemory.h"
+
+namespace Nfx::Os
+{
+/// The C library's memory: hosts free it with free.
+class HostMemory final : public IHostMemory
+{
+public:
+    void* Allocate(std::size_t size) override;
+    void Free(void* memory) override;
+};
+} // namespace Nfx::Os

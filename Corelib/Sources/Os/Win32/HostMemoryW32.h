@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Os/IHostMemory.h"
+
+namespace Nfx::Os
+{
+/// The COM task memory: hosts free it with CoTaskMemFree.
+class HostMemory final : public IHostMemory
+{
+public:
+    void* Allocate(std::size_t size) override;
+    void Free(void* memory) override;
+};
+} // namespace Nfx::Os
