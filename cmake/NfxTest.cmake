@@ -7,10 +7,13 @@
 # TIMEOUT          120 without it; three times as much under a sanitizer
 # LONG             the cases that match this gtest pattern become an entry of their own, <name>-long, labelled "long":
 #                  ctest -LE long leaves them out
-# DISCOVERY_PORTS  the program binds the fixed UDP ports, so ctest runs it beside no other such program
+# DISCOVERY_PORTS  the program binds the fixed UDP ports or broadcasts, so it gets a network namespace of its own
 
 # How ctest starts a program of this build; empty when it starts it directly.
 set(NFX_TEST_LAUNCHER ${CMAKE_CROSSCOMPILING_EMULATOR})
+
+# What goes before that to give the program a network of its own.
+set(NFX_TEST_ISOLATED ${PROJECT_SOURCE_DIR}/cmake/isolated)
 
 set(NFX_TEST_ENVIRONMENT
   ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1
@@ -24,7 +27,11 @@ function(nfx_register_test name program filter)
   if(filter)
     list(APPEND command "--gtest_filter=${filter}")
   endif()
-  add_test(NAME ${name} COMMAND ${NFX_TEST_LAUNCHER} ${command})
+  set(launcher ${NFX_TEST_LAUNCHER})
+  if(arg_DISCOVERY_PORTS)
+    list(PREPEND launcher ${NFX_TEST_ISOLATED})
+  endif()
+  add_test(NAME ${name} COMMAND ${launcher} ${command})
 
   if(NFX_SANITIZE)
     math(EXPR arg_TIMEOUT "3 * ${arg_TIMEOUT}")
@@ -33,9 +40,6 @@ function(nfx_register_test name program filter)
     TIMEOUT ${arg_TIMEOUT}
     LABELS "${arg_LABELS}"
     ENVIRONMENT "${NFX_TEST_ENVIRONMENT}")
-  if(arg_DISCOVERY_PORTS)
-    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK discovery-ports)
-  endif()
 endfunction()
 
 function(nfx_add_test)
