@@ -9,6 +9,4 @@ execute_process(
 
 add_library(cjson STATIC "${cjson_source_dir}/cJSON.c")
 target_include_directories(cjson SYSTEM PUBLIC "${cjson_source_dir}")
-target_compile_definitions(cjson
-  PUBLIC CJSON_HIDE_SYMBOLS
-  PRIVATE ENABLE_LOCALES) # numbers keep their "." in a process whose locale writes ","
+target_compile_definitions(cjson PUBLIC CJSON_HIDE_SYMBOLS)

@@ -1,0 +1,45 @@
+#include "Json/AbstractJSON.h"
+
+#include "JSONDocument.h"
+#include "system/Exceptions.h"
+
+#include <utility>
+
+namespace Zent::Utils::Json
+{
+AbstractJSON::AbstractJSON()
+{
+    JSONDocument::InstallHooks();
+}
+
+AbstractJSON::AbstractJSON(const Nfx::System::String& text)
+    : AbstractJSON()
+{
+    document = new JSONDocument(text.View());
+    item = document->Root();
+}
+
+AbstractJSON::AbstractJSON(const AbstractJSON& owner, const cJSON* item)
+    : document(owner.document)
+    , item(item)
+{
+    if (item == nullptr)
+    {
+        throw Nfx::System::Exception(Nfx::System::ErrorCodes::ParameterIsNull,
+                                     "Serialization.Json/Sources/AbstractJSON", __LINE__);
+    }
+}
+
+AbstractJSON::AbstractJSON(const AbstractJSON& source) = default;
+AbstractJSON::AbstractJSON(AbstractJSON&& source) noexcept = default;
+AbstractJSON& AbstractJSON::operator=(AbstractJSON&& source) noexcept = default;
+AbstractJSON::~AbstractJSON() = default;
+
+AbstractJSON& AbstractJSON::operator=(const AbstractJSON& source)
+{
+    Nfx::System::SmartPointer<JSONDocument> shared(source.document); // a SmartPointer assigned to itself would be empty
+    document = std::move(shared);
+    item = source.item;
+    return *this;
+}
+} // namespace Zent::Utils::Json

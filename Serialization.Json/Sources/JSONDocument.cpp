@@ -1,0 +1,82 @@
+#include "JSONDocument.h"
+
+#include "JSONEscapes.h"
+#include "system/Exceptions.h"
+#include "system/Threading/Lock.h"
+
+#include <cJSON.h>
+
+namespace Zent::Utils::Json
+{
+using Nfx::System::Threading::Lock;
+using Nfx::System::Threading::Monitor;
+
+namespace
+{
+const char SourceName[] = "Serialization.Json/Sources/JSONDocument";
+
+/// One parse at a time: cJSON notes the place of an error in a variable of the process, and its hooks cannot tell for
+/// which document they allocate.
+Monitor& ParserTurn()
+{
+    static Monitor& turn = *new Monitor();
+    return turn;
+}
+
+JSONArena* arena = nullptr; // of the document being parsed; used only by the thread whose turn it is
+
+void* Allocate(std::size_t size)
+{
+    return arena->Allocate(size);
+}
+
+void Free(void* memory)
+{
+    arena->Release(memory);
+}
+
+/// An item takes 64 bytes, and few take less than 10 characters of text.
+std::size_t ExpectedTreeSize(std::string_view text)
+{
+    return 256 + 6 * text.size();
+}
+
+const cJSON* Parse(std::string_view text, JSONArena& memory)
+{
+    const Lock turn(ParserTurn());
+    arena = &memory;
+    return cJSON_ParseWithLength(text.data(), text.size() + 1);
+}
+} // namespace
+
+void JSONDocument::InstallHooks()
+{
+    [[maybe_unused]] static const bool installed = [] {
+        cJSON_Hooks hooks = {&Allocate, &Free};
+        cJSON_InitHooks(&hooks);
+        return true;
+    }();
+}
+
+JSONDocument::JSONDocument(std::string_view text)
+    : memory(ExpectedTreeSize(text))
+{
+    const std::string_view content = text.substr(0, text.find('\0'));
+    if (content.find('\\') == std::string_view::npos)
+    {
+        root = Parse(content, memory);
+    }
+    else
+    {
+        root = Parse(RewriteEscapes(content), memory);
+    }
+    if (root == nullptr && memory.IsExhausted())
+    {
+        throw Nfx::System::OutOfMemoryException(SourceName, __LINE__);
+    }
+    if (root == nullptr)
+    {
+        throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat, SourceName, __LINE__);
+    }
+}
+} // namespace Zent::Utils::Json

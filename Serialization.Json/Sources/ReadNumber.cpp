@@ -1,0 +1,94 @@
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <system_error>
+
+/// Stands in for strtod in cJSON's reader: reads the longest prefix that is a number by the JSON grammar, in every
+/// locale. Gives infinity when the number is too large. end is set to text when there is no number.
+extern "C" double NfxReadNumber(const char* text, char** end) noexcept;
+
+namespace
+{
+const char* SkipDigits(const char* position)
+{
+    while (*position >= '0' && *position <= '9')
+    {
+        ++position;
+    }
+    return position;
+}
+
+/// The end of what follows when a digit is there, else the position itself.
+const char* SkipFraction(const char* position)
+{
+    const char* const end = *position == '.' ? SkipDigits(position + 1) : position;
+    return end > position + 1 ? end : position;
+}
+
+const char* SkipExponent(const char* position)
+{
+    if (*position != 'e' && *position != 'E')
+    {
+        return position;
+    }
+    const char* const digits = position[1] == '+' || position[1] == '-' ? position + 2 : position + 1;
+    const char* const end = SkipDigits(digits);
+    return end > digits ? end : position;
+}
+
+/// The exponent's value; far enough out to outweigh any number of digits when it does not fit.
+std::int64_t ReadExponent(const char* position, const char* end)
+{
+    if (position == end)
+    {
+        return 0;
+    }
+    const char* const digits = position[1] == '+' ? position + 2 : position + 1;
+    std::int64_t exponent = 0;
+    if (std::from_chars(digits, end, exponent).ec != std::errc())
+    {
+        const std::int64_t limit = std::numeric_limits<std::int64_t>::max() / 2;
+        return *digits == '-' ? -limit : limit;
+    }
+    return exponent;
+}
+
+/// Whether a number outside of the range of double is too large rather than too small: the place of its first digit
+/// other than 0 tells.
+bool IsHuge(const char* integer, const char* fraction, const char* exponent, const char* end)
+{
+    std::int64_t magnitude = fraction - integer;
+    if (*integer == '0')
+    {
+        const char* digit = fraction == exponent ? fraction : fraction + 1;
+        const char* const firstDigit = digit;
+        while (digit != exponent && *digit == '0')
+        {
+            ++digit;
+        }
+        magnitude = firstDigit - digit;
+    }
+    return magnitude + ReadExponent(exponent, end) > 0;
+}
+} // namespace
+
+double NfxReadNumber(const char* text, char** end) noexcept
+{
+    *end = const_cast<char*>(text);
+    const char* const integer = *text == '-' ? text + 1 : text;
+    const char* const fraction = *integer == '0' ? integer + 1 : SkipDigits(integer);
+    if (fraction == integer)
+    {
+        return 0;
+    }
+    const char* const exponent = SkipFraction(fraction);
+    const char* const last = SkipExponent(exponent);
+    *end = const_cast<char*>(last);
+
+    double number = 0;
+    if (std::from_chars(integer, last, number).ec == std::errc::result_out_of_range)
+    {
+        number = IsHuge(integer, fraction, exponent, last) ? std::numeric_limits<double>::infinity() : 0.0;
+    }
+    return integer == text ? number : -number;
+}

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "Json/AbstractJSON.h"
+#include "Json/TextView.h"
+#include "system/Boolean.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Zent::Utils::Json
+{
+/// Writes one JSON document front to back. Calls must nest properly: each misuse throws an Exception with
+/// ErrorCodes::InvalidCommandValue and changes nothing.
+class JSONStringer final : public AbstractJSON
+{
+public:
+    /// How far the writer has come; see RollBack.
+    class Mark;
+
+    JSONStringer();
+
+    /// Opens an object: as the document, as the next element, or as the value of the pending key.
+    void Object();
+    void EndObject();
+
+    /// Opens an array: as the document, as the next element, or as the value of the pending key.
+    void Array();
+    void EndArray();
+
+    /// Names the next value; only directly within an object. A second key in a row takes the place of the first.
+    void Key(const TextView& key);
+
+    /// Adds a string, within an object under the pending key.
+    void Value(const TextView& value);
+
+    /// Adds true or false, within an object under the pending key.
+    void Value(Nfx::System::Boolean value);
+
+    /// The text written so far; complete once the outermost container is closed.
+    Nfx::System::String ToString() const override;
+
+    /// Hands the text over without a copy and leaves the writer as new.
+    Nfx::System::String Detach();
+
+    Mark GetMark() const;
+
+    /// Forgets what was written since the mark was taken; the containers open then must not have been closed since.
+    void RollBack(const Mark& mark);
+
+private:
+    enum class Kind : unsigned char
+    {
+        Object,
+        Array
+    };
+
+    struct Container
+    {
+        Kind What;
+        bool HasMembers;
+    };
+
+    static constexpr std::size_t NoKey = static_cast<std::size_t>(-1);
+
+    void BeginValue();
+    void Open(Kind kind, char bracket);
+    void Close(Kind kind, char bracket);
+    void DropPendingKey();
+    void Separate();
+
+    std::string text;
+    std::vector<Container> open;
+    std::size_t keyStart = NoKey; // where the pending key begins in the text, its comma included
+    bool keyWasFirst = false;     // whether the pending key is its object's first
+    bool complete = false;
+};
+
+class JSONStringer::Mark final
+{
+private:
+    friend class JSONStringer;
+
+    std::size_t textLength;
+    std::size_t openCount;
+    Container innermost;
+    std::size_t keyStart;
+    bool keyWasFirst;
+    bool complete;
+};
+} // namespace Zent::Utils::Json
