@@ -2,16 +2,24 @@
 
 namespace Nfx::Os
 {
+class IDateTime;
+class IDirectory;
+class IFile;
 class IHostMemory;
 class IMonitor;
+class IString;
 
 /// The services of the platform: every platform call of the framework goes through one of them.
 /// The services have no state that a caller could see and may be called from any thread.
 class IOs
 {
 public:
+    virtual IDateTime& DateTime() = 0;
+    virtual IDirectory& Directory() = 0;
+    virtual IFile& File() = 0;
     virtual IHostMemory& HostMemory() = 0;
     virtual IMonitor& Monitor() = 0;
+    virtual IString& String() = 0;
 
 protected:
     IOs() = default;

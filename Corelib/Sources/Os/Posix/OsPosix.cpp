@@ -1,6 +1,10 @@
 #include "Os/IOs.h"
+#include "Os/Posix/DateTimePosix.h"
+#include "Os/Posix/DirectoryPosix.h"
+#include "Os/Posix/FilePosix.h"
 #include "Os/Posix/HostMemoryPosix.h"
 #include "Os/Posix/MonitorPosix.h"
+#include "Os/Posix/StringPosix.h"
 
 namespace Nfx::Os
 {
@@ -9,13 +13,25 @@ namespace
 class OsPosix final : public IOs
 {
 public:
+    IDateTime& DateTime() override { return dateTime; }
+
+    IDirectory& Directory() override { return directory; }
+
+    IFile& File() override { return file; }
+
     IHostMemory& HostMemory() override { return hostMemory; }
 
     IMonitor& Monitor() override { return monitor; }
 
+    IString& String() override { return string; }
+
 private:
+    DateTimePosix dateTime;
+    DirectoryPosix directory;
+    FilePosix file;
     Os::HostMemory hostMemory;
     Os::Monitor monitor;
+    StringPosix string;
 };
 } // namespace
 

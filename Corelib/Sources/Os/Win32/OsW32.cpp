@@ -1,6 +1,10 @@
 #include "Os/IOs.h"
+#include "Os/Win32/DateTimeW32.h"
+#include "Os/Win32/DirectoryW32.h"
+#include "Os/Win32/FileW32.h"
 #include "Os/Win32/HostMemoryW32.h"
 #include "Os/Win32/MonitorW32.h"
+#include "Os/Win32/StringW32.h"
 
 namespace Nfx::Os
 {
@@ -9,13 +13,25 @@ namespace
 class OsW32 final : public IOs
 {
 public:
+    IDateTime& DateTime() override { return dateTime; }
+
+    IDirectory& Directory() override { return directory; }
+
+    IFile& File() override { return file; }
+
     IHostMemory& HostMemory() override { return hostMemory; }
 
     IMonitor& Monitor() override { return monitor; }
 
+    IString& String() override { return string; }
+
 private:
+    DateTimeW32 dateTime;
+    DirectoryW32 directory;
+    FileW32 file;
     Os::HostMemory hostMemory;
     Os::Monitor monitor;
+    StringW32 string;
 };
 } // namespace
 

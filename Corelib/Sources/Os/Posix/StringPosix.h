@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Os/IString.h"
+
+namespace Nfx::Os
+{
+class StringPosix final : public IString
+{
+public:
+    System::String ToUtf8(const System::String& text) override;
+};
+} // namespace Nfx::Os
