@@ -14,7 +14,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string_view>
 
 namespace Nfx::System::LogStreams
 {
@@ -74,7 +73,7 @@ public:
         return level <= highestLevel.load(std::memory_order_relaxed);
     }
 
-    void ChangeLevel(const LogStreamLevel& newLevel) override;
+    void ChangeLevel(const LogStreamLevel& level) override;
     void Close() override;
 
     /// Enables splitting: how many files are kept beside the current one; a count below 1 counts as 1.
@@ -84,14 +83,11 @@ public:
     void SetMaximumSize(std::int32_t size);
 
 private:
-    /// The highest level that a stream lets through: none at all for None.
-    static std::int32_t HighestLevel(const LogStreamLevel& level);
-
-    void WriteLine(const LogStreamChannel& channel, char type, std::int32_t error, std::string_view message);
+    template <class TAdd>
+    void WriteLines(const TAdd& add);
 
     Threading::Monitor lock; // held while a line is written: a line has the time of its place in the file
     const std::unique_ptr<LogFile> file NFX_PT_GUARDED_BY(lock);
-    LogStreamLevel level NFX_GUARDED_BY(lock);
-    std::atomic<std::int32_t> highestLevel; // follows level, without the lock, for those who only ask
+    std::atomic<std::int32_t> highestLevel; // of what is written; changed under the lock, read without
 };
 } // namespace Nfx::System::LogStreams
