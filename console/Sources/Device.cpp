@@ -1,0 +1,92 @@
+#include "Device.h"
+
+#include "Json/JSONArray.h"
+#include "Json/JSONObject.h"
+
+#include <algorithm>
+#include <utility>
+
+using Nfx::System::String;
+using Zent::Utils::Json::JSONArray;
+using Zent::Utils::Json::JSONObject;
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+/// Empty when the member is missing: a table with a hole tells more than no table.
+std::string Text(const JSONObject& object, const char* key)
+{
+    String text;
+    object.TryGetString(key, text);
+    return std::string(text.View());
+}
+
+Device::Interface InterfaceOf(const JSONObject& object)
+{
+    return {Text(object, "MACAddress"), Text(object, "IPAddress")};
+}
+
+/// Calls action(element) for each object in the array member.
+template <class TAction>
+void ForEachObject(const JSONObject& object, const char* key, TAction&& action)
+{
+    JSONArray array;
+    object.TryGetJSONArray(key, array);
+    for (std::int32_t i = 0; i < array.Length(); ++i)
+    {
+        JSONObject element;
+        if (array.TryGetJSONObject(i, element))
+        {
+            action(element);
+        }
+    }
+}
+} // namespace
+
+Device::Device(DeviceMessage message)
+    : Message(std::move(message))
+{
+    const JSONObject document{String(std::string_view(Message.Document))};
+    JSONObject source;
+    if (document.TryGetJSONObject("SourceNIC", source))
+    {
+        interfaces.push_back(InterfaceOf(source));
+    }
+    const JSONObject host = document.GetJSONObject("Host");
+    HostName = Text(host, "HostName");
+    Type = Text(host, "DeviceType");
+    Family = Text(host, "DeviceFamily");
+    SerialNumber = Text(host, "SerialNumber");
+    ForEachObject(host, "NICs", [this](const JSONObject& nic) { interfaces.push_back(InterfaceOf(nic)); });
+    ForEachObject(host, "Products", [this](const JSONObject& product) {
+        Products.push_back({Text(product, "ProductName"), Text(product, "ProductVersion")});
+    });
+}
+
+const Device::Interface& Device::MainInterface() const
+{
+    static const Interface None;
+    return interfaces.empty() ? None : interfaces.front();
+}
+
+const Device::Interface* Device::FindMAC(std::string_view address) const
+{
+    const auto found = std::ranges::find(interfaces, address, &Interface::MACAddress);
+    return found == interfaces.end() ? nullptr : &*found;
+}
+
+bool Device::HasIP(std::string_view address) const
+{
+    return std::ranges::find(interfaces, address, &Interface::IPAddress) != interfaces.end();
+}
+
+bool Device::IsSameAs(const Device& other) const
+{
+    if (interfaces.empty() || other.interfaces.empty())
+    {
+        return HostName == other.HostName && SerialNumber == other.SerialNumber;
+    }
+    return FindMAC(other.MainInterface().MACAddress) != nullptr;
+}
+} // namespace Zent::Discovery::Console

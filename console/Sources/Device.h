@@ -1,0 +1,52 @@
+#pragma once
+
+#include "DeviceMessage.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Zent::Discovery::Console
+{
+/// What one message told about a device. All texts are as the device sent them, unfit for a terminal.
+class Device final
+{
+public:
+    struct Interface
+    {
+        std::string MACAddress;
+        std::string IPAddress;
+    };
+
+    struct Product
+    {
+        std::string Name;
+        std::string Version;
+    };
+
+    /// @throws Nfx::System::Exception when the document is not one of the library's.
+    explicit Device(DeviceMessage message);
+
+    /// The interface that the message came from, or else the first one; without text when there is none.
+    const Interface& MainInterface() const;
+
+    /// The interface with that MAC address in the library's form; null when the device has none such.
+    const Interface* FindMAC(std::string_view address) const;
+
+    /// True when one of its interfaces has the address, which is in the library's form.
+    bool HasIP(std::string_view address) const;
+
+    /// True when both texts are about the same device.
+    bool IsSameAs(const Device& other) const;
+
+    DeviceMessage Message;
+    std::string HostName;
+    std::string Type;
+    std::string Family;
+    std::string SerialNumber;
+    std::vector<Product> Products;
+
+private:
+    std::vector<Interface> interfaces; // the one that the message came from first
+};
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+namespace Zent::Discovery::Console
+{
+/// What the program needs from the system it runs on. Main thread only.
+class HostPlatform final
+{
+public:
+    HostPlatform() = delete;
+
+    /// Where the library lies in an installation: found from the program's own place.
+    static std::string DefaultLibraryPath();
+
+    /// A log of the user's own; its folder need not exist.
+    static std::string DefaultLogPath();
+
+    /// The local time of day, such as 14:07:09.
+    static std::string TimeOfDay();
+
+    /// Frees a text of the library's GetErrorMessage; null is allowed.
+    static void FreeErrorText(char* text);
+};
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "DeviceMessage.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <optional>
+
+namespace Zent::Discovery::Console
+{
+/// Hands messages from the library's thread to the main thread, so that the library never waits for the terminal.
+/// Any thread.
+class MessageQueue final
+{
+public:
+    using TimePoint = std::chrono::steady_clock::time_point;
+
+    /// Never waits. When the reader is so far behind that MaximumBytes wait, the message is counted as lost.
+    void Push(DeviceMessage message);
+
+    /// The oldest message, waiting for one until the deadline, or without limit when there is none.
+    /// Nothing when the deadline has passed or Interrupt was called.
+    std::optional<DeviceMessage> Take(const std::optional<TimePoint>& deadline);
+
+    /// Ends a waiting Take and makes every further one return nothing.
+    void Interrupt();
+
+    bool IsInterrupted() const;
+
+    /// How many messages were lost so far.
+    std::size_t Lost() const;
+
+    static constexpr std::size_t MaximumBytes = 16 * 1024 * 1024;
+
+private:
+    mutable std::mutex lock;
+    std::condition_variable changed;
+    std::deque<DeviceMessage> messages; // guarded by lock, and so is all below
+    std::size_t bytes = 0;
+    std::size_t lost = 0;
+    bool interrupted = false;
+};
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Zent::Discovery::Console
+{
+/// What the user asked for. All texts are UTF-8.
+struct Options
+{
+    enum class CommandName
+    {
+        Discover,
+        Watch,
+        Refresh,
+        Reach,
+        Rename,
+        Configure,
+        Error
+    };
+
+    CommandName Command = CommandName::Discover;
+
+    std::string Library;
+    std::string LogFile;
+    int LogLevel = 0;
+    std::vector<std::string> LocalAddresses; // to send from; empty for the system's choice
+    std::string MinimumVersion;              // empty for none
+    std::optional<std::chrono::milliseconds> Wait;
+    bool Json = false;
+
+    std::size_t ExpectedDevices = 0; // 0 when their number is unknown
+    std::string MACAddress;          // of the device meant; empty when IPAddress is set
+    std::string IPAddress;
+    std::string NewHostName;
+    std::string ConfigurationFile;
+    int ErrorCode = 0;
+};
+} // namespace Zent::Discovery::Console

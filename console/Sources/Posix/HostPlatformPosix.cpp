@@ -1,0 +1,48 @@
+#include "HostPlatform.h"
+
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+std::filesystem::path EnvironmentPath(const char* name)
+{
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing changes the environment
+    return value == nullptr ? "" : value;
+}
+} // namespace
+
+std::string HostPlatform::DefaultLibraryPath()
+{
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    return program.parent_path().parent_path() / "lib" / "libDiscoveryServer.ExtC.so";
+}
+
+std::string HostPlatform::DefaultLogPath()
+{
+    std::filesystem::path folder = EnvironmentPath("XDG_STATE_HOME");
+    if (!folder.is_absolute())
+    {
+        const std::filesystem::path home = EnvironmentPath("HOME");
+        folder = home.is_absolute() ? home / ".local" / "state" : std::filesystem::temp_directory_path();
+    }
+    return folder / "discovery-console" / "discovery-console.log";
+}
+
+std::string HostPlatform::TimeOfDay()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char text[16];
+    return {text, std::strftime(text, sizeof(text), "%H:%M:%S", &local)};
+}
+
+void HostPlatform::FreeErrorText(char* text)
+{
+    std::free(text);
+}
+} // namespace Zent::Discovery::Console

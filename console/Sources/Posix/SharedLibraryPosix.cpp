@@ -1,0 +1,28 @@
+#include "SharedLibrary.h"
+
+#include <dlfcn.h>
+#include <filesystem>
+#include <stdexcept>
+
+namespace Zent::Discovery::Console
+{
+SharedLibrary::SharedLibrary(const std::string& path)
+    // A name without a folder would make the loader search its own folders instead of the current one.
+    : handle(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL))
+{
+    if (handle == nullptr)
+    {
+        throw std::runtime_error("cannot load the library: " + std::string(dlerror()));
+    }
+}
+
+void* SharedLibrary::Find(const std::string& name, std::size_t /*argumentBytes*/) const
+{
+    void* const address = dlsym(handle, name.c_str());
+    if (address == nullptr)
+    {
+        throw std::runtime_error("the library lacks the function " + name);
+    }
+    return address;
+}
+} // namespace Zent::Discovery::Console

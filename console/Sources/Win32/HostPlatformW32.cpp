@@ -1,0 +1,63 @@
+#include "HostPlatform.h"
+
+// clang-format off
+#include <windows.h>
+#include <objbase.h>
+// clang-format on
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+std::string Utf8(const std::filesystem::path& path)
+{
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
+std::filesystem::path ProgramPath()
+{
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;)
+    {
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size())
+        {
+            path.resize(length);
+            return path;
+        }
+        path.resize(2 * path.size());
+    }
+}
+} // namespace
+
+std::string HostPlatform::DefaultLibraryPath()
+{
+    return Utf8(ProgramPath().replace_filename(L"DiscoveryServer.ExtC.dll"));
+}
+
+std::string HostPlatform::DefaultLogPath()
+{
+    const wchar_t* const local = _wgetenv(L"LOCALAPPDATA");
+    const std::filesystem::path folder = local == nullptr ? std::filesystem::temp_directory_path() : local;
+    return Utf8(folder / L"discovery-console" / L"discovery-console.log");
+}
+
+std::string HostPlatform::TimeOfDay()
+{
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    char text[16];
+    const int length = std::snprintf(text, sizeof(text), "%02hu:%02hu:%02hu", now.wHour, now.wMinute, now.wSecond);
+    return {text, static_cast<std::size_t>(length)};
+}
+
+void HostPlatform::FreeErrorText(char* text)
+{
+    CoTaskMemFree(text);
+}
+} // namespace Zent::Discovery::Console

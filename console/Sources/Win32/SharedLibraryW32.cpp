@@ -1,0 +1,31 @@
+#include "SharedLibrary.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+#include <windows.h>
+
+namespace Zent::Discovery::Console
+{
+SharedLibrary::SharedLibrary(const std::string& path)
+    // A name without a folder would make the loader search its own folders instead of the current one.
+    : handle(LoadLibraryW(std::filesystem::absolute(std::u8string(path.begin(), path.end())).c_str()))
+{
+    if (handle == nullptr)
+    {
+        const std::error_code reason(static_cast<int>(GetLastError()), std::system_category());
+        throw std::runtime_error("cannot load the library: " + path + ": " + reason.message());
+    }
+}
+
+void* SharedLibrary::Find(const std::string& name, std::size_t argumentBytes) const
+{
+    const std::string decorated = "_" + name + "@" + std::to_string(argumentBytes);
+    void* const address = reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle), decorated.c_str()));
+    if (address == nullptr)
+    {
+        throw std::runtime_error("the library lacks the function " + decorated);
+    }
+    return address;
+}
+} // namespace Zent::Discovery::Console

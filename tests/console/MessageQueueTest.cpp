@@ -1,0 +1,48 @@
+#include "MessageQueue.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+using namespace Zent::Discovery::Console;
+using namespace std::chrono_literals;
+
+namespace
+{
+DeviceMessage Message(std::size_t size)
+{
+    return {DeviceMessage::MessageKind::Hello, std::string(size, 'x')};
+}
+
+TEST(MessageQueueTest, MessagesBeyondTheLimitAreCountedAndLaterOnesFitAgain)
+{
+    MessageQueue queue;
+    constexpr std::size_t Size = MessageQueue::MaximumBytes / 4;
+    for (int i = 0; i < 6; ++i)
+    {
+        queue.Push(Message(Size));
+    }
+    EXPECT_EQ(queue.Lost(), 2u);
+    EXPECT_TRUE(queue.Take(std::nullopt));
+    queue.Push(Message(Size));
+    EXPECT_EQ(queue.Lost(), 2u);
+}
+
+TEST(MessageQueueTest, TakeEndsAtItsDeadline)
+{
+    MessageQueue queue;
+    EXPECT_FALSE(queue.Take(std::chrono::steady_clock::now() + 5ms));
+    EXPECT_FALSE(queue.IsInterrupted());
+}
+
+TEST(MessageQueueTest, InterruptEndsAWaitingTakeAndAllLaterOnes)
+{
+    MessageQueue queue;
+    std::thread interrupter([&queue] { queue.Interrupt(); });
+    EXPECT_FALSE(queue.Take(std::nullopt));
+    interrupter.join();
+    queue.Push(Message(1));
+    EXPECT_FALSE(queue.Take(std::nullopt));
+    EXPECT_TRUE(queue.IsInterrupted());
+}
+} // namespace
