@@ -25,10 +25,7 @@ public:
     explicit JSONMembers(const cJSON* object);
 
     /// In document order, without the exact repetitions of earlier keys.
-    const std::vector<Member>& Different() const noexcept
-    {
-        return members;
-    }
+    const std::vector<Member>& Different() const noexcept { return members; }
 
 private:
     std::vector<Member> members;

@@ -1,0 +1,154 @@
+#include "Discovery/DiscoveryHost.h"
+
+#include "DefectLog.h"
+#include "Discovery/DiscoveryLogger.h"
+#include "Json/JSONArray.h"
+#include "Json/JSONObject.h"
+#include "Json/JSONStringer.h"
+#include "system/Exceptions.h"
+
+#include <utility>
+
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::Collections::Generic::List;
+using Nfx::System::LogStreams::LogStreamChannel;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Zent::Utils::Json::JSONArray;
+using Zent::Utils::Json::JSONObject;
+using Zent::Utils::Json::JSONStringer;
+
+namespace Zent::Discovery
+{
+namespace
+{
+const char HostNameKey[] = "HostName";
+const char IsHostNameReadOnlyKey[] = "IsHostNameReadOnly";
+const char RebootRequiredForIPConfigChangeKey[] = "RebootRequiredForIPConfigChange";
+const char RebootRequiredForHostNameChangeKey[] = "RebootRequiredForHostNameChange";
+const char DeviceTypeKey[] = "DeviceType";
+const char DeviceFamilyKey[] = "DeviceFamily";
+const char SerialNumberKey[] = "SerialNumber";
+const char NICsKey[] = "NICs";
+const char ProductsKey[] = "Products";
+const char FileTransferInfosKey[] = "FileTransferInfos";
+
+const LogStreamChannel& Channel()
+{
+    static const LogStreamChannel& channel = *new LogStreamChannel("DiscoveryMessage");
+    return channel;
+}
+
+template <class T>
+void ReadList(const JSONArray& array, List<SmartPointer<T>>& list)
+{
+    list.Clear();
+    list.Reserve(static_cast<std::size_t>(std::int32_t{array.Length()}));
+    for (std::int32_t index = 0; index < array.Length(); ++index)
+    {
+        SmartPointer<T> record(new T());
+        record->ReadFrom(array.GetJSONObject(index));
+        list.Add(std::move(record));
+    }
+}
+
+template <class T>
+void WriteList(JSONStringer& stringer, const char* key, const List<SmartPointer<T>>& list)
+{
+    stringer.Key(key);
+    stringer.Array();
+    for (const SmartPointer<T>& record : list)
+    {
+        record->Serialize(stringer);
+    }
+    stringer.EndArray();
+}
+} // namespace
+
+void DiscoveryHost::Serialize(JSONStringer& stringer) const
+{
+    stringer.Object();
+    stringer.Key(HostNameKey);
+    stringer.Value(HostName);
+    stringer.Key(IsHostNameReadOnlyKey);
+    stringer.Value(IsHostNameReadOnly);
+    stringer.Key(RebootRequiredForIPConfigChangeKey);
+    stringer.Value(RebootRequiredForIPConfigChange);
+    stringer.Key(RebootRequiredForHostNameChangeKey);
+    stringer.Value(RebootRequiredForHostNameChange);
+    stringer.Key(DeviceTypeKey);
+    stringer.Value(DeviceType);
+    stringer.Key(DeviceFamilyKey);
+    stringer.Value(DeviceFamily);
+    stringer.Key(SerialNumberKey);
+    stringer.Value(SerialNumber);
+    WriteList(stringer, NICsKey, NICs);
+    WriteList(stringer, ProductsKey, Products);
+    stringer.Key(FileTransferInfosKey);
+    WriteFileTransferInfos(stringer);
+    stringer.EndObject();
+}
+
+String DiscoveryHost::ToJson() const
+{
+    return IJSONSerializable::ToJson();
+}
+
+void DiscoveryHost::Deserialize(const String& json)
+{
+    ReadFrom(JSONObject(json));
+}
+
+void DiscoveryHost::ReadFrom(const JSONObject& json)
+{
+    HostName = json.GetString(HostNameKey);
+    IsHostNameReadOnly = true;
+    json.TryGetBoolean(IsHostNameReadOnlyKey, IsHostNameReadOnly);
+    RebootRequiredForIPConfigChange = false;
+    json.TryGetBoolean(RebootRequiredForIPConfigChangeKey, RebootRequiredForIPConfigChange);
+    RebootRequiredForHostNameChange = false;
+    json.TryGetBoolean(RebootRequiredForHostNameChangeKey, RebootRequiredForHostNameChange);
+    DeviceType = json.GetString(DeviceTypeKey);
+    DeviceFamily.Clear();
+    json.TryGetString(DeviceFamilyKey, DeviceFamily);
+    SerialNumber.Clear();
+    json.TryGetString(SerialNumberKey, SerialNumber);
+    ReadList(json.GetJSONArray(NICsKey), NICs);
+    ReadList(json.GetJSONArray(ProductsKey), Products);
+    ReadFileTransferInfos(json);
+}
+
+void DiscoveryHost::ReadFileTransferInfos(const JSONObject& json)
+{
+    FileTransferInfos = new Zent::Discovery::FileTransferInfos();
+    try
+    {
+        FileTransferInfos->ReadFrom(json.GetJSONObject(FileTransferInfosKey));
+    }
+    catch (const Nfx::System::Exception&)
+    {
+        DefectLog::Write(Channel(), "No FileTransfer infos or failed to parse JSON data", LogStreamLevel::Standard);
+    }
+}
+
+void DiscoveryHost::WriteFileTransferInfos(JSONStringer& stringer) const
+{
+    const JSONStringer::Mark mark = stringer.GetMark();
+    try
+    {
+        if (!FileTransferInfos.IsNull())
+        {
+            FileTransferInfos->Serialize(stringer);
+            return;
+        }
+    }
+    catch (const Nfx::System::Exception& exception)
+    {
+        DiscoveryLogger::GetInstance().Log(
+            Channel(), "Exception caught during JSON FileTransfer infos parsing -> ignoring.", exception);
+        stringer.RollBack(mark);
+    }
+    stringer.Object();
+    stringer.EndObject();
+}
+} // namespace Zent::Discovery

@@ -1,0 +1,108 @@
+#include "Discovery/Message/ChangeYourIPConfigMessage.h"
+
+#include "DefectLog.h"
+#include "Json/JSONArray.h"
+#include "Json/JSONObject.h"
+#include "Json/JSONStringer.h"
+#include "system/Exceptions.h"
+
+#include <utility>
+
+using Nfx::System::SmartPointer;
+using Nfx::System::LogStreams::LogStreamChannel;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Zent::Utils::Json::JSONArray;
+using Zent::Utils::Json::JSONObject;
+using Zent::Utils::Json::JSONStringer;
+
+namespace Zent::Discovery
+{
+namespace
+{
+const char SourceName[] = "Sources/Message/ChangeYourIPConfigMessage";
+const char NewNICConfigsKey[] = "NewNICConfigs";
+
+const LogStreamChannel& Channel()
+{
+    static const LogStreamChannel& channel = *new LogStreamChannel("ChangeYourIPConfigMessage");
+    return channel;
+}
+
+/// Empty when the element is no good settings.
+SmartPointer<NICConfig> ReadNICConfig(const JSONArray& array, std::int32_t index)
+{
+    JSONObject element;
+    // One datagram holds twenty thousand elements of two characters; an exception for each would take too long.
+    if (!array.TryGetJSONObject(index, element) || !NICConfig::IsComplete(element))
+    {
+        return nullptr;
+    }
+    SmartPointer<NICConfig> config(new NICConfig());
+    try
+    {
+        config->ReadFrom(element);
+    }
+    catch (const Nfx::System::Exception&)
+    {
+        return nullptr;
+    }
+    return config;
+}
+} // namespace
+
+ChangeYourIPConfigMessage::ChangeYourIPConfigMessage(const Nfx::System::Version& version)
+    : DiscoveryMessage(version)
+{
+}
+
+ChangeYourIPConfigMessage::ChangeYourIPConfigMessage(const NICConfigList& newNICConfigs)
+    : NewNICConfigs(newNICConfigs)
+{
+}
+
+ChangeYourIPConfigMessage::ChangeYourIPConfigMessage(const Nfx::System::Version& version,
+                                                     const NICConfigList& newNICConfigs)
+    : DiscoveryMessage(version)
+    , NewNICConfigs(newNICConfigs)
+{
+}
+
+void ChangeYourIPConfigMessage::Serialize(JSONStringer& stringer) const
+{
+    DiscoveryMessage::Serialize(stringer);
+    stringer.Key(NewNICConfigsKey);
+    stringer.Array();
+    for (const SmartPointer<NICConfig>& config : NewNICConfigs)
+    {
+        config->Serialize(stringer);
+    }
+    stringer.EndArray();
+}
+
+DiscoveryMessageType ChangeYourIPConfigMessage::GetMessageType() const
+{
+    return DiscoveryMessageType::ChangeYourIPConfig;
+}
+
+void ChangeYourIPConfigMessage::ReadFrom(const JSONObject& json)
+{
+    DiscoveryMessage::ReadFrom(json);
+    JSONArray array;
+    if (!json.TryGetJSONArray(NewNICConfigsKey, array))
+    {
+        DefectLog::Reject(Channel(), "No \"New NIC Configs\" key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+    }
+    NewNICConfigs.Clear();
+    for (std::int32_t index = 0; index < array.Length(); ++index)
+    {
+        SmartPointer<NICConfig> config = ReadNICConfig(array, index);
+        if (config.IsNull())
+        {
+            DefectLog::Write(Channel(), "Failed to parse NIC config !!! Ignoring this one...",
+                             LogStreamLevel::Critical);
+            continue;
+        }
+        NewNICConfigs.Add(std::move(config));
+    }
+}
+} // namespace Zent::Discovery

@@ -1,0 +1,125 @@
+#include "Discovery/Message/DiscoveryMessage.h"
+
+#include "DefectLog.h"
+#include "Json/JSONObject.h"
+#include "Json/JSONStringer.h"
+
+using Nfx::System::Boolean;
+using Nfx::System::String;
+using Nfx::System::LogStreams::LogStreamChannel;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Zent::Utils::Json::JSONObject;
+using Zent::Utils::Json::JSONStringer;
+
+namespace Zent::Discovery
+{
+namespace
+{
+const char SourceName[] = "Sources/Message/DiscoveryMessage";
+const char TypeKey[] = "DiscoveryMessageType";
+const char VersionKey[] = "DiscoveryVersion";
+const char BroadcastKey[] = "Broadcast";
+
+const LogStreamChannel& Channel()
+{
+    static const LogStreamChannel& channel = *new LogStreamChannel("DiscoveryMessage");
+    return channel;
+}
+
+String ReadTypeName(const JSONObject& json)
+{
+    String name;
+    if (!json.TryGetString(TypeKey, name))
+    {
+        DefectLog::Reject(Channel(), "No message type key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+    }
+    return name;
+}
+
+Boolean ReadBroadcast(const JSONObject& json)
+{
+    String text;
+    if (!json.TryGetString(BroadcastKey, text))
+    {
+        DefectLog::Write(Channel(), "No Broadcast key. Assuming broadcast message.", LogStreamLevel::Debug);
+        return true;
+    }
+    Boolean broadcast;
+    if (!Boolean::TryParse(text, broadcast))
+    {
+        DefectLog::Reject(Channel(), "No valid value for Broadcast key !!! => BAD MESSAGE FORMAT !", SourceName,
+                          __LINE__);
+    }
+    return broadcast;
+}
+} // namespace
+
+DiscoveryMessage::DiscoveryMessage()
+    : DiscoveryMessage(ProtocolVersion())
+{
+}
+
+DiscoveryMessage::DiscoveryMessage(const Nfx::System::Version& version)
+    : DiscoveryMessage(version, true)
+{
+}
+
+DiscoveryMessage::DiscoveryMessage(const Nfx::System::Version& version, Boolean broadcast)
+    : Version(version)
+    , Broadcast(broadcast)
+{
+}
+
+const Nfx::System::Version& DiscoveryMessage::ProtocolVersion()
+{
+    static const Nfx::System::Version& version =
+        *new Nfx::System::Version(Nfx::System::Version::Parse(ProtocolVersionText));
+    return version;
+}
+
+void DiscoveryMessage::Serialize(JSONStringer& stringer) const
+{
+    stringer.Key(TypeKey);
+    stringer.Value(GetMessageType().ToString());
+    stringer.Key(VersionKey);
+    stringer.Value(Version.ToString());
+    stringer.Key(BroadcastKey);
+    stringer.Value(Broadcast.ToString());
+}
+
+String DiscoveryMessage::ToJson() const
+{
+    JSONStringer stringer;
+    stringer.Object();
+    Serialize(stringer);
+    stringer.EndObject();
+    return stringer.Detach();
+}
+
+void DiscoveryMessage::Deserialize(const String& json)
+{
+    ReadFrom(JSONObject(json));
+}
+
+void DiscoveryMessage::ReadFrom(const JSONObject& json)
+{
+    ReadTypeName(json);
+    String version;
+    if (!json.TryGetString(VersionKey, version))
+    {
+        DefectLog::Reject(Channel(), "No version key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+    }
+    Version = Nfx::System::Version::Parse(version);
+    Broadcast = ReadBroadcast(json);
+}
+
+DiscoveryMessageType DiscoveryMessage::GetMessageType(const String& json)
+{
+    return GetMessageType(JSONObject(json));
+}
+
+DiscoveryMessageType DiscoveryMessage::GetMessageType(const JSONObject& json)
+{
+    return DiscoveryMessageType::Parse(ReadTypeName(json));
+}
+} // namespace Zent::Discovery
