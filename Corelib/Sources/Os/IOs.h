@@ -7,6 +7,7 @@ class IDirectory;
 class IFile;
 class IHostMemory;
 class IMonitor;
+class ISocket;
 class IString;
 
 /// The services of the platform: every platform call of the framework goes through one of them.
@@ -19,6 +20,7 @@ public:
     virtual IFile& File() = 0;
     virtual IHostMemory& HostMemory() = 0;
     virtual IMonitor& Monitor() = 0;
+    virtual ISocket& Socket() = 0;
     virtual IString& String() = 0;
 
 protected:

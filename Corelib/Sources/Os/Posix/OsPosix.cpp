@@ -4,6 +4,7 @@
 #include "Os/Posix/FilePosix.h"
 #include "Os/Posix/HostMemoryPosix.h"
 #include "Os/Posix/MonitorPosix.h"
+#include "Os/Posix/SocketPosix.h"
 #include "Os/Posix/StringPosix.h"
 
 namespace Nfx::Os
@@ -23,6 +24,8 @@ public:
 
     IMonitor& Monitor() override { return monitor; }
 
+    ISocket& Socket() override { return socket; }
+
     IString& String() override { return string; }
 
 private:
@@ -31,6 +34,7 @@ private:
     FilePosix file;
     Os::HostMemory hostMemory;
     Os::Monitor monitor;
+    SocketPosix socket;
     StringPosix string;
 };
 } // namespace

@@ -4,6 +4,7 @@
 #include "Os/Win32/FileW32.h"
 #include "Os/Win32/HostMemoryW32.h"
 #include "Os/Win32/MonitorW32.h"
+#include "Os/Win32/SocketW32.h"
 #include "Os/Win32/StringW32.h"
 
 namespace Nfx::Os
@@ -23,6 +24,8 @@ public:
 
     IMonitor& Monitor() override { return monitor; }
 
+    ISocket& Socket() override { return socket; }
+
     IString& String() override { return string; }
 
 private:
@@ -31,6 +34,7 @@ private:
     FileW32 file;
     Os::HostMemory hostMemory;
     Os::Monitor monitor;
+    SocketW32 socket;
     StringW32 string;
 };
 } // namespace
