@@ -1,0 +1,70 @@
+#include "corelib/Net/LoopbackSocket.h"
+#include "corelib/Net/Repeater.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+namespace Nfx::System::Net::Sockets
+{
+namespace
+{
+TEST(SocketStopTest, CloseWakesABlockedReceiver)
+{
+    for (int cycle = 0; cycle < 200; ++cycle)
+    {
+        const SmartPointer<Socket> socket = OpenLoopback();
+        Repeater receiver([&] { ReceiveText(*socket); });
+        SendText(*socket, "the next receive blocks", LoopbackEnd(*socket));
+        receiver.AwaitStart();
+        socket->Close();
+        ASSERT_EQ(receiver.Ending(), "closed");
+    }
+}
+
+TEST(SocketStopTest, StopUnderTrafficEndsEveryThreadWithOneOfTwoReasons)
+{
+    const SmartPointer<Socket> device = OpenLoopback();
+    const IPEndPoint deviceEnd = LoopbackEnd(*device);
+    for (int cycle = 0; cycle < 100; ++cycle)
+    {
+        const SmartPointer<Socket> socket = OpenLoopback();
+        const IPEndPoint self = LoopbackEnd(*socket);
+        Repeater receiver([&] { ReceiveText(*socket); });
+        Repeater sender([&] { SendText(*socket, "to myself", self); });
+        Repeater otherSender([&] { SendText(*socket, "to the device", deviceEnd); });
+        receiver.AwaitStart();
+        otherSender.AwaitStart();
+
+        socket->Shutdown(SocketShutdown::Both);
+        socket->Close();
+
+        for (Repeater* const repeater : {&receiver, &sender, &otherSender})
+        {
+            const String ending = repeater->Ending();
+            ASSERT_TRUE(ending == "closed" || ending == "Shutdown") << ending.View();
+        }
+    }
+}
+
+TEST(SocketStopTest, ManyThreadsMayClose)
+{
+    for (int cycle = 0; cycle < 50; ++cycle)
+    {
+        const SmartPointer<Socket> socket = OpenLoopback();
+        Repeater receiver([&] { ReceiveText(*socket); });
+        std::vector<std::thread> closers;
+        for (int index = 0; index < 4; ++index)
+        {
+            closers.emplace_back([&] { socket->Close(); });
+        }
+        for (std::thread& closer : closers)
+        {
+            closer.join();
+        }
+        ASSERT_EQ(receiver.Ending(), "closed");
+    }
+}
+} // namespace
+} // namespace Nfx::System::Net::Sockets
