@@ -19,6 +19,9 @@ public:
     static constexpr std::int32_t Success = 0;
     static constexpr std::int32_t AddressSize = 16;
 
+    ISocket(const ISocket&) = delete;
+    ISocket& operator=(const ISocket&) = delete;
+
     /// Opens a socket that child processes do not inherit. The handle is set on success only.
     virtual std::int32_t Open(std::int32_t type, std::int32_t protocol, Handle& handle) noexcept = 0;
 
@@ -61,7 +64,5 @@ public:
 protected:
     ISocket() = default;
     virtual ~ISocket() = default;
-    ISocket(const ISocket&) = delete;
-    ISocket& operator=(const ISocket&) = delete;
 };
 } // namespace Nfx::Os

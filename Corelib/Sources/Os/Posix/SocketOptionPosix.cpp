@@ -44,11 +44,11 @@ bool SetOpposite(int descriptor, int level, int name, std::int32_t value) noexce
 bool SetTimeout(int descriptor, int level, int name, std::int32_t value) noexcept
 {
     constexpr std::int32_t MillisecondsPerSecond = 1000;
-    constexpr std::int32_t MicrosecondsPerMillisecond = 1000;
+    constexpr suseconds_t MicrosecondsPerMillisecond = 1000;
     const std::int32_t milliseconds = value < 0 ? 0 : value;
     timeval time = {};
     time.tv_sec = milliseconds / MillisecondsPerSecond;
-    time.tv_usec = (milliseconds % MillisecondsPerSecond) * MicrosecondsPerMillisecond;
+    time.tv_usec = milliseconds % MillisecondsPerSecond * MicrosecondsPerMillisecond;
     return SetValue(descriptor, level, name, time);
 }
 
