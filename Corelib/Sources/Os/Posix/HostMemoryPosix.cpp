@@ -4,12 +4,12 @@
 
 namespace Nfx::Os
 {
-void* HostMemory::Allocate(std::size_t size)
+void* HostMemoryPosix::Allocate(std::size_t size)
 {
     return std::malloc(size);
 }
 
-void HostMemory::Free(void* memory)
+void HostMemoryPosix::Free(void* memory)
 {
     std::free(memory);
 }

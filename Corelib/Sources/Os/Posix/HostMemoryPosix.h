@@ -5,7 +5,7 @@
 namespace Nfx::Os
 {
 /// The C library's memory: hosts free it with free.
-class HostMemory final : public IHostMemory
+class HostMemoryPosix final : public IHostMemory
 {
 public:
     void* Allocate(std::size_t size) override;

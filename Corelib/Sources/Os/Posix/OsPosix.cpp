@@ -32,7 +32,7 @@ private:
     DateTimePosix dateTime;
     DirectoryPosix directory;
     FilePosix file;
-    Os::HostMemory hostMemory;
+    HostMemoryPosix hostMemory;
     Os::Monitor monitor;
     SocketPosix socket;
     StringPosix string;

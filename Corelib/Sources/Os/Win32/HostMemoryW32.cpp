@@ -6,12 +6,12 @@
 
 namespace Nfx::Os
 {
-void* HostMemory::Allocate(std::size_t size)
+void* HostMemoryW32::Allocate(std::size_t size)
 {
     return CoTaskMemAlloc(size);
 }
 
-void HostMemory::Free(void* memory)
+void HostMemoryW32::Free(void* memory)
 {
     CoTaskMemFree(memory);
 }

@@ -5,7 +5,7 @@
 namespace Nfx::Os
 {
 /// The COM task memory: hosts free it with CoTaskMemFree.
-class HostMemory final : public IHostMemory
+class HostMemoryW32 final : public IHostMemory
 {
 public:
     void* Allocate(std::size_t size) override;

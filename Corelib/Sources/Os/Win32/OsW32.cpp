@@ -32,7 +32,7 @@ private:
     DateTimeW32 dateTime;
     DirectoryW32 directory;
     FileW32 file;
-    Os::HostMemory hostMemory;
+    HostMemoryW32 hostMemory;
     Os::Monitor monitor;
     SocketW32 socket;
     StringW32 string;

@@ -1,0 +1,14 @@
+#include "Discovery/Datagram.h"
+
+namespace Zent::Discovery
+{
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::Net::IPEndPoint;
+
+Datagram::Datagram(const SmartPointer<String>& message, const IPEndPoint& remoteEndPoint)
+    : Message(message)
+    , RemoteEndPoint(new IPEndPoint(remoteEndPoint))
+{
+}
+} // namespace Zent::Discovery
