@@ -37,21 +37,22 @@ public:
     bool EnterOrWait(DWORD milliseconds)
     {
         const ULONGLONG start = GetTickCount64();
-        while (state.exchange(HeldAndWanted, std::memory_order_acquire) != Free)
+        const HANDLE event = FreedEvent(); // first: whoever finds the lock wanted must find the event too
+        while (state.exchange(HeldAndWanted, std::memory_order_acq_rel) != Free)
         {
             const ULONGLONG passed = GetTickCount64() - start;
             if (milliseconds != INFINITE && passed >= milliseconds)
             {
                 return false;
             }
-            WaitUntilFreed(milliseconds == INFINITE ? INFINITE : milliseconds - static_cast<DWORD>(passed));
+            Wait(event, milliseconds == INFINITE ? INFINITE : milliseconds - static_cast<DWORD>(passed));
         }
         return true;
     }
 
     void Exit()
     {
-        if (state.exchange(Free, std::memory_order_release) == HeldAndWanted)
+        if (state.exchange(Free, std::memory_order_acq_rel) == HeldAndWanted)
         {
             const HANDLE event = freed.load(std::memory_order_acquire);
             if (event != nullptr)
@@ -62,9 +63,8 @@ public:
     }
 
 private:
-    void WaitUntilFreed(DWORD milliseconds)
+    static void Wait(HANDLE event, DWORD milliseconds)
     {
-        const HANDLE event = FreedEvent();
         if (event != nullptr)
         {
             WaitForSingleObject(event, milliseconds);
