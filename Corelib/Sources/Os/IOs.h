@@ -4,11 +4,15 @@ namespace Nfx::Os
 {
 class IDateTime;
 class IDirectory;
+class IEvent;
 class IFile;
 class IHostMemory;
 class IMonitor;
+class IMutex;
+class ISemaphore;
 class ISocket;
 class IString;
+class IThread;
 
 /// The services of the platform: every platform call of the framework goes through one of them.
 /// The services have no state that a caller could see and may be called from any thread.
@@ -17,11 +21,15 @@ class IOs
 public:
     virtual IDateTime& DateTime() = 0;
     virtual IDirectory& Directory() = 0;
+    virtual IEvent& Event() = 0;
     virtual IFile& File() = 0;
     virtual IHostMemory& HostMemory() = 0;
     virtual IMonitor& Monitor() = 0;
+    virtual IMutex& Mutex() = 0;
+    virtual ISemaphore& Semaphore() = 0;
     virtual ISocket& Socket() = 0;
     virtual IString& String() = 0;
+    virtual IThread& Thread() = 0;
 
 protected:
     IOs() = default;

@@ -4,6 +4,11 @@
 
 namespace Nfx::System
 {
+namespace Threading
+{
+class Interlocked;
+}
+
 /// Base of the number types: one value, its text and its parsing. TDerived is the number type, TValue what it holds.
 /// Members are defined in the Number source for the types listed there.
 template <class TDerived, class TValue>
@@ -33,6 +38,8 @@ public:
     static TDerived Parse(const String& text);
 
 private:
+    friend class Threading::Interlocked; // changes the value in place
+
     TValue value = 0;
 };
 } // namespace Nfx::System

@@ -37,28 +37,28 @@ bool EnterWithin(pthread_mutex_t& mutex, std::int32_t timeout)
 }
 } // namespace
 
-void Monitor::Close(MonitorRecord* monitor)
+void MonitorPosix::Close(MonitorRecord* monitor)
 {
     pthread_mutex_destroy(&monitor->Mutex);
     delete monitor;
 }
 
-MonitorRecord* Monitor::Create()
+MonitorRecord* MonitorPosix::Create()
 {
     return new (std::nothrow) MonitorRecord();
 }
 
-void Monitor::Enter(MonitorRecord* monitor)
+void MonitorPosix::Enter(MonitorRecord* monitor)
 {
     pthread_mutex_lock(&monitor->Mutex);
 }
 
-void Monitor::Exit(MonitorRecord* monitor)
+void MonitorPosix::Exit(MonitorRecord* monitor)
 {
     pthread_mutex_unlock(&monitor->Mutex);
 }
 
-bool Monitor::TryEnter(MonitorRecord* monitor, std::int32_t timeout)
+bool MonitorPosix::TryEnter(MonitorRecord* monitor, std::int32_t timeout)
 {
     if (timeout < 0)
     {

@@ -98,17 +98,17 @@ private:
     std::atomic<HANDLE> freed{nullptr}; // set to wake one waiter; created by the first one
 };
 
-void Monitor::Close(MonitorRecord* monitor)
+void MonitorW32::Close(MonitorRecord* monitor)
 {
     delete monitor;
 }
 
-MonitorRecord* Monitor::Create()
+MonitorRecord* MonitorW32::Create()
 {
     return new (std::nothrow) MonitorRecord();
 }
 
-void Monitor::Enter(MonitorRecord* monitor)
+void MonitorW32::Enter(MonitorRecord* monitor)
 {
     if (!monitor->TryEnter())
     {
@@ -116,12 +116,12 @@ void Monitor::Enter(MonitorRecord* monitor)
     }
 }
 
-void Monitor::Exit(MonitorRecord* monitor)
+void MonitorW32::Exit(MonitorRecord* monitor)
 {
     monitor->Exit();
 }
 
-bool Monitor::TryEnter(MonitorRecord* monitor, std::int32_t timeout)
+bool MonitorW32::TryEnter(MonitorRecord* monitor, std::int32_t timeout)
 {
     return monitor->TryEnter() ||
            (timeout != 0 && monitor->EnterOrWait(timeout < 0 ? INFINITE : static_cast<DWORD>(timeout)));

@@ -4,7 +4,7 @@
 
 namespace Nfx::Os
 {
-class Monitor final : public IMonitor
+class MonitorW32 final : public IMonitor
 {
 public:
     void Close(MonitorRecord* monitor) override;

@@ -1,11 +1,8 @@
 #include "system/Threading/Monitor.h"
 
-#include "Os/IMonitor.h"
-#include "Os/IOs.h"
+#include "System/Threading/MonitorData.h"
+#include "System/Threading/ObjectMonitors.h"
 #include "system/Exceptions.h"
-
-#include <atomic>
-#include <cstdint>
 
 namespace Nfx::System::Threading
 {
@@ -13,58 +10,33 @@ namespace
 {
 const char SourceName[] = "Corelib/Sources/System/Threading/Monitor";
 
-// Its address tells threads apart faster than asking the platform for an id.
-thread_local const char threadIdentity = 0;
+std::int32_t CheckedTimeout(std::int32_t timeout)
+{
+    if (timeout < -1)
+    {
+        throw Exception(ErrorCodes::InvalidParameterValue, SourceName, __LINE__);
+    }
+    return timeout;
+}
+
+void RequireMine(bool isMine)
+{
+    if (!isMine)
+    {
+        throw InvalidOperationException(SourceName, __LINE__);
+    }
+}
+
+Monitor::MonitorData& MineOf(const Object& object)
+{
+    Monitor::MonitorData* const data = ObjectMonitors::Instance().FindMine(object);
+    RequireMine(data != nullptr);
+    return *data;
+}
 } // namespace
 
-class Monitor::MonitorData final
-{
-public:
-    MonitorData()
-        : service(Os::Platform().Monitor())
-        , lock(service.Create())
-    {
-        if (lock == nullptr)
-        {
-            throw OutOfMemoryException(SourceName, __LINE__);
-        }
-    }
-
-    ~MonitorData() { service.Close(lock); }
-
-    MonitorData(const MonitorData&) = delete;
-    MonitorData& operator=(const MonitorData&) = delete;
-
-    bool IsMine() const { return owner.load(std::memory_order_relaxed) == &threadIdentity; }
-
-    void Enter()
-    {
-        if (!IsMine())
-        {
-            service.Enter(lock);
-            owner.store(&threadIdentity, std::memory_order_relaxed);
-        }
-        ++entries;
-    }
-
-    void Exit()
-    {
-        if (--entries == 0)
-        {
-            owner.store(nullptr, std::memory_order_relaxed);
-            service.Exit(lock);
-        }
-    }
-
-private:
-    Os::IMonitor& service;
-    Os::MonitorRecord* const lock;
-    std::atomic<const char*> owner{nullptr}; // written by the owner only; others just learn that it is not theirs
-    std::int32_t entries = 0;                // guarded by lock
-};
-
 Monitor::Monitor()
-    : data(new MonitorData())
+    : data(std::make_unique<MonitorData>())
 {
 }
 
@@ -75,12 +47,62 @@ void Monitor::Enter()
     data->Enter();
 }
 
+Boolean Monitor::TryEnter(Int32 timeout)
+{
+    return data->TryEnter(CheckedTimeout(timeout));
+}
+
 void Monitor::Exit()
 {
-    if (!data->IsMine())
-    {
-        throw InvalidOperationException(SourceName, __LINE__);
-    }
+    RequireMine(data->IsMine());
     data->Exit();
+}
+
+Boolean Monitor::Wait(Int32 timeout)
+{
+    RequireMine(data->IsMine());
+    return data->Wait(CheckedTimeout(timeout));
+}
+
+void Monitor::Pulse()
+{
+    RequireMine(data->IsMine());
+    data->Pulse();
+}
+
+void Monitor::PulseAll()
+{
+    RequireMine(data->IsMine());
+    data->PulseAll();
+}
+
+void Monitor::Enter(const Object& object)
+{
+    ObjectMonitors::Instance().Enter(object);
+}
+
+Boolean Monitor::TryEnter(const Object& object, Int32 timeout)
+{
+    return ObjectMonitors::Instance().TryEnter(object, CheckedTimeout(timeout));
+}
+
+void Monitor::Exit(const Object& object)
+{
+    RequireMine(ObjectMonitors::Instance().Exit(object));
+}
+
+Boolean Monitor::Wait(const Object& object, Int32 timeout)
+{
+    return MineOf(object).Wait(CheckedTimeout(timeout));
+}
+
+void Monitor::Pulse(const Object& object)
+{
+    MineOf(object).Pulse();
+}
+
+void Monitor::PulseAll(const Object& object)
+{
+    MineOf(object).PulseAll();
 }
 } // namespace Nfx::System::Threading

@@ -4,22 +4,42 @@
 
 namespace Nfx::System::Threading
 {
-/// Holds a monitor from construction to the end of the scope.
+/// Holds a monitor, or the lock of an object, from construction to the end of the scope.
 class NFX_SCOPED_CAPABILITY Lock final
 {
 public:
     explicit Lock(Monitor& monitor) NFX_ACQUIRE(monitor)
-        : monitor(monitor)
+        : monitor(&monitor)
     {
         monitor.Enter();
     }
 
-    ~Lock() NFX_RELEASE() { monitor.Exit(); }
+    /// The lock that Monitor keeps for an object, which must live to the end of the scope.
+    explicit Lock(const Object& object) NFX_ACQUIRE()
+        : object(&object)
+    {
+        Monitor::Enter(object);
+    }
+
+    explicit Lock(const Monitor& monitor) = delete; // would lock the object instead of the monitor
+
+    ~Lock() NFX_RELEASE()
+    {
+        if (monitor != nullptr)
+        {
+            monitor->Exit();
+        }
+        else
+        {
+            Monitor::Exit(*object);
+        }
+    }
 
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
 
 private:
-    Monitor& monitor;
+    Monitor* const monitor = nullptr; // one of the two
+    const Object* const object = nullptr;
 };
 } // namespace Nfx::System::Threading

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "Os/ThreadTable.h"
+
+#include <cstdint>
+
+namespace Nfx::Os
+{
+/// Threads. Operations on a record report success as a truth value and may be called from any thread while the record
+/// is not closed. Timeouts are milliseconds; -1 waits without limit, and below that nothing is waited for.
+class IThread
+{
+public:
+    virtual ~IThread() = default;
+
+    /// For a platform whose threads need something set up first; none of ours does.
+    virtual bool Open() { return true; }
+
+    /// The counterpart of Open.
+    virtual bool Shut() { return true; }
+
+    /// Gives the record back, at once or, when the thread still runs, at its end. False without a record.
+    virtual bool Close(ThreadRecord* thread) = 0;
+
+    /// Starts a thread; signals sent to the process are not delivered to it. Null when all records are taken or the
+    /// platform refuses. The stack size is in bytes.
+    virtual ThreadRecord* Create(ThreadRoutine start,
+                                 void* parameter,
+                                 std::uint64_t& threadId,
+                                 std::uint32_t stackSize) = 0;
+
+    /// The record whose handle is the platform's name for the thread that calls. That name is the same in every thread
+    /// and stands in no record, so the result is null.
+    virtual ThreadRecord* CurrentRecord() = 0;
+
+    /// Unique among the threads that live.
+    virtual std::uint64_t CurrentThreadId() = 0;
+
+    /// From -2 (lowest) to 2 (highest).
+    virtual bool GetPriority(ThreadRecord* thread, std::int32_t& priority) = 0;
+
+    /// Ends the calling thread.
+    [[noreturn]] virtual void Exit(std::uint32_t code) = 0;
+
+    virtual bool Resume(ThreadRecord* thread) = 0;
+
+    /// From -2 (lowest) to 2 (highest). False when the platform refuses, for example for lack of a right.
+    virtual bool SetPriority(ThreadRecord* thread, std::int32_t priority) = 0;
+
+    /// Sleeps, whatever happens meanwhile.
+    virtual void Sleep(std::int32_t milliseconds) = 0;
+
+    /// Returns when the thread has stopped. False for the calling thread itself.
+    virtual bool Suspend(ThreadRecord* thread) = 0;
+
+    /// Ends the thread by force where the platform can; its destructors do not run then, and what it holds stays held.
+    /// Elsewhere it does what Interrupt does, and the thread is expected to end itself.
+    virtual bool Terminate(ThreadRecord* thread, std::uint32_t exitCode) = 0;
+
+    /// True when the thread ended within the timeout. The wait can be interrupted.
+    virtual bool Wait(ThreadRecord* thread, std::int32_t timeout) = 0;
+
+    /// Ends the thread's current wait in this layer or, when it does not wait, the next one that would block: the wait
+    /// returns false. A wait that finds its object signalled takes it all the same.
+    virtual bool Interrupt(ThreadRecord* thread) = 0;
+
+    /// Sleeps until the time is over or the thread is interrupted.
+    virtual void Pause(std::int32_t timeout) = 0;
+
+    /// Shows in debuggers; platforms may cut it.
+    virtual bool SetName(ThreadRecord* thread, const char* name) = 0;
+
+    /// True when the calling thread was interrupted since it last asked. Threads that were not created here never are.
+    virtual bool TakeInterrupt() = 0;
+};
+} // namespace Nfx::Os

@@ -1,0 +1,227 @@
+#include "Os/Posix/ThreadBlockPosix.h"
+
+#include <algorithm>
+#include <climits>
+#include <csignal>
+#include <cstring>
+#include <string>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace Nfx::Os
+{
+namespace
+{
+constinit thread_local ThreadBlockPosix* current = nullptr;
+
+constexpr std::int32_t NicePerPriority = -5; // five steps a priority make a difference that shows
+
+// Signals sent to the process belong to the host's threads. A fault of the thread itself reaches the host's handler,
+// and the signal of Suspend must come through.
+sigset_t SignalsBlockedInThreads() noexcept
+{
+    sigset_t blocked;
+    sigfillset(&blocked);
+    for (const int deliverable : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SuspensionPosix::Signal()})
+    {
+        sigdelset(&blocked, deliverable);
+    }
+    return blocked;
+}
+
+std::size_t UsableStackSize(std::uint32_t requested) noexcept
+{
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::size_t size = std::max<std::size_t>(requested, static_cast<std::size_t>(PTHREAD_STACK_MIN));
+    return (size + page - 1) / page * page;
+}
+
+int NiceOf(std::int32_t priority) noexcept
+{
+    const int processNice = getpriority(PRIO_PROCESS, static_cast<id_t>(getpid()));
+    return std::clamp(processNice + NicePerPriority * priority, -20, 19);
+}
+
+bool SetNice(pid_t thread, int nice) noexcept
+{
+    return setpriority(PRIO_PROCESS, static_cast<id_t>(thread), nice) == 0;
+}
+} // namespace
+
+/// From a thread's first step to its last but one, however it ends.
+class ThreadBlockPosix::Life final
+{
+public:
+    explicit Life(ThreadBlockPosix& block)
+        : block(block)
+    {
+        current = &block;
+        SuspensionPosix::SetCurrent(&block.suspension);
+        InterruptionPosix::SetCurrent(&block.interruption);
+        block.ApplyPriorityOfNewThread();
+        const ConditionPosix::Guard lock(block.condition);
+        block.kernelId = gettid();
+        block.condition.WakeAll();
+    }
+
+    ~Life()
+    {
+        InterruptionPosix::SetCurrent(nullptr);
+        {
+            const ConditionPosix::Guard lock(block.condition);
+            block.hasEnded = true;
+            block.condition.WakeAll();
+        }
+        SuspensionPosix::SetCurrent(nullptr);
+        current = nullptr;
+        ThreadRecord& record = block.record;
+        if (ThreadTable::DropUseOfThread(record))
+        {
+            delete &block;
+            ThreadTable::PutBack(record);
+        }
+    }
+
+    Life(const Life&) = delete;
+    Life& operator=(const Life&) = delete;
+
+private:
+    ThreadBlockPosix& block;
+};
+
+ThreadBlockPosix::ThreadBlockPosix(ThreadRecord& record)
+    : record(record)
+    , isChildOfPrioritised(current != nullptr && current->GetPriority() != 0)
+    , interruption(record.Interrupted)
+{
+}
+
+ThreadBlockPosix& ThreadBlockPosix::Of(const ThreadRecord& record) noexcept
+{
+    return *static_cast<ThreadBlockPosix*>(record.Handle.load(std::memory_order_relaxed));
+}
+
+ThreadBlockPosix* ThreadBlockPosix::Current() noexcept
+{
+    return current;
+}
+
+bool ThreadBlockPosix::Start(std::uint32_t stackSize, std::uint64_t& threadId)
+{
+    pthread_attr_t attributes;
+    if (pthread_attr_init(&attributes) != 0)
+    {
+        return false;
+    }
+    pthread_attr_setstacksize(&attributes, UsableStackSize(stackSize));
+
+    const sigset_t blocked = SignalsBlockedInThreads(); // the new thread inherits the mask
+    sigset_t before;
+    pthread_sigmask(SIG_SETMASK, &blocked, &before);
+    const bool started = pthread_create(&thread, &attributes, &ThreadBlockPosix::Run, this) == 0;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+
+    pthread_attr_destroy(&attributes);
+    if (started)
+    {
+        threadId = thread;
+    }
+    return started;
+}
+
+void* ThreadBlockPosix::Run(void* block)
+{
+    ThreadBlockPosix& self = *static_cast<ThreadBlockPosix*>(block);
+    const Life life(self);
+    self.record.Start(self.record.Parameter);
+    return nullptr;
+}
+
+void ThreadBlockPosix::ApplyPriorityOfNewThread() noexcept
+{
+    if (isChildOfPrioritised)
+    {
+        SetNice(gettid(), NiceOf(0));
+    }
+}
+
+ThreadRecord& ThreadBlockPosix::Record() noexcept
+{
+    return record;
+}
+
+bool ThreadBlockPosix::TryTake()
+{
+    return hasEnded;
+}
+
+bool ThreadBlockPosix::Join(std::int32_t timeout)
+{
+    if (!Wait(timeout))
+    {
+        return false;
+    }
+    const ConditionPosix::Guard lock(condition);
+    if (!isJoined)
+    {
+        pthread_join(thread, nullptr); // the thread is past its last use of this block
+        isJoined = true;
+    }
+    return true;
+}
+
+void ThreadBlockPosix::Detach()
+{
+    const ConditionPosix::Guard lock(condition);
+    if (!isJoined)
+    {
+        pthread_detach(thread);
+    }
+}
+
+void ThreadBlockPosix::Interrupt()
+{
+    interruption.Request();
+}
+
+bool ThreadBlockPosix::Suspend()
+{
+    const ConditionPosix::Guard lock(condition);
+    return !hasEnded && current != this && suspension.Suspend(thread);
+}
+
+bool ThreadBlockPosix::Resume()
+{
+    const ConditionPosix::Guard lock(condition);
+    return !hasEnded && suspension.Resume(thread);
+}
+
+std::int32_t ThreadBlockPosix::GetPriority()
+{
+    const ConditionPosix::Guard lock(condition);
+    return priority;
+}
+
+bool ThreadBlockPosix::SetPriority(std::int32_t newPriority)
+{
+    const ConditionPosix::Guard lock(condition);
+    while (kernelId == 0)
+    {
+        condition.Sleep();
+    }
+    if (hasEnded || !SetNice(kernelId, NiceOf(newPriority)))
+    {
+        return false;
+    }
+    priority = newPriority;
+    return true;
+}
+
+bool ThreadBlockPosix::SetName(const char* name)
+{
+    constexpr std::size_t longestName = 15;
+    const std::string cut(name, strnlen(name, longestName));
+    const ConditionPosix::Guard lock(condition);
+    return !hasEnded && pthread_setname_np(thread, cut.c_str()) == 0;
+}
+} // namespace Nfx::Os

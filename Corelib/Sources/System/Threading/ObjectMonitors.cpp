@@ -1,0 +1,68 @@
+#include "System/Threading/ObjectMonitors.h"
+
+#include "system/Threading/Lock.h"
+
+namespace Nfx::System::Threading
+{
+ObjectMonitors& ObjectMonitors::Instance()
+{
+    static ObjectMonitors& instance = *new ObjectMonitors(); // threads may hold locks while the process exits
+    return instance;
+}
+
+void ObjectMonitors::Enter(const Object& object)
+{
+    Use(object).Enter();
+}
+
+bool ObjectMonitors::TryEnter(const Object& object, std::int32_t timeout)
+{
+    const bool entered = Use(object).TryEnter(timeout);
+    if (!entered)
+    {
+        Unuse(object);
+    }
+    return entered;
+}
+
+Monitor::MonitorData* ObjectMonitors::FindMine(const Object& object)
+{
+    const Lock lock(access);
+    const auto position = entries.find(&object);
+    return position != entries.end() && position->second->Data.IsMine() ? &position->second->Data : nullptr;
+}
+
+bool ObjectMonitors::Exit(const Object& object)
+{
+    Monitor::MonitorData* const data = FindMine(object);
+    if (data == nullptr)
+    {
+        return false;
+    }
+    data->Exit();
+    Unuse(object);
+    return true;
+}
+
+Monitor::MonitorData& ObjectMonitors::Use(const Object& object)
+{
+    const Lock lock(access);
+    auto position = entries.find(&object);
+    if (position == entries.end())
+    {
+        position = entries.emplace(&object, std::make_unique<Entry>()).first;
+    }
+    ++position->second->Users;
+    return position->second->Data;
+}
+
+void ObjectMonitors::Unuse(const Object& object)
+{
+    const Lock lock(access);
+    const auto position = entries.find(&object);
+    if (--position->second->Users == 0)
+    {
+        entries.erase(position);
+    }
+}
+} // namespace Nfx::System::Threading

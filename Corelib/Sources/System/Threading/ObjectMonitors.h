@@ -1,0 +1,43 @@
+#pragma once
+
+#include "System/Threading/MonitorData.h"
+
+#include <map>
+#include <memory>
+
+namespace Nfx::System::Threading
+{
+/// The locks of objects that threads hold or want at the moment, one table per process. Any thread.
+class ObjectMonitors final
+{
+public:
+    static ObjectMonitors& Instance();
+
+    ObjectMonitors(const ObjectMonitors&) = delete;
+    ObjectMonitors& operator=(const ObjectMonitors&) = delete;
+
+    void Enter(const Object& object);
+    bool TryEnter(const Object& object, std::int32_t timeout);
+
+    /// The lock of an object that the calling thread owns; null otherwise.
+    Monitor::MonitorData* FindMine(const Object& object);
+
+    /// Gives up one entry; false when the calling thread does not own the lock.
+    bool Exit(const Object& object);
+
+private:
+    struct Entry
+    {
+        Monitor::MonitorData Data;
+        std::int32_t Users = 0; // entries that were made or are wanted; guarded by access
+    };
+
+    ObjectMonitors() = default;
+
+    Monitor::MonitorData& Use(const Object& object);
+    void Unuse(const Object& object);
+
+    Monitor access;
+    std::map<const Object*, std::unique_ptr<Entry>> entries NFX_GUARDED_BY(access);
+};
+} // namespace Nfx::System::Threading

@@ -1,0 +1,431 @@
+#include "System/Threading/ThreadData.h"
+
+#include "Os/IOs.h"
+#include "Os/IThread.h"
+#include "System/Threading/ThreadRegistry.h"
+#include "system/Exceptions.h"
+#include "system/Threading/Lock.h"
+#include "system/Type.h"
+
+#include <cxxabi.h>
+#include <new>
+#include <utility>
+
+namespace Nfx::System::Threading
+{
+namespace
+{
+const char SourceName[] = "Corelib/Sources/System/Threading/Thread";
+
+// Enough for what the library does on a thread; the platforms' own defaults would use up a 32-bit host's addresses.
+constexpr std::uint32_t StackSize = 1024 * 1024;
+
+// Os priorities lie around zero, and what has no name counts as normal.
+std::int32_t ToOsPriority(std::int32_t priority) noexcept
+{
+    return ThreadPriority::IsDefined(priority) ? priority - 2 : 0;
+}
+
+constinit thread_local Thread::ThreadData* currentThread = nullptr;
+
+Os::IThread& Threads()
+{
+    return Os::Platform().Thread();
+}
+
+String Describe(const std::exception_ptr& exception)
+{
+    try
+    {
+        std::rethrow_exception(exception);
+    }
+    catch (const Exception& thrown)
+    {
+        return thrown.ToString() + ", location: " + thrown.GetSourceFile() + "(" + thrown.GetSourceLine().ToString() +
+               ")";
+    }
+    catch (const std::exception& thrown)
+    {
+        return Type::NameOf(typeid(thrown)) + ": " + thrown.what();
+    }
+    catch (...)
+    {
+        return "an exception of unknown type";
+    }
+}
+} // namespace
+
+/// From the first step of the running thread to its last, whichever way the delegate is left.
+class Thread::ThreadData::Life final
+{
+public:
+    explicit Life(ThreadData& data) noexcept
+        : data(data)
+    {
+        currentThread = &data;
+    }
+
+    ~Life()
+    {
+        const SmartPointer<ThreadData> last(data.End()); // may be the last to let go of the data
+        currentThread = nullptr;
+    }
+
+    Life(const Life&) = delete;
+    Life& operator=(const Life&) = delete;
+
+private:
+    ThreadData& data;
+};
+
+Thread::ThreadData::Waiting::Waiting(ThreadData& data) noexcept
+    : data(data)
+{
+    data.Change(0, ThreadState::WaitSleepJoin);
+}
+
+Thread::ThreadData::Waiting::~Waiting()
+{
+    data.Change(ThreadState::WaitSleepJoin, 0);
+}
+
+Thread::ThreadData::ThreadData(const SmartPointer<Delegate<>>& start,
+                               const SmartPointer<Delegate<Object*>>& startWithParameter)
+    : start(start)
+    , startWithParameter(startWithParameter)
+{
+}
+
+Thread::ThreadData::~ThreadData()
+{
+    Os::ThreadRecord* const closed = record.load();
+    if (closed != nullptr)
+    {
+        Threads().Close(closed);
+    }
+}
+
+Thread::ThreadData* Thread::ThreadData::Current() noexcept
+{
+    return currentThread;
+}
+
+bool Thread::ThreadData::TakesParameter() const
+{
+    return startWithParameter != nullptr;
+}
+
+void Thread::ThreadData::Start(const SmartPointer<ThreadData>& alias, Object* startParameter)
+{
+    const Lock lock(control); // the new thread may end at once, but not before all of this is done
+    if (!Has(ThreadState::Unstarted))
+    {
+        throw ThreadStateException(SourceName, __LINE__);
+    }
+    self = alias;
+    parameter = startParameter;
+    Change(ThreadState::Unstarted, 0);
+    Os::ThreadRecord* const created = Threads().Create(&ThreadData::Run, this, id, StackSize);
+    if (created == nullptr)
+    {
+        Change(0, ThreadState::Unstarted);
+        self = nullptr;
+        throw OutOfMemoryException(SourceName, __LINE__);
+    }
+    record.store(created);
+    ThreadRegistry::Add(id, self);
+    ApplyName();
+    if (priority != ThreadPriority::Normal)
+    {
+        ApplyPriority();
+    }
+    if (isInterruptedAtStart)
+    {
+        Threads().Interrupt(created);
+    }
+}
+
+std::uint32_t Thread::ThreadData::Run(void* data)
+{
+    ThreadData& running = *static_cast<ThreadData*>(data);
+    const Life life(running);
+    running.InvokeDelegate();
+    return 0;
+}
+
+void Thread::ThreadData::InvokeDelegate()
+{
+    try
+    {
+        if (start != nullptr)
+        {
+            start->Invoke();
+        }
+        else
+        {
+            startWithParameter->Invoke(TakeParameter());
+        }
+    }
+    catch (const AbortSignal&)
+    {
+        // the state tells
+    }
+    catch (abi::__forced_unwind&)
+    {
+        throw; // the platform ends the thread and must get through
+    }
+    catch (...) // past a thread's edge it would end the process
+    {
+        RecordFailure(std::current_exception());
+    }
+}
+
+Object* Thread::ThreadData::TakeParameter()
+{
+    const Lock lock(control);
+    return std::exchange(parameter, nullptr);
+}
+
+void Thread::ThreadData::RecordFailure(const std::exception_ptr& exception) noexcept
+{
+    const Lock lock(control);
+    try
+    {
+        failure = Describe(exception);
+    }
+    catch (const std::bad_alloc&)
+    {
+        failure = "out of memory"; // short enough to need none
+    }
+}
+
+SmartPointer<Thread::ThreadData> Thread::ThreadData::End()
+{
+    const Lock lock(control);
+    if (hasEnded)
+    {
+        return nullptr;
+    }
+    hasEnded = true;
+    ThreadRegistry::Remove(id);
+    const std::int32_t end = Has(ThreadState::AbortRequested) ? ThreadState::Aborted : ThreadState::Stopped;
+    Change(~ThreadState::Background, end);
+    return std::move(self);
+}
+
+// A thread that was ended by force could not do it itself.
+void Thread::ThreadData::CollectTerminated()
+{
+    Os::ThreadRecord* const aborted = Has(ThreadState::AbortRequested) ? record.load() : nullptr;
+    if (aborted != nullptr && Threads().Wait(aborted, 0))
+    {
+        End();
+    }
+}
+
+bool Thread::ThreadData::Join(std::int32_t timeout)
+{
+    ThrowIfCurrent();
+    if (Has(ThreadState::Unstarted))
+    {
+        throw ThreadStateException(SourceName, __LINE__);
+    }
+    Os::ThreadRecord* const joined = RecordOfStarted();
+    if (joined == nullptr)
+    {
+        return true; // aborted before it was started
+    }
+    const bool ended = Block(timeout, [joined](std::int32_t time) { return Threads().Wait(joined, time); });
+    if (ended)
+    {
+        CollectTerminated();
+    }
+    return ended;
+}
+
+// Only Start's caller sees a thread that is no longer unstarted and has no record yet.
+Os::ThreadRecord* Thread::ThreadData::RecordOfStarted() const
+{
+    const Lock lock(control);
+    return record.load();
+}
+
+void Thread::ThreadData::Interrupt()
+{
+    const Lock lock(control);
+    if (Has(ThreadState::Unstarted))
+    {
+        isInterruptedAtStart = true;
+    }
+    else if (!hasEnded)
+    {
+        Threads().Interrupt(record.load());
+    }
+}
+
+void Thread::ThreadData::Suspend()
+{
+    ThrowIfCurrent();
+    const Lock lock(control);
+    if (hasEnded || Has(ThreadState::Unstarted))
+    {
+        throw ThreadStateException(SourceName, __LINE__);
+    }
+    if (Has(ThreadState::Suspended))
+    {
+        return;
+    }
+    Change(0, ThreadState::SuspendRequested);
+    const bool suspended = Threads().Suspend(record.load());
+    Change(ThreadState::SuspendRequested, suspended ? ThreadState::Suspended : 0);
+    if (!suspended)
+    {
+        throw ThreadStateException(SourceName, __LINE__);
+    }
+}
+
+void Thread::ThreadData::Resume()
+{
+    const Lock lock(control);
+    if (!Has(ThreadState::Suspended) || !Threads().Resume(record.load()))
+    {
+        throw ThreadStateException(SourceName, __LINE__);
+    }
+    Change(ThreadState::Suspended, 0);
+}
+
+void Thread::ThreadData::Abort()
+{
+    {
+        const Lock lock(control);
+        if (hasEnded)
+        {
+            return;
+        }
+        if (Has(ThreadState::Suspended))
+        {
+            throw ThreadStateException(SourceName, __LINE__);
+        }
+        if (Has(ThreadState::Unstarted))
+        {
+            hasEnded = true;
+            Change(ThreadState::Unstarted, ThreadState::Aborted);
+            return;
+        }
+        Change(0, ThreadState::AbortRequested);
+        if (currentThread != this)
+        {
+            Threads().Terminate(record.load(), 0);
+        }
+    }
+    if (currentThread == this)
+    {
+        throw AbortSignal();
+    }
+    CollectTerminated();
+}
+
+ThreadState Thread::ThreadData::GetState()
+{
+    CollectTerminated();
+    return state.load();
+}
+
+void Thread::ThreadData::SetBackground(bool isBackground)
+{
+    const Lock lock(control);
+    Change(ThreadState::Background, isBackground ? ThreadState::Background : 0);
+}
+
+ThreadPriority Thread::ThreadData::GetPriority() const
+{
+    const Lock lock(control);
+    return priority;
+}
+
+bool Thread::ThreadData::SetPriority(const ThreadPriority& newPriority)
+{
+    const Lock lock(control);
+    priority = ThreadPriority::IsDefined(newPriority) ? std::int32_t{newPriority} : ThreadPriority::Normal;
+    return ApplyPriority();
+}
+
+bool Thread::ThreadData::ApplyPriority()
+{
+    Os::ThreadRecord* const running = hasEnded ? nullptr : record.load();
+    return running == nullptr || Threads().SetPriority(running, ToOsPriority(priority));
+}
+
+String Thread::ThreadData::GetName() const
+{
+    const Lock lock(control);
+    return name;
+}
+
+void Thread::ThreadData::SetName(const String& newName)
+{
+    const Lock lock(control);
+    name = newName;
+    ApplyName();
+}
+
+void Thread::ThreadData::ApplyName()
+{
+    Os::ThreadRecord* const running = hasEnded ? nullptr : record.load();
+    if (running != nullptr && !name.IsEmpty())
+    {
+        Threads().SetName(running, name.CString());
+    }
+}
+
+std::uint64_t Thread::ThreadData::GetId() const
+{
+    const Lock lock(control);
+    return id;
+}
+
+String Thread::ThreadData::GetFailure() const
+{
+    const Lock lock(control);
+    return hasEnded ? failure : String();
+}
+
+void Thread::ThreadData::ThrowIfAborted() const
+{
+    if (Has(ThreadState::AbortRequested))
+    {
+        throw AbortSignal();
+    }
+}
+
+void Thread::ThreadData::ThrowIfWoken() const
+{
+    if (Threads().TakeInterrupt())
+    {
+        ThrowIfAborted();
+        throw ThreadInterruptedException(SourceName, __LINE__);
+    }
+}
+
+void Thread::ThreadData::ThrowIfCurrent() const
+{
+    if (currentThread == this)
+    {
+        throw InvalidOperationException(SourceName, __LINE__);
+    }
+}
+
+bool Thread::ThreadData::Has(std::int32_t flags) const noexcept
+{
+    return (state.load() & flags) != 0;
+}
+
+void Thread::ThreadData::Change(std::int32_t cleared, std::int32_t set) noexcept
+{
+    std::int32_t before = state.load();
+    while (!state.compare_exchange_weak(before, (before & ~cleared) | set))
+    {
+        // another flag changed meanwhile
+    }
+}
+} // namespace Nfx::System::Threading

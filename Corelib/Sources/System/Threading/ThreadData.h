@@ -1,0 +1,131 @@
+#pragma once
+
+#include "system/Delegate.h"
+#include "system/SmartPointer.h"
+#include "system/String.h"
+#include "system/Threading/Monitor.h"
+#include "system/Threading/Thread.h"
+
+#include <atomic>
+#include <cstdint>
+#include <exception>
+
+namespace Nfx::Os
+{
+class ThreadRecord;
+}
+
+namespace Nfx::System::Threading
+{
+/// What there is to know about one thread, shared by its Thread and the running thread.
+///
+/// Whoever starts, suspends, resumes or terminates the thread holds control, and so does the thread while it ends: it
+/// is not stopped half way through that. The state is changed under control as well, except for WaitSleepJoin, which is
+/// the running thread's own.
+class Thread::ThreadData final : public Object
+{
+public:
+    /// One of the two delegates is null.
+    ThreadData(const SmartPointer<Delegate<>>& start, const SmartPointer<Delegate<Object*>>& startWithParameter);
+    ~ThreadData() override;
+    ThreadData(const ThreadData&) = delete;
+    ThreadData& operator=(const ThreadData&) = delete;
+
+    /// Unwinds a thread that is aborted; only the thread's outermost function catches it.
+    class AbortSignal final
+    {
+    };
+
+    /// Of the calling thread; null when Thread has not started it.
+    static ThreadData* Current() noexcept;
+
+    /// Every wait of the framework goes through here: wait(timeout) is one of the Os layer's and returns whether the
+    /// thread got what it waited for.
+    /// @throws ThreadInterruptedException or AbortSignal when the thread was woken for that.
+    template <class TWait>
+    static bool Block(std::int32_t timeout, const TWait& wait)
+    {
+        ThreadData* const current = Current();
+        if (current == nullptr)
+        {
+            return wait(timeout);
+        }
+        current->ThrowIfAborted();
+        const Waiting waiting(*current);
+        const bool succeeded = wait(timeout);
+        if (!succeeded && timeout != 0) // a look at the object is no wait to be woken from
+        {
+            current->ThrowIfWoken();
+        }
+        return succeeded;
+    }
+
+    bool TakesParameter() const;
+
+    /// This object keeps itself until the thread has ended, as an alias of self.
+    void Start(const SmartPointer<ThreadData>& alias, Object* startParameter);
+
+    bool Join(std::int32_t timeout);
+    void Interrupt();
+    void Suspend();
+    void Resume();
+    void Abort();
+
+    ThreadState GetState();
+    void SetBackground(bool isBackground);
+    ThreadPriority GetPriority() const;
+    bool SetPriority(const ThreadPriority& newPriority);
+    String GetName() const;
+    void SetName(const String& newName);
+    std::uint64_t GetId() const;
+    String GetFailure() const;
+
+private:
+    class Life;
+
+    /// Shows in the state that the thread waits.
+    class Waiting final
+    {
+    public:
+        explicit Waiting(ThreadData& data) noexcept;
+        ~Waiting();
+        Waiting(const Waiting&) = delete;
+        Waiting& operator=(const Waiting&) = delete;
+
+    private:
+        ThreadData& data;
+    };
+
+    static std::uint32_t Run(void* data);
+    void InvokeDelegate();
+    Object* TakeParameter();
+    void RecordFailure(const std::exception_ptr& exception) noexcept;
+    SmartPointer<ThreadData> End();
+    void CollectTerminated();
+    Os::ThreadRecord* RecordOfStarted() const;
+
+    void ThrowIfAborted() const;
+    void ThrowIfWoken() const;
+    void ThrowIfCurrent() const;
+
+    bool Has(std::int32_t flags) const noexcept;
+    void Change(std::int32_t cleared, std::int32_t set) noexcept;
+    bool ApplyPriority() NFX_REQUIRES(control);
+    void ApplyName() NFX_REQUIRES(control);
+
+    const SmartPointer<Delegate<>> start;
+    const SmartPointer<Delegate<Object*>> startWithParameter;
+
+    mutable Monitor control;
+    Object* parameter NFX_GUARDED_BY(control) = nullptr;
+    SmartPointer<ThreadData> self NFX_GUARDED_BY(control); // from Start to the end
+    std::int32_t priority NFX_GUARDED_BY(control) = ThreadPriority::Normal;
+    String name NFX_GUARDED_BY(control);
+    std::uint64_t id NFX_GUARDED_BY(control) = 0;
+    bool isInterruptedAtStart NFX_GUARDED_BY(control) = false;
+    bool hasEnded NFX_GUARDED_BY(control) = false;
+    String failure NFX_GUARDED_BY(control);         // written by the thread itself
+    std::atomic<Os::ThreadRecord*> record{nullptr}; // set once, by Start
+    std::atomic<std::int32_t> state{ThreadState::Unstarted};
+};
+} // namespace Nfx::System::Threading
