@@ -1,0 +1,151 @@
+#include "Discovery/DiscoveryReceiver.h"
+
+#include "Discovery/DiscoveryLogger.h"
+#include "Discovery/ServiceThread.h"
+
+#include <exception>
+
+namespace Zent::Discovery
+{
+using Nfx::System::ArgumentNullException;
+using Nfx::System::Exception;
+using Nfx::System::Int32;
+using Nfx::System::MakeDelegate;
+using Nfx::System::ObjectClosedException;
+using Nfx::System::OutOfMemoryException;
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Nfx::System::Net::IPAddress;
+using Nfx::System::Net::IPEndPoint;
+using Nfx::System::Net::Sockets::SocketError;
+using Nfx::System::Net::Sockets::SocketException;
+using Nfx::System::Threading::ThreadPriority;
+
+namespace
+{
+const char SourceName[] = "Sources/DiscoveryReceiver";
+
+std::atomic<std::int32_t> messageSize{2048}; // bytes; doubled by receiver threads, read by any thread
+
+const SmartPointer<DiscoveryMessageParser>& NotNull(const SmartPointer<DiscoveryMessageParser>& parser)
+{
+    if (parser.IsNull())
+    {
+        throw ArgumentNullException(SourceName, __LINE__);
+    }
+    return parser;
+}
+} // namespace
+
+DiscoveryReceiver::DiscoveryReceiver(const SmartPointer<IDiscoverySocket>& socket,
+                                     const SmartPointer<DiscoveryMessageParser>& parser)
+    : DiscoveryWorker(socket, "Receiver", MakeDelegate(*this, &DiscoveryReceiver::Run), ThreadPriority::Highest)
+    , parser(NotNull(parser))
+{
+}
+
+void DiscoveryReceiver::Stop()
+{
+    Log("Stopping receiver", LogStreamLevel::Critical);
+    RequestStop();
+    DiscoveryWorker::Stop();
+    Log("---Receiver stopped---", LogStreamLevel::Critical);
+}
+
+std::int32_t DiscoveryReceiver::MessageSize() noexcept
+{
+    return messageSize;
+}
+
+void DiscoveryReceiver::Run()
+{
+    const ServiceThread mark;
+    try
+    {
+        ReceiveUntilStopped();
+        return;
+    }
+    catch (const Exception& exception)
+    {
+        Log("Receiver failed : ending worker.", exception);
+    }
+    catch (const std::exception&) // memory is the only thing that can run out here
+    {
+        Log("Receiver failed : ending worker.", OutOfMemoryException(SourceName, __LINE__));
+    }
+    // A service must not go on with a dead receiver.
+    RaiseSocketClosed();
+}
+
+void DiscoveryReceiver::ReceiveUntilStopped()
+{
+    IPEndPoint sender(IPAddress::Broadcast(), 0);
+    std::vector<std::uint8_t> buffer;
+    Log("---Listening...", LogStreamLevel::Critical);
+    while (ReceiveOne(buffer, sender))
+    {
+    }
+}
+
+bool DiscoveryReceiver::ReceiveOne(std::vector<std::uint8_t>& buffer, IPEndPoint& sender)
+{
+    buffer.resize(static_cast<std::size_t>(MessageSize()));
+    std::int32_t count = 0;
+    try
+    {
+        count = Socket().Receive(buffer.data(), static_cast<std::int32_t>(buffer.size()), sender);
+    }
+    catch (const SocketException& exception)
+    {
+        return GoesOnAfter(exception);
+    }
+    catch (const ObjectClosedException& exception)
+    {
+        Log("The socket has been closed : ending worker.", exception);
+        RaiseSocketClosed();
+        return false;
+    }
+    return HandOver(buffer.data(), count, sender);
+}
+
+bool DiscoveryReceiver::HandOver(const std::uint8_t* bytes, std::int32_t count, const IPEndPoint& sender)
+{
+    if (count == 0 && IsStopRequested())
+    {
+        return false;
+    }
+    Log("Message received", LogStreamLevel::Debug);
+    const SmartPointer<String> text(new String(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)));
+    parser->Enqueue(SmartPointer<Datagram>(new Datagram(text, sender)));
+    return !IsStopRequested();
+}
+
+bool DiscoveryReceiver::GoesOnAfter(const SocketException& exception)
+{
+    switch (exception.GetSocketError())
+    {
+    case SocketError::MessageSize:
+        Log("MessageSize is too low : " + Int32(MessageSize()).ToString() + "! Doubling it...", exception);
+        messageSize = 2 * MessageSize();
+        return !IsStopRequested();
+    case SocketError::ConnectionReset:
+        Log("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
+        return !IsStopRequested();
+    case SocketError::Interrupted:
+        Log("The socket has been closed : ending worker.", exception);
+        break;
+    case SocketError::Shutdown:
+        Log("The socket has been shut down : ending worker.", exception);
+        break;
+    case SocketError::NotSocket:
+        Log("Socket error : Operation attempted on a non-socket object.", exception);
+        break;
+    default:
+        Log("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
+        break;
+    }
+    RaiseSocketClosed();
+    return false;
+}
+} // namespace Zent::Discovery

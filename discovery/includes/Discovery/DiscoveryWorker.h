@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Discovery/IDiscoverySocket.h"
+#include "system/Event.h"
+#include "system/LogStreams/LogStreamChannel.h"
+#include "system/LogStreams/LogStreamLevel.h"
+#include "system/Threading/Thread.h"
+#include "system/Threading/ThreadPriority.h"
+
+#include <atomic>
+
+namespace Zent::Discovery
+{
+/// A named background thread that works on one discovery socket. Its owner starts it once, and calls Stop before it
+/// lets go of it.
+class DiscoveryWorker : public Nfx::System::Object
+{
+public:
+    /// Starts the thread; its priority is best effort.
+    /// @throws OutOfMemoryException when the thread cannot be created.
+    void Start();
+
+    /// Shuts the socket down, closes it and waits without limit for the thread to end. May be called twice, and before
+    /// Start. Any thread but the worker's own.
+    virtual void Stop();
+
+    /// Raised on the worker's thread when the socket is lost while nobody asked to stop.
+    Nfx::System::Event<Nfx::System::EventArgs>& SocketClosed();
+
+    /// Raised by a worker that wants the whole service stopped.
+    Nfx::System::Event<Nfx::System::EventArgs>& StopAsked();
+
+    /// True from the first loss of the socket on; for owners that were not yet listening when it was lost.
+    bool HasLostSocket() const noexcept;
+
+protected:
+    /// @throws ArgumentNullException when the socket is null.
+    DiscoveryWorker(const Nfx::System::SmartPointer<IDiscoverySocket>& socket,
+                    const Nfx::System::String& name,
+                    const Nfx::System::SmartPointer<Nfx::System::Delegate<>>& work,
+                    const Nfx::System::Threading::ThreadPriority& priority);
+
+    IDiscoverySocket& Socket() const;
+    void Log(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
+    void Log(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
+
+    /// Says that the socket is lost, unless it is the owner who stops this worker.
+    void RaiseSocketClosed();
+
+    bool IsStopRequested() const noexcept;
+    void RequestStop() noexcept;
+
+private:
+    const Nfx::System::SmartPointer<IDiscoverySocket> socket;
+    const Nfx::System::String name;
+    const Nfx::System::LogStreams::LogStreamChannel channel;
+    const Nfx::System::SmartPointer<Nfx::System::Threading::Thread> thread;
+    const Nfx::System::Threading::ThreadPriority priority;
+    Nfx::System::Event<Nfx::System::EventArgs> socketClosed;
+    Nfx::System::Event<Nfx::System::EventArgs> stopAsked;
+    std::atomic<bool> stopRequested{false}; // set by Stop, read by the worker
+    std::atomic<bool> lostSocket{false};    // set by the worker, read by the owner
+};
+} // namespace Zent::Discovery

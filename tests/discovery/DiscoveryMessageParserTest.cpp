@@ -1,0 +1,144 @@
+#include "Discovery/DiscoveryMessageParser.h"
+
+#include "support/Gate.h"
+#include "support/LogCapture.h"
+#include "support/WaitUntil.h"
+#include "system/Exceptions.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+
+namespace
+{
+using namespace Zent::Discovery;
+namespace ErrorCodes = Nfx::System::ErrorCodes;
+using Nfx::System::Exception;
+using Nfx::System::InvalidOperationException;
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Nfx::System::Net::IPAddress;
+using Nfx::System::Net::IPEndPoint;
+using Tests::Gate;
+using Tests::LogCapture;
+using Tests::WaitUntil;
+
+class ScriptedParser final : public DiscoveryMessageParser
+{
+public:
+    explicit ScriptedParser(std::function<void(const String&)> process)
+        : DiscoveryMessageParser("Scripted")
+        , process(std::move(process))
+    {
+    }
+
+    void Give(const char* text)
+    {
+        Enqueue(
+            SmartPointer<Datagram>(new Datagram(SmartPointer<String>(new String(text)), IPEndPoint(IPAddress(), 0))));
+    }
+
+protected:
+    void ProcessDatagram(const SmartPointer<Datagram>& datagram) override { process(*datagram->Message); }
+
+private:
+    const std::function<void(const String&)> process;
+};
+
+TEST(DiscoveryMessageParserTest, RefusesWhatDoesNotFitAndAcceptsAgainAsSoonAsOneIsTaken)
+{
+    const LogCapture log(LogStreamLevel::Critical);
+    Gate first;
+    std::atomic<int> processed{0};
+    ScriptedParser parser([&](const String&) {
+        EXPECT_TRUE(first.Pass());
+        ++processed;
+    });
+    parser.Start();
+    parser.Give("held");
+    ASSERT_TRUE(first.WaitForArrivals(1));
+    for (int count = 0; count < DiscoveryMessageParser::MaximumPending; ++count)
+    {
+        parser.Give("waits");
+    }
+    EXPECT_FALSE(log.Has("Semaphore is full"));
+    parser.Give("too many");
+    EXPECT_EQ(1, log.Count("Semaphore is full (512) !!! Ignoring this datagram..."));
+    first.Open();
+    ASSERT_TRUE(WaitUntil([&] { return processed == DiscoveryMessageParser::MaximumPending + 1; }));
+    parser.Give("fits again");
+    ASSERT_TRUE(WaitUntil([&] { return processed == DiscoveryMessageParser::MaximumPending + 2; }));
+    parser.Stop();
+    EXPECT_EQ(1, log.Count("Semaphore is full"));
+}
+
+TEST(DiscoveryMessageParserTest, StopsWithAFullQueueAndDropsWhatWaits)
+{
+    const LogCapture log(LogStreamLevel::Critical);
+    Gate first;
+    std::atomic<int> processed{0};
+    ScriptedParser parser([&](const String&) {
+        EXPECT_TRUE(first.Pass());
+        ++processed;
+    });
+    parser.Start();
+    parser.Give("held");
+    ASSERT_TRUE(first.WaitForArrivals(1));
+    for (int count = 0; count < DiscoveryMessageParser::MaximumPending; ++count)
+    {
+        parser.Give("waits");
+    }
+    std::thread stopper([&] { parser.Stop(); });
+    EXPECT_TRUE(log.WaitFor("Stopping message parser"));
+    first.Open();
+    stopper.join();
+    EXPECT_FALSE(log.Has("Semaphore error")) << log.Text();
+    EXPECT_LE(processed, 3);
+    EXPECT_GE(parser.PendingCount(), DiscoveryMessageParser::MaximumPending - 2);
+    parser.Stop();
+}
+
+TEST(DiscoveryMessageParserTest, AFailingDatagramCostsItselfAndALine)
+{
+    const LogCapture log(LogStreamLevel::Critical);
+    std::atomic<bool> good{false};
+    ScriptedParser parser([&](const String& text) {
+        if (text == "format")
+        {
+            throw Exception(ErrorCodes::InvalidFormat, "tests/discovery", 1);
+        }
+        if (text == "other")
+        {
+            throw InvalidOperationException("of all things", "tests/discovery", 2);
+        }
+        if (text == "memory")
+        {
+            throw std::bad_alloc();
+        }
+        good = true;
+    });
+    parser.Start();
+    for (const char* text : {"format", "other", "memory", "good"})
+    {
+        parser.Give(text);
+    }
+    ASSERT_TRUE(WaitUntil([&] { return good.load(); }));
+    parser.Stop();
+    EXPECT_EQ(1, log.Count("Invalid format : message dropped"));
+    EXPECT_EQ(1, log.Count("|E|$0x0000001E|Error while parsing/processing message "
+                           "Nfx::System::InvalidOperationException: of all things, location: tests/discovery(2)"))
+        << log.Text();
+    EXPECT_EQ(1, log.Count("|E|$0x0000001B|Error while parsing/processing message "));
+    EXPECT_TRUE(
+        log.HasInOrder({"---Waiting for messages...", "Stopping message parser", "---Message parser stopped---"}));
+}
+
+TEST(DiscoveryMessageParserTest, StopsWithoutHavingStarted)
+{
+    ScriptedParser parser([](const String&) {});
+    parser.Stop();
+    parser.Stop();
+}
+} // namespace
