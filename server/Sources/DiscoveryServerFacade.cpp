@@ -1,0 +1,44 @@
+#include "Server/DiscoveryServerFacade.h"
+
+#include "system/Threading/Lock.h"
+
+namespace Zent::Discovery::Server
+{
+using Nfx::System::SmartPointer;
+using Nfx::System::Threading::Lock;
+using Nfx::System::Threading::Monitor;
+
+namespace
+{
+struct Singleton final
+{
+    Monitor Guard;
+    SmartPointer<DiscoveryServerFacade> Instance NFX_GUARDED_BY(Guard);
+};
+
+Singleton& TheSingleton()
+{
+    static Singleton& singleton = *new Singleton(); // never destroyed: a server that still runs outlives the exit
+    return singleton;
+}
+} // namespace
+
+SmartPointer<DiscoveryServerFacade> DiscoveryServerFacade::Instance()
+{
+    Singleton& singleton = TheSingleton();
+    const Lock lock(singleton.Guard);
+    if (singleton.Instance.IsNull())
+    {
+        singleton.Instance = new DiscoveryServerFacade();
+    }
+    return singleton.Instance;
+}
+
+void DiscoveryServerFacade::Destroy()
+{
+    Singleton& singleton = TheSingleton();
+    SmartPointer<DiscoveryServerFacade> released; // destroyed outside the lock: the server may have to wait
+    const Lock lock(singleton.Guard);
+    released = std::move(singleton.Instance);
+}
+} // namespace Zent::Discovery::Server

@@ -1,0 +1,111 @@
+#include "Server/DiscoveryServerMessageParser.h"
+
+#include "Discovery/DiscoveryLogger.h"
+#include "Server/MinimumCompatibleVersion.h"
+#include "Server/NotifyByeMessageReceivedAction.h"
+#include "Server/NotifyClientSignatureReceivedAction.h"
+#include "Server/NotifyHelloMessageReceivedAction.h"
+
+namespace Zent::Discovery::Server
+{
+using Nfx::System::Event;
+using Nfx::System::Exception;
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::Version;
+using Nfx::System::LogStreams::LogStreamLevel;
+
+DiscoveryServerMessageParser::DiscoveryServerMessageParser()
+    : DiscoveryMessageParser("MessageParser")
+{
+}
+
+Event<ServerActionArgs>& DiscoveryServerMessageParser::ActionReady()
+{
+    return actionReady;
+}
+
+void DiscoveryServerMessageParser::ProcessDatagram(const SmartPointer<Datagram>& datagram)
+{
+    const String& text = *datagram->Message;
+    const SmartPointer<DiscoveryMessage> message = Deserialize(text);
+    if (!IsAccepted(message->Version))
+    {
+        return;
+    }
+    LogHandled(*message, text);
+    const SmartPointer<ServerAction> action = ActionFor(message);
+    if (action.IsNull())
+    {
+        Log("Message ignored", LogStreamLevel::Standard);
+        return;
+    }
+    actionReady.Raise(this, ServerActionArgs(action));
+}
+
+SmartPointer<DiscoveryMessage> DiscoveryServerMessageParser::Deserialize(const String& text) const
+{
+    try
+    {
+        return deserializer.Deserialize(text);
+    }
+    catch (const Exception&) // the loop adds a line of its own
+    {
+        Log("Message dropped : bad format !", LogStreamLevel::Critical);
+        throw;
+    }
+}
+
+bool DiscoveryServerMessageParser::IsAccepted(const Version& version) const
+{
+    const Version& own = DiscoveryMessage::ProtocolVersion();
+    if (version == own)
+    {
+        return true;
+    }
+    Log("Version mismatch with received message ! [" + own.ToString() + "] <> [" + version.ToString() + "].",
+        LogStreamLevel::Standard);
+    if (version < MinimumCompatibleVersion::Get())
+    {
+        Log("The protocol version of the message is not supported ! Message dropped.", LogStreamLevel::Critical);
+        return false;
+    }
+    return true;
+}
+
+void DiscoveryServerMessageParser::LogHandled(const DiscoveryMessage& message, const String& text) const
+{
+    const DiscoveryMessageType type = message.GetMessageType();
+    switch (type)
+    {
+    case DiscoveryMessageType::SignatureBroadcast:
+    case DiscoveryMessageType::Hello:
+    case DiscoveryMessageType::Bye:
+        Log("Message type : " + type.ToString(), LogStreamLevel::Standard);
+        if (DiscoveryLogger::GetInstance().IsEnabled(LogStreamLevel::Debug))
+        {
+            Log("Message : " + text, LogStreamLevel::Debug);
+        }
+        break;
+    default:
+        Log("Message type : " + type.ToString(), LogStreamLevel::Debug);
+        break;
+    }
+}
+
+SmartPointer<ServerAction> DiscoveryServerMessageParser::ActionFor(const SmartPointer<DiscoveryMessage>& message) const
+{
+    switch (message->GetMessageType())
+    {
+    case DiscoveryMessageType::SignatureBroadcast:
+        return SmartPointer<ServerAction>(
+            new NotifyClientSignatureReceivedAction(message.As<SignatureBroadcastMessage>()));
+    case DiscoveryMessageType::Hello:
+        return SmartPointer<ServerAction>(new NotifyHelloMessageReceivedAction(message.As<HelloMessage>()));
+    case DiscoveryMessageType::Bye:
+        return SmartPointer<ServerAction>(new NotifyByeMessageReceivedAction(message.As<ByeMessage>()));
+    default:
+        return nullptr;
+    }
+}
+} // namespace Zent::Discovery::Server

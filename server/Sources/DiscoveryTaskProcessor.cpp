@@ -1,0 +1,188 @@
+#include "Server/DiscoveryTaskProcessor.h"
+
+#include "Discovery/DiscoveryLogger.h"
+#include "Discovery/ServiceThread.h"
+#include "system/Threading/Lock.h"
+
+#include <exception>
+
+namespace Zent::Discovery::Server
+{
+using Nfx::System::Exception;
+using Nfx::System::Int32;
+using Nfx::System::MakeDelegate;
+using Nfx::System::Object;
+using Nfx::System::ObjectClosedException;
+using Nfx::System::OutOfMemoryException;
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Nfx::System::Net::IPAddress;
+using Nfx::System::Net::Sockets::SocketError;
+using Nfx::System::Net::Sockets::SocketException;
+using Nfx::System::Threading::Lock;
+using Nfx::System::Threading::SemaphoreFullException;
+using Nfx::System::Threading::ThreadPriority;
+
+DiscoveryTaskProcessor::DiscoveryTaskProcessor(const SmartPointer<IDiscoverySocket>& socket, const String& name)
+    : DiscoveryWorker(socket, name, MakeDelegate(*this, &DiscoveryTaskProcessor::Run), ThreadPriority::Normal)
+    , semaphore(0, MaximumPending)
+{
+}
+
+void DiscoveryTaskProcessor::Enqueue(Object*, const ServerActionArgs& task)
+{
+    const SmartPointer<ServerActionArgs> queued(new ServerActionArgs(task.Action()));
+    {
+        const Lock lock(tasks.SyncRoot());
+        if (tasks.Count() < MaximumPending)
+        {
+            tasks.Enqueue(queued);
+            semaphore.Release();
+            return;
+        }
+    }
+    Log("Semaphore is full (" + Int32(MaximumPending).ToString() + ") !!! Ignoring this task...",
+        LogStreamLevel::Critical);
+}
+
+std::int32_t DiscoveryTaskProcessor::PendingCount() const
+{
+    const Lock lock(tasks.SyncRoot());
+    return static_cast<std::int32_t>(tasks.Count());
+}
+
+void DiscoveryTaskProcessor::Stop()
+{
+    RequestStop();
+    try
+    {
+        semaphore.Release();
+    }
+    catch (const SemaphoreFullException&)
+    {
+        // The thread has permits enough to come round and see that it is to stop.
+    }
+    DiscoveryWorker::Stop();
+}
+
+SmartPointer<IBroadcastProvider> DiscoveryTaskProcessor::BroadcastProvider() const
+{
+    const Lock lock(providerLock);
+    return provider;
+}
+
+void DiscoveryTaskProcessor::SetBroadcastProvider(const SmartPointer<IBroadcastProvider>& newProvider)
+{
+    const Lock lock(providerLock);
+    provider = newProvider;
+}
+
+SmartPointer<ServerActionArgs> DiscoveryTaskProcessor::TakeTask()
+{
+    const Lock lock(tasks.SyncRoot());
+    return tasks.Count() == 0 ? SmartPointer<ServerActionArgs>() : tasks.Dequeue();
+}
+
+void DiscoveryTaskProcessor::Send(const DiscoveryMessage& message, const IPAddress& destination)
+{
+    const String text = message.ToJson();
+    if (DiscoveryLogger::GetInstance().IsEnabled(LogStreamLevel::Debug))
+    {
+        Log("Message (JSON) : " + text, LogStreamLevel::Debug);
+    }
+    try
+    {
+        Transmit(text, destination);
+        Log("Message sent", LogStreamLevel::Standard);
+    }
+    catch (const SocketException& exception)
+    {
+        HandleSendError(exception);
+    }
+    catch (const ObjectClosedException& exception)
+    {
+        Log("Message not sent : socket closed", exception);
+        CheckSocket();
+    }
+}
+
+void DiscoveryTaskProcessor::Run()
+{
+    const ServiceThread mark;
+    Log("---Waiting for tasks...", LogStreamLevel::Critical);
+    while (!IsStopRequested())
+    {
+        semaphore.WaitOne();
+        if (!IsStopRequested())
+        {
+            ProcessTaskGuarded();
+        }
+    }
+}
+
+void DiscoveryTaskProcessor::ProcessTaskGuarded()
+{
+    try
+    {
+        ProcessTask();
+    }
+    catch (const Exception& exception)
+    {
+        Log("Error while processing task", exception);
+    }
+    catch (const std::exception&) // memory is the only thing that can run out here
+    {
+        Log("Error while processing task", OutOfMemoryException("Sources/DiscoveryTaskProcessor", __LINE__));
+    }
+}
+
+void DiscoveryTaskProcessor::Transmit(const String& text, const IPAddress& destination)
+{
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.CString());
+    const auto count = static_cast<std::int32_t>(text.Length());
+    const SmartPointer<IBroadcastProvider> current =
+        destination == IPAddress::Broadcast() ? BroadcastProvider() : SmartPointer<IBroadcastProvider>();
+    if (current.IsNull())
+    {
+        Socket().Send(bytes, count, destination);
+        return;
+    }
+    Log("Sending message using broadcast provider...", LogStreamLevel::Debug);
+    current->Send(bytes, count);
+}
+
+void DiscoveryTaskProcessor::HandleSendError(const SocketException& exception)
+{
+    switch (exception.GetSocketError())
+    {
+    case SocketError::AddressNotAvailable:
+        Log("Message not sent : address not available.", exception);
+        return;
+    case SocketError::ConnectionReset:
+        Log("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
+        return;
+    case SocketError::Interrupted:
+        Log("Message not sent : socket interrupted", exception);
+        break;
+    case SocketError::NotSocket:
+        Log("Socket error : Operation attempted on a non-socket object.", exception);
+        break;
+    case SocketError::Shutdown:
+        Log("Message not sent : socket shut down", exception);
+        break;
+    default:
+        Log("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
+        break;
+    }
+    CheckSocket();
+}
+
+void DiscoveryTaskProcessor::CheckSocket()
+{
+    if (!Socket().IsShutDown() || !Socket().IsClosed())
+    {
+        RaiseSocketClosed();
+    }
+}
+} // namespace Zent::Discovery::Server

@@ -1,0 +1,16 @@
+#include "Server/ServerActionArgs.h"
+
+namespace Zent::Discovery::Server
+{
+using Nfx::System::ArgumentNullException;
+using Nfx::System::SmartPointer;
+
+ServerActionArgs::ServerActionArgs(const SmartPointer<ServerAction>& action)
+    : action(action)
+{
+    if (action.IsNull())
+    {
+        throw ArgumentNullException("Sources/ServerActionArgs", __LINE__);
+    }
+}
+} // namespace Zent::Discovery::Server

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Discovery/DiscoveryWorker.h"
+#include "Discovery/IBroadcastProvider.h"
+#include "Discovery/Message/DiscoveryMessage.h"
+#include "Server/ServerActionArgs.h"
+#include "system/Collections/Generic/Queue.h"
+#include "system/Net/Sockets/SocketException.h"
+#include "system/Threading/Semaphore.h"
+
+namespace Zent::Discovery::Server
+{
+/// Takes tasks from any thread and processes them one at a time, in order, on a thread of its own.
+/// To shut down: call Stop, which joins the thread; then release the processor. What is still queued goes with it.
+class DiscoveryTaskProcessor : public DiscoveryWorker
+{
+public:
+    /// So many tasks may wait; one more is refused.
+    static constexpr std::int32_t MaximumPending = 512;
+
+    /// Queues a task, or drops it with a log line when MaximumPending already wait. Never waits for the processor.
+    /// Any thread.
+    void Enqueue(Nfx::System::Object* sender, const ServerActionArgs& task);
+
+    /// How many tasks wait at this moment.
+    std::int32_t PendingCount() const;
+
+    /// Ends the thread after the task that it is working on; what waits is not processed any more. Waits without limit.
+    void Stop() override;
+
+    /// Null when broadcasts leave through the socket. Any thread.
+    Nfx::System::SmartPointer<IBroadcastProvider> BroadcastProvider() const;
+    void SetBroadcastProvider(const Nfx::System::SmartPointer<IBroadcastProvider>& provider);
+
+protected:
+    DiscoveryTaskProcessor(const Nfx::System::SmartPointer<IDiscoverySocket>& socket, const Nfx::System::String& name);
+
+    /// Processes the task at the head of the queue; nothing when there is none.
+    virtual void ProcessTask() = 0;
+
+    /// Null when no task waits.
+    Nfx::System::SmartPointer<ServerActionArgs> TakeTask();
+
+    /// Sends a message: through the broadcast provider when there is one and the destination is the broadcast address,
+    /// else through the socket. A failing send is logged and costs this message; a lost socket raises SocketClosed.
+    void Send(const DiscoveryMessage& message, const Nfx::System::Net::IPAddress& destination);
+
+private:
+    void Run();
+    void ProcessTaskGuarded();
+    void Transmit(const Nfx::System::String& text, const Nfx::System::Net::IPAddress& destination);
+    void HandleSendError(const Nfx::System::Net::Sockets::SocketException& exception);
+    void CheckSocket();
+
+    Nfx::System::Threading::Semaphore semaphore;
+    Nfx::System::Collections::Generic::Queue<Nfx::System::SmartPointer<ServerActionArgs>> tasks; // guarded by SyncRoot
+    mutable Nfx::System::Threading::Monitor providerLock;
+    Nfx::System::SmartPointer<IBroadcastProvider> provider NFX_GUARDED_BY(providerLock);
+};
+} // namespace Zent::Discovery::Server

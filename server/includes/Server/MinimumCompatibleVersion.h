@@ -1,0 +1,20 @@
+#pragma once
+
+#include "system/Version.h"
+
+namespace Zent::Discovery::Server
+{
+/// The oldest protocol version that the process still accepts; 0.0 until the host application sets one, so that
+/// nothing is refused. Survives the server. Any thread.
+class MinimumCompatibleVersion final
+{
+public:
+    MinimumCompatibleVersion() = delete;
+
+    static Nfx::System::Version Get();
+    static void Set(const Nfx::System::Version& version);
+
+    /// True from the first Set on.
+    static bool IsSet() noexcept;
+};
+} // namespace Zent::Discovery::Server

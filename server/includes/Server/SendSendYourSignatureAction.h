@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Discovery/MACAddress.h"
+#include "Server/ServerAction.h"
+#include "system/Net/IPAddress.h"
+
+namespace Zent::Discovery::Server
+{
+/// Asks one device for its signature: the one that owns a MAC address, or the one at an IP address.
+class SendSendYourSignatureAction final : public ServerAction
+{
+public:
+    /// The IP address becomes the broadcast address, by which a request to a MAC address is known.
+    explicit SendSendYourSignatureAction(const MACAddress& macAddress)
+        : ServerAction(ServerActionType::SendSendYourSignatureMessage)
+        , macAddress(macAddress)
+        , ipAddress(Nfx::System::Net::IPAddress::Broadcast())
+    {
+    }
+
+    /// The MAC address stays empty.
+    explicit SendSendYourSignatureAction(const Nfx::System::Net::IPAddress& ipAddress)
+        : ServerAction(ServerActionType::SendSendYourSignatureMessage)
+        , ipAddress(ipAddress)
+    {
+    }
+
+    const MACAddress& TargetedMACAddress() const noexcept { return macAddress; }
+
+    const Nfx::System::Net::IPAddress& TargetedIPAddress() const noexcept { return ipAddress; }
+
+private:
+    const MACAddress macAddress;
+    const Nfx::System::Net::IPAddress ipAddress;
+};
+} // namespace Zent::Discovery::Server

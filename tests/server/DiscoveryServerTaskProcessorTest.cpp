@@ -1,0 +1,278 @@
+#include "Server/DiscoveryServerTaskProcessor.h"
+
+#include "Server/SendAllSendYourSignatureAction.h"
+#include "Server/SendChangeYourHostNameAction.h"
+#include "Server/SendChangeYourIPConfigAction.h"
+#include "Server/SendSendYourSignatureAction.h"
+#include "support/FakeDiscoverySocket.h"
+#include "support/Gate.h"
+#include "support/LogCapture.h"
+#include "support/WaitUntil.h"
+#include "system/Net/Sockets/SocketException.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace
+{
+using namespace Zent::Discovery;
+using namespace Zent::Discovery::Server;
+using Nfx::System::EventArgs;
+using Nfx::System::Int32;
+using Nfx::System::MakeDelegate;
+using Nfx::System::Object;
+using Nfx::System::ObjectClosedException;
+using Nfx::System::SmartPointer;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Nfx::System::Net::IPAddress;
+using Nfx::System::Net::Sockets::SocketException;
+using Tests::FakeDiscoverySocket;
+using Tests::Gate;
+using Tests::LogCapture;
+using Tests::WaitUntil;
+
+const std::string Everybody = "255.255.255.255";
+
+class UnknownAction final : public ServerAction
+{
+public:
+    UnknownAction()
+        : ServerAction(7)
+    {
+    }
+};
+
+/// Counts the broadcasts and may hold them up.
+class FakeProvider final : public IBroadcastProvider
+{
+public:
+    void Send(const std::uint8_t*, Int32) override
+    {
+        ++Sent;
+        if (Hold != nullptr)
+        {
+            EXPECT_TRUE(Hold->Pass());
+        }
+    }
+
+    std::atomic<int> Sent{0};
+    Gate* Hold = nullptr;
+};
+
+class DiscoveryServerTaskProcessorTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        processor.SocketClosed().Add(MakeDelegate(*this, &DiscoveryServerTaskProcessorTest::OnSocketClosed));
+        processor.Start();
+    }
+
+    void TearDown() override { processor.Stop(); }
+
+    void OnSocketClosed(Object*, const EventArgs&) { ++losses; }
+
+    void Enqueue(ServerAction* action)
+    {
+        processor.Enqueue(nullptr, ServerActionArgs(SmartPointer<ServerAction>(action)));
+    }
+
+    void Discover() { Enqueue(new SendAllSendYourSignatureAction()); }
+
+    FakeDiscoverySocket::Sent SentBy(ServerAction* action)
+    {
+        Enqueue(action);
+        EXPECT_TRUE(socket->WaitForSent(1));
+        return socket->TakeSent().at(0);
+    }
+
+    LogCapture log{LogStreamLevel::Debug};
+    std::atomic<int> losses{0};
+    SmartPointer<FakeDiscoverySocket> socket{new FakeDiscoverySocket()};
+    DiscoveryServerTaskProcessor processor{socket};
+};
+
+TEST_F(DiscoveryServerTaskProcessorTest, EachRequestBecomesItsDatagramAndItsLine)
+{
+    const MACAddress mac = MACAddress::Parse("00:1a:2b:3c:4d:5e");
+    const IPAddress ip = IPAddress::Parse("192.0.2.7");
+    const std::string head = R"({"DiscoveryMessageType":")";
+
+    FakeDiscoverySocket::Sent sent = SentBy(new SendAllSendYourSignatureAction());
+    EXPECT_EQ(head + R"(AllSendYourSignature","DiscoveryVersion":"1.0.18","Broadcast":"True"})", sent.Text);
+    EXPECT_EQ(Everybody, sent.Target);
+
+    sent = SentBy(new SendSendYourSignatureAction(mac));
+    EXPECT_EQ(head + R"(SendYourSignature","DiscoveryVersion":"1.0.18","Broadcast":"False",)"
+                     R"("TargetedMACAddress":"00:1A:2B:3C:4D:5E"})",
+              sent.Text);
+    EXPECT_EQ(Everybody, sent.Target);
+
+    sent = SentBy(new SendSendYourSignatureAction(ip));
+    EXPECT_EQ(head + R"(SendYourSignature","DiscoveryVersion":"1.0.18","Broadcast":"True",)"
+                     R"("TargetedMACAddress":"00:00:00:00:00:00"})",
+              sent.Text);
+    EXPECT_EQ("192.0.2.7", sent.Target);
+
+    sent = SentBy(new SendChangeYourHostNameAction("press-4", mac));
+    EXPECT_EQ(head + R"(ChangeYourHostName","DiscoveryVersion":"1.0.18","Broadcast":"False",)"
+                     R"("NewHostName":"press-4","TargetedMACAddress":"00:1A:2B:3C:4D:5E"})",
+              sent.Text);
+    EXPECT_EQ(Everybody, sent.Target);
+
+    sent = SentBy(new SendChangeYourHostNameAction("press-4", ip));
+    EXPECT_EQ(head + R"(ChangeYourHostName","DiscoveryVersion":"1.0.18","Broadcast":"True",)"
+                     R"("NewHostName":"press-4","TargetedMACAddress":"00:00:00:00:00:00"})",
+              sent.Text);
+    EXPECT_EQ("192.0.2.7", sent.Target);
+
+    const SmartPointer<SendChangeYourIPConfigAction::NICConfigList> none(
+        new SendChangeYourIPConfigAction::NICConfigList());
+    sent = SentBy(new SendChangeYourIPConfigAction(none));
+    EXPECT_EQ(head + R"(ChangeYourIPConfig","DiscoveryVersion":"1.0.18","Broadcast":"True","NewNICConfigs":[]})",
+              sent.Text);
+    EXPECT_EQ(Everybody, sent.Target);
+
+    ASSERT_TRUE(log.WaitFor("|S|           |Message sent", 6));
+    for (const char* line :
+         {"Sending message of type AllSendYourSignature",
+          "Sending message of type SendYourSignature to 00:1A:2B:3C:4D:5E",
+          "Sending message of type SendYourSignature to 192.0.2.7",
+          "Sending message of type ChangeYourHostName to 00:1A:2B:3C:4D:5E.",
+          "Sending message of type ChangeYourHostName to 192.0.2.7.", "Sending message of type ChangeYourIPConfig."})
+    {
+        EXPECT_EQ(1, log.Count("|S|           |" + std::string(line) + "\r") +
+                         log.Count("|S|           |" + std::string(line) + "\n"))
+            << line << "\n"
+            << log.Text();
+    }
+    EXPECT_EQ(6, log.Count("|D|           |Message (JSON) : {"));
+}
+
+TEST_F(DiscoveryServerTaskProcessorTest, TheProviderTakesBroadcastsAndNothingElse)
+{
+    const SmartPointer<FakeProvider> provider(new FakeProvider());
+    processor.SetBroadcastProvider(provider);
+    Discover();
+    ASSERT_TRUE(WaitUntil([&] { return provider->Sent == 1; }));
+    EXPECT_EQ("192.0.2.7", SentBy(new SendSendYourSignatureAction(IPAddress::Parse("192.0.2.7"))).Target);
+    EXPECT_EQ(1, provider->Sent);
+    EXPECT_EQ(1, log.Count("Sending message using broadcast provider..."));
+}
+
+TEST_F(DiscoveryServerTaskProcessorTest, RefusesWhatDoesNotFitAndAcceptsAgainAsSoonAsOneIsTaken)
+{
+    Gate gate;
+    const SmartPointer<FakeProvider> provider(new FakeProvider());
+    provider->Hold = &gate;
+    processor.SetBroadcastProvider(provider);
+    Discover();
+    ASSERT_TRUE(gate.WaitForArrivals(1));
+    std::vector<std::thread> producers;
+    for (int producer = 0; producer < 8; ++producer)
+    {
+        producers.emplace_back([this] {
+            for (int count = 0; count < DiscoveryTaskProcessor::MaximumPending / 8; ++count)
+            {
+                Discover();
+            }
+        });
+    }
+    for (std::thread& producer : producers)
+    {
+        producer.join();
+    }
+    EXPECT_FALSE(log.Has("Semaphore is full"));
+    Discover();
+    EXPECT_EQ(1, log.Count("|C|           |Semaphore is full (512) !!! Ignoring this task..."));
+    gate.Open();
+    ASSERT_TRUE(WaitUntil([&] { return provider->Sent == DiscoveryTaskProcessor::MaximumPending + 1; }));
+    Discover();
+    ASSERT_TRUE(WaitUntil([&] { return provider->Sent == DiscoveryTaskProcessor::MaximumPending + 2; }));
+    EXPECT_EQ(1, log.Count("Semaphore is full"));
+}
+
+TEST_F(DiscoveryServerTaskProcessorTest, StopsWithAFullQueueAfterTheTaskInHand)
+{
+    Gate gate;
+    const SmartPointer<FakeProvider> provider(new FakeProvider());
+    provider->Hold = &gate;
+    processor.SetBroadcastProvider(provider);
+    Discover();
+    ASSERT_TRUE(gate.WaitForArrivals(1));
+    for (int count = 0; count < DiscoveryTaskProcessor::MaximumPending; ++count)
+    {
+        Discover();
+    }
+    std::thread stopper([this] { processor.Stop(); });
+    EXPECT_TRUE(log.WaitFor("Stopping worker"));
+    gate.Open();
+    stopper.join();
+    EXPECT_EQ(1, provider->Sent);
+    EXPECT_EQ(DiscoveryTaskProcessor::MaximumPending, processor.PendingCount());
+    EXPECT_TRUE(log.HasInOrder(
+        {"Stopping Task Processor", "Stopping worker", "Worker stopped", "---Task Processor stopped---"}));
+    EXPECT_EQ(0, losses);
+}
+
+TEST_F(DiscoveryServerTaskProcessorTest, AnUnknownActionIsNamedAndCostsNothingElse)
+{
+    Enqueue(new UnknownAction());
+    SentBy(new SendAllSendYourSignatureAction());
+    EXPECT_EQ(1, log.Count("|C|           |Action type not supported ! Ignoring..."));
+}
+
+struct SendFailure
+{
+    std::int32_t Error; // 0 stands for a closed socket
+    const char* Line;
+    bool IsLoss;
+};
+
+class DiscoveryServerTaskProcessorSendTest : public DiscoveryServerTaskProcessorTest,
+                                             public testing::WithParamInterface<SendFailure>
+{
+};
+
+TEST_P(DiscoveryServerTaskProcessorSendTest, AFailedSendCostsItsTaskAndTellsOfALoss)
+{
+    const SendFailure& failure = GetParam();
+    socket->FailSends([&failure] {
+        if (failure.Error == 0)
+        {
+            throw ObjectClosedException("tests/server", 1);
+        }
+        throw SocketException(failure.Error, "tests/server", 2);
+    });
+    Discover();
+    ASSERT_TRUE(log.WaitFor(failure.Line)) << log.Text();
+    socket->FailSends({});
+    SentBy(new SendAllSendYourSignatureAction());
+    EXPECT_EQ(failure.IsLoss ? 1 : 0, losses);
+    EXPECT_EQ(failure.IsLoss, processor.HasLostSocket());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Errors,
+    DiscoveryServerTaskProcessorSendTest,
+    testing::Values(SendFailure{10004, "Message not sent : socket interrupted", true},
+                    SendFailure{10038, "Socket error : Operation attempted on a non-socket object.", true},
+                    SendFailure{10049, "Message not sent : address not available.", false},
+                    SendFailure{10054, "Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.",
+                                false},
+                    SendFailure{10058, "Message not sent : socket shut down", true},
+                    SendFailure{10051, "Unexpected socket error  : NetworkUnreachable !", true},
+                    SendFailure{0, "Message not sent : socket closed", true}));
+
+TEST_F(DiscoveryServerTaskProcessorTest, NothingIsLostThatTheServerItselfHasClosed)
+{
+    socket->Shutdown();
+    socket->Close();
+    socket->FailSends([] { throw ObjectClosedException("tests/server", 1); });
+    Discover();
+    ASSERT_TRUE(log.WaitFor("Message not sent : socket closed"));
+    processor.Stop();
+    EXPECT_EQ(0, losses);
+}
+} // namespace

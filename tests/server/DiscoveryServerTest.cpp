@@ -1,0 +1,177 @@
+#include "Server/DiscoveryServer.h"
+
+#include "DeviceDatagram.h"
+#include "Discovery/BroadcastProviderWin32.h"
+#include "support/Gate.h"
+#include "support/LogCapture.h"
+#include "support/WaitUntil.h"
+#include "system/Exceptions.h"
+#include "system/Net/Sockets/Socket.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+namespace
+{
+using namespace Zent::Discovery;
+using namespace Zent::Discovery::Server;
+using Nfx::System::EventArgs;
+using Nfx::System::Int32;
+using Nfx::System::MakeDelegate;
+using Nfx::System::NullPointerException;
+using Nfx::System::Object;
+using Nfx::System::SmartPointer;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Nfx::System::Net::AddressFamily;
+using Nfx::System::Net::IPAddress;
+using Nfx::System::Net::IPEndPoint;
+using Nfx::System::Net::Sockets::ProtocolType;
+using Nfx::System::Net::Sockets::Socket;
+using Nfx::System::Net::Sockets::SocketType;
+using Tests::DeviceDatagram;
+using Tests::Gate;
+using Tests::LogCapture;
+using Tests::WaitUntil;
+
+class CountingProvider final : public IBroadcastProvider
+{
+public:
+    void Send(const std::uint8_t*, Int32) override { ++Sent; }
+
+    std::atomic<int> Sent{0};
+};
+
+class DiscoveryServerTest : public testing::Test
+{
+protected:
+    void OnHello(Object*, const HelloMessageReceivedEventArgs&)
+    {
+        ++hellos;
+        if (holdHello)
+        {
+            EXPECT_TRUE(gate.Pass());
+        }
+    }
+
+    HostRegistrations Registrations()
+    {
+        HostRegistrations registrations;
+        registrations.HelloMessageReceived.Add(MakeDelegate(*this, &DiscoveryServerTest::OnHello));
+        return registrations;
+    }
+
+    static void SendHello()
+    {
+        Socket device(AddressFamily::InterNetwork, SocketType::Dgram, ProtocolType::Udp);
+        const std::string hello = DeviceDatagram("Hello", "1.0.18", "device");
+        device.SendTo(reinterpret_cast<const std::uint8_t*>(hello.data()), static_cast<std::int32_t>(hello.size()),
+                      IPEndPoint(IPAddress::Parse("127.0.0.1"), 12001));
+    }
+
+    bool HearsHello()
+    {
+        const int before = hellos;
+        SendHello();
+        return WaitUntil([&] { return hellos == before + 1; });
+    }
+
+    void LoseSocket() { server.AsynchronousRestart(nullptr, EventArgs::Empty()); }
+
+    LogCapture log{LogStreamLevel::Standard};
+    std::atomic<int> hellos{0};
+    std::atomic<bool> holdHello{false};
+    Gate gate;
+    DiscoveryServer server;
+};
+
+TEST_F(DiscoveryServerTest, RefusesAStopBeforeAStartAndASecondStart)
+{
+    server.Stop();
+    EXPECT_TRUE(log.Has("Client's current state : Unstarted ! -> Stopping aborted."));
+    EXPECT_THROW(server.Discover(), NullPointerException);
+    server.Start(Registrations());
+    server.Start(HostRegistrations());
+    EXPECT_TRUE(log.Has("Server's current state : Running ! -> Starting aborted."));
+    EXPECT_TRUE(HearsHello());
+    server.Stop();
+    EXPECT_THROW(server.Discover(), NullPointerException);
+    server.Start(Registrations());
+    EXPECT_TRUE(HearsHello());
+    server.Stop();
+}
+
+TEST_F(DiscoveryServerTest, ARestartKeepsHandlersAndProvider)
+{
+    const SmartPointer<CountingProvider> provider(new CountingProvider());
+    server.Start(Registrations());
+    server.SetBroadcastProvider(provider);
+    for (int restart = 1; restart <= 2; ++restart)
+    {
+        LoseSocket();
+        LoseSocket();
+        ASSERT_TRUE(log.WaitFor("---Listening...", restart + 1)) << log.Text();
+        ASSERT_TRUE(WaitUntil([&] { return server.IsRunning(); }));
+        EXPECT_EQ(restart, log.Count("Asynchronous restart triggered"));
+        EXPECT_TRUE(HearsHello());
+        server.Discover();
+        EXPECT_TRUE(WaitUntil([&] { return provider->Sent == restart; }));
+    }
+    EXPECT_EQ(2, hellos);
+    server.Stop();
+}
+
+TEST_F(DiscoveryServerTest, AHostsOwnStopAndStartForgetsTheProvider)
+{
+    const SmartPointer<CountingProvider> provider(new CountingProvider());
+    server.Start(Registrations());
+    server.SetBroadcastProvider(provider);
+    server.Stop();
+    server.SetBroadcastProvider(provider);
+    EXPECT_TRUE(log.Has("Broadcast provider not installed"));
+    server.Start(HostRegistrations());
+    EXPECT_TRUE(server.TaskProcessor()->BroadcastProvider().IsNull());
+    server.Stop();
+}
+
+TEST_F(DiscoveryServerTest, AStopWinsOverARestart)
+{
+    for (int round = 0; round < 50; ++round)
+    {
+        server.Start(HostRegistrations());
+        LoseSocket();
+        std::this_thread::sleep_for(std::chrono::milliseconds(round)); // every moment of the restart gets its turn
+        server.Stop();
+        EXPECT_FALSE(server.IsRunning());
+    }
+}
+
+TEST_F(DiscoveryServerTest, AStopWaitsForTheCallbackAndSaysWhatItDiscards)
+{
+    holdHello = true;
+    server.Start(Registrations());
+    SendHello();
+    ASSERT_TRUE(gate.WaitForArrivals(1));
+    server.RefreshClient(MACAddress());
+    server.RefreshClient(MACAddress());
+    std::thread stopper([this] { server.Stop(); });
+    EXPECT_TRUE(log.WaitFor("Stopping Task Processor"));
+    EXPECT_FALSE(log.Has("Discovery Server stopped"));
+    gate.Open();
+    stopper.join();
+    EXPECT_TRUE(
+        log.HasInOrder({"Discarded what was still queued : 2 tasks, 0 datagrams.", "Discovery Server stopped"}));
+}
+
+TEST_F(DiscoveryServerTest, AnAsynchronousStopStops)
+{
+    server.Start(HostRegistrations());
+    server.AsynchronousStop(nullptr, EventArgs::Empty());
+    ASSERT_TRUE(log.WaitFor("Discovery Server stopped"));
+    EXPECT_TRUE(log.HasInOrder({"Asynchronous stop triggered", "Stopping Discovery Server service"}));
+    EXPECT_TRUE(WaitUntil([&] { return !server.IsRunning(); }));
+    server.Start(HostRegistrations());
+    EXPECT_TRUE(server.IsRunning());
+}
+} // namespace
