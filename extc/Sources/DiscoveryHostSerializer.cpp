@@ -1,0 +1,39 @@
+#include "DiscoveryHostSerializer.h"
+
+#include "Json/JSONObject.h"
+#include "Json/JSONStringer.h"
+
+namespace Zent::Discovery::Server
+{
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Zent::Utils::Json::JSONObject;
+using Zent::Utils::Json::JSONStringer;
+
+String DiscoveryHostSerializer::Serialize(const DiscoveryHost& host) const
+{
+    return Serialize(host, nullptr);
+}
+
+String DiscoveryHostSerializer::Serialize(const DiscoveryHost& host, const SmartPointer<NICConfig>& sourceNIC) const
+{
+    JSONStringer stringer;
+    stringer.Object();
+    stringer.Key("Host");
+    host.Serialize(stringer);
+    if (!sourceNIC.IsNull())
+    {
+        stringer.Key("SourceNIC");
+        sourceNIC->Serialize(stringer);
+    }
+    stringer.EndObject();
+    return stringer.Detach();
+}
+
+SmartPointer<DiscoveryHost> DiscoveryHostSerializer::Deserialize(const String& json) const
+{
+    SmartPointer<DiscoveryHost> host(new DiscoveryHost());
+    host->Deserialize(JSONObject(json).GetJSONObject("Host").ToString());
+    return host;
+}
+} // namespace Zent::Discovery::Server

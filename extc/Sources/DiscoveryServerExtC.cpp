@@ -1,0 +1,87 @@
+#include "DiscoveryServer.ExtC.h"
+#include "DiscoveryServerExtCFacade.h"
+
+namespace ExtC = Zent::Discovery::ExtC;
+
+extern "C"
+{
+    int DISCOVERY_EXTC_CALL Initialize(const char* logPath, int logLevel)
+    {
+        return ExtC::Initialize(logPath, logLevel);
+    }
+
+    int DISCOVERY_EXTC_CALL Terminate(void)
+    {
+        return ExtC::Terminate();
+    }
+
+    int DISCOVERY_EXTC_CALL StartServer(void)
+    {
+        return ExtC::StartServer();
+    }
+
+    int DISCOVERY_EXTC_CALL StopServer(void)
+    {
+        return ExtC::StopServer();
+    }
+
+    char* DISCOVERY_EXTC_CALL GetErrorMessage(int errorCode)
+    {
+        return ExtC::GetErrorMessage(errorCode);
+    }
+
+    int DISCOVERY_EXTC_CALL Discover(void)
+    {
+        return ExtC::Discover();
+    }
+
+    int DISCOVERY_EXTC_CALL ChangeClientsIPConfigurations(const char* nicConfigsJson)
+    {
+        return ExtC::ChangeClientsIPConfigurations(nicConfigsJson);
+    }
+
+    int DISCOVERY_EXTC_CALL ChangeClientsHostName(const char* newHostName, const char* macAddress)
+    {
+        return ExtC::ChangeClientsHostName(newHostName, macAddress);
+    }
+
+    int DISCOVERY_EXTC_CALL ChangeClientsHostNameWithIP(const char* newHostName, const char* ipAddress)
+    {
+        return ExtC::ChangeClientsHostNameWithIP(newHostName, ipAddress);
+    }
+
+    int DISCOVERY_EXTC_CALL RefreshClient(const char* macAddress)
+    {
+        return ExtC::RefreshClient(macAddress);
+    }
+
+    int DISCOVERY_EXTC_CALL ReachClient(const char* ipAddress)
+    {
+        return ExtC::ReachClient(ipAddress);
+    }
+
+    int DISCOVERY_EXTC_CALL SetClientSignatureReceivedEventCallBack(ClientSignatureReceivedEventCallBack callback)
+    {
+        return ExtC::SetClientSignatureReceivedEventCallBack(callback);
+    }
+
+    int DISCOVERY_EXTC_CALL SetHelloMessageReceivedEventCallBack(HelloMessageReceivedEventCallBack callback)
+    {
+        return ExtC::SetHelloMessageReceivedEventCallBack(callback);
+    }
+
+    int DISCOVERY_EXTC_CALL SetByeMessageReceivedEventCallBack(ByeMessageReceivedEventCallBack callback)
+    {
+        return ExtC::SetByeMessageReceivedEventCallBack(callback);
+    }
+
+    int DISCOVERY_EXTC_CALL InitBroadcastProvider(const char* addressesJson)
+    {
+        return ExtC::InitBroadcastProvider(addressesJson);
+    }
+
+    int DISCOVERY_EXTC_CALL SetMinCompatibleVersion(const char* version)
+    {
+        return ExtC::SetMinCompatibleVersion(version);
+    }
+}

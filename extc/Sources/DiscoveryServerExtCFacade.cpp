@@ -1,0 +1,221 @@
+#include "DiscoveryServerExtCFacade.h"
+
+#include "Discovery/BroadcastProviderWin32.h"
+#include "Discovery/DiscoveryLogger.h"
+#include "Discovery/ServiceThread.h"
+#include "ExceptionGuard.h"
+#include "ExtCCallBacks.h"
+#include "HostEventRelay.h"
+#include "Json/JSONArray.h"
+#include "NICsConfigsListJsonSerializer.h"
+#include "Server/DiscoveryServerFacade.h"
+#include "Server/MinimumCompatibleVersion.h"
+#include "system/Memory.h"
+
+#include <cstring>
+
+namespace Zent::Discovery::ExtC
+{
+using Nfx::System::Error;
+using Nfx::System::Exception;
+using Nfx::System::InvalidOperationException;
+using Nfx::System::Memory;
+using Nfx::System::OutOfMemoryException;
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::Version;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Nfx::System::Net::IPAddress;
+using Server::DiscoveryServer;
+using Server::DiscoveryServerFacade;
+using Server::MinimumCompatibleVersion;
+using Server::NICsConfigsListJsonSerializer;
+using Zent::Utils::Json::JSONArray;
+
+namespace
+{
+const char SourceName[] = "extc/Sources/DiscoveryServerExtCFacade";
+
+/// For operations that wait for the service's threads: on one of these the wait would never end.
+void RefuseOnServiceThread(const char* operation)
+{
+    if (ServiceThread::IsCurrent())
+    {
+        throw InvalidOperationException(String(operation) + " must not be called within a callback.", SourceName,
+                                        __LINE__);
+    }
+}
+
+void StopBody()
+{
+    const SmartPointer<DiscoveryServerFacade> facade = DiscoveryServerFacade::Instance();
+    DiscoveryServer& server = facade->Server();
+    const DiscoveryServer::RestartBarrier barrier(server);
+    if (server.IsRunning())
+    {
+        HostEventRelay::Unsubscribe(*server.TaskProcessor());
+        server.Stop();
+    }
+}
+
+SmartPointer<BroadcastProviderWin32::AddressList> ParseAddresses(const String& text)
+{
+    const JSONArray array(text);
+    SmartPointer<BroadcastProviderWin32::AddressList> addresses(new BroadcastProviderWin32::AddressList());
+    for (std::int32_t index = 0; index < array.Length(); ++index)
+    {
+        addresses->Add(SmartPointer<IPAddress>(new IPAddress(IPAddress::Parse(array.GetString(index)))));
+    }
+    return addresses;
+}
+
+/// A copy that belongs to the host application.
+char* CopyForHost(const String& text)
+{
+    const std::size_t size = text.Length() + 1;
+    char* const copy = static_cast<char*>(Memory::AllocateForHost(size));
+    if (copy == nullptr)
+    {
+        throw OutOfMemoryException(SourceName, __LINE__);
+    }
+    std::memcpy(copy, text.CString(), size);
+    return copy;
+}
+} // namespace
+
+std::int32_t Initialize(const char* logPath, std::int32_t logLevel)
+{
+    return ExceptionGuard::Run([&] {
+        RefuseOnServiceThread("Initialize");
+        if (ExtCCallBacks::Exists())
+        {
+            throw InvalidOperationException("DiscoveryServerFacade instance already initialized!", SourceName,
+                                            __LINE__);
+        }
+        LogStreamLevel level(LogStreamLevel::None);
+        level = logLevel;
+        DiscoveryLogger::GetInstance().Init(logPath, level);
+        ExtCCallBacks::Create();
+        DiscoveryServerFacade::Instance();
+    });
+}
+
+std::int32_t Terminate()
+{
+    return ExceptionGuard::Run([] {
+        RefuseOnServiceThread("Terminate");
+        StopBody();
+        if (ExtCCallBacks::Exists())
+        {
+            DiscoveryServerFacade::Destroy();
+            ExtCCallBacks::Destroy();
+            DiscoveryLogger::GetInstance().Close();
+        }
+    });
+}
+
+std::int32_t StartServer()
+{
+    return ExceptionGuard::Run([] {
+        RefuseOnServiceThread("StartServer");
+        DiscoveryServerFacade::Instance()->Server().Start(HostEventRelay::Relays());
+    });
+}
+
+std::int32_t StopServer()
+{
+    return ExceptionGuard::Run([] {
+        RefuseOnServiceThread("StopServer");
+        StopBody();
+    });
+}
+
+char* GetErrorMessage(std::int32_t errorCode)
+{
+    try
+    {
+        return CopyForHost(Error(errorCode).ToString());
+    }
+    catch (const Exception&)
+    {
+        static const char Fallback[] = "Unable to retrieve error message!";
+        char* const copy = static_cast<char*>(Memory::AllocateForHost(sizeof Fallback));
+        return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, Fallback, sizeof Fallback));
+    }
+}
+
+std::int32_t Discover()
+{
+    return ExceptionGuard::Run([] { DiscoveryServerFacade::Instance()->Server().Discover(); });
+}
+
+std::int32_t ChangeClientsIPConfigurations(const char* nicConfigsJson)
+{
+    return ExceptionGuard::Run([&] {
+        const auto configs = NICsConfigsListJsonSerializer().Deserialize(nicConfigsJson);
+        DiscoveryServerFacade::Instance()->Server().ChangeIPConfigurations(configs);
+    });
+}
+
+std::int32_t ChangeClientsHostName(const char* newHostName, const char* macAddress)
+{
+    return ExceptionGuard::Run([&] {
+        const String name(newHostName);
+        const MACAddress address = MACAddress::Parse(macAddress);
+        DiscoveryServerFacade::Instance()->Server().ChangeHostName(name, address);
+    });
+}
+
+std::int32_t ChangeClientsHostNameWithIP(const char* newHostName, const char* ipAddress)
+{
+    return ExceptionGuard::Run([&] {
+        const String name(newHostName);
+        const IPAddress address = IPAddress::Parse(ipAddress);
+        DiscoveryServerFacade::Instance()->Server().ChangeHostName(name, address);
+    });
+}
+
+std::int32_t RefreshClient(const char* macAddress)
+{
+    return ExceptionGuard::Run([&] {
+        const MACAddress address = MACAddress::Parse(macAddress);
+        DiscoveryServerFacade::Instance()->Server().RefreshClient(address);
+    });
+}
+
+std::int32_t ReachClient(const char* ipAddress)
+{
+    return ExceptionGuard::Run([&] {
+        const IPAddress address = IPAddress::Parse(ipAddress);
+        DiscoveryServerFacade::Instance()->Server().ReachClient(address);
+    });
+}
+
+std::int32_t SetClientSignatureReceivedEventCallBack(ClientSignatureReceivedEventCallBack callback)
+{
+    return ExceptionGuard::Run([&] { ExtCCallBacks::Instance()->ClientSignatureReceived = callback; });
+}
+
+std::int32_t SetHelloMessageReceivedEventCallBack(HelloMessageReceivedEventCallBack callback)
+{
+    return ExceptionGuard::Run([&] { ExtCCallBacks::Instance()->HelloMessageReceived = callback; });
+}
+
+std::int32_t SetByeMessageReceivedEventCallBack(ByeMessageReceivedEventCallBack callback)
+{
+    return ExceptionGuard::Run([&] { ExtCCallBacks::Instance()->ByeMessageReceived = callback; });
+}
+
+std::int32_t InitBroadcastProvider(const char* addressesJson)
+{
+    return ExceptionGuard::Run([&] {
+        const SmartPointer<IBroadcastProvider> provider(new BroadcastProviderWin32(ParseAddresses(addressesJson)));
+        DiscoveryServerFacade::Instance()->Server().SetBroadcastProvider(provider);
+    });
+}
+
+std::int32_t SetMinCompatibleVersion(const char* version)
+{
+    return ExceptionGuard::Run([&] { MinimumCompatibleVersion::Set(Version::Parse(version)); });
+}
+} // namespace Zent::Discovery::ExtC

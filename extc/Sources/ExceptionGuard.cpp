@@ -1,0 +1,25 @@
+#include "ExceptionGuard.h"
+
+#include "Discovery/DiscoveryLogger.h"
+#include "system/LogStreams/LogStreamChannel.h"
+
+namespace Zent::Discovery::ExtC
+{
+using Nfx::System::Exception;
+using Nfx::System::LogStreams::LogStreamChannel;
+
+std::int32_t ExceptionGuard::Report(const Exception& exception) noexcept
+{
+    const std::int32_t code = exception.GetError().Code();
+    try
+    {
+        DiscoveryLogger::GetInstance().Log(LogStreamChannel("DiscoveryServerExtCFacade"),
+                                           "Exception caught in ExtC layer.", exception);
+    }
+    catch (const std::bad_alloc&)
+    {
+        // Without memory there is no line; the code still says what happened.
+    }
+    return code;
+}
+} // namespace Zent::Discovery::ExtC

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Server/DiscoveryServerTaskProcessor.h"
+
+namespace Zent::Discovery::ExtC
+{
+/// Passes the server's three host events to the host application's callbacks, on the task processor's thread.
+class HostEventRelay final
+{
+public:
+    HostEventRelay() = delete;
+
+    /// One relay for each event.
+    static Server::HostRegistrations Relays();
+
+    /// Removes every relay that was added.
+    static void Unsubscribe(Server::DiscoveryServerTaskProcessor& taskProcessor);
+};
+} // namespace Zent::Discovery::ExtC

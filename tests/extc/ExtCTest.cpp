@@ -1,0 +1,182 @@
+#include "support/ExtCLoader.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+constexpr int ArgumentNull = 9;
+constexpr int ArgumentOutOfRange = 10;
+constexpr int InvalidOperation = 30;
+constexpr int NullPointer = 41;
+constexpr int ResourceNotFound = static_cast<int>(0xC0090109u);
+constexpr int InvalidFormat = static_cast<int>(0xC0090114u);
+
+const ExtCFunctions& Server()
+{
+    static const ExtCFunctions functions = [] {
+        ExtCFunctions loaded{};
+        if (LoadExtC(EXTC_LIBRARY, &loaded) == 0)
+        {
+            std::exit(2);
+        }
+        return loaded;
+    }();
+    return functions;
+}
+
+std::string ErrorText(int code)
+{
+    char* const message = Server().GetErrorMessage(code);
+    const std::string text = message;
+    FreeErrorMessage(message);
+    return text;
+}
+
+class ExtCTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        folder = std::filesystem::temp_directory_path() /
+                 ("extc-test-" + std::to_string(std::hash<std::thread::id>{}(std::this_thread::get_id())) + "-" +
+                  testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::remove_all(folder);
+    }
+
+    void TearDown() override
+    {
+        EXPECT_EQ(0, Server().Terminate());
+        std::filesystem::remove_all(folder);
+    }
+
+    std::string LogPath() const { return (folder / "discovery.log").string(); }
+
+    std::string Log() const
+    {
+        std::ifstream file(folder / "discovery.log", std::ios::binary);
+        std::ostringstream text;
+        text << file.rdbuf();
+        return text.str();
+    }
+
+    std::filesystem::path folder;
+};
+
+TEST_F(ExtCTest, ErrorTextsAreExactAndUnknownCodesHaveOneOfTheirOwn)
+{
+    EXPECT_EQ("None", ErrorText(0));
+    EXPECT_EQ("IO", ErrorText(58));
+    EXPECT_EQ("Web", ErrorText(72));
+    EXPECT_EQ("Invalid parameter value", ErrorText(static_cast<int>(0xC0090101u)));
+    EXPECT_EQ("A warning occured", ErrorText(static_cast<int>(0xC0090006u)));
+    for (const std::uint32_t code : {85u, 0xC009020Au, 0xC009FF05u, 0xFFFFFFFFu})
+    {
+        EXPECT_EQ("Unable to retrieve error message!", ErrorText(static_cast<int>(code)));
+    }
+}
+
+TEST_F(ExtCTest, AFailedInitializeLeavesNothingBehind)
+{
+    EXPECT_EQ(ArgumentNull, Server().Initialize(nullptr, DiscoveryLogStandard));
+    EXPECT_EQ(ArgumentOutOfRange, Server().Initialize(LogPath().c_str(), 7));
+    EXPECT_FALSE(std::filesystem::exists(folder));
+    std::filesystem::create_directories(folder / "discovery.log"); // a folder where the file should be
+    EXPECT_NE(0, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
+    EXPECT_EQ(InvalidOperation, Server().SetHelloMessageReceivedEventCallBack(nullptr));
+    std::filesystem::remove_all(folder);
+    EXPECT_EQ(0, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
+    EXPECT_EQ(InvalidOperation, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
+    EXPECT_EQ(0, Server().SetHelloMessageReceivedEventCallBack(nullptr));
+}
+
+TEST_F(ExtCTest, MalformedArgumentsGiveTheirCodeAndALogLine)
+{
+    ASSERT_EQ(0, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
+    ASSERT_EQ(0, Server().StartServer());
+    ASSERT_EQ(0, Server().InitBroadcastProvider("[\"127.0.0.1\"]"));
+    for (const char* text : {"", "00:11:22:33:44", "00:11:22:33:44:55:66", "00:11:22:33:44:GG", "0x0:11:22:33:44:55"})
+    {
+        EXPECT_EQ(InvalidFormat, Server().RefreshClient(text)) << text;
+        EXPECT_EQ(InvalidFormat, Server().ChangeClientsHostName("name", text)) << text;
+    }
+    for (const char* text : {"", "1.2.3", "1.2.3.4.5", "1.2.3.256", " 1.2.3.4", "1.2.3.-4", "localhost"})
+    {
+        EXPECT_EQ(InvalidFormat, Server().ReachClient(text)) << text;
+        EXPECT_EQ(InvalidFormat, Server().ChangeClientsHostNameWithIP("name", text)) << text;
+    }
+    for (const char* text : {"", "1", "1.2.3.4.5", "1..2", "1.0.x", "1.2147483648", "1.-1"})
+    {
+        EXPECT_EQ(InvalidFormat, Server().SetMinCompatibleVersion(text)) << text;
+    }
+    EXPECT_EQ(InvalidFormat, Server().InitBroadcastProvider("{}"));
+    EXPECT_EQ(InvalidFormat, Server().InitBroadcastProvider("[\"127.0.0.1\",\"somewhere\"]"));
+    EXPECT_EQ(ResourceNotFound, Server().InitBroadcastProvider("[1]"));
+    EXPECT_EQ(InvalidFormat, Server().ChangeClientsIPConfigurations("[{]"));
+    EXPECT_EQ(ResourceNotFound, Server().ChangeClientsIPConfigurations("[{\"FriendlyName\":\"eth0\"}]"));
+    EXPECT_EQ(ArgumentNull, Server().RefreshClient(nullptr));
+    EXPECT_EQ(ArgumentNull, Server().ChangeClientsHostName(nullptr, "00:11:22:33:44:55"));
+    ASSERT_EQ(0, Server().StopServer());
+
+    const std::string log = Log();
+    EXPECT_NE(std::string::npos, log.find("|DiscoveryServerExtCFacade               |E|$0xC0090114|Exception caught in "
+                                          "ExtC layer. "));
+    EXPECT_EQ(std::string::npos, log.find("Refresh Client owning"));
+    EXPECT_EQ(std::string::npos, log.find("Sending message"));
+}
+
+TEST_F(ExtCTest, RequestsNeedAStartedServer)
+{
+    ASSERT_EQ(0, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
+    EXPECT_EQ(NullPointer, Server().Discover());
+    EXPECT_EQ(0, Server().InitBroadcastProvider("[]"));
+    EXPECT_NE(std::string::npos, Log().find("Broadcast provider not installed"));
+    EXPECT_EQ(0, Server().StopServer());
+}
+
+TEST_F(ExtCTest, AStopWritesTheLifeOfEachWorkerIntoTheLog)
+{
+    ASSERT_EQ(0, Server().Initialize(LogPath().c_str(), DiscoveryLogCritical));
+    ASSERT_EQ(0, Server().StartServer());
+    ASSERT_EQ(0, Server().StartServer());
+    ASSERT_EQ(0, Server().StopServer());
+    ASSERT_EQ(0, Server().StopServer());
+    ASSERT_EQ(0, Server().Terminate());
+
+    const std::string log = Log();
+    std::size_t position = 0;
+    for (const char* line :
+         {"Starting Discovery Server service (01.00.18)", "Server's current state : Running ! -> Starting aborted.",
+          "Stopping Discovery Server service", "Stopping receiver", "Stopping worker", "Worker stopped",
+          "---Receiver stopped---", "Stopping message parser", "---Message parser stopped---",
+          "Stopping Task Processor", "Stopping worker", "Worker stopped", "---Task Processor stopped---",
+          "Discovery Server stopped", "Close Log"})
+    {
+        position = log.find(line, position);
+        ASSERT_NE(std::string::npos, position) << line << "\nin\n" << log;
+    }
+    EXPECT_NE(std::string::npos, log.find("ending worker."));
+    EXPECT_EQ(std::string::npos, log.find("Unexpected socket error"));
+    EXPECT_EQ(std::string::npos, log.find("Asynchronous restart"));
+}
+
+TEST_F(ExtCTest, TwoHundredStartsAndStopsLeaveThePortFree)
+{
+    ASSERT_EQ(0, Server().Initialize(LogPath().c_str(), DiscoveryLogNone));
+    for (int round = 0; round < 200; ++round)
+    {
+        ASSERT_EQ(0, Server().StartServer());
+        ASSERT_EQ(0, Server().StopServer());
+    }
+}
+} // namespace

@@ -1,0 +1,98 @@
+#include "support/ExtCLoader.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#if defined(_WIN32)
+#include <objbase.h>
+#include <windows.h>
+
+static HMODULE library;
+
+static int Open(const char* path)
+{
+    library = LoadLibraryA(path);
+    return library != NULL;
+}
+
+static int Find(const char* name, unsigned argumentBytes, void* function)
+{
+    char decorated[80];
+    snprintf(decorated, sizeof decorated, "_%s@%u", name, argumentBytes);
+    FARPROC found = GetProcAddress(library, decorated);
+    memcpy(function, &found, sizeof found);
+    return found != NULL;
+}
+
+void UnloadExtC(void)
+{
+    FreeLibrary(library);
+}
+
+void FreeErrorMessage(char* message)
+{
+    CoTaskMemFree(message);
+}
+#else
+#include <dlfcn.h>
+
+static void* library;
+
+static int Open(const char* path)
+{
+    library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    return library != NULL;
+}
+
+static int Find(const char* name, unsigned argumentBytes, void* function)
+{
+    (void)argumentBytes;
+    void* found = dlsym(library, name);
+    memcpy(function, &found, sizeof found);
+    return found != NULL;
+}
+
+void UnloadExtC(void)
+{
+    dlclose(library);
+}
+
+void FreeErrorMessage(char* message)
+{
+    free(message);
+}
+#endif
+
+#define FIND(NAME, BYTES)                                                                                              \
+    if (!Find(#NAME, BYTES, &functions->NAME))                                                                         \
+    {                                                                                                                  \
+        fprintf(stderr, "%s: no function %s\n", path, #NAME);                                                          \
+        return 0;                                                                                                      \
+    }
+
+int LoadExtC(const char* path, ExtCFunctions* functions)
+{
+    if (!Open(path))
+    {
+        fprintf(stderr, "%s: cannot be loaded\n", path);
+        return 0;
+    }
+    FIND(Initialize, 8)
+    FIND(Terminate, 0)
+    FIND(StartServer, 0)
+    FIND(StopServer, 0)
+    FIND(GetErrorMessage, 4)
+    FIND(Discover, 0)
+    FIND(ChangeClientsIPConfigurations, 4)
+    FIND(ChangeClientsHostName, 8)
+    FIND(ChangeClientsHostNameWithIP, 8)
+    FIND(RefreshClient, 4)
+    FIND(ReachClient, 4)
+    FIND(SetClientSignatureReceivedEventCallBack, 4)
+    FIND(SetHelloMessageReceivedEventCallBack, 4)
+    FIND(SetByeMessageReceivedEventCallBack, 4)
+    FIND(InitBroadcastProvider, 4)
+    FIND(SetMinCompatibleVersion, 4)
+    return 1;
+}
