@@ -1,11 +1,9 @@
+#include "ReadNumber.h"
+
 #include <charconv>
 #include <cstdint>
 #include <limits>
 #include <system_error>
-
-/// Stands in for strtod in cJSON's reader: reads the longest prefix that is a number by the JSON grammar, in every
-/// locale. Gives infinity when the number is too large. end is set to text when there is no number.
-extern "C" double NfxReadNumber(const char* text, char** end) noexcept;
 
 namespace
 {
@@ -72,7 +70,7 @@ bool IsHuge(const char* integer, const char* fraction, const char* exponent, con
 }
 } // namespace
 
-double NfxReadNumber(const char* text, char** end) noexcept
+double NfxReadNumber(const char* text, char** end)
 {
     *end = const_cast<char*>(text);
     const char* const integer = *text == '-' ? text + 1 : text;
