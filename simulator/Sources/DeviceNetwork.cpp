@@ -1,0 +1,47 @@
+#include "DeviceNetwork.h"
+
+#include "Discovery/DiscoveryPorts.h"
+#include "system/SmartPointer.h"
+
+using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::Net::AddressFamily;
+using Nfx::System::Net::EndPoint;
+using Nfx::System::Net::IPAddress;
+using Nfx::System::Net::IPEndPoint;
+using namespace Nfx::System::Net::Sockets;
+
+namespace Zent::Discovery::Simulator
+{
+DeviceNetwork::DeviceNetwork()
+    : socket(AddressFamily::InterNetwork, SocketType::Dgram, ProtocolType::Udp)
+    , addressing(ILocalAddressing::Create(socket))
+{
+    static constexpr std::int32_t ReceiveMilliseconds = 200;
+    static constexpr std::int32_t BufferBytes = 1024 * 1024;
+
+    socket.SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReuseAddress, true);
+    socket.SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::Broadcast, true);
+    socket.SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveBuffer, BufferBytes);
+    socket.SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, ReceiveMilliseconds);
+    socket.SetSocketOption(SocketOptionLevel::IP, SocketOptionName::PacketInformation, true);
+    socket.Bind(SmartPointer<EndPoint>(new IPEndPoint(IPAddress::Any(), DiscoveryPorts::GetInstance()->ClientPort())));
+}
+
+std::optional<Request> DeviceNetwork::Receive()
+{
+    Request request;
+    const std::optional<std::size_t> size = addressing->Receive(buffer, request.Sender, request.Destination);
+    if (!size)
+    {
+        return std::nullopt;
+    }
+    request.Text = String(buffer.data(), *size);
+    return request;
+}
+
+void DeviceNetwork::Send(const String& text, const IPAddress& from, const IPAddress& target)
+{
+    addressing->Send(text.View(), from, IPEndPoint(target, DiscoveryPorts::GetInstance()->ServerPort()));
+}
+} // namespace Zent::Discovery::Simulator

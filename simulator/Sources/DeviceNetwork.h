@@ -1,0 +1,40 @@
+#pragma once
+
+#include "ILocalAddressing.h"
+#include "Request.h"
+#include "system/Net/Sockets/Socket.h"
+
+#include <array>
+#include <memory>
+#include <optional>
+
+namespace Zent::Discovery::Simulator
+{
+/// The devices' port of this machine, shared by all devices: hears what is sent to any local address and to all, tells
+/// which, and sends from any local address. A socket for each device could not do that: under Wine a socket bound to a
+/// loopback address other than 127.0.0.1 is bound to all addresses.
+///
+/// One thread may receive while another sends.
+class DeviceNetwork final
+{
+public:
+    /// @throws Nfx::System::Net::Sockets::SocketException when the port cannot be bound.
+    DeviceNetwork();
+
+    /// Waits for a datagram, but only for a fraction of a second; nothing when none came.
+    /// @throws std::system_error when the system refuses.
+    std::optional<Request> Receive();
+
+    /// Sends text from the local address to the servers' port at the target. What is sent from a loopback address stays
+    /// on this machine, whatever the target.
+    /// @throws std::system_error when the system refuses; Nfx::System::Net::Sockets::SocketException.
+    void Send(const Nfx::System::String& text,
+              const Nfx::System::Net::IPAddress& from,
+              const Nfx::System::Net::IPAddress& target);
+
+private:
+    Nfx::System::Net::Sockets::Socket socket;
+    const std::unique_ptr<ILocalAddressing> addressing;
+    std::array<char, 65536> buffer; // of the receiving thread
+};
+} // namespace Zent::Discovery::Simulator

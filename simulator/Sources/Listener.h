@@ -1,0 +1,33 @@
+#pragma once
+
+#include "DeviceNetwork.h"
+#include "RequestQueue.h"
+
+#include <atomic>
+#include <thread>
+
+namespace Zent::Discovery::Simulator
+{
+/// Moves what the network receives into the queue, on a thread of its own.
+class Listener final
+{
+public:
+    /// Listens at once. Network and queue must outlive the object. When the network fails it says so and closes the
+    /// queue.
+    Listener(DeviceNetwork& network, RequestQueue& requests);
+
+    /// Waits for the thread.
+    ~Listener();
+
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+private:
+    void Listen();
+
+    DeviceNetwork& network;
+    RequestQueue& requests;
+    std::atomic<bool> stopRequested{false}; // set by the destructor, read by the thread
+    std::thread thread;
+};
+} // namespace Zent::Discovery::Simulator

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Zent::Discovery::Simulator
+{
+/// Which devices to simulate, and how they behave.
+struct SimulationOptions
+{
+    std::int32_t Count = 3;
+    std::uint64_t Seed = 1;
+
+    std::vector<std::string> Addresses;   // of the devices in order; those beyond get addresses of the network
+    std::string Network = "127.0.0.10/8"; // the address of the first device, from which the others count on
+
+    std::string ProtocolVersion;        // of the messages; empty for the system's own
+    std::chrono::milliseconds Delay{0}; // from a request to its answer
+    bool Answers = true;
+    bool SaysHello = true;
+    bool SaysBye = true;
+    bool NamesSourceNIC = true;
+    bool HostNamesAreReadOnly = false;
+
+    bool EndsWithInput = false; // when standard input ends
+    bool Talks = false;         // prints what the devices do
+};
+} // namespace Zent::Discovery::Simulator
