@@ -38,7 +38,7 @@ std::string AddressText::MAC(std::string_view text)
 
 std::string AddressText::IP(std::string_view text)
 {
-    return Rewrite(text, '.', [](std::string part) {
+    return Rewrite(text, '.', [](const std::string& part) {
         const std::size_t start = part.find_first_not_of('0');
         return start == std::string::npos ? "0" : part.substr(start);
     });

@@ -33,7 +33,7 @@ public:
     /// How many messages were lost so far.
     std::size_t Lost() const;
 
-    static constexpr std::size_t MaximumBytes = 16 * 1024 * 1024;
+    static constexpr std::size_t MaximumBytes = std::size_t{16} * 1024 * 1024;
 
 private:
     mutable std::mutex lock;

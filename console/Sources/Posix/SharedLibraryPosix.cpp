@@ -12,6 +12,7 @@ SharedLibrary::SharedLibrary(const std::string& path)
 {
     if (handle == nullptr)
     {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): the text is the calling thread's own
         throw std::runtime_error("cannot load the library: " + std::string(dlerror()));
     }
 }

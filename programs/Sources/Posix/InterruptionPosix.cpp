@@ -31,7 +31,7 @@ public:
     ~Watcher()
     {
         ending = true;
-        pthread_kill(thread.native_handle(), SIGTERM);
+        pthread_kill(thread.native_handle(), SIGINT);
         thread.join();
     }
 
