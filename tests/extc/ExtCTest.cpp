@@ -1,17 +1,12 @@
 #include "support/ExtCLoader.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <condition_variable>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <mutex>
-#include <sstream>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace
 {
@@ -46,31 +41,13 @@ std::string ErrorText(int code)
 class ExtCTest : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        folder = std::filesystem::temp_directory_path() /
-                 ("extc-test-" + std::to_string(std::hash<std::thread::id>{}(std::this_thread::get_id())) + "-" +
-                  testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::remove_all(folder);
-    }
+    void TearDown() override { EXPECT_EQ(0, Server().Terminate()); }
 
-    void TearDown() override
-    {
-        EXPECT_EQ(0, Server().Terminate());
-        std::filesystem::remove_all(folder);
-    }
+    std::string LogPath() const { return folder.PathOf("logs/discovery.log"); }
 
-    std::string LogPath() const { return (folder / "discovery.log").string(); }
+    std::string Log() const { return folder.Read("logs/discovery.log"); }
 
-    std::string Log() const
-    {
-        std::ifstream file(folder / "discovery.log", std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
-
-    std::filesystem::path folder;
+    const Tests::TemporaryFolder folder;
 };
 
 TEST_F(ExtCTest, ErrorTextsAreExactAndUnknownCodesHaveOneOfTheirOwn)
@@ -90,11 +67,11 @@ TEST_F(ExtCTest, AFailedInitializeLeavesNothingBehind)
 {
     EXPECT_EQ(ArgumentNull, Server().Initialize(nullptr, DiscoveryLogStandard));
     EXPECT_EQ(ArgumentOutOfRange, Server().Initialize(LogPath().c_str(), 7));
-    EXPECT_FALSE(std::filesystem::exists(folder));
-    std::filesystem::create_directories(folder / "discovery.log"); // a folder where the file should be
+    EXPECT_FALSE(std::filesystem::exists(folder.PathOf("logs")));
+    std::filesystem::create_directories(LogPath()); // a folder where the file should be
     EXPECT_NE(0, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
     EXPECT_EQ(InvalidOperation, Server().SetHelloMessageReceivedEventCallBack(nullptr));
-    std::filesystem::remove_all(folder);
+    std::filesystem::remove_all(LogPath());
     EXPECT_EQ(0, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
     EXPECT_EQ(InvalidOperation, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
     EXPECT_EQ(0, Server().SetHelloMessageReceivedEventCallBack(nullptr));

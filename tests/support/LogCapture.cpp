@@ -2,43 +2,23 @@
 
 #include "support/WaitUntil.h"
 
-#include <atomic>
-#include <fstream>
-#include <random>
-#include <sstream>
-
 namespace Tests
 {
 using Zent::Discovery::DiscoveryLogger;
 
-namespace
-{
-std::filesystem::path NewFolder()
-{
-    std::random_device random;
-    return std::filesystem::temp_directory_path() / ("discovery-log-" + std::to_string(random()));
-}
-} // namespace
-
 LogCapture::LogCapture(const Nfx::System::LogStreams::LogStreamLevel& level)
-    : folder(NewFolder())
 {
-    DiscoveryLogger::GetInstance().Init((folder / "test.log").string().c_str(), level);
+    DiscoveryLogger::GetInstance().Init(folder.PathOf("test.log").c_str(), level);
 }
 
 LogCapture::~LogCapture()
 {
     DiscoveryLogger::GetInstance().Close();
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
 }
 
 std::string LogCapture::Text() const
 {
-    std::ifstream file(folder / "test.log", std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return folder.Read("test.log");
 }
 
 int LogCapture::Count(std::string_view text) const

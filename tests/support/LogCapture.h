@@ -1,8 +1,9 @@
 #pragma once
 
 #include "Discovery/DiscoveryLogger.h"
+#include "support/TemporaryFolder.h"
 
-#include <filesystem>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,6 @@ public:
     bool HasInOrder(std::initializer_list<std::string_view> texts) const;
 
 private:
-    std::filesystem::path folder;
+    TemporaryFolder folder;
 };
 } // namespace Tests
