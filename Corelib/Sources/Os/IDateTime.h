@@ -8,6 +8,9 @@ namespace Nfx::Os
 class IDateTime
 {
 public:
+    IDateTime(const IDateTime&) = delete;
+    IDateTime& operator=(const IDateTime&) = delete;
+
     struct Calendar
     {
         std::int32_t Year;
@@ -30,7 +33,5 @@ public:
 protected:
     IDateTime() = default;
     ~IDateTime() = default;
-    IDateTime(const IDateTime&) = delete;
-    IDateTime& operator=(const IDateTime&) = delete;
 };
 } // namespace Nfx::Os

@@ -16,6 +16,9 @@ namespace Nfx::Os
 class IDirectory
 {
 public:
+    IDirectory(const IDirectory&) = delete;
+    IDirectory& operator=(const IDirectory&) = delete;
+
     /// True for a folder, not for another thing of that name.
     virtual bool Exists(const System::String& path) = 0;
 
@@ -33,7 +36,5 @@ public:
 protected:
     IDirectory() = default;
     ~IDirectory() = default;
-    IDirectory(const IDirectory&) = delete;
-    IDirectory& operator=(const IDirectory&) = delete;
 };
 } // namespace Nfx::Os

@@ -17,6 +17,9 @@ namespace Nfx::Os
 class IFile
 {
 public:
+    IFile(const IFile&) = delete;
+    IFile& operator=(const IFile&) = delete;
+
     using Handle = std::intptr_t;
 
     struct Properties
@@ -51,7 +54,5 @@ public:
 protected:
     IFile() = default;
     ~IFile() = default;
-    IFile(const IFile&) = delete;
-    IFile& operator=(const IFile&) = delete;
 };
 } // namespace Nfx::Os

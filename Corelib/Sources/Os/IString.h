@@ -11,6 +11,9 @@ namespace Nfx::Os
 class IString
 {
 public:
+    IString(const IString&) = delete;
+    IString& operator=(const IString&) = delete;
+
     /// Text from outside as UTF-8. On Windows what is not valid UTF-8 is taken for the ANSI code page; elsewhere bytes
     /// have no encoding and pass unchanged.
     virtual System::String ToUtf8(const System::String& text) = 0;
@@ -18,7 +21,5 @@ public:
 protected:
     IString() = default;
     ~IString() = default;
-    IString(const IString&) = delete;
-    IString& operator=(const IString&) = delete;
 };
 } // namespace Nfx::Os
