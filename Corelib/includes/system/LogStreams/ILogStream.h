@@ -29,6 +29,7 @@ public:
 
     /// Writes a message and below it the bytes as hexadecimal, 16 a line, each line led by its offset. The lines stay
     /// together. data may be null when size is 0.
+    /// @throws ArgumentNullException when data is null and size is not 0.
     virtual void WriteBytes(const LogStreamChannel& channel,
                             const String& message,
                             const std::uint8_t* data,
