@@ -112,6 +112,7 @@ TEST_F(DiscoveryReceiverTest, AnUnreachablePeerDoesNotEndIt)
 
 TEST_F(DiscoveryReceiverTest, AStopEndsItWithoutALoss)
 {
+    ASSERT_TRUE(log.WaitFor("---Listening..."));
     receiver->Stop();
     EXPECT_TRUE(
         log.HasInOrder({"---Listening...", "Stopping receiver", "Stopping worker",
