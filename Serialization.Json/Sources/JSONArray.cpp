@@ -33,7 +33,7 @@ JSONArray::JSONArray(const String& text)
 {
     if (cJSON_IsArray(Item()) == 0)
     {
-        throw Exception(ErrorCodes::InvalidFormat, SourceName, __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no JSON array : " + text.Quoted(), SourceName, __LINE__);
     }
 }
 

@@ -76,7 +76,8 @@ JSONDocument::JSONDocument(std::string_view text)
     }
     if (root == nullptr)
     {
-        throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat, SourceName, __LINE__);
+        throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat,
+                                     "no JSON document : " + Nfx::System::String(text).Quoted(), SourceName, __LINE__);
     }
 }
 } // namespace Zent::Utils::Json

@@ -37,7 +37,7 @@ JSONObject::JSONObject(const String& text)
 {
     if (cJSON_IsObject(Item()) == 0)
     {
-        throw Exception(ErrorCodes::InvalidFormat, SourceName, __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no JSON object : " + text.Quoted(), SourceName, __LINE__);
     }
 }
 

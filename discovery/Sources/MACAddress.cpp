@@ -51,7 +51,8 @@ MACAddress MACAddress::Parse(const String& text)
     }
     if (!valid || !rest.empty())
     {
-        throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat, SourceName, __LINE__);
+        throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat, "no MAC address : " + text.Quoted(),
+                                     SourceName, __LINE__);
     }
     return MACAddress(parsed);
 }

@@ -27,7 +27,8 @@ Boolean Boolean::Parse(const String& text)
     Boolean result;
     if (!TryParse(text, result))
     {
-        throw Exception(ErrorCodes::InvalidFormat, "Corelib/Sources/System/Boolean", __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "neither True nor False : " + text.Quoted(),
+                        "Corelib/Sources/System/Boolean", __LINE__);
     }
     return result;
 }

@@ -17,7 +17,8 @@ Byte Convert::ToByte(const String& text, std::int32_t base)
     const std::from_chars_result end = std::from_chars(first, last, value, base);
     if (end.ec != std::errc() || end.ptr != last)
     {
-        throw Exception(ErrorCodes::InvalidFormat, "Corelib/Sources/System/Convert", __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no byte : " + text.Quoted(), "Corelib/Sources/System/Convert",
+                        __LINE__);
     }
     return value;
 }

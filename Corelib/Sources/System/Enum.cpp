@@ -44,7 +44,8 @@ std::int32_t EnumBase::ParseName(std::span<const EnumName> names, const String& 
     const EnumName* const row = FindValue(names, name);
     if (row == nullptr)
     {
-        throw Exception(ErrorCodes::InvalidFormat, "Corelib/Sources/System/Enum", __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no such name : " + name.Quoted(), "Corelib/Sources/System/Enum",
+                        __LINE__);
     }
     return row->Value;
 }

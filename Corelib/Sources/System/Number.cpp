@@ -46,7 +46,8 @@ TDerived Number<TDerived, TValue>::Parse(const String& text)
     const std::from_chars_result end = std::from_chars(first, last, result);
     if (end.ec != std::errc() || end.ptr != last)
     {
-        throw Exception(ErrorCodes::InvalidFormat, "Corelib/Sources/System/Number", __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no number : " + text.Quoted(), "Corelib/Sources/System/Number",
+                        __LINE__);
     }
     return TDerived(result);
 }

@@ -43,6 +43,13 @@ String String::ToString() const
     return *this;
 }
 
+String String::Quoted() const
+{
+    constexpr std::size_t Longest = 64;
+    const bool isCut = text.size() > Longest;
+    return "\"" + String(View().substr(0, Longest)) + (isCut ? "...\"" : "\"");
+}
+
 Collections::Generic::List<String> String::Split(char separator, const StringSplitOptions& options) const
 {
     Collections::Generic::List<String> parts;

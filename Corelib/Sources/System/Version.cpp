@@ -18,7 +18,7 @@ std::int32_t ParseComponent(const String& text)
     const std::int32_t component = Int32::Parse(text);
     if (text.View().front() == '-')
     {
-        throw Exception(ErrorCodes::InvalidFormat, SourceName, __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no version component : " + text.Quoted(), SourceName, __LINE__);
     }
     return component;
 }
@@ -66,7 +66,7 @@ Version Version::Parse(const String& text)
     const Collections::Generic::List<String> parts = text.Split('.', StringSplitOptions::None);
     if (parts.Count() < 2 || parts.Count() > 4)
     {
-        throw Exception(ErrorCodes::InvalidFormat, SourceName, __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no version : " + text.Quoted(), SourceName, __LINE__);
     }
     std::int32_t components[4] = {0, 0, Undefined, Undefined};
     for (std::int32_t index = 0; index < parts.Count(); ++index)

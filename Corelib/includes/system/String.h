@@ -80,6 +80,10 @@ public:
     /// Byte-wise order: negative, zero or positive.
     int CompareTo(const String& other) const noexcept { return text.compare(other.text); }
 
+    /// The text in quotation marks, for a message that says what is wrong with it. Cut after 64 bytes: such texts come
+    /// from others.
+    String Quoted() const;
+
     /// The parts between separators, in order; n separators give n + 1 parts unless empty ones are removed.
     Collections::Generic::List<String> Split(char separator, const StringSplitOptions& options) const;
 

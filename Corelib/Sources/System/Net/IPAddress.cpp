@@ -80,7 +80,8 @@ IPAddress IPAddress::Parse(const String& text)
     std::uint32_t address = 0;
     if (!TryParse(text.View(), address))
     {
-        throw Exception(ErrorCodes::InvalidFormat, "Corelib/Sources/System/Net/IPAddress", __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no IP address : " + text.Quoted(),
+                        "Corelib/Sources/System/Net/IPAddress", __LINE__);
     }
     return address;
 }
