@@ -1,8 +1,10 @@
-# nfx_add_locale_tests(<test> [LABELS <label>...])
+# nfx_add_locale_tests(<test> [FILTER <pattern>] [LABELS <label>...])
 #
-# Registers a test program again, once for each locale in which a host process may run: there numbers have a decimal
-# comma, and in Turkish "I" and "i" are not the two cases of one letter. The program must have tests/support/HostLocale.cpp
-# among its sources.
+# Registers a test program again, once for each of two locales in which a host process may run: there numbers have a
+# decimal comma, and in Turkish "I" and "i" are not the two cases of one letter. The program must have
+# tests/support/HostLocale.cpp among its sources.
+#
+# FILTER  the cases to run; all without it
 
 if(WIN32)
   set(nfx_locales "de_DE=German_Germany.1252" "tr_TR=Turkish_Turkey.1254")
@@ -22,12 +24,12 @@ else()
 endif()
 
 function(nfx_add_locale_tests test)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LABELS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FILTER" "LABELS")
   foreach(locale IN LISTS nfx_locales)
     string(REPLACE "=" ";" locale "${locale}")
     list(GET locale 0 suffix)
     list(GET locale 1 name)
-    nfx_register_test(${test}-${suffix} ${test} "" TIMEOUT 120 LABELS ${arg_LABELS})
+    nfx_register_test(${test}-${suffix} ${test} "${arg_FILTER}" TIMEOUT 120 LABELS ${arg_LABELS})
     set_property(TEST ${test}-${suffix} APPEND PROPERTY ENVIRONMENT TEST_LOCALE=${name})
     if(nfx_locale_folder)
       set_property(TEST ${test}-${suffix} APPEND PROPERTY ENVIRONMENT LOCPATH=${nfx_locale_folder})
