@@ -3,8 +3,6 @@
 #include "JSONDocument.h"
 #include "system/Exceptions.h"
 
-#include <utility>
-
 namespace Zent::Utils::Json
 {
 AbstractJSON::AbstractJSON()
@@ -37,9 +35,11 @@ AbstractJSON::~AbstractJSON() = default;
 
 AbstractJSON& AbstractJSON::operator=(const AbstractJSON& source)
 {
-    Nfx::System::SmartPointer<JSONDocument> shared(source.document); // a SmartPointer assigned to itself would be empty
-    document = std::move(shared);
-    item = source.item;
+    if (this != &source)
+    {
+        document = source.document;
+        item = source.item;
+    }
     return *this;
 }
 } // namespace Zent::Utils::Json

@@ -20,7 +20,7 @@ namespace
 {
 const char SourceName[] = "Serialization.Json/Sources/JSONArray";
 
-[[noreturn]] void ThrowNotFound(const char* type, Int32 index, std::int32_t line)
+[[noreturn]] void ThrowNotFound(const char* type, const Int32& index, std::int32_t line)
 {
     throw Exception(ErrorCodes::ResourceNotFound, type + index.ToString() + " not found", SourceName, line);
 }
@@ -51,7 +51,7 @@ Int32 JSONArray::Length() const
     return length;
 }
 
-Boolean JSONArray::TryGetJSONObject(Int32 index, JSONObject& value) const
+Boolean JSONArray::TryGetJSONObject(const Int32& index, JSONObject& value) const
 {
     const cJSON* const element = Element(index);
     if (cJSON_IsObject(element) == 0)
@@ -62,7 +62,7 @@ Boolean JSONArray::TryGetJSONObject(Int32 index, JSONObject& value) const
     return true;
 }
 
-Boolean JSONArray::TryGetString(Int32 index, String& value) const
+Boolean JSONArray::TryGetString(const Int32& index, String& value) const
 {
     const cJSON* const element = Element(index);
     if (cJSON_IsString(element) == 0)
@@ -73,7 +73,7 @@ Boolean JSONArray::TryGetString(Int32 index, String& value) const
     return true;
 }
 
-JSONObject JSONArray::GetJSONObject(Int32 index) const
+JSONObject JSONArray::GetJSONObject(const Int32& index) const
 {
     JSONObject value;
     if (!TryGetJSONObject(index, value))
@@ -83,7 +83,7 @@ JSONObject JSONArray::GetJSONObject(Int32 index) const
     return value;
 }
 
-String JSONArray::GetString(Int32 index) const
+String JSONArray::GetString(const Int32& index) const
 {
     String value;
     if (!TryGetString(index, value))

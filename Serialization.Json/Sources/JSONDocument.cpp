@@ -51,7 +51,7 @@ const cJSON* Parse(std::string_view text, JSONArena& memory)
 
 void JSONDocument::InstallHooks()
 {
-    [[maybe_unused]] static const bool installed = [] {
+    [[maybe_unused]] static const bool Installed = [] {
         cJSON_Hooks hooks = {&Allocate, &Free};
         cJSON_InitHooks(&hooks);
         return true;

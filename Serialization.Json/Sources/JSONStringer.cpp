@@ -64,7 +64,7 @@ void JSONStringer::Value(const TextView& value)
     JSONWriter::AppendString(text, value);
 }
 
-void JSONStringer::Value(Boolean value)
+void JSONStringer::Value(const Boolean& value)
 {
     BeginValue();
     text.append(value ? "true" : "false");

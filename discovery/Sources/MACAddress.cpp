@@ -12,7 +12,6 @@
 
 using Nfx::System::Boolean;
 using Nfx::System::Int32;
-using Nfx::System::Object;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 
@@ -57,7 +56,7 @@ MACAddress MACAddress::Parse(const String& text)
     return MACAddress(parsed);
 }
 
-Boolean MACAddress::Equals(const Object* object) const
+Boolean MACAddress::Equals(const Nfx::System::Object* object) const
 {
     const MACAddress* other = dynamic_cast<const MACAddress*>(object);
     return other != nullptr && *other == *this;
@@ -83,7 +82,7 @@ String MACAddress::ToString() const
     return text;
 }
 
-Int32 MACAddress::CompareTo(const Object* object) const
+Int32 MACAddress::CompareTo(const Nfx::System::Object* object) const
 {
     if (object == nullptr)
     {

@@ -24,16 +24,16 @@ public:
     Nfx::System::Int32 Length() const;
 
     /// False, and value stays untouched, when there is no such element or it is no object.
-    Nfx::System::Boolean TryGetJSONObject(Nfx::System::Int32 index, JSONObject& value) const;
+    Nfx::System::Boolean TryGetJSONObject(const Nfx::System::Int32& index, JSONObject& value) const;
 
     /// False, and value stays untouched, when there is no such element or it is no string.
-    Nfx::System::Boolean TryGetString(Nfx::System::Int32 index, Nfx::System::String& value) const;
+    Nfx::System::Boolean TryGetString(const Nfx::System::Int32& index, Nfx::System::String& value) const;
 
     /// @throws Exception with ErrorCodes::ResourceNotFound when TryGetJSONObject fails.
-    JSONObject GetJSONObject(Nfx::System::Int32 index) const;
+    JSONObject GetJSONObject(const Nfx::System::Int32& index) const;
 
     /// @throws Exception with ErrorCodes::ResourceNotFound when TryGetString fails.
-    Nfx::System::String GetString(Nfx::System::Int32 index) const;
+    Nfx::System::String GetString(const Nfx::System::Int32& index) const;
 
     Nfx::System::String ToString() const override;
 

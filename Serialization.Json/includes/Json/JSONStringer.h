@@ -35,7 +35,7 @@ public:
     void Value(const TextView& value);
 
     /// Adds true or false, within an object under the pending key.
-    void Value(Nfx::System::Boolean value);
+    void Value(const Nfx::System::Boolean& value);
 
     /// The text written so far; complete once the outermost container is closed.
     Nfx::System::String ToString() const override;

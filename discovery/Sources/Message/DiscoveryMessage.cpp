@@ -64,7 +64,7 @@ DiscoveryMessage::DiscoveryMessage(const Nfx::System::Version& version)
 {
 }
 
-DiscoveryMessage::DiscoveryMessage(const Nfx::System::Version& version, Boolean broadcast)
+DiscoveryMessage::DiscoveryMessage(const Nfx::System::Version& version, const Boolean& broadcast)
     : Version(version)
     , Broadcast(broadcast)
 {

@@ -52,6 +52,6 @@ public:
 protected:
     DiscoveryMessage();
     explicit DiscoveryMessage(const Nfx::System::Version& version);
-    DiscoveryMessage(const Nfx::System::Version& version, Nfx::System::Boolean broadcast);
+    DiscoveryMessage(const Nfx::System::Version& version, const Nfx::System::Boolean& broadcast);
 };
 } // namespace Zent::Discovery
