@@ -19,17 +19,20 @@ unsigned char Fold(char character) noexcept
     return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte + ('a' - 'A')) : byte;
 }
 
+bool IsEqualFolded(char left, char right) noexcept
+{
+    return Fold(left) == Fold(right);
+}
+
+/// Most names are told apart by their first letter or their length, and those that match mostly match in case, too.
 bool IsKey(const char* name, std::string_view key) noexcept
 {
-    for (const char character : key)
+    if (!key.empty() && !IsEqualFolded(*name, key.front()))
     {
-        if (*name == '\0' || Fold(*name) != Fold(character))
-        {
-            return false;
-        }
-        ++name;
+        return false;
     }
-    return *name == '\0';
+    const std::string_view view(name);
+    return view == key || std::equal(view.begin(), view.end(), key.begin(), key.end(), IsEqualFolded);
 }
 
 const cJSON* FirstMember(const cJSON* object) noexcept

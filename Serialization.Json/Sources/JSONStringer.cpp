@@ -14,6 +14,8 @@ namespace ErrorCodes = Nfx::System::ErrorCodes;
 
 namespace
 {
+constexpr std::size_t TypicalLength = 1024; // of a device's description
+
 [[noreturn]] void ThrowMisuse(const String& message, std::int32_t line)
 {
     throw Exception(ErrorCodes::InvalidCommandValue, message, "Serialization.Json/Sources/JSONStringer", line);
@@ -134,6 +136,10 @@ void JSONStringer::Open(Kind kind, char bracket)
     if (!open.empty())
     {
         BeginValue();
+    }
+    else
+    {
+        text.reserve(TypicalLength);
     }
     text.push_back(bracket);
     open.push_back({kind, false});

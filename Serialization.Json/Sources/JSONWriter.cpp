@@ -2,10 +2,11 @@
 
 #include <cJSON.h>
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -19,6 +20,39 @@ using Containers = std::vector<const cJSON*>;
 bool NeedsEscape(char character)
 {
     return static_cast<unsigned char>(character) < 32 || character == '"' || character == '\\';
+}
+
+constexpr std::uint64_t EveryByte = 0x0101010101010101;
+constexpr std::uint64_t EveryTopBit = 0x80 * EveryByte;
+
+/// Whether one of eight bytes is 0. May be wrong about bytes behind one that is, so it tells no place.
+constexpr bool HasZero(std::uint64_t bytes)
+{
+    return ((bytes - EveryByte) & ~bytes & EveryTopBit) != 0;
+}
+
+constexpr bool HasControl(std::uint64_t bytes)
+{
+    return ((bytes - 32 * EveryByte) & ~bytes & EveryTopBit) != 0;
+}
+
+/// How many characters at the start of the text need no escape.
+std::size_t PlainLength(std::string_view text)
+{
+    std::size_t length = 0;
+    for (std::uint64_t bytes; text.size() - length >= sizeof bytes; length += sizeof bytes)
+    {
+        std::memcpy(&bytes, text.data() + length, sizeof bytes);
+        if (HasControl(bytes) || HasZero(bytes ^ '"' * EveryByte) || HasZero(bytes ^ '\\' * EveryByte))
+        {
+            break;
+        }
+    }
+    while (length != text.size() && !NeedsEscape(text[length]))
+    {
+        ++length;
+    }
+    return length;
 }
 
 void AppendEscape(std::string& text, char character)
@@ -116,18 +150,15 @@ const cJSON* Leave(std::string& text, Containers& open)
 void JSONWriter::AppendString(std::string& text, std::string_view value)
 {
     text.push_back('"');
-    while (true)
+    std::size_t plain = PlainLength(value);
+    while (plain != value.size())
     {
-        const auto special = std::find_if(value.begin(), value.end(), NeedsEscape);
-        text.append(value.begin(), special);
-        if (special == value.end())
-        {
-            break;
-        }
-        AppendEscape(text, *special);
-        value.remove_prefix(static_cast<std::size_t>(special - value.begin()) + 1);
+        text.append(value.data(), plain);
+        AppendEscape(text, value[plain]);
+        value.remove_prefix(plain + 1);
+        plain = PlainLength(value);
     }
-    text.push_back('"');
+    text.append(value.data(), plain).push_back('"');
 }
 
 void JSONWriter::AppendNumber(std::string& text, double value)
