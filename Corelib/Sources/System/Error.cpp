@@ -2,6 +2,7 @@
 
 #include "system/Boolean.h"
 #include "system/Convert.h"
+#include "system/ErrorTable.h"
 #include "system/Exceptions.h"
 #include "system/TypeCode.h"
 
@@ -11,17 +12,13 @@ namespace
 {
 const char SourceName[] = "Corelib/Sources/System/Error";
 
-const ErrorTable::Map* Validated(const ErrorTable::Map* table, std::int32_t code)
+std::int32_t Validated(std::int32_t code)
 {
-    if (table == nullptr)
-    {
-        throw Exception(ErrorCodes::ParameterIsNull, SourceName, 385);
-    }
-    if (table->Find(code) == nullptr)
+    if (ErrorTable::Find(code) == nullptr)
     {
         throw Exception(ErrorCodes::InvalidParameterValue, SourceName, 388);
     }
-    return table;
+    return code;
 }
 
 const Error& NotNull(const Error* source)
@@ -34,14 +31,8 @@ const Error& NotNull(const Error* source)
 }
 } // namespace
 
-Error::Error()
-    : Error(ErrorCodes::None)
-{
-}
-
 Error::Error(std::int32_t code)
-    : code(code)
-    , table(Validated(&ErrorTable::Instance(), code))
+    : code(Validated(code))
 {
 }
 
@@ -63,8 +54,8 @@ Int32 Error::GetHashCode() const
 
 String Error::ToString() const
 {
-    const String* const text = table != nullptr ? table->Find(code) : nullptr;
-    return text != nullptr ? *text : "Error " + Convert::ToHexadecimal(code);
+    const char* const text = ErrorTable::Find(code);
+    return text != nullptr ? String(text) : "Error " + Convert::ToHexadecimal(code);
 }
 
 Int32 Error::CompareTo(const Object* object) const

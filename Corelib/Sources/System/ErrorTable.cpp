@@ -2,18 +2,104 @@
 
 #include "system/ErrorCodes.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace Nfx::System
 {
 namespace
 {
 struct Row
 {
-    std::uint32_t Code;
+    std::int32_t Code;
     const char* Text;
 };
 
 // Hosts see these texts letter for letter, spelling included, and the gaps between the codes are theirs too.
 constexpr Row Rows[] = {
+    {ErrorCodes::Status(0xC0090001), "An invalid handle value was used"},
+    {ErrorCodes::Status(0xC0090002), "Not enough resources available to complete the requested operation"},
+    {ErrorCodes::Status(0xC0090003), "Operation could not be completed"},
+    {ErrorCodes::Status(0xC0090004), "An internal error occurred while performing the requested operation"},
+    {ErrorCodes::Status(0xC0090005), "Driver not installed correctly"},
+    {ErrorCodes::Status(0xC0090006), "A warning occured"},
+    {ErrorCodes::Status(0xC0090007), "One or more errors occured"},
+    {ErrorCodes::Status(0xC0090101), "Invalid parameter value"},
+    {ErrorCodes::Status(0xC0090102), "Wrong size specified"},
+    {ErrorCodes::Status(0xC0090103), "Buffer provided is too small"},
+    {ErrorCodes::Status(0xC0090104), "Buffer provided is too large"},
+    {ErrorCodes::Status(0xC0090105), "Provided buffer does not have requested size"},
+    {ErrorCodes::Status(0xC0090106), "Invalid property"},
+    {ErrorCodes::Status(0xC0090107), "Invalid property value"},
+    {ErrorCodes::Status(0xC0090108), "Bad Data"},
+    {ErrorCodes::Status(0xC0090109), "Resource not found"},
+    {ErrorCodes::Status(0xC009010A), "Invalid size"},
+    {ErrorCodes::Status(0xC009010B), "Object is full"},
+    {ErrorCodes::Status(0xC009010C), "Object is empty"},
+    {ErrorCodes::Status(0xC009010D), "Cannot happens"},
+    {ErrorCodes::Status(0xC009010E), "Object is static"},
+    {ErrorCodes::Status(0xC0090110), "No more new data"},
+    {ErrorCodes::Status(0xC0090111), "Not Supported"},
+    {ErrorCodes::Status(0xC0090113), "Object different"},
+    {ErrorCodes::Status(0xC0090114), "Invalid Format"},
+    {ErrorCodes::Status(0xC0090115), "Invalid Checksum"},
+    {ErrorCodes::Status(0xC0090116), "Invalid data checksum"},
+    {ErrorCodes::Status(0xC0090117), "Invalid family value"},
+    {ErrorCodes::Status(0xC0090118), "Invalid command value"},
+    {ErrorCodes::Status(0xC0090119), "Invalid answer format"},
+    {ErrorCodes::Status(0xC009011A), "Invalid stack operation"},
+    {ErrorCodes::Status(0xC009011B), "Database out of sequence data packet"},
+    {ErrorCodes::Status(0xC009011C), "Transaction pending"},
+    {ErrorCodes::Status(0xC009011D), "No transaction pending"},
+    {ErrorCodes::Status(0xC009011E), "Value out of range"},
+    {ErrorCodes::Status(0xC009011F), "Variable type wrong"},
+    {ErrorCodes::Status(0xC0090120), "Read only property"},
+    {ErrorCodes::Status(0xC0090121), "An Initialization error occurred"},
+    {ErrorCodes::Status(0xC0090122), "Bad channel type"},
+    {ErrorCodes::Status(0xC0090123), "End of File"},
+    {ErrorCodes::Status(0xC0090124), "Parameter is null value"},
+    {ErrorCodes::Status(0xC0090150), "Dialog init error"},
+    {ErrorCodes::Status(0xC0090151), "Remote Procedure Call init error"},
+    {ErrorCodes::Status(0xC0090152), "Socket init error"},
+    {ErrorCodes::Status(0xC0090153), "Thread init error"},
+    {ErrorCodes::Status(0xC0090154), "Uart init error"},
+    {ErrorCodes::Status(0xC0090155), "Zent init error"},
+    {ErrorCodes::Status(0xC0090156), "No more connection available"},
+    {ErrorCodes::Status(0xC0090157), "Too many retries"},
+    {ErrorCodes::Status(0xC0090202), "Driver not found or incorrectly initialized"},
+    {ErrorCodes::Status(0xC0090203), "Wrong mode to execute the requested operation"},
+    {ErrorCodes::Status(0xC0090204), "Bad CRC"},
+    {ErrorCodes::Status(0xC0090205), "Overrun, the application is too speed"},
+    {ErrorCodes::Status(0xC0090206), "Underrun, the application is too slow"},
+    {ErrorCodes::Status(0xC0090207), "Already opened"},
+    {ErrorCodes::Status(0xC0090208), "Not opened"},
+    {ErrorCodes::Status(0xC0090209), "Already running"},
+    {ErrorCodes::Status(0xC0090210), "Already stopped"},
+    {ErrorCodes::Status(0xC0090211), "Still connected"},
+    {ErrorCodes::Status(0xC0090212), "Cannot start requested operation"},
+    {ErrorCodes::Status(0xC0090213), "Cannot stop requested operation"},
+    {ErrorCodes::Status(0xC0090214), "Info not available"},
+    {ErrorCodes::Status(0xC0090215), "Error during open access"},
+    {ErrorCodes::Status(0xC0090216), "Error during create access"},
+    {ErrorCodes::Status(0xC0090217), "Error during read access"},
+    {ErrorCodes::Status(0xC0090218), "Error during write access"},
+    {ErrorCodes::Status(0xC0090219), "Error during seek access"},
+    {ErrorCodes::Status(0xC0090220), "Error during close access"},
+    {ErrorCodes::Status(0xC0090221), "No more file handle available"},
+    {ErrorCodes::Status(0xC0090222), "Bad status error"},
+    {ErrorCodes::Status(0xC0090223), "Connect error"},
+    {ErrorCodes::Status(0xC0090224), "Purge error"},
+    {ErrorCodes::Status(0xC0090225), "Already exist"},
+    {ErrorCodes::Status(0xC0090226), "Not exist"},
+    {ErrorCodes::Status(0xC0090228), "An I/O error occurs"},
+    {ErrorCodes::Status(0xC0090229), "The stream is closed"},
+    {ErrorCodes::Status(0xC0090233), "Thread state error"},
+    {ErrorCodes::Status(0xC0090235), "Semaphore full error"},
+    {ErrorCodes::Status(0xC0090236), "Thread aborted error"},
+    {ErrorCodes::Status(0xC0094000), "Event callback timeout error"},
+    {ErrorCodes::Status(0xC0094001), "Incompatible version"},
+    {ErrorCodes::Status(0xC009FE00), "KVSP Nack 1 error from 0xC009FF00 -> 0xC009FFFF"},
+    {ErrorCodes::Status(0xC009FF00), "KVSP Nack error from 0xC009FF00 -> 0xC009FFFF"},
     {0, "None"},
     {1, "Unknown"},
     {2, "Aggregate"},
@@ -99,105 +185,19 @@ constexpr Row Rows[] = {
     {82, "ThreadStart"},
     {83, "ThreadState"},
     {84, "WaitHandleCannotBeOpened"},
-    {0xC0090001, "An invalid handle value was used"},
-    {0xC0090002, "Not enough resources available to complete the requested operation"},
-    {0xC0090003, "Operation could not be completed"},
-    {0xC0090004, "An internal error occurred while performing the requested operation"},
-    {0xC0090005, "Driver not installed correctly"},
-    {0xC0090006, "A warning occured"},
-    {0xC0090007, "One or more errors occured"},
-    {0xC0090101, "Invalid parameter value"},
-    {0xC0090102, "Wrong size specified"},
-    {0xC0090103, "Buffer provided is too small"},
-    {0xC0090104, "Buffer provided is too large"},
-    {0xC0090105, "Provided buffer does not have requested size"},
-    {0xC0090106, "Invalid property"},
-    {0xC0090107, "Invalid property value"},
-    {0xC0090108, "Bad Data"},
-    {0xC0090109, "Resource not found"},
-    {0xC009010A, "Invalid size"},
-    {0xC009010B, "Object is full"},
-    {0xC009010C, "Object is empty"},
-    {0xC009010D, "Cannot happens"},
-    {0xC009010E, "Object is static"},
-    {0xC0090110, "No more new data"},
-    {0xC0090111, "Not Supported"},
-    {0xC0090113, "Object different"},
-    {0xC0090114, "Invalid Format"},
-    {0xC0090115, "Invalid Checksum"},
-    {0xC0090116, "Invalid data checksum"},
-    {0xC0090117, "Invalid family value"},
-    {0xC0090118, "Invalid command value"},
-    {0xC0090119, "Invalid answer format"},
-    {0xC009011A, "Invalid stack operation"},
-    {0xC009011B, "Database out of sequence data packet"},
-    {0xC009011C, "Transaction pending"},
-    {0xC009011D, "No transaction pending"},
-    {0xC009011E, "Value out of range"},
-    {0xC009011F, "Variable type wrong"},
-    {0xC0090120, "Read only property"},
-    {0xC0090121, "An Initialization error occurred"},
-    {0xC0090122, "Bad channel type"},
-    {0xC0090123, "End of File"},
-    {0xC0090124, "Parameter is null value"},
-    {0xC0090150, "Dialog init error"},
-    {0xC0090151, "Remote Procedure Call init error"},
-    {0xC0090152, "Socket init error"},
-    {0xC0090153, "Thread init error"},
-    {0xC0090154, "Uart init error"},
-    {0xC0090155, "Zent init error"},
-    {0xC0090156, "No more connection available"},
-    {0xC0090157, "Too many retries"},
-    {0xC0090202, "Driver not found or incorrectly initialized"},
-    {0xC0090203, "Wrong mode to execute the requested operation"},
-    {0xC0090204, "Bad CRC"},
-    {0xC0090205, "Overrun, the application is too speed"},
-    {0xC0090206, "Underrun, the application is too slow"},
-    {0xC0090207, "Already opened"},
-    {0xC0090208, "Not opened"},
-    {0xC0090209, "Already running"},
-    {0xC0090210, "Already stopped"},
-    {0xC0090211, "Still connected"},
-    {0xC0090212, "Cannot start requested operation"},
-    {0xC0090213, "Cannot stop requested operation"},
-    {0xC0090214, "Info not available"},
-    {0xC0090215, "Error during open access"},
-    {0xC0090216, "Error during create access"},
-    {0xC0090217, "Error during read access"},
-    {0xC0090218, "Error during write access"},
-    {0xC0090219, "Error during seek access"},
-    {0xC0090220, "Error during close access"},
-    {0xC0090221, "No more file handle available"},
-    {0xC0090222, "Bad status error"},
-    {0xC0090223, "Connect error"},
-    {0xC0090224, "Purge error"},
-    {0xC0090225, "Already exist"},
-    {0xC0090226, "Not exist"},
-    {0xC0090228, "An I/O error occurs"},
-    {0xC0090229, "The stream is closed"},
-    {0xC0090233, "Thread state error"},
-    {0xC0090235, "Semaphore full error"},
-    {0xC0090236, "Thread aborted error"},
-    {0xC009FF00, "KVSP Nack error from 0xC009FF00 -> 0xC009FFFF"},
-    {0xC009FE00, "KVSP Nack 1 error from 0xC009FF00 -> 0xC009FFFF"},
-    {0xC0094000, "Event callback timeout error"},
-    {0xC0094001, "Incompatible version"},
 };
 
-const ErrorTable::Map* Build()
+constexpr bool OrderedByCode(const Row& left, const Row& right)
 {
-    auto* const map = new ErrorTable::Map();
-    for (const Row& row : Rows)
-    {
-        map->TryAdd(ErrorCodes::Status(row.Code), row.Text);
-    }
-    return map;
+    return left.Code < right.Code;
 }
+
+static_assert(std::is_sorted(std::begin(Rows), std::end(Rows), OrderedByCode));
 } // namespace
 
-const ErrorTable::Map& ErrorTable::Instance()
+const char* ErrorTable::Find(std::int32_t code) noexcept
 {
-    static const Map& map = *Build();
-    return map;
+    const Row* const row = std::lower_bound(std::begin(Rows), std::end(Rows), Row{code, nullptr}, OrderedByCode);
+    return row != std::end(Rows) && row->Code == code ? row->Text : nullptr;
 }
 } // namespace Nfx::System

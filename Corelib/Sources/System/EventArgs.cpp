@@ -1,10 +1,12 @@
 #include "system/EventArgs.h"
 
+#include "system/Immortal.h"
+
 namespace Nfx::System
 {
 const EventArgs& EventArgs::Empty()
 {
-    static const EventArgs& empty = *new EventArgs(); // never destroyed: threads may still raise while a process exits
-    return empty;
+    static const Immortal<EventArgs> empty;
+    return empty.Get();
 }
 } // namespace Nfx::System

@@ -69,14 +69,14 @@ String Exception::ToString() const
 
 const String& Exception::GetDefaultMessage() const
 {
-    static const String& text = *new String("Exception of type '" + Type::NameOf(typeid(Exception)) + "' was throw.");
-    return text;
+    static const Immortal<String> text("Exception of type '" + Type::NameOf(typeid(Exception)) + "' was throw.");
+    return text.Get();
 }
 
 const Error& Exception::GetDefaultError() const
 {
-    static const Error& defaultError = *new Error(ErrorCodes::Unknown);
-    return defaultError;
+    static const Immortal<Error> defaultError(ErrorCodes::Unknown);
+    return defaultError.Get();
 }
 
 void Exception::RecordText(const String& text)

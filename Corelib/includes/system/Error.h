@@ -1,6 +1,5 @@
 #pragma once
 
-#include "system/ErrorTable.h"
 #include "system/IComparable.h"
 #include "system/IConvertible.h"
 #include "system/ValueType.h"
@@ -14,7 +13,7 @@ class Error final : public ValueType, public IComparable, public IConvertible
 {
 public:
     /// Code 0, "None".
-    Error();
+    Error() noexcept = default;
 
     /// @throws Exception with ErrorCodes::InvalidParameterValue when the code has no row.
     Error(std::int32_t code);
@@ -44,8 +43,7 @@ public:
     Int32 ToInt32() const override;
 
 private:
-    std::int32_t code;
+    std::int32_t code = 0;
     [[maybe_unused]] bool flag = false; // cleared by every constructor; nothing sets it
-    const ErrorTable::Map* table;
 };
 } // namespace Nfx::System

@@ -1,21 +1,17 @@
 #pragma once
 
-#include "system/Collections/Generic/SortedDictionary.h"
-#include "system/String.h"
-
 #include <cstdint>
 
 namespace Nfx::System
 {
-/// The process-wide map from error code to text, in signed order of the codes. Built by the first caller, safely under
-/// concurrent first use, constant from then on, and never destroyed: threads may still report while a process exits.
+/// The process-wide map from error code to text, in signed order of the codes. A constant: it needs no memory and has
+/// no first use that threads could race for, so an error can be reported when nothing else works any more.
 class ErrorTable final
 {
 public:
     ErrorTable() = delete;
 
-    using Map = Collections::Generic::SortedDictionary<std::int32_t, String>;
-
-    static const Map& Instance();
+    /// Null when the code has no row.
+    static const char* Find(std::int32_t code) noexcept;
 };
 } // namespace Nfx::System

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/Error.h"
+#include "system/Immortal.h"
 #include "system/Int32.h"
 #include "system/Object.h"
 #include "system/String.h"
@@ -11,7 +12,8 @@ namespace Nfx::System
 class Exception : public Object
 {
 public:
-    /// The class's default message and error; sourceFile is a literal relative to the source tree.
+    /// The class's default message and error; sourceFile is a literal relative to the source tree. Needs no memory, and
+    /// neither does GetError.
     Exception(const char* sourceFile, std::int32_t line) noexcept;
 
     Exception(const String& message, const char* sourceFile, std::int32_t line);
@@ -67,13 +69,13 @@ private:
                                                                                                                        \
         const ::Nfx::System::String& GetDefaultMessage() const override                                                \
         {                                                                                                              \
-            static const ::Nfx::System::String& text = *new ::Nfx::System::String(MESSAGE);                            \
-            return text;                                                                                               \
+            static const ::Nfx::System::Immortal<::Nfx::System::String> text(MESSAGE);                                 \
+            return text.Get();                                                                                         \
         }                                                                                                              \
                                                                                                                        \
         const ::Nfx::System::Error& GetDefaultError() const override                                                   \
         {                                                                                                              \
-            static const ::Nfx::System::Error& error = *new ::Nfx::System::Error(CODE);                                \
-            return error;                                                                                              \
+            static const ::Nfx::System::Immortal<::Nfx::System::Error> error(CODE);                                    \
+            return error.Get();                                                                                        \
         }                                                                                                              \
     }
