@@ -6,6 +6,8 @@
 #include "system/IO/Path.h"
 #include "system/LogStreams/LogStream.h"
 
+#include <new>
+
 using Nfx::System::ArgumentOutOfRangeException;
 using Nfx::System::Exception;
 using Nfx::System::SmartPointer;
@@ -43,10 +45,9 @@ void DiscoveryLogger::Init(const String& newFilePath, const LogStreamLevel& newL
     const Lock guard(initLock);
     filePath = newFilePath;
     level = newLevel;
-    CloseStream(); // first, so that an Init that fails below leaves nothing open
-
     const String fullPath = Path::GetFullPath(filePath);
     DirectoryInfo(Path::GetDirectoryName(fullPath)).Create();
+    CloseStream();
     const LogStreamHeader header{ProductInfo::Author, ProductInfo::Company, ProductInfo::Product};
     const SmartPointer<LogStream> opened(new LogStream(fullPath, level, header));
     opened->SetFileCount(KeptFiles);
@@ -80,6 +81,20 @@ void DiscoveryLogger::Log(const LogStreamChannel& channel, const String& message
     if (!current.IsNull())
     {
         current->Write(channel, message, exception);
+    }
+}
+
+void DiscoveryLogger::LogLastResort(const LogStreamChannel& channel,
+                                    const char* message,
+                                    const Exception& exception) noexcept
+{
+    try
+    {
+        Log(channel, message, exception);
+    }
+    catch (const std::bad_alloc&)
+    {
+        // The text alone takes more memory than there is.
     }
 }
 

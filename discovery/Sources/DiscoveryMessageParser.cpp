@@ -95,35 +95,47 @@ void DiscoveryMessageParser::Run()
     Log("---Waiting for messages...", LogStreamLevel::Critical);
     do
     {
-        semaphore.WaitOne();
-        ProcessNext();
+        ProcessNextGuarded();
     } while (!stopRequested);
+}
+
+void DiscoveryMessageParser::ProcessNextGuarded() noexcept
+{
+    static const char Failed[] = "Error while parsing/processing message";
+    try
+    {
+        ProcessNext();
+    }
+    catch (const Exception& exception)
+    {
+        DiscoveryLogger::GetInstance().LogLastResort(channel, Failed, exception);
+    }
+    catch (const std::exception&) // memory is the only thing that can run out here
+    {
+        const OutOfMemoryException exception("Sources/DiscoveryMessageParser", __LINE__);
+        DiscoveryLogger::GetInstance().LogLastResort(channel, Failed, exception);
+    }
 }
 
 void DiscoveryMessageParser::ProcessNext()
 {
+    semaphore.WaitOne();
+    const SmartPointer<Datagram> datagram = TakeNext();
+    if (datagram.IsNull())
+    {
+        return;
+    }
     try
     {
-        const SmartPointer<Datagram> datagram = TakeNext();
-        if (!datagram.IsNull())
-        {
-            ProcessDatagram(datagram);
-        }
+        ProcessDatagram(datagram);
     }
     catch (const Exception& exception)
     {
-        if (exception.GetError().Code() == ErrorCodes::InvalidFormat)
+        if (exception.GetError().Code() != ErrorCodes::InvalidFormat)
         {
-            Log("Invalid format : message dropped", LogStreamLevel::Critical);
+            throw;
         }
-        else
-        {
-            Log("Error while parsing/processing message", exception);
-        }
-    }
-    catch (const std::exception&) // memory is the only thing that can run out here
-    {
-        Log("Error while parsing/processing message", OutOfMemoryException("Sources/DiscoveryMessageParser", __LINE__));
+        Log("Invalid format : message dropped", LogStreamLevel::Critical);
     }
 }
 

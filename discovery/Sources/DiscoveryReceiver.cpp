@@ -68,11 +68,11 @@ void DiscoveryReceiver::Run()
     }
     catch (const Exception& exception)
     {
-        Log("Receiver failed : ending worker.", exception);
+        LogLastResort("Receiver failed : ending worker.", exception);
     }
     catch (const std::exception&) // memory is the only thing that can run out here
     {
-        Log("Receiver failed : ending worker.", OutOfMemoryException(SourceName, __LINE__));
+        LogLastResort("Receiver failed : ending worker.", OutOfMemoryException(SourceName, __LINE__));
     }
     // A service must not go on with a dead receiver.
     RaiseSocketClosed();

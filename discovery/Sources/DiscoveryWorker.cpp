@@ -104,6 +104,11 @@ void DiscoveryWorker::Log(const String& message, const Exception& exception) con
     DiscoveryLogger::GetInstance().Log(channel, message, exception);
 }
 
+void DiscoveryWorker::LogLastResort(const char* message, const Exception& exception) const noexcept
+{
+    DiscoveryLogger::GetInstance().LogLastResort(channel, message, exception);
+}
+
 void DiscoveryWorker::RaiseSocketClosed()
 {
     if (stopRequested)

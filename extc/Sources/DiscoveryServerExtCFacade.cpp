@@ -17,7 +17,6 @@
 namespace Zent::Discovery::ExtC
 {
 using Nfx::System::Error;
-using Nfx::System::Exception;
 using Nfx::System::InvalidOperationException;
 using Nfx::System::Memory;
 using Nfx::System::OutOfMemoryException;
@@ -34,6 +33,8 @@ using Zent::Utils::Json::JSONArray;
 
 namespace
 {
+namespace ErrorCodes = Nfx::System::ErrorCodes;
+
 const char SourceName[] = "extc/Sources/DiscoveryServerExtCFacade";
 
 /// For operations that wait for the service's threads: on one of these the wait would never end.
@@ -94,9 +95,10 @@ std::int32_t Initialize(const char* logPath, std::int32_t logLevel)
         }
         LogStreamLevel level(LogStreamLevel::None);
         level = logLevel;
-        DiscoveryLogger::GetInstance().Init(logPath, level);
-        ExtCCallBacks::Create();
+        const SmartPointer<ExtCCallBacks> callBacks(new ExtCCallBacks());
         DiscoveryServerFacade::Instance();
+        DiscoveryLogger::GetInstance().Init(logPath, level); // the last step that can fail
+        ExtCCallBacks::Install(callBacks);
     });
 }
 
@@ -132,16 +134,19 @@ std::int32_t StopServer()
 
 char* GetErrorMessage(std::int32_t errorCode)
 {
-    try
-    {
-        return CopyForHost(Error(errorCode).ToString());
-    }
-    catch (const Exception&)
+    char* message = nullptr;
+    const std::int32_t failure =
+        ExceptionGuard::RunSilently([&] { message = CopyForHost(Error(errorCode).ToString()); });
+    if (failure != ErrorCodes::None)
     {
         static const char Fallback[] = "Unable to retrieve error message!";
-        char* const copy = static_cast<char*>(Memory::AllocateForHost(sizeof Fallback));
-        return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, Fallback, sizeof Fallback));
+        message = static_cast<char*>(Memory::AllocateForHost(sizeof Fallback));
+        if (message != nullptr)
+        {
+            std::memcpy(message, Fallback, sizeof Fallback);
+        }
     }
+    return message;
 }
 
 std::int32_t Discover()

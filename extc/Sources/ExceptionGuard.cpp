@@ -10,7 +10,6 @@ using Nfx::System::LogStreams::LogStreamChannel;
 
 std::int32_t ExceptionGuard::Report(const Exception& exception) noexcept
 {
-    const std::int32_t code = exception.GetError().Code();
     try
     {
         DiscoveryLogger::GetInstance().Log(LogStreamChannel("DiscoveryServerExtCFacade"),
@@ -20,6 +19,6 @@ std::int32_t ExceptionGuard::Report(const Exception& exception) noexcept
     {
         // Without memory there is no line; the code still says what happened.
     }
-    return code;
+    return exception.GetError().Code();
 }
 } // namespace Zent::Discovery::ExtC

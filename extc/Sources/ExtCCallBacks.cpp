@@ -43,11 +43,11 @@ bool ExtCCallBacks::Exists()
     return !block.CallBacks.IsNull();
 }
 
-void ExtCCallBacks::Create()
+void ExtCCallBacks::Install(const SmartPointer<ExtCCallBacks>& callBacks)
 {
     Block& block = TheBlock();
     const Lock lock(block.Guard);
-    block.CallBacks = new ExtCCallBacks();
+    block.CallBacks = callBacks;
 }
 
 void ExtCCallBacks::Destroy()

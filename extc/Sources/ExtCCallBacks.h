@@ -21,8 +21,8 @@ public:
 
     static bool Exists();
 
-    /// Creates the block with all callbacks clear.
-    static void Create();
+    /// Makes a block the one of the process.
+    static void Install(const Nfx::System::SmartPointer<ExtCCallBacks>& callBacks);
 
     static void Destroy();
 };

@@ -199,7 +199,7 @@ void DiscoveryServer::StopLeftovers() noexcept
     }
     catch (const Exception& exception)
     {
-        Log("Failed to stop what was still running", exception);
+        LogLastResort("Failed to stop what was still running", exception);
     }
 }
 
@@ -334,11 +334,11 @@ void DiscoveryServer::RunBackground(const BackgroundOperation::Request& request)
     }
     catch (const Exception& exception)
     {
-        Log("Background operation failed", exception);
+        LogLastResort("Background operation failed", exception);
     }
     catch (const std::exception&) // memory is the only thing that can run out here
     {
-        Log("Background operation failed", OutOfMemoryException(SourceName, __LINE__));
+        LogLastResort("Background operation failed", OutOfMemoryException(SourceName, __LINE__));
     }
 }
 
@@ -422,6 +422,11 @@ void DiscoveryServer::Log(const String& message, const LogStreamLevel& level) co
 void DiscoveryServer::Log(const String& message, const Exception& exception) const
 {
     DiscoveryLogger::GetInstance().Log(channel, message, exception);
+}
+
+void DiscoveryServer::LogLastResort(const char* message, const Exception& exception) const noexcept
+{
+    DiscoveryLogger::GetInstance().LogLastResort(channel, message, exception);
 }
 
 DiscoveryServer::RestartBarrier::RestartBarrier(DiscoveryServer& server)

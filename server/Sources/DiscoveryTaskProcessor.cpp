@@ -113,27 +113,28 @@ void DiscoveryTaskProcessor::Run()
     Log("---Waiting for tasks...", LogStreamLevel::Critical);
     while (!IsStopRequested())
     {
-        semaphore.WaitOne();
-        if (!IsStopRequested())
-        {
-            ProcessTaskGuarded();
-        }
+        ProcessNextGuarded();
     }
 }
 
-void DiscoveryTaskProcessor::ProcessTaskGuarded()
+void DiscoveryTaskProcessor::ProcessNextGuarded() noexcept
 {
+    static const char Failed[] = "Error while processing task";
     try
     {
-        ProcessTask();
+        semaphore.WaitOne();
+        if (!IsStopRequested())
+        {
+            ProcessTask();
+        }
     }
     catch (const Exception& exception)
     {
-        Log("Error while processing task", exception);
+        LogLastResort(Failed, exception);
     }
     catch (const std::exception&) // memory is the only thing that can run out here
     {
-        Log("Error while processing task", OutOfMemoryException("Sources/DiscoveryTaskProcessor", __LINE__));
+        LogLastResort(Failed, OutOfMemoryException("Sources/DiscoveryTaskProcessor", __LINE__));
     }
 }
 

@@ -13,21 +13,23 @@
 
 namespace Zent::Discovery
 {
-/// The process-wide log of the library: one file, opened by Init. Until then, after Close and after an Init that
-/// failed, logging does nothing. All operations may be called from any thread at any time.
+/// The process-wide log of the library: one file, opened by Init. Until then and after Close logging does nothing. All
+/// operations may be called from any thread at any time.
+///
+/// The file is split when it has reached 10 MiB, at level Debug 1024 KiB, and three former files are kept.
 class DiscoveryLogger final : public Nfx::System::Object
 {
 public:
     /// The logger of the process. Never destroyed: threads may still log while the process exits.
     static DiscoveryLogger& GetInstance();
 
-    /// Opens the log, continuing an existing file; missing folders are created. An open log is closed first. When
-    /// that fails the logger is left without a log, and Init may be called again.
+    /// Opens the log, continuing an existing file; missing folders are created. An open log is closed once the
+    /// folder is there. When the file cannot be opened the logger is left without a log, and Init may be called again.
     /// @throws ArgumentOutOfRangeException when the level is none of the named ones; nothing changes.
     /// @throws IOException, DirectoryNotFoundException or FileNotFoundException, with path and reason in the message.
     void Init(const Nfx::System::String& filePath, const Nfx::System::LogStreams::LogStreamLevel& level);
 
-    /// Writes a line when the level is let through. Never throws for a log that cannot be written.
+    /// Writes a line when the level is let through. Never throws: what cannot be written is lost.
     void Log(const Nfx::System::LogStreams::LogStreamChannel& channel,
              const Nfx::System::String& message,
              const Nfx::System::LogStreams::LogStreamLevel& level);
@@ -36,6 +38,11 @@ public:
     void Log(const Nfx::System::LogStreams::LogStreamChannel& channel,
              const Nfx::System::String& message,
              const Nfx::System::Exception& exception);
+
+    /// Log for a place that nothing may leave, not even for lack of memory.
+    void LogLastResort(const Nfx::System::LogStreams::LogStreamChannel& channel,
+                       const char* message,
+                       const Nfx::System::Exception& exception) noexcept;
 
     /// True when a line of this level would be written. Costs one load: ask before building a text that may be off.
     bool IsEnabled(const Nfx::System::LogStreams::LogStreamLevel& level) const noexcept

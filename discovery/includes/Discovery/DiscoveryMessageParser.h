@@ -48,6 +48,7 @@ protected:
 
 private:
     void Run();
+    void ProcessNextGuarded() noexcept;
     void ProcessNext();
     Nfx::System::SmartPointer<Datagram> TakeNext();
 

@@ -43,6 +43,7 @@ protected:
     IDiscoverySocket& Socket() const;
     void Log(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
     void Log(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
+    void LogLastResort(const char* message, const Nfx::System::Exception& exception) const noexcept;
 
     /// Says that the socket is lost, unless it is the owner who stops this worker.
     void RaiseSocketClosed();

@@ -100,6 +100,7 @@ private:
     void Queue(const Nfx::System::SmartPointer<ServerAction>& action);
     void Log(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
     void Log(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
+    void LogLastResort(const char* message, const Nfx::System::Exception& exception) const noexcept;
 
     const Nfx::System::LogStreams::LogStreamChannel channel;
 

@@ -47,7 +47,7 @@ protected:
 
 private:
     void Run();
-    void ProcessTaskGuarded();
+    void ProcessNextGuarded() noexcept;
     void Transmit(const Nfx::System::String& text, const Nfx::System::Net::IPAddress& destination);
     void HandleSendError(const Nfx::System::Net::Sockets::SocketException& exception);
     void CheckSocket();
