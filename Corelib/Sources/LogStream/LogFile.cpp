@@ -8,7 +8,6 @@
 #include "system/IO/DirectoryInfo.h"
 #include "system/IO/FileInfo.h"
 #include "system/IO/Path.h"
-#include "system/LogStreams/LogStream.h"
 #include "system/LogStreams/LogStreamChannel.h"
 #include "system/UInt64.h"
 
@@ -48,14 +47,15 @@ SmartPointer<FileStream> OpenStream(const String& path)
 LogFile::LogFile(const String& path,
                  const LogStreamLevel& level,
                  const LogStreamHeader& header,
-                 const SmartPointer<ILogStreamRefTime>& refTime)
+                 const SmartPointer<ILogStreamRefTime>& refTime,
+                 std::int64_t maximumSize)
     : path(path)
     , header(header)
     , level(level)
     , clock(refTime)
     , stream(OpenStream(path))
     , writer(new StreamWriter(stream))
-    , maximumSize(std::int64_t{LogStream::DefaultMaximumSize} * 1024)
+    , maximumSize(maximumSize)
 {
     WriteHeader();
     LogLines opening;

@@ -25,12 +25,14 @@ namespace Nfx::System::LogStreams
 class LogFile final
 {
 public:
-    /// Opens the file and writes header and opening line, or keeps both until there is room.
+    /// Opens the file and writes header and opening line, or keeps both until there is room. The maximum size is in
+    /// bytes.
     /// @throws IOException, DirectoryNotFoundException or FileNotFoundException, with path and reason in the message.
     LogFile(const String& path,
             const LogStreamLevel& level,
             const LogStreamHeader& header,
-            const SmartPointer<ILogStreamRefTime>& refTime);
+            const SmartPointer<ILogStreamRefTime>& refTime,
+            std::int64_t maximumSize);
 
     /// Writes lines, stamped with the time, or counts them as lost.
     void Append(LogLines& lines);

@@ -3,10 +3,9 @@
 #include "LogStream/PrintableText.h"
 #include "Os/IFile.h"
 #include "Os/IOs.h"
+#include "system/Convert.h"
 #include "system/Exception.h"
 #include "system/LogStreams/LogStreamChannel.h"
-
-#include <cstdio>
 
 namespace Nfx::System::LogStreams
 {
@@ -19,9 +18,8 @@ void AppendError(std::string& target, std::int32_t error)
         target.append(11, ' ');
         return;
     }
-    char column[16];
-    std::snprintf(column, sizeof column, "$0x%08X", static_cast<unsigned>(error));
-    target.append(column);
+    target.push_back('$');
+    target.append(Convert::ToHexadecimal(error).View());
 }
 } // namespace
 

@@ -92,7 +92,11 @@ LogStream::LogStream(const String& filePath,
                      const LogStreamLevel& level,
                      const LogStreamHeader& header,
                      const SmartPointer<ILogStreamRefTime>& refTime)
-    : file(std::make_unique<LogFile>(IO::Path::GetFullPath(filePath), Checked(level), header, NotNull(refTime)))
+    : file(std::make_unique<LogFile>(IO::Path::GetFullPath(filePath),
+                                     Checked(level),
+                                     header,
+                                     NotNull(refTime),
+                                     std::int64_t{DefaultMaximumSize} * 1024))
     , highestLevel(HighestLevelOf(level))
 {
 }

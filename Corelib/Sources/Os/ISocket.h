@@ -44,8 +44,8 @@ public:
                                 const std::uint8_t* address,
                                 std::int32_t& sent) noexcept = 0;
 
-    /// Blocks for one datagram; received and address are set on success only. A datagram longer than size is lost and
-    /// gives 10040; a socket that is shut down, by whomever, gives 10058.
+    /// Blocks for one datagram; received and address mean something on success only. A datagram longer than size is
+    /// lost and gives 10040; a socket that is shut down, by whomever, gives 10058.
     virtual std::int32_t ReceiveFrom(Handle handle,
                                      std::uint8_t* buffer,
                                      std::int32_t size,

@@ -34,7 +34,7 @@ public:
     /// 23 characters, as in 05/03/2026 14:07:09.042.
     String ToString() const override;
 
-    /// Without milliseconds and without a leading zero, as in 5/03/2026 14:07:09.
+    /// Without milliseconds and the day without a leading zero, as in 5/03/2026 14:07:09.
     String ToShortString() const;
 
 private:

@@ -139,7 +139,7 @@ public:
         }
     }
 
-    /// The hash of the address that is held, so that all aliases of one object agree.
+    /// The hash of the address that is held.
     Int32 GetHashCode() const override { return Int32(static_cast<std::int32_t>(std::hash<const void*>{}(pointer))); }
 
     String ToString() const override

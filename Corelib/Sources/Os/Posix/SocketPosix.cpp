@@ -59,7 +59,8 @@ bool HasTimeout(int descriptor, int option) noexcept
 /// asked.
 std::int32_t AwaitReady(int descriptor, short event) noexcept
 {
-    pollfd wait = {.fd = descriptor, .events = static_cast<short>(event | POLLRDHUP), .revents = 0};
+    const short events = event == POLLIN ? POLLIN | POLLRDHUP : event;
+    pollfd wait = {.fd = descriptor, .events = events, .revents = 0};
     const bool shutDown = ::poll(&wait, 1, -1) > 0 && (wait.revents & POLLRDHUP) != 0;
     return shutDown && event == POLLIN ? std::int32_t{SocketError::Shutdown} : ISocket::Success;
 }

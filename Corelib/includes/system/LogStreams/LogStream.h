@@ -28,7 +28,10 @@ class LogFile;
 /// NAME.1.bak to NAME.2.bak and so on; what would be beyond the file count is deleted. While that fails the stream
 /// reports it and goes on in the same file, trying again after every sixteenth of the maximum; when the file has grown
 /// by file count times maximum since, further lines are lost until it can be split. So the files stay within (file
-/// count + 1) times maximum, or twice that while splitting fails.
+/// count + 1) times maximum and a line each, or twice that while splitting fails.
+///
+/// Columns: the date in local time; the seconds since opening with six decimals, right-aligned; the channel, never cut;
+/// the type, which is C, S or D by level and E for exceptions; the error. The header's date is the short form.
 ///
 /// What cannot be written, on a full disk for instance, is lost and counted; the first line after it says how many
 /// lines are missing and why. A line that was taken in part is completed first, so no line is torn.
