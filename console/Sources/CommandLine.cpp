@@ -40,6 +40,7 @@ public:
         : options(options)
     {
         app.require_subcommand(1);
+        app.allow_windows_style_options(false); // an argument such as /tmp/file.json is a path on every system
         app.failure_message(CLI::FailureMessage::simple);
         AddGlobalOptions();
         AddCommands();

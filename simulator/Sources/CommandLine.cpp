@@ -41,6 +41,7 @@ std::optional<SimulationOptions> CommandLine::Parse(const std::vector<std::strin
                                                     int& status)
 {
     CLI::App app("Simulates devices: answers requests on UDP port 12000 until it is interrupted.", "device-simulator");
+    app.allow_windows_style_options(false);
     app.failure_message(CLI::FailureMessage::simple);
     SimulationOptions options;
     AddDevices(app, options);
