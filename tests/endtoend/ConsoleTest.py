@@ -1,0 +1,164 @@
+"""discovery-console against simulated devices on loopback."""
+
+import json
+import subprocess
+
+from endtoend import INVALID_FORMAT, Peer, Simulator, TestCase, command, main, message, rows, wait_until
+
+
+class DiscoverTest(TestCase):
+    def test_shows_every_device_in_a_table(self):
+        with Simulator("--count", "4") as simulator:
+            table, _ = self.console("discover", "--expect", "4")
+        found = rows(table)
+        self.assertCountEqual(
+            [(row[0], row[4], row[5]) for row in found],
+            [(device.name, device.mac, device.ip) for device in simulator.devices],
+        )
+        self.assertTrue(all(row[-1] == "Signature" for row in found), table)
+
+    def test_prints_documents_for_scripts(self):
+        with Simulator("--count", "2") as simulator:
+            documents = self.console_documents("discover", "--expect", "2")
+        self.assertCountEqual(
+            [(document["Message"], document["Host"]["HostName"], document["SourceNIC"]["IPAddress"])
+             for document in documents],
+            [("Signature", device.name, device.ip) for device in simulator.devices],
+        )  # fmt: skip
+
+    def test_falls_back_to_the_first_interface_of_a_host(self):
+        with Simulator("--count", "1", "--no-source-nic") as simulator:
+            table, _ = self.console("discover", "--expect", "1")
+        device = simulator.devices[0]
+        self.assertEqual(rows(table)[0][4:6], [device.mac, device.ip])
+
+    def test_says_when_nothing_is_found(self):
+        with Simulator("--silent"):
+            output, errors = self.console("discover", "--wait", "0.5", status=3)
+        self.assertEqual(output, "")
+        self.assertIn("no device found", errors)
+
+    def test_shows_nothing_that_a_terminal_acts_on(self):
+        name = b"\x1b[2J\x9b\xff\xc2\x9b\r\nline\xe2\x80\xae"
+        signature = json.dumps(message("SignatureBroadcast", name="NAME")).encode()
+        with Peer() as peer:
+            for options in ([], ["--json"]):
+                with self.start_console("discover", "--expect", "1", *options) as console:
+                    peer.receive()
+                    peer.send(signature.replace(b"NAME", name.replace(b"\r\n", b"\\r\\n").replace(b"\x1b", b"\\u001b")))
+                    lines = []
+                    while (line := console.line()) is not None:
+                        lines.append(line)
+                    self.assertEqual(console.wait(), 0)
+                text = "\n".join(lines)
+                self.assertNotRegex(text, r"[\x00-\x09\x0b-\x1f\x7f-\x9f\u202e]")
+                self.assertIn("line", lines[-1])
+                self.assertEqual(len(lines), 1 if options else 2)
+
+
+class RequestTest(TestCase):
+    def test_refresh_shows_the_device_that_owns_the_address(self):
+        with Simulator("--count", "3") as simulator:
+            device = simulator.devices[1]
+            table, _ = self.console("refresh", device.mac.lower())
+            self.console("refresh", "02:00:00:00:00:99", "--wait", "0.5", status=3)
+        self.assertEqual([row[0] for row in rows(table)], [device.name])
+
+    def test_reach_shows_the_device_at_the_address(self):
+        with Simulator("--count", "3") as simulator:
+            device = simulator.devices[2]
+            table, _ = self.console("reach", device.ip)
+            self.console("reach", "127.0.0.99", "--wait", "0.5", status=3)
+        self.assertEqual([row[0] for row in rows(table)], [device.name])
+
+    def test_rename_changes_the_name_of_one_device(self):
+        with Simulator("--count", "3") as simulator:
+            first, second, third = simulator.devices
+            table, _ = self.console("rename", "Prüfstand-7", "--mac", first.mac)
+            self.assertEqual(rows(table)[0][0], "Prüfstand-7")
+            table, _ = self.console("rename", "press-8", "--ip", second.ip)
+            self.assertEqual(rows(table)[0][0], "press-8")
+            table, _ = self.console("discover", "--expect", "3")
+        self.assertCountEqual([row[0] for row in rows(table)], ["Prüfstand-7", "press-8", third.name])
+
+    def test_rename_says_when_the_device_keeps_its_name(self):
+        with Simulator("--count", "1", "--read-only-names") as simulator:
+            _, errors = self.console("rename", "other", "--mac", simulator.devices[0].mac, "--wait", "0.5", status=3)
+        self.assertIn("has not taken the name", errors)
+
+    def test_configure_moves_a_device_to_a_new_address(self):
+        with Simulator("--count", "2") as simulator:
+            device = simulator.devices[0]
+            configuration = {
+                "FriendlyName": "eth0",
+                "MACAddress": device.mac,
+                "IPAddress": "127.0.0.77",
+                "SubNetMask": "255.0.0.0",
+                "DefaultGateway": "127.0.0.1",
+                "MTU": "1400",
+            }
+            file = self.folder / "nics.json"
+            file.write_text(json.dumps([configuration]), encoding="utf-8-sig")
+            self.console("configure", str(file))
+            documents = self.console_documents("reach", "127.0.0.77")
+        self.assertEqual(documents[0]["Host"]["HostName"], device.name)
+        self.assertIn(configuration, documents[0]["Host"]["NICs"])
+
+
+class VersionTest(TestCase):
+    def test_devices_of_older_versions_are_left_out_below_the_minimum(self):
+        with Simulator("--count", "1", "--protocol-version", "1.0.17"):
+            self.console("discover", "--expect", "1", "--min-version", "1.0.17")
+            self.console("discover", "--wait", "0.5", "--min-version", "1.0.18", status=3)
+
+
+class WatchTest(TestCase):
+    def test_shows_messages_until_it_is_interrupted(self):
+        with self.start_console("watch", "--json") as console:
+            wait_until(lambda: "---Listening..." in self.log_text(), "the start of the server")
+            with Simulator("--count", "1", "--seed", "7") as simulator:
+                hello = json.loads(console.line())
+            bye = json.loads(console.line())
+            self.assertEqual((hello["Message"], bye["Message"]), ("Hello", "Bye"))
+            self.assertEqual(hello["Host"]["HostName"], simulator.devices[0].name)
+            console.interrupt()
+            self.assertEqual(console.wait(), 0)
+        self.assertIn("Close Log", self.log_text().splitlines()[-1])
+
+
+class FailureTest(TestCase):
+    def test_failures_show_code_and_text(self):
+        code = INVALID_FORMAT % 2**32
+        for arguments in (["refresh", "not a MAC"], ["discover", "--min-version", "one"]):
+            with self.subTest(arguments):
+                output, errors = self.console(*arguments, status=1)
+                self.assertEqual(output, "")
+                self.assertIn(f"Invalid Format (code 0x{code:08X})", errors)
+
+    def test_error_prints_the_text_of_a_code(self):
+        for code in (str(INVALID_FORMAT), f"0x{INVALID_FORMAT % 2**32:X}"):
+            self.assertEqual(self.console("error", code)[0], "Invalid Format\n")
+        self.console("error", "12345", status=1)
+
+    def test_misuse_is_told_apart_from_failure(self):
+        self.assertNotEqual(self.console("rename", "name", status=2)[1], "")
+
+    def test_missing_library_is_named(self):
+        result = subprocess.run(
+            command("discovery-console", "--library", "/nowhere/library", "discover"),
+            capture_output=True,
+            check=False,
+        )
+        self.assertEqual(result.returncode, 1)
+        self.assertIn(b"cannot load the library", result.stderr)
+
+    def test_termination_leaves_cleanly(self):
+        with self.start_console("discover", "--wait", "600") as console:
+            wait_until(lambda: "Message sent" in self.log_text(), "the request")
+            console.interrupt()
+            self.assertEqual(console.wait(), 130)
+        self.assertIn("Close Log", self.log_text().splitlines()[-1])
+
+
+if __name__ == "__main__":
+    main()

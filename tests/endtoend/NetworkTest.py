@@ -1,0 +1,73 @@
+"""Machines with several networks: the tests' own network and others behind cables."""
+
+import json
+
+from endtoend import Host, Namespace, Simulator, TestCase, main, setting
+
+
+class BroadcastProviderTest(TestCase):
+    """Two networks of one device each."""
+
+    def setUp(self):
+        super().setUp()
+        self.simulators = []
+        for number in (1, 2):
+            namespace = self.enterContext(Namespace(f"10.{number}.0.1/24", f"10.{number}.0.10/24"))
+            self.simulators.append(
+                self.enterContext(
+                    Simulator(
+                        "--count", "1", "--seed", str(number), "--network", f"10.{number}.0.10/24",
+                        "--no-hello", "--verbose",
+                        namespace=namespace,
+                    )
+                )
+            )  # fmt: skip
+        self.host = self.enterContext(Host(self.folder / "log.txt"))
+        self.host.initialize()
+        self.host.must("StartServer")
+
+    def install(self, *addresses):
+        self.host.must("InitBroadcastProvider", json.dumps(addresses))
+
+    def test_a_broadcast_leaves_from_every_address(self):
+        self.install("10.1.0.1", "10.2.0.1")
+        self.host.must("Discover")
+        answers = [self.host.event("signature")["SourceNIC"]["IPAddress"] for _ in self.simulators]
+        self.assertCountEqual(answers, ["10.1.0.10", "10.2.0.10"])
+
+    def test_an_address_that_fails_does_not_hinder_the_others(self):
+        self.install("10.9.0.1", "10.2.0.1")
+        self.host.must("Discover")
+        self.host.event("signature", lambda document: document["SourceNIC"]["IPAddress"] == "10.2.0.10")
+        if not setting("suffix"):  # Wine binds to any address
+            self.assertIn("Exception caught while creating socket on address 10.9.0.1 !", self.host.log_text())
+
+    def test_only_the_given_addresses_are_used(self):
+        self.install("10.1.0.1")
+        self.host.must("Discover")
+        self.ask_each_device()
+        first, second = self.simulators
+        self.assertIn("answers AllSendYourSignature to 10.1.0.1", first.line())
+        self.assertIn("answers SendYourSignature to 10.2.0.1", second.line())
+
+    def test_the_provider_is_gone_after_a_restart(self):
+        self.install("10.1.0.1", "10.2.0.1")
+        self.host.must("StopServer")
+        self.host.must("StartServer")
+        self.host.must("Discover")  # takes the default route, which stays on this machine
+        self.ask_each_device()
+        for simulator in self.simulators:
+            self.assertIn("answers SendYourSignature", simulator.line())
+
+    def ask_each_device(self):
+        for simulator in self.simulators:
+            self.host.must("ReachClient", simulator.devices[0].ip)
+
+    def test_a_device_renamed_by_broadcast_shows_its_name(self):
+        self.install("10.1.0.1", "10.2.0.1")
+        self.host.must("ChangeClientsHostName", "far away", self.simulators[1].devices[0].mac)
+        self.assertEqual(self.host.event("signature")["Host"]["HostName"], "far away")
+
+
+if __name__ == "__main__":
+    main()
