@@ -1,6 +1,5 @@
 #include "Discovery/BroadcastProviderWin32.h"
 
-#include "Discovery/DiscoveryLogger.h"
 #include "Discovery/DiscoveryPorts.h"
 #include "Discovery/DiscoverySocketUdpClient.h"
 #include "system/Exceptions.h"
@@ -16,7 +15,7 @@ using Nfx::System::Net::IPAddress;
 using Nfx::System::Net::IPEndPoint;
 
 BroadcastProviderWin32::BroadcastProviderWin32(const SmartPointer<AddressList>& addresses)
-    : channel("BroadcastProviderWin32")
+    : log("BroadcastProviderWin32")
     , addresses(addresses)
 {
     if (addresses.IsNull())
@@ -43,8 +42,7 @@ SmartPointer<IDiscoverySocket> BroadcastProviderWin32::OpenSocket(const IPAddres
     }
     catch (const Exception& exception)
     {
-        DiscoveryLogger::GetInstance().Log(
-            channel, "Exception caught while creating socket on address " + address.ToString() + " !", exception);
+        log.Write("Exception caught while creating socket on address " + address.ToString() + " !", exception);
         return nullptr;
     }
 }
@@ -56,8 +54,7 @@ void BroadcastProviderWin32::SendFrom(const IPAddress& address, const std::uint8
     {
         return;
     }
-    DiscoveryLogger& logger = DiscoveryLogger::GetInstance();
-    logger.Log(channel, "Sending from " + address.ToString() + "...", LogStreamLevel::Debug);
+    log.Write("Sending from " + address.ToString() + "...", LogStreamLevel::Debug);
     try
     {
         // While this socket is open it is the better match for unicast answers to its address. Connected to the
@@ -67,8 +64,7 @@ void BroadcastProviderWin32::SendFrom(const IPAddress& address, const std::uint8
     }
     catch (const Exception& exception)
     {
-        logger.Log(channel, "Exception caught while sending message from address " + address.ToString() + " !",
-                   exception);
+        log.Write("Exception caught while sending message from address " + address.ToString() + " !", exception);
     }
 }
 } // namespace Zent::Discovery

@@ -6,8 +6,6 @@
 #include "system/IO/Path.h"
 #include "system/LogStreams/LogStream.h"
 
-#include <new>
-
 using Nfx::System::ArgumentOutOfRangeException;
 using Nfx::System::Exception;
 using Nfx::System::SmartPointer;
@@ -81,20 +79,6 @@ void DiscoveryLogger::Log(const LogStreamChannel& channel, const String& message
     if (!current.IsNull())
     {
         current->Write(channel, message, exception);
-    }
-}
-
-void DiscoveryLogger::LogLastResort(const LogStreamChannel& channel,
-                                    const char* message,
-                                    const Exception& exception) noexcept
-{
-    try
-    {
-        Log(channel, message, exception);
-    }
-    catch (const std::bad_alloc&)
-    {
-        // The text alone takes more memory than there is.
     }
 }
 

@@ -1,12 +1,9 @@
 #include "Discovery/DiscoveryMessageParser.h"
 
-#include "Discovery/DiscoveryLogger.h"
 #include "Discovery/ServiceThread.h"
 #include "system/DelegateImpl.h"
 #include "system/Threading/Lock.h"
 #include "system/Threading/ThreadState.h"
-
-#include <exception>
 
 namespace Zent::Discovery
 {
@@ -14,7 +11,6 @@ namespace ErrorCodes = Nfx::System::ErrorCodes;
 using Nfx::System::Exception;
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
-using Nfx::System::OutOfMemoryException;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
@@ -24,7 +20,7 @@ using Nfx::System::Threading::ThreadState;
 
 DiscoveryMessageParser::DiscoveryMessageParser(const String& name)
     : name(name)
-    , channel(name)
+    , log(name)
     , semaphore(0, MaximumPending + 1) // one place more than datagrams, for the permit of Stop
     , thread(new Thread(MakeDelegate(*this, &DiscoveryMessageParser::Run)))
 {
@@ -38,8 +34,9 @@ void DiscoveryMessageParser::Start()
 
 void DiscoveryMessageParser::Stop()
 {
-    Log("Stopping message parser", LogStreamLevel::Critical);
-    if (!stopRequested.exchange(true))
+    Log().Write("Stopping message parser", LogStreamLevel::Critical);
+    stopRequested = true;
+    if (!isStopPermitGiven.exchange(true))
     {
         try
         {
@@ -47,7 +44,8 @@ void DiscoveryMessageParser::Stop()
         }
         catch (const Exception& exception)
         {
-            Log("Semaphore error", exception);
+            isStopPermitGiven = false;
+            Log().Write("Semaphore error", exception);
             throw;
         }
     }
@@ -55,7 +53,7 @@ void DiscoveryMessageParser::Stop()
     {
         thread->Join();
     }
-    Log("---Message parser stopped---", LogStreamLevel::Critical);
+    Log().Write("---Message parser stopped---", LogStreamLevel::Critical);
 }
 
 void DiscoveryMessageParser::Enqueue(const SmartPointer<Datagram>& datagram)
@@ -69,8 +67,8 @@ void DiscoveryMessageParser::Enqueue(const SmartPointer<Datagram>& datagram)
             return;
         }
     }
-    Log("Semaphore is full (" + Int32(MaximumPending + 1).ToString() + ") !!! Ignoring this datagram...",
-        LogStreamLevel::Critical);
+    Log().Write("Semaphore is full (" + Int32(MaximumPending + 1).ToString() + ") !!! Ignoring this datagram...",
+                LogStreamLevel::Critical);
 }
 
 std::int32_t DiscoveryMessageParser::PendingCount() const
@@ -79,42 +77,14 @@ std::int32_t DiscoveryMessageParser::PendingCount() const
     return static_cast<std::int32_t>(pending.Count());
 }
 
-void DiscoveryMessageParser::Log(const String& message, const LogStreamLevel& level) const
-{
-    DiscoveryLogger::GetInstance().Log(channel, message, level);
-}
-
-void DiscoveryMessageParser::Log(const String& message, const Exception& exception) const
-{
-    DiscoveryLogger::GetInstance().Log(channel, message, exception);
-}
-
 void DiscoveryMessageParser::Run()
 {
     const ServiceThread mark;
-    Log("---Waiting for messages...", LogStreamLevel::Critical);
+    Log().Write("---Waiting for messages...", LogStreamLevel::Critical);
     do
     {
-        ProcessNextGuarded();
+        Log().Guard("Error while parsing/processing message", [this] { ProcessNext(); });
     } while (!stopRequested);
-}
-
-void DiscoveryMessageParser::ProcessNextGuarded() noexcept
-{
-    static const char Failed[] = "Error while parsing/processing message";
-    try
-    {
-        ProcessNext();
-    }
-    catch (const Exception& exception)
-    {
-        DiscoveryLogger::GetInstance().LogLastResort(channel, Failed, exception);
-    }
-    catch (const std::exception&) // memory is the only thing that can run out here
-    {
-        const OutOfMemoryException exception("Sources/DiscoveryMessageParser", __LINE__);
-        DiscoveryLogger::GetInstance().LogLastResort(channel, Failed, exception);
-    }
 }
 
 void DiscoveryMessageParser::ProcessNext()
@@ -135,7 +105,7 @@ void DiscoveryMessageParser::ProcessNext()
         {
             throw;
         }
-        Log("Invalid format : message dropped", LogStreamLevel::Critical);
+        Log().Write("Invalid format : message dropped", LogStreamLevel::Critical);
     }
 }
 

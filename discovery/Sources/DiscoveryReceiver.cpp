@@ -1,18 +1,15 @@
 #include "Discovery/DiscoveryReceiver.h"
 
-#include "Discovery/DiscoveryLogger.h"
 #include "Discovery/ServiceThread.h"
 
-#include <exception>
+#include <atomic>
 
 namespace Zent::Discovery
 {
 using Nfx::System::ArgumentNullException;
-using Nfx::System::Exception;
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
 using Nfx::System::ObjectClosedException;
-using Nfx::System::OutOfMemoryException;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
@@ -47,10 +44,10 @@ DiscoveryReceiver::DiscoveryReceiver(const SmartPointer<IDiscoverySocket>& socke
 
 void DiscoveryReceiver::Stop()
 {
-    Log("Stopping receiver", LogStreamLevel::Critical);
+    Log().Write("Stopping receiver", LogStreamLevel::Critical);
     RequestStop();
     DiscoveryWorker::Stop();
-    Log("---Receiver stopped---", LogStreamLevel::Critical);
+    Log().Write("---Receiver stopped---", LogStreamLevel::Critical);
 }
 
 std::int32_t DiscoveryReceiver::MessageSize() noexcept
@@ -61,28 +58,18 @@ std::int32_t DiscoveryReceiver::MessageSize() noexcept
 void DiscoveryReceiver::Run()
 {
     const ServiceThread mark;
-    try
+    if (!Log().Guard("Receiver failed : ending worker.", [this] { ReceiveUntilStopped(); }))
     {
-        ReceiveUntilStopped();
-        return;
+        // A service must not go on with a dead receiver.
+        Log().Guard("Receiver failed to report its end.", [this] { RaiseSocketClosed(); });
     }
-    catch (const Exception& exception)
-    {
-        LogLastResort("Receiver failed : ending worker.", exception);
-    }
-    catch (const std::exception&) // memory is the only thing that can run out here
-    {
-        LogLastResort("Receiver failed : ending worker.", OutOfMemoryException(SourceName, __LINE__));
-    }
-    // A service must not go on with a dead receiver.
-    RaiseSocketClosed();
 }
 
 void DiscoveryReceiver::ReceiveUntilStopped()
 {
     IPEndPoint sender(IPAddress::Broadcast(), 0);
     std::vector<std::uint8_t> buffer;
-    Log("---Listening...", LogStreamLevel::Critical);
+    Log().Write("---Listening...", LogStreamLevel::Critical);
     while (ReceiveOne(buffer, sender))
     {
     }
@@ -102,7 +89,7 @@ bool DiscoveryReceiver::ReceiveOne(std::vector<std::uint8_t>& buffer, IPEndPoint
     }
     catch (const ObjectClosedException& exception)
     {
-        Log("The socket has been closed : ending worker.", exception);
+        Log().Write("The socket has been closed : ending worker.", exception);
         RaiseSocketClosed();
         return false;
     }
@@ -115,7 +102,7 @@ bool DiscoveryReceiver::HandOver(const std::uint8_t* bytes, std::int32_t count, 
     {
         return false;
     }
-    Log("Message received", LogStreamLevel::Debug);
+    Log().Write("Message received", LogStreamLevel::Debug);
     const SmartPointer<String> text(new String(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)));
     parser->Enqueue(SmartPointer<Datagram>(new Datagram(text, sender)));
     return !IsStopRequested();
@@ -126,23 +113,23 @@ bool DiscoveryReceiver::GoesOnAfter(const SocketException& exception)
     switch (exception.GetSocketError())
     {
     case SocketError::MessageSize:
-        Log("MessageSize is too low : " + Int32(MessageSize()).ToString() + "! Doubling it...", exception);
+        Log().Write("MessageSize is too low : " + Int32(MessageSize()).ToString() + "! Doubling it...", exception);
         messageSize = 2 * MessageSize();
         return !IsStopRequested();
     case SocketError::ConnectionReset:
-        Log("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
+        Log().Write("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
         return !IsStopRequested();
     case SocketError::Interrupted:
-        Log("The socket has been closed : ending worker.", exception);
+        Log().Write("The socket has been closed : ending worker.", exception);
         break;
     case SocketError::Shutdown:
-        Log("The socket has been shut down : ending worker.", exception);
+        Log().Write("The socket has been shut down : ending worker.", exception);
         break;
     case SocketError::NotSocket:
-        Log("Socket error : Operation attempted on a non-socket object.", exception);
+        Log().Write("Socket error : Operation attempted on a non-socket object.", exception);
         break;
     default:
-        Log("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
+        Log().Write("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
         break;
     }
     RaiseSocketClosed();

@@ -1,6 +1,6 @@
 #include "Discovery/DiscoveryWorker.h"
 
-#include "Discovery/DiscoveryLogger.h"
+#include "system/Net/Sockets/SocketException.h"
 #include "system/Threading/ThreadState.h"
 
 namespace Zent::Discovery
@@ -14,6 +14,8 @@ using Nfx::System::ObjectClosedException;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
+using Nfx::System::Net::Sockets::SocketError;
+using Nfx::System::Net::Sockets::SocketException;
 using Nfx::System::Threading::Thread;
 using Nfx::System::Threading::ThreadPriority;
 using Nfx::System::Threading::ThreadState;
@@ -38,7 +40,7 @@ DiscoveryWorker::DiscoveryWorker(const SmartPointer<IDiscoverySocket>& socket,
                                  const ThreadPriority& priority)
     : socket(NotNull(socket))
     , name(name)
-    , channel(name)
+    , log(name)
     , thread(new Thread(work))
     , priority(priority)
 {
@@ -48,12 +50,30 @@ void DiscoveryWorker::Start()
 {
     thread->SetName(name);
     thread->Start();
-    thread->SetPriority(priority);
+    if (!thread->SetPriority(priority))
+    {
+        Log().Write("Thread priority " + priority.ToString() + " refused by the system.", LogStreamLevel::Debug);
+    }
 }
 
 void DiscoveryWorker::Stop()
 {
-    Log("Stopping worker", LogStreamLevel::Critical);
+    Log().Write("Stopping worker", LogStreamLevel::Critical);
+    try
+    {
+        EndSocket();
+    }
+    catch (const Exception&)
+    {
+        Join(); // a socket that resists must not leave a thread behind
+        throw;
+    }
+    Join();
+    Log().Write("Worker stopped", LogStreamLevel::Critical);
+}
+
+void DiscoveryWorker::EndSocket()
+{
     try
     {
         socket->Shutdown();
@@ -61,17 +81,27 @@ void DiscoveryWorker::Stop()
     }
     catch (const ObjectClosedException& exception)
     {
-        Log("Socket already closed", exception);
+        Log().Write("Socket already closed", exception);
     }
-    if (thread->GetThreadState() != ThreadState::Unstarted)
+    catch (const SocketException& exception)
     {
-        if (!thread->Join(PatienceMilliseconds))
+        socket->Close(); // wakes the thread, too
+        if (exception.GetSocketError() != SocketError::NotSocket)
         {
-            Log("Still waiting for the worker, or for a callback that it called, to return", LogStreamLevel::Critical);
-            thread->Join();
+            throw;
         }
+        Log().Write("Socket already closed", exception); // by somebody else, under the handle
     }
-    Log("Worker stopped", LogStreamLevel::Critical);
+}
+
+void DiscoveryWorker::Join()
+{
+    if (thread->GetThreadState() == ThreadState::Unstarted || thread->Join(PatienceMilliseconds))
+    {
+        return;
+    }
+    Log().Write("Still waiting for the worker, or for a callback that it called, to return", LogStreamLevel::Critical);
+    thread->Join();
 }
 
 Event<EventArgs>& DiscoveryWorker::SocketClosed()
@@ -92,21 +122,6 @@ bool DiscoveryWorker::HasLostSocket() const noexcept
 IDiscoverySocket& DiscoveryWorker::Socket() const
 {
     return *socket;
-}
-
-void DiscoveryWorker::Log(const String& message, const LogStreamLevel& level) const
-{
-    DiscoveryLogger::GetInstance().Log(channel, message, level);
-}
-
-void DiscoveryWorker::Log(const String& message, const Exception& exception) const
-{
-    DiscoveryLogger::GetInstance().Log(channel, message, exception);
-}
-
-void DiscoveryWorker::LogLastResort(const char* message, const Exception& exception) const noexcept
-{
-    DiscoveryLogger::GetInstance().LogLastResort(channel, message, exception);
 }
 
 void DiscoveryWorker::RaiseSocketClosed()

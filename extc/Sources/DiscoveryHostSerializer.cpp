@@ -33,7 +33,7 @@ String DiscoveryHostSerializer::Serialize(const DiscoveryHost& host, const Smart
 SmartPointer<DiscoveryHost> DiscoveryHostSerializer::Deserialize(const String& json) const
 {
     SmartPointer<DiscoveryHost> host(new DiscoveryHost());
-    host->Deserialize(JSONObject(json).GetJSONObject("Host").ToString());
+    host->ReadFrom(JSONObject(json).GetJSONObject("Host"));
     return host;
 }
 } // namespace Zent::Discovery::Server

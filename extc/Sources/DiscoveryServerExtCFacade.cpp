@@ -27,6 +27,7 @@ using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Net::IPAddress;
 using Server::DiscoveryServer;
 using Server::DiscoveryServerFacade;
+using Server::DiscoveryServerTaskProcessor;
 using Server::MinimumCompatibleVersion;
 using Server::NICsConfigsListJsonSerializer;
 using Zent::Utils::Json::JSONArray;
@@ -52,9 +53,10 @@ void StopBody()
     const SmartPointer<DiscoveryServerFacade> facade = DiscoveryServerFacade::Instance();
     DiscoveryServer& server = facade->Server();
     const DiscoveryServer::RestartBarrier barrier(server);
-    if (server.IsRunning())
+    const SmartPointer<DiscoveryServerTaskProcessor> taskProcessor = server.TaskProcessor();
+    if (server.IsRunning() && !taskProcessor.IsNull())
     {
-        HostEventRelay::Unsubscribe(*server.TaskProcessor());
+        HostEventRelay::Unsubscribe(*taskProcessor);
         server.Stop();
     }
 }

@@ -18,7 +18,7 @@ SmartPointer<SendChangeYourIPConfigAction::NICConfigList> NICsConfigsListJsonSer
     for (std::int32_t index = 0; index < array.Length(); ++index)
     {
         const SmartPointer<NICConfig> config(new NICConfig());
-        config->Deserialize(array.GetJSONObject(index).ToString());
+        config->ReadFrom(array.GetJSONObject(index));
         configs->Add(config);
     }
     return configs;

@@ -41,7 +41,7 @@
  *             10  ArgumentOutOfRange
  *             27  OutOfMemory
  *             30  InvalidOperation  not initialized, already initialized, or not allowed within a callback
- *             41  NullPointer       a request while the server is not started
+ *             41  NullPointer       a request while the server is not started, or while it restarts itself
  *             73  Socket            the network refused, for instance because UDP port 12001 is taken
  *     0xC0090109  Resource not found, a JSON document lacks a required member
  *     0xC0090114  Invalid Format, a text is not the JSON, MAC address, IP address or version that it should be
@@ -150,7 +150,8 @@ extern "C"
      * afterwards. Requests that still wait are discarded, and so is the broadcast provider. The callbacks stay set for
      * the next StartServer.
      *
-     * @return 0, also when the server does not run; 30 within a callback.
+     * @return 0, also when the server does not run; 30 within a callback. After any other code call Terminate and
+     *         Initialize before the next StartServer.
      */
     DISCOVERY_EXTC_API int DISCOVERY_EXTC_CALL StopServer(void);
 
@@ -178,8 +179,8 @@ extern "C"
      *                       required; "DefaultGateway" is "" for none:
      *                       [{"FriendlyName":"eth0","MACAddress":"00:1A:2B:3C:4D:5E","IPAddress":"192.168.1.21",
      *                         "SubNetMask":"255.255.255.0","DefaultGateway":"192.168.1.1","MTU":"1500"}]
-     * @return 0 when the request is queued; 9 for a null pointer; 0xC0090114 when the text is not a JSON array of
-     *         objects or holds a malformed address; 0xC0090109 when a member is missing; 41 when the server is not
+     * @return 0 when the request is queued; 9 for a null pointer; 0xC0090114 when the text is not a JSON array or holds
+     *         a malformed address; 0xC0090109 when an element is no object or lacks a member; 41 when the server is not
      *         started.
      */
     DISCOVERY_EXTC_API int DISCOVERY_EXTC_CALL ChangeClientsIPConfigurations(const char* nicConfigsJson);
@@ -264,7 +265,8 @@ extern "C"
      *
      * @param addressesJson a JSON array of IP addresses of this machine: ["192.168.1.2","10.0.0.2"]. While an empty
      *                      array is installed, broadcasts are not sent at all.
-     * @return 0; 9 for a null pointer; 0xC0090114 when the text is not a JSON array of IP addresses.
+     * @return 0; 9 for a null pointer; 0xC0090114 when the text is not a JSON array or an element is no IP address;
+     *         0xC0090109 when an element is no string.
      */
     DISCOVERY_EXTC_API int DISCOVERY_EXTC_CALL InitBroadcastProvider(const char* addressesJson);
 

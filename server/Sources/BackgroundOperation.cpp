@@ -6,6 +6,7 @@
 
 namespace Zent::Discovery::Server
 {
+using Nfx::System::Exception;
 using Nfx::System::MakeDelegate;
 using Nfx::System::SmartPointer;
 using Nfx::System::Threading::EventResetMode;
@@ -73,21 +74,37 @@ void BackgroundOperation::Suspend()
         const Lock guard(lock);
         ++suspensions;
         hasRequest = false;
-        cancelled.Set();
         running = thread;
     }
-    if (!running.IsNull() && running->GetThreadState() != ThreadState::Unstarted)
+    try
     {
-        running->Join();
+        cancelled.Set();
+        if (!running.IsNull() && running->GetThreadState() != ThreadState::Unstarted)
+        {
+            running->Join();
+        }
+    }
+    catch (const Exception&)
+    {
+        Resume(); // the caller gets no suspension that could end
+        throw;
     }
 }
 
-void BackgroundOperation::Resume()
+void BackgroundOperation::Resume() noexcept
 {
     const Lock guard(lock);
-    if (--suspensions == 0)
+    if (--suspensions > 0)
+    {
+        return;
+    }
+    try
     {
         cancelled.Reset();
+    }
+    catch (const Exception&)
+    {
+        // Then restarts do without their pauses.
     }
 }
 

@@ -1,6 +1,5 @@
 #include "Server/DiscoveryServer.h"
 
-#include "Discovery/DiscoveryLogger.h"
 #include "Discovery/DiscoveryPorts.h"
 #include "Discovery/DiscoverySocketUdpClient.h"
 #include "Discovery/Message/DiscoveryMessage.h"
@@ -10,7 +9,7 @@
 #include "system/Threading/Lock.h"
 
 #include <algorithm>
-#include <exception>
+#include <utility>
 
 namespace Zent::Discovery::Server
 {
@@ -19,7 +18,6 @@ using Nfx::System::Exception;
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
 using Nfx::System::Object;
-using Nfx::System::OutOfMemoryException;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
@@ -28,9 +26,8 @@ using Nfx::System::Threading::Lock;
 
 namespace
 {
-const char SourceName[] = "Sources/DiscoveryServer";
-
 constexpr std::chrono::milliseconds RestartPace{1000};
+constexpr std::int32_t RetryDelayMilliseconds = 1000;
 constexpr std::int32_t LongestRetryDelayMilliseconds = 10000;
 
 SmartPointer<IDiscoverySocket> OpenSocket()
@@ -41,15 +38,20 @@ SmartPointer<IDiscoverySocket> OpenSocket()
 } // namespace
 
 DiscoveryServer::DiscoveryServer()
-    : channel("Discovery Server")
+    : log("Discovery Server")
     , background(MakeDelegate(*this, &DiscoveryServer::RunBackground))
 {
 }
 
 DiscoveryServer::~DiscoveryServer()
 {
-    const RestartBarrier barrier(*this);
-    StopLeftovers();
+    log.Guard("Failed to stop what was still running", [this] {
+        const RestartBarrier barrier(*this);
+        const Lock lock(lifecycleLock);
+        StopLeftover(receiver);
+        StopLeftover(parser);
+        StopLeftover(taskProcessor);
+    });
 }
 
 void DiscoveryServer::Start(const HostRegistrations& registrations)
@@ -67,12 +69,12 @@ void DiscoveryServer::Start(const HostRegistrations& registrations)
 
 void DiscoveryServer::StartLocked(const HostRegistrations& registrations)
 {
-    Log(String("Starting Discovery Server service (") + DiscoveryMessage::ProtocolVersionText + ")",
-        LogStreamLevel::Critical);
+    log.Write(String("Starting Discovery Server service (") + DiscoveryMessage::ProtocolVersionText + ")",
+              LogStreamLevel::Critical);
     if (state == DiscoveryServiceState::Starting || state == DiscoveryServiceState::Running)
     {
-        Log("Server's current state : " + DiscoveryServiceState(state).ToString() + " ! -> Starting aborted.",
-            LogStreamLevel::Critical);
+        log.Write("Server's current state : " + DiscoveryServiceState(state).ToString() + " ! -> Starting aborted.",
+                  LogStreamLevel::Critical);
         if (!taskProcessor.IsNull())
         {
             taskProcessor->Install(registrations);
@@ -86,17 +88,13 @@ void DiscoveryServer::StartLocked(const HostRegistrations& registrations)
         CreateComponents(registrations);
         componentsMustBeCreated = false;
     }
-    StartWorkers();
     {
+        // Before the workers start: a loss while they do is one to answer, not part of the operation that ends here.
         const Lock lock(asyncLock);
         asyncOperationPending = false;
     }
+    StartWorkers();
     state = DiscoveryServiceState::Running;
-    // A loss during the lines above was ignored, because an operation was still pending.
-    if (receiver->HasLostSocket() || taskProcessor->HasLostSocket())
-    {
-        TriggerAsynchronous(BackgroundOperation::Kind::Restart);
-    }
 }
 
 void DiscoveryServer::StartWorkers()
@@ -140,34 +138,21 @@ void DiscoveryServer::Stop()
 
 void DiscoveryServer::StopLocked()
 {
-    Log("Stopping Discovery Server service", LogStreamLevel::Critical);
+    log.Write("Stopping Discovery Server service", LogStreamLevel::Critical);
     if (state != DiscoveryServiceState::Running)
     {
-        Log("Client's current state : " + DiscoveryServiceState(state).ToString() + " ! -> Stopping aborted.",
-            LogStreamLevel::Critical);
+        log.Write("Client's current state : " + DiscoveryServiceState(state).ToString() + " ! -> Stopping aborted.",
+                  LogStreamLevel::Critical);
         return;
     }
     state = DiscoveryServiceState::Stopping;
     receiver->Stop();
     parser->Stop();
     taskProcessor->Stop();
-    LogDiscarded();
     ReleaseComponents();
     componentsMustBeCreated = true;
     state = DiscoveryServiceState::Stopped;
-    Log("Discovery Server stopped", LogStreamLevel::Critical);
-}
-
-void DiscoveryServer::LogDiscarded()
-{
-    const std::int32_t tasks = taskProcessor->PendingCount();
-    const std::int32_t datagrams = parser->PendingCount();
-    if (tasks > 0 || datagrams > 0)
-    {
-        Log("Discarded what was still queued : " + Int32(tasks).ToString() + " tasks, " + Int32(datagrams).ToString() +
-                " datagrams.",
-            LogStreamLevel::Critical);
-    }
+    log.Write("Discovery Server stopped", LogStreamLevel::Critical);
 }
 
 void DiscoveryServer::ReleaseComponents()
@@ -178,28 +163,45 @@ void DiscoveryServer::ReleaseComponents()
     taskProcessor->SocketClosed().Clear();
     taskProcessor->StopAsked().Clear();
 
-    const Lock lock(componentsLock);
-    receiver = nullptr;
-    parser = nullptr;
-    taskProcessor = nullptr;
-    socket = nullptr;
+    // They go at the end of this function, without the lock: their queues may be long.
+    const SmartPointer<DiscoveryReceiver> formerReceiver = receiver;
+    const SmartPointer<DiscoveryServerMessageParser> formerParser = parser;
+    const SmartPointer<DiscoveryServerTaskProcessor> formerTaskProcessor = taskProcessor;
+    const SmartPointer<IDiscoverySocket> formerSocket = socket;
+    {
+        const Lock lock(componentsLock);
+        if (isCarryingOver)
+        {
+            carriedOver = taskProcessor->Registrations();
+        }
+        receiver = nullptr;
+        parser = nullptr;
+        taskProcessor = nullptr;
+        socket = nullptr;
+    }
+    LogDiscarded(formerTaskProcessor->PendingCount(), formerParser->PendingCount());
 }
 
-void DiscoveryServer::StopLeftovers() noexcept
+void DiscoveryServer::LogDiscarded(std::int32_t tasks, std::int32_t datagrams) const
 {
-    try
+    if (tasks > 0 || datagrams > 0)
     {
-        const Lock lock(lifecycleLock);
-        if (!receiver.IsNull())
-        {
-            receiver->Stop();
-            parser->Stop();
-            taskProcessor->Stop();
-        }
+        log.Write("Discarded what was still queued : " + Int32(tasks).ToString() + " tasks, " +
+                      Int32(datagrams).ToString() + " datagrams.",
+                  LogStreamLevel::Critical);
     }
-    catch (const Exception& exception)
+}
+
+template <class TWorker>
+void DiscoveryServer::StopLeftover(const SmartPointer<TWorker>& worker)
+{
+    if (worker.IsNull())
     {
-        LogLastResort("Failed to stop what was still running", exception);
+        return;
+    }
+    if (!log.Guard("Failed to stop what was still running", [&] { worker->Stop(); }))
+    {
+        new SmartPointer<TWorker>(worker); // its thread may still run: a leak is the lesser evil
     }
 }
 
@@ -210,38 +212,38 @@ bool DiscoveryServer::IsRunning() const noexcept
 
 void DiscoveryServer::Discover()
 {
-    Log("Discover", LogStreamLevel::Standard);
+    log.Write("Discover", LogStreamLevel::Standard);
     Queue(SmartPointer<ServerAction>(new SendAllSendYourSignatureAction()));
 }
 
 void DiscoveryServer::ChangeIPConfigurations(
     const SmartPointer<SendChangeYourIPConfigAction::NICConfigList>& nicConfigs)
 {
-    Log("Change IP configs", LogStreamLevel::Standard);
+    log.Write("Change IP configs", LogStreamLevel::Standard);
     Queue(SmartPointer<ServerAction>(new SendChangeYourIPConfigAction(nicConfigs)));
 }
 
 void DiscoveryServer::ChangeHostName(const String& newHostName, const MACAddress& macAddress)
 {
-    Log("Change HostName to " + newHostName + " (" + macAddress.ToString() + ")", LogStreamLevel::Standard);
+    log.Write("Change HostName to " + newHostName + " (" + macAddress.ToString() + ")", LogStreamLevel::Standard);
     Queue(SmartPointer<ServerAction>(new SendChangeYourHostNameAction(newHostName, macAddress)));
 }
 
 void DiscoveryServer::ChangeHostName(const String& newHostName, const IPAddress& ipAddress)
 {
-    Log("Change HostName to " + newHostName + " (" + ipAddress.ToString() + ")", LogStreamLevel::Standard);
+    log.Write("Change HostName to " + newHostName + " (" + ipAddress.ToString() + ")", LogStreamLevel::Standard);
     Queue(SmartPointer<ServerAction>(new SendChangeYourHostNameAction(newHostName, ipAddress)));
 }
 
 void DiscoveryServer::RefreshClient(const MACAddress& macAddress)
 {
-    Log("Refresh Client owning " + macAddress.ToString(), LogStreamLevel::Standard);
+    log.Write("Refresh Client owning " + macAddress.ToString(), LogStreamLevel::Standard);
     Queue(SmartPointer<ServerAction>(new SendSendYourSignatureAction(macAddress)));
 }
 
 void DiscoveryServer::ReachClient(const IPAddress& ipAddress)
 {
-    Log("Reach Client " + ipAddress.ToString(), LogStreamLevel::Standard);
+    log.Write("Reach Client " + ipAddress.ToString(), LogStreamLevel::Standard);
     Queue(SmartPointer<ServerAction>(new SendSendYourSignatureAction(ipAddress)));
 }
 
@@ -271,7 +273,7 @@ void DiscoveryServer::SetBroadcastProvider(const SmartPointer<IBroadcastProvider
             return;
         }
     }
-    Log("Broadcast provider not installed : the server has not been started.", LogStreamLevel::Standard);
+    log.Write("Broadcast provider not installed : the server has not been started.", LogStreamLevel::Standard);
 }
 
 void DiscoveryServer::AsynchronousRestart(Object*, const EventArgs&)
@@ -298,29 +300,50 @@ void DiscoveryServer::TriggerAsynchronous(BackgroundOperation::Kind kind)
         }
         asyncOperationPending = true;
     }
-    Log(kind == BackgroundOperation::Kind::Restart ? "Asynchronous restart triggered" : "Asynchronous stop triggered",
-        LogStreamLevel::Critical);
+    log.Write(kind == BackgroundOperation::Kind::Restart ? "Asynchronous restart triggered"
+                                                         : "Asynchronous stop triggered",
+              LogStreamLevel::Critical);
     PostAsynchronous(kind);
 }
 
 void DiscoveryServer::PostAsynchronous(BackgroundOperation::Kind kind)
 {
-    try
+    // Nobody else would tell of this loss again. So a thread that cannot be had now is asked for until it is there, or
+    // until a stop makes it superfluous.
+    while (!TryPostAsynchronous(kind))
     {
-        background.Post({kind, run});
+        if (background.IsCancelledWithin(RetryDelayMilliseconds))
+        {
+            const Lock lock(asyncLock);
+            asyncOperationPending = false;
+            return;
+        }
     }
-    catch (const Exception& exception)
+}
+
+bool DiscoveryServer::TryPostAsynchronous(BackgroundOperation::Kind kind)
+{
+    bool isPosted = false;
+    log.Guard("Failed to start the background operation", [&] { isPosted = background.Post({kind, run}); });
+    return isPosted;
+}
+
+void DiscoveryServer::RestartIfLost()
+{
+    SmartPointer<DiscoveryReceiver> current;
     {
-        Log("Failed to start the background operation", exception);
-        const Lock lock(asyncLock);
-        asyncOperationPending = false; // the next loss tries again
+        const Lock lock(componentsLock);
+        current = receiver;
+    }
+    if (IsRunning() && !current.IsNull() && current->HasLostSocket())
+    {
+        TriggerAsynchronous(BackgroundOperation::Kind::Restart);
     }
 }
 
 void DiscoveryServer::RunBackground(const BackgroundOperation::Request& request)
 {
-    try
-    {
+    log.Guard("Background operation failed", [&] {
         if (request.What == BackgroundOperation::Kind::Restart)
         {
             Restart(request.Run);
@@ -331,20 +354,12 @@ void DiscoveryServer::RunBackground(const BackgroundOperation::Request& request)
         {
             StopLocked();
         }
-    }
-    catch (const Exception& exception)
-    {
-        LogLastResort("Background operation failed", exception);
-    }
-    catch (const std::exception&) // memory is the only thing that can run out here
-    {
-        LogLastResort("Background operation failed", OutOfMemoryException(SourceName, __LINE__));
-    }
+    });
 }
 
 void DiscoveryServer::Restart(std::int64_t lostRun)
 {
-    if (!WaitForPace() || !StopForRestart(lostRun) || !WaitUntilSocketCanBeBound())
+    if (run != lostRun || !WaitForPace() || !StopForRestart(lostRun) || !WaitUntilSocketCanBeBound())
     {
         return;
     }
@@ -362,11 +377,11 @@ bool DiscoveryServer::StopForRestart(std::int64_t lostRun)
     {
         return false;
     }
-    HostRegistrations registrations = taskProcessor->Registrations();
+    {
+        const Lock componentsGuard(componentsLock);
+        isCarryingOver = true;
+    }
     StopLocked();
-    const Lock componentsGuard(componentsLock);
-    carriedOver = registrations;
-    isCarryingOver = true;
     return true;
 }
 
@@ -385,7 +400,7 @@ bool DiscoveryServer::WaitForPace()
 
 bool DiscoveryServer::WaitUntilSocketCanBeBound()
 {
-    for (std::int32_t delay = 1000;; delay = std::min(2 * delay, LongestRetryDelayMilliseconds))
+    for (std::int32_t delay = RetryDelayMilliseconds;; delay = std::min(2 * delay, LongestRetryDelayMilliseconds))
     {
         if (background.IsCancelledWithin(0))
         {
@@ -398,7 +413,8 @@ bool DiscoveryServer::WaitUntilSocketCanBeBound()
         }
         catch (const Exception& exception)
         {
-            Log("No socket for the restart yet, trying again in " + Int32(delay / 1000).ToString() + " s", exception);
+            log.Write("No socket for the restart yet, trying again in " + Int32(delay / 1000).ToString() + " s",
+                      exception);
         }
         if (background.IsCancelledWithin(delay))
         {
@@ -414,24 +430,17 @@ void DiscoveryServer::ForgetCarriedOver()
     isCarryingOver = false;
 }
 
-void DiscoveryServer::Log(const String& message, const LogStreamLevel& level) const
-{
-    DiscoveryLogger::GetInstance().Log(channel, message, level);
-}
-
-void DiscoveryServer::Log(const String& message, const Exception& exception) const
-{
-    DiscoveryLogger::GetInstance().Log(channel, message, exception);
-}
-
-void DiscoveryServer::LogLastResort(const char* message, const Exception& exception) const noexcept
-{
-    DiscoveryLogger::GetInstance().LogLastResort(channel, message, exception);
-}
-
 DiscoveryServer::RestartBarrier::RestartBarrier(DiscoveryServer& server)
-    : suspension(server.background)
+    : server(server)
+    , suspension(std::in_place, server.background)
 {
     server.ForgetCarriedOver();
+}
+
+DiscoveryServer::RestartBarrier::~RestartBarrier()
+{
+    suspension.reset();
+    // What was refused meanwhile, when the server runs on all the same.
+    server.log.Guard("Failed to restart", [this] { server.RestartIfLost(); });
 }
 } // namespace Zent::Discovery::Server

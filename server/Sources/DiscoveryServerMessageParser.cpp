@@ -1,6 +1,5 @@
 #include "Server/DiscoveryServerMessageParser.h"
 
-#include "Discovery/DiscoveryLogger.h"
 #include "Server/MinimumCompatibleVersion.h"
 #include "Server/NotifyByeMessageReceivedAction.h"
 #include "Server/NotifyClientSignatureReceivedAction.h"
@@ -37,7 +36,7 @@ void DiscoveryServerMessageParser::ProcessDatagram(const SmartPointer<Datagram>&
     const SmartPointer<ServerAction> action = ActionFor(message);
     if (action.IsNull())
     {
-        Log("Message ignored", LogStreamLevel::Standard);
+        Log().Write("Message ignored", LogStreamLevel::Standard);
         return;
     }
     actionReady.Raise(this, ServerActionArgs(action));
@@ -51,7 +50,7 @@ SmartPointer<DiscoveryMessage> DiscoveryServerMessageParser::Deserialize(const S
     }
     catch (const Exception&) // the loop adds a line of its own
     {
-        Log("Message dropped : bad format !", LogStreamLevel::Critical);
+        Log().Write("Message dropped : bad format !", LogStreamLevel::Critical);
         throw;
     }
 }
@@ -63,11 +62,12 @@ bool DiscoveryServerMessageParser::IsAccepted(const Version& version) const
     {
         return true;
     }
-    Log("Version mismatch with received message ! [" + own.ToString() + "] <> [" + version.ToString() + "].",
-        LogStreamLevel::Standard);
+    Log().Write("Version mismatch with received message ! [" + own.ToString() + "] <> [" + version.ToString() + "].",
+                LogStreamLevel::Standard);
     if (version < MinimumCompatibleVersion::Get())
     {
-        Log("The protocol version of the message is not supported ! Message dropped.", LogStreamLevel::Critical);
+        Log().Write("The protocol version of the message is not supported ! Message dropped.",
+                    LogStreamLevel::Critical);
         return false;
     }
     return true;
@@ -81,14 +81,14 @@ void DiscoveryServerMessageParser::LogHandled(const DiscoveryMessage& message, c
     case DiscoveryMessageType::SignatureBroadcast:
     case DiscoveryMessageType::Hello:
     case DiscoveryMessageType::Bye:
-        Log("Message type : " + type.ToString(), LogStreamLevel::Standard);
-        if (DiscoveryLogger::GetInstance().IsEnabled(LogStreamLevel::Debug))
+        Log().Write("Message type : " + type.ToString(), LogStreamLevel::Standard);
+        if (ComponentLog::IsEnabled(LogStreamLevel::Debug))
         {
-            Log("Message : " + text, LogStreamLevel::Debug);
+            Log().Write("Message : " + text, LogStreamLevel::Debug);
         }
         break;
     default:
-        Log("Message type : " + type.ToString(), LogStreamLevel::Debug);
+        Log().Write("Message type : " + type.ToString(), LogStreamLevel::Debug);
         break;
     }
 }

@@ -21,12 +21,6 @@ using Nfx::System::Net::IPAddress;
 
 namespace
 {
-/// Whether a message goes to everybody and names its target by MAC address.
-bool TargetsMACAddress(const IPAddress& address)
-{
-    return address == IPAddress::Broadcast();
-}
-
 String SendingLine(const DiscoveryMessage& message)
 {
     return "Sending message of type " + message.GetMessageType().ToString();
@@ -40,9 +34,9 @@ DiscoveryServerTaskProcessor::DiscoveryServerTaskProcessor(const SmartPointer<ID
 
 void DiscoveryServerTaskProcessor::Stop()
 {
-    Log("Stopping Task Processor", LogStreamLevel::Critical);
+    Log().Write("Stopping Task Processor", LogStreamLevel::Critical);
     DiscoveryTaskProcessor::Stop();
-    Log("---Task Processor stopped---", LogStreamLevel::Critical);
+    Log().Write("---Task Processor stopped---", LogStreamLevel::Critical);
 }
 
 Event<ClientSignatureReceivedEventArgs>& DiscoveryServerTaskProcessor::ClientSignatureReceived()
@@ -117,7 +111,7 @@ void DiscoveryServerTaskProcessor::Process(const ServerAction& action)
         Notify<NotifyByeMessageReceivedAction>(action, "Bye message", byeMessageReceived);
         break;
     default:
-        Log("Action type not supported ! Ignoring...", LogStreamLevel::Critical);
+        Log().Write("Action type not supported ! Ignoring...", LogStreamLevel::Critical);
         break;
     }
 }
@@ -126,8 +120,8 @@ template <class TAction, class TEventArgs>
 void DiscoveryServerTaskProcessor::Notify(const ServerAction& action, const char* what, Event<TEventArgs>& event)
 {
     const auto& message = *dynamic_cast<const TAction&>(action).Message();
-    Log(String("Notifying receipt of ") + what + ". Client's host name : " + message.Host->HostName,
-        LogStreamLevel::Standard);
+    Log().Write(String("Notifying receipt of ") + what + ". Client's host name : " + message.Host->HostName,
+                LogStreamLevel::Standard);
     event.Raise(this, TEventArgs(message.Host, message.SourceNIC));
 }
 
@@ -135,29 +129,29 @@ void DiscoveryServerTaskProcessor::SendSendYourSignature(const ServerAction& act
 {
     const auto& request = dynamic_cast<const SendSendYourSignatureAction&>(action);
     const IPAddress& address = request.TargetedIPAddress();
-    if (TargetsMACAddress(address))
+    if (request.TargetsMACAddress())
     {
         const SendYourSignatureMessage message(request.TargetedMACAddress());
-        Log(SendingLine(message) + " to " + request.TargetedMACAddress().ToString(), LogStreamLevel::Standard);
+        Log().Write(SendingLine(message) + " to " + request.TargetedMACAddress().ToString(), LogStreamLevel::Standard);
         Send(message, address);
         return;
     }
     const SendYourSignatureMessage message(DiscoveryMessage::ProtocolVersion());
-    Log(SendingLine(message) + " to " + address.ToString(), LogStreamLevel::Standard);
+    Log().Write(SendingLine(message) + " to " + address.ToString(), LogStreamLevel::Standard);
     Send(message, address);
 }
 
 void DiscoveryServerTaskProcessor::SendAllSendYourSignature()
 {
     const AllSendYourSignatureMessage message;
-    Log(SendingLine(message), LogStreamLevel::Standard);
+    Log().Write(SendingLine(message), LogStreamLevel::Standard);
     Send(message, IPAddress::Broadcast());
 }
 
 void DiscoveryServerTaskProcessor::SendChangeYourIPConfig(const ServerAction& action)
 {
     const ChangeYourIPConfigMessage message(*dynamic_cast<const SendChangeYourIPConfigAction&>(action).NICConfigs());
-    Log(SendingLine(message) + ".", LogStreamLevel::Standard);
+    Log().Write(SendingLine(message) + ".", LogStreamLevel::Standard);
     Send(message, IPAddress::Broadcast());
 }
 
@@ -165,15 +159,16 @@ void DiscoveryServerTaskProcessor::SendChangeYourHostName(const ServerAction& ac
 {
     const auto& request = dynamic_cast<const SendChangeYourHostNameAction&>(action);
     const IPAddress& address = request.TargetedIPAddress();
-    if (TargetsMACAddress(address))
+    if (request.TargetsMACAddress())
     {
         const ChangeYourHostNameMessage message(request.TargetedMACAddress(), request.NewHostName());
-        Log(SendingLine(message) + " to " + request.TargetedMACAddress().ToString() + ".", LogStreamLevel::Standard);
+        Log().Write(SendingLine(message) + " to " + request.TargetedMACAddress().ToString() + ".",
+                    LogStreamLevel::Standard);
         Send(message, address);
         return;
     }
     const ChangeYourHostNameMessage message(DiscoveryMessage::ProtocolVersion(), request.NewHostName());
-    Log(SendingLine(message) + " to " + address.ToString() + ".", LogStreamLevel::Standard);
+    Log().Write(SendingLine(message) + " to " + address.ToString() + ".", LogStreamLevel::Standard);
     Send(message, address);
 }
 } // namespace Zent::Discovery::Server

@@ -1,19 +1,14 @@
 #include "Server/DiscoveryTaskProcessor.h"
 
-#include "Discovery/DiscoveryLogger.h"
 #include "Discovery/ServiceThread.h"
 #include "system/Threading/Lock.h"
 
-#include <exception>
-
 namespace Zent::Discovery::Server
 {
-using Nfx::System::Exception;
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
 using Nfx::System::Object;
 using Nfx::System::ObjectClosedException;
-using Nfx::System::OutOfMemoryException;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
@@ -21,7 +16,6 @@ using Nfx::System::Net::IPAddress;
 using Nfx::System::Net::Sockets::SocketError;
 using Nfx::System::Net::Sockets::SocketException;
 using Nfx::System::Threading::Lock;
-using Nfx::System::Threading::SemaphoreFullException;
 using Nfx::System::Threading::ThreadPriority;
 
 DiscoveryTaskProcessor::DiscoveryTaskProcessor(const SmartPointer<IDiscoverySocket>& socket, const String& name)
@@ -38,12 +32,21 @@ void DiscoveryTaskProcessor::Enqueue(Object*, const ServerActionArgs& task)
         if (tasks.Count() < MaximumPending)
         {
             tasks.Enqueue(queued);
-            semaphore.Release();
+            Wake();
             return;
         }
     }
-    Log("Semaphore is full (" + Int32(MaximumPending).ToString() + ") !!! Ignoring this task...",
-        LogStreamLevel::Critical);
+    Log().Write("Semaphore is full (" + Int32(MaximumPending).ToString() + ") !!! Ignoring this task...",
+                LogStreamLevel::Critical);
+}
+
+void DiscoveryTaskProcessor::Wake()
+{
+    // Once a stop is requested the thread has its last permit: what is queued from then on only waits to be counted.
+    if (!IsStopRequested())
+    {
+        semaphore.Release();
+    }
 }
 
 std::int32_t DiscoveryTaskProcessor::PendingCount() const
@@ -54,14 +57,13 @@ std::int32_t DiscoveryTaskProcessor::PendingCount() const
 
 void DiscoveryTaskProcessor::Stop()
 {
-    RequestStop();
-    try
     {
-        semaphore.Release();
-    }
-    catch (const SemaphoreFullException&)
-    {
-        // The thread has permits enough to come round and see that it is to stop.
+        const Lock lock(tasks.SyncRoot());
+        if (tasks.Count() < MaximumPending)
+        {
+            Wake();
+        }
+        RequestStop();
     }
     DiscoveryWorker::Stop();
 }
@@ -87,14 +89,14 @@ SmartPointer<ServerActionArgs> DiscoveryTaskProcessor::TakeTask()
 void DiscoveryTaskProcessor::Send(const DiscoveryMessage& message, const IPAddress& destination)
 {
     const String text = message.ToJson();
-    if (DiscoveryLogger::GetInstance().IsEnabled(LogStreamLevel::Debug))
+    if (ComponentLog::IsEnabled(LogStreamLevel::Debug))
     {
-        Log("Message (JSON) : " + text, LogStreamLevel::Debug);
+        Log().Write("Message (JSON) : " + text, LogStreamLevel::Debug);
     }
     try
     {
         Transmit(text, destination);
-        Log("Message sent", LogStreamLevel::Standard);
+        Log().Write("Message sent", LogStreamLevel::Standard);
     }
     catch (const SocketException& exception)
     {
@@ -102,7 +104,7 @@ void DiscoveryTaskProcessor::Send(const DiscoveryMessage& message, const IPAddre
     }
     catch (const ObjectClosedException& exception)
     {
-        Log("Message not sent : socket closed", exception);
+        Log().Write("Message not sent : socket closed", exception);
         CheckSocket();
     }
 }
@@ -110,31 +112,19 @@ void DiscoveryTaskProcessor::Send(const DiscoveryMessage& message, const IPAddre
 void DiscoveryTaskProcessor::Run()
 {
     const ServiceThread mark;
-    Log("---Waiting for tasks...", LogStreamLevel::Critical);
+    Log().Write("---Waiting for tasks...", LogStreamLevel::Critical);
     while (!IsStopRequested())
     {
-        ProcessNextGuarded();
+        Log().Guard("Error while processing task", [this] { ProcessNext(); });
     }
 }
 
-void DiscoveryTaskProcessor::ProcessNextGuarded() noexcept
+void DiscoveryTaskProcessor::ProcessNext()
 {
-    static const char Failed[] = "Error while processing task";
-    try
+    semaphore.WaitOne();
+    if (!IsStopRequested())
     {
-        semaphore.WaitOne();
-        if (!IsStopRequested())
-        {
-            ProcessTask();
-        }
-    }
-    catch (const Exception& exception)
-    {
-        LogLastResort(Failed, exception);
-    }
-    catch (const std::exception&) // memory is the only thing that can run out here
-    {
-        LogLastResort(Failed, OutOfMemoryException("Sources/DiscoveryTaskProcessor", __LINE__));
+        ProcessTask();
     }
 }
 
@@ -149,7 +139,7 @@ void DiscoveryTaskProcessor::Transmit(const String& text, const IPAddress& desti
         Socket().Send(bytes, count, destination);
         return;
     }
-    Log("Sending message using broadcast provider...", LogStreamLevel::Debug);
+    Log().Write("Sending message using broadcast provider...", LogStreamLevel::Debug);
     current->Send(bytes, count);
 }
 
@@ -158,22 +148,22 @@ void DiscoveryTaskProcessor::HandleSendError(const SocketException& exception)
     switch (exception.GetSocketError())
     {
     case SocketError::AddressNotAvailable:
-        Log("Message not sent : address not available.", exception);
+        Log().Write("Message not sent : address not available.", exception);
         return;
     case SocketError::ConnectionReset:
-        Log("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
+        Log().Write("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
         return;
     case SocketError::Interrupted:
-        Log("Message not sent : socket interrupted", exception);
+        Log().Write("Message not sent : socket interrupted", exception);
         break;
     case SocketError::NotSocket:
-        Log("Socket error : Operation attempted on a non-socket object.", exception);
+        Log().Write("Socket error : Operation attempted on a non-socket object.", exception);
         break;
     case SocketError::Shutdown:
-        Log("Message not sent : socket shut down", exception);
+        Log().Write("Message not sent : socket shut down", exception);
         break;
     default:
-        Log("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
+        Log().Write("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
         break;
     }
     CheckSocket();

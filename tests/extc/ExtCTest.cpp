@@ -1,8 +1,12 @@
+#include "support/DeviceDatagram.h"
 #include "support/ExtCLoader.h"
 #include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
+#include "system/Net/Sockets/Socket.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -10,6 +14,13 @@
 
 namespace
 {
+using Nfx::System::Net::AddressFamily;
+using Nfx::System::Net::IPAddress;
+using Nfx::System::Net::IPEndPoint;
+using Nfx::System::Net::Sockets::ProtocolType;
+using Nfx::System::Net::Sockets::Socket;
+using Nfx::System::Net::Sockets::SocketType;
+
 constexpr int ArgumentNull = 9;
 constexpr int ArgumentOutOfRange = 10;
 constexpr int InvalidOperation = 30;
@@ -145,6 +156,37 @@ TEST_F(ExtCTest, AStopWritesTheLifeOfEachWorkerIntoTheLog)
     EXPECT_NE(std::string::npos, log.find("ending worker."));
     EXPECT_EQ(std::string::npos, log.find("Unexpected socket error"));
     EXPECT_EQ(std::string::npos, log.find("Asynchronous restart"));
+}
+
+std::atomic<int> callsBack{0};
+std::atomic<int> refusals{0};
+
+/// Tries everything that waits for the thread which it runs on, and a request, which does not.
+void DISCOVERY_EXTC_CALL CallBack(const char*)
+{
+    refusals += Server().StopServer() == InvalidOperation ? 1 : 0;
+    refusals += Server().StartServer() == InvalidOperation ? 1 : 0;
+    refusals += Server().Terminate() == InvalidOperation ? 1 : 0;
+    refusals += Server().Initialize("unused.log", DiscoveryLogNone) == InvalidOperation ? 1 : 0;
+    EXPECT_EQ(0, Server().Discover());
+    EXPECT_EQ(0, Server().SetByeMessageReceivedEventCallBack(nullptr));
+    ++callsBack;
+}
+
+TEST_F(ExtCTest, WithinACallbackNothingWaitsForTheThreadThatRunsIt)
+{
+    ASSERT_EQ(0, Server().Initialize(LogPath().c_str(), DiscoveryLogStandard));
+    ASSERT_EQ(0, Server().SetHelloMessageReceivedEventCallBack(&CallBack));
+    ASSERT_EQ(0, Server().StartServer());
+    ASSERT_EQ(0, Server().InitBroadcastProvider("[\"127.0.0.1\"]"));
+    const std::string hello = Tests::DeviceDatagram("Hello", "1.0.18", "press-4");
+    Socket device(AddressFamily::InterNetwork, SocketType::Dgram, ProtocolType::Udp);
+    device.SendTo(reinterpret_cast<const std::uint8_t*>(hello.data()), static_cast<std::int32_t>(hello.size()),
+                  IPEndPoint(IPAddress::Parse("127.0.0.1"), 12001));
+    ASSERT_TRUE(Tests::WaitUntil([] { return callsBack == 1; }));
+    EXPECT_EQ(4, refusals);
+    EXPECT_EQ(0, Server().StopServer());
+    EXPECT_NE(std::string::npos, Log().find("StopServer must not be called within a callback."));
 }
 
 TEST_F(ExtCTest, TwoHundredStartsAndStopsLeaveThePortFree)

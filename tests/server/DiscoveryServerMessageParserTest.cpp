@@ -1,7 +1,7 @@
 #include "Server/DiscoveryServerMessageParser.h"
 
-#include "DeviceDatagram.h"
 #include "Server/MinimumCompatibleVersion.h"
+#include "support/DeviceDatagram.h"
 #include "support/LogCapture.h"
 #include "support/WaitUntil.h"
 

@@ -127,6 +127,10 @@ TEST_F(DiscoveryServerTaskProcessorTest, EachRequestBecomesItsDatagramAndItsLine
               sent.Text);
     EXPECT_EQ("192.0.2.7", sent.Target);
 
+    sent = SentBy(new SendChangeYourHostNameAction("press-4", IPAddress::Broadcast()));
+    EXPECT_NE(std::string::npos, sent.Text.find(R"("Broadcast":"True")"));
+    EXPECT_EQ(Everybody, sent.Target);
+
     const SmartPointer<SendChangeYourIPConfigAction::NICConfigList> none(
         new SendChangeYourIPConfigAction::NICConfigList());
     sent = SentBy(new SendChangeYourIPConfigAction(none));
@@ -134,7 +138,7 @@ TEST_F(DiscoveryServerTaskProcessorTest, EachRequestBecomesItsDatagramAndItsLine
               sent.Text);
     EXPECT_EQ(Everybody, sent.Target);
 
-    ASSERT_TRUE(log.WaitFor("|S|           |Message sent", 6));
+    ASSERT_TRUE(log.WaitFor("|S|           |Message sent", 7));
     for (const char* line :
          {"Sending message of type AllSendYourSignature",
           "Sending message of type SendYourSignature to 00:1A:2B:3C:4D:5E",
@@ -147,7 +151,7 @@ TEST_F(DiscoveryServerTaskProcessorTest, EachRequestBecomesItsDatagramAndItsLine
             << line << "\n"
             << log.Text();
     }
-    EXPECT_EQ(6, log.Count("|D|           |Message (JSON) : {"));
+    EXPECT_EQ(7, log.Count("|D|           |Message (JSON) : {"));
 }
 
 TEST_F(DiscoveryServerTaskProcessorTest, TheProviderTakesBroadcastsAndNothingElse)

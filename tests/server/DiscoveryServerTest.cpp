@@ -1,7 +1,7 @@
 #include "Server/DiscoveryServer.h"
 
-#include "DeviceDatagram.h"
 #include "Discovery/BroadcastProviderWin32.h"
+#include "support/DeviceDatagram.h"
 #include "support/Gate.h"
 #include "support/LogCapture.h"
 #include "support/WaitUntil.h"
@@ -119,6 +119,27 @@ TEST_F(DiscoveryServerTest, ARestartKeepsHandlersAndProvider)
         EXPECT_TRUE(WaitUntil([&] { return provider->Sent == restart; }));
     }
     EXPECT_EQ(2, hellos);
+    server.Stop();
+}
+
+TEST_F(DiscoveryServerTest, ARestartKeepsTheProviderThatComesWhileItWaitsForACallback)
+{
+    const SmartPointer<CountingProvider> first(new CountingProvider());
+    const SmartPointer<CountingProvider> second(new CountingProvider());
+    holdHello = true;
+    server.Start(Registrations());
+    server.SetBroadcastProvider(first);
+    SendHello();
+    ASSERT_TRUE(gate.WaitForArrivals(1));
+    LoseSocket();
+    ASSERT_TRUE(log.WaitFor("Stopping Task Processor"));
+    server.SetBroadcastProvider(second);
+    gate.Open();
+    ASSERT_TRUE(log.WaitFor("---Listening...", 2));
+    ASSERT_TRUE(WaitUntil([&] { return server.IsRunning(); }));
+    server.Discover();
+    EXPECT_TRUE(WaitUntil([&] { return second->Sent == 1; }));
+    EXPECT_EQ(0, first->Sent);
     server.Stop();
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Discovery/ComponentLog.h"
 #include "Discovery/IBroadcastProvider.h"
 #include "Discovery/IDiscoverySocket.h"
 #include "system/Collections/Generic/List.h"
-#include "system/LogStreams/LogStreamChannel.h"
 #include "system/Net/IPAddress.h"
 #include "system/SmartPointer.h"
 
@@ -28,7 +28,7 @@ private:
                   const std::uint8_t* bytes,
                   Nfx::System::Int32 count) const;
 
-    const Nfx::System::LogStreams::LogStreamChannel channel;
+    const ComponentLog log;
     const Nfx::System::SmartPointer<AddressList> addresses;
 };
 } // namespace Zent::Discovery

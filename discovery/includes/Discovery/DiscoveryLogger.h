@@ -39,11 +39,6 @@ public:
              const Nfx::System::String& message,
              const Nfx::System::Exception& exception);
 
-    /// Log for a place that nothing may leave, not even for lack of memory.
-    void LogLastResort(const Nfx::System::LogStreams::LogStreamChannel& channel,
-                       const char* message,
-                       const Nfx::System::Exception& exception) noexcept;
-
     /// True when a line of this level would be written. Costs one load: ask before building a text that may be off.
     bool IsEnabled(const Nfx::System::LogStreams::LogStreamLevel& level) const noexcept
     {

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "Discovery/ComponentLog.h"
 #include "Discovery/Datagram.h"
 #include "system/Collections/Generic/Queue.h"
-#include "system/LogStreams/LogStreamChannel.h"
-#include "system/LogStreams/LogStreamLevel.h"
 #include "system/Threading/Semaphore.h"
 #include "system/Threading/Thread.h"
 
@@ -43,20 +42,19 @@ protected:
     /// The name goes to the thread and to the log channel.
     explicit DiscoveryMessageParser(const Nfx::System::String& name);
 
-    void Log(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
-    void Log(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
+    const ComponentLog& Log() const noexcept { return log; }
 
 private:
     void Run();
-    void ProcessNextGuarded() noexcept;
     void ProcessNext();
     Nfx::System::SmartPointer<Datagram> TakeNext();
 
     const Nfx::System::String name;
-    const Nfx::System::LogStreams::LogStreamChannel channel;
+    const ComponentLog log;
     Nfx::System::Collections::Generic::Queue<Nfx::System::SmartPointer<Datagram>> pending; // guarded by its SyncRoot
     Nfx::System::Threading::Semaphore semaphore;
-    std::atomic<bool> stopRequested{false}; // set by Stop, read by the parser thread
+    std::atomic<bool> stopRequested{false};     // set by Stop, read by the parser thread
+    std::atomic<bool> isStopPermitGiven{false}; // set by Stop: a second one needs no other permit
     const Nfx::System::SmartPointer<Nfx::System::Threading::Thread> thread;
 };
 } // namespace Zent::Discovery

@@ -9,7 +9,8 @@
 
 namespace Zent::Discovery
 {
-/// Receives datagrams on a thread of its own and queues each one with the message parser.
+/// Receives datagrams on a thread of its own and queues each one with the message parser. Errors that have no text of
+/// their own are logged by their name, or their number where they have none.
 /// To shut down: call Stop, which closes the socket and joins the thread; then release the receiver.
 class DiscoveryReceiver final : public DiscoveryWorker
 {

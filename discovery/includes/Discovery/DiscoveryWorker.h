@@ -1,9 +1,8 @@
 #pragma once
 
+#include "Discovery/ComponentLog.h"
 #include "Discovery/IDiscoverySocket.h"
 #include "system/Event.h"
-#include "system/LogStreams/LogStreamChannel.h"
-#include "system/LogStreams/LogStreamLevel.h"
 #include "system/Threading/Thread.h"
 #include "system/Threading/ThreadPriority.h"
 
@@ -20,8 +19,9 @@ public:
     /// @throws OutOfMemoryException when the thread cannot be created.
     void Start();
 
-    /// Shuts the socket down, closes it and waits without limit for the thread to end. May be called twice, and before
-    /// Start. Any thread but the worker's own.
+    /// Shuts the socket down, closes it and waits without limit for the thread to end, whatever becomes of the socket.
+    /// May be called twice, and before Start. Any thread but the worker's own.
+    /// @throws SocketException when the socket could not be shut down; the thread has ended all the same.
     virtual void Stop();
 
     /// Raised on the worker's thread when the socket is lost while nobody asked to stop.
@@ -41,20 +41,22 @@ protected:
                     const Nfx::System::Threading::ThreadPriority& priority);
 
     IDiscoverySocket& Socket() const;
-    void Log(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
-    void Log(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
-    void LogLastResort(const char* message, const Nfx::System::Exception& exception) const noexcept;
 
-    /// Says that the socket is lost, unless it is the owner who stops this worker.
+    const ComponentLog& Log() const noexcept { return log; }
+
+    /// Says that the socket is lost, whoever took it away, unless it is the owner who stops this worker.
     void RaiseSocketClosed();
 
     bool IsStopRequested() const noexcept;
     void RequestStop() noexcept;
 
 private:
+    void EndSocket();
+    void Join();
+
     const Nfx::System::SmartPointer<IDiscoverySocket> socket;
     const Nfx::System::String name;
-    const Nfx::System::LogStreams::LogStreamChannel channel;
+    const ComponentLog log;
     const Nfx::System::SmartPointer<Nfx::System::Threading::Thread> thread;
     const Nfx::System::Threading::ThreadPriority priority;
     Nfx::System::Event<Nfx::System::EventArgs> socketClosed;

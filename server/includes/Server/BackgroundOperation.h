@@ -59,7 +59,7 @@ private:
     void Run();
     bool TakeRequest(Request& taken);
     void Suspend();
-    void Resume();
+    void Resume() noexcept;
 
     const Nfx::System::SmartPointer<Body> body;
     Nfx::System::Threading::EventWaitHandle cancelled; // set while anybody suspends

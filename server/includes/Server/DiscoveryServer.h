@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Discovery/ComponentLog.h"
 #include "Discovery/DiscoveryReceiver.h"
 #include "Discovery/IDiscoverySocket.h"
 #include "Server/BackgroundOperation.h"
@@ -12,6 +13,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace Zent::Discovery::Server
 {
@@ -19,7 +21,7 @@ namespace Zent::Discovery::Server
 ///
 /// Any thread may call any operation, except that the service's own threads (those that run the host application's
 /// callbacks) must not call Start and Stop, which wait for them. Locks, in the order in which they are taken:
-/// lifecycleLock, asyncLock, componentsLock.
+/// lifecycleLock; then asyncLock or componentsLock, never both; then those within the components.
 ///
 /// A socket that is lost while nobody asked to stop is answered by an automatic restart on a background thread, at most
 /// one a second. It keeps what the host application has installed: the broadcast provider and the event handlers.
@@ -74,9 +76,13 @@ public:
     {
     public:
         explicit RestartBarrier(DiscoveryServer& server);
+        ~RestartBarrier();
+        RestartBarrier(const RestartBarrier&) = delete;
+        RestartBarrier& operator=(const RestartBarrier&) = delete;
 
     private:
-        BackgroundOperation::Suspension suspension;
+        DiscoveryServer& server;
+        std::optional<BackgroundOperation::Suspension> suspension;
     };
 
 private:
@@ -85,11 +91,15 @@ private:
     void CreateComponents(const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     void StopLocked() NFX_REQUIRES(lifecycleLock);
     void ReleaseComponents() NFX_REQUIRES(lifecycleLock);
-    void LogDiscarded() NFX_REQUIRES(lifecycleLock);
-    void StopLeftovers() noexcept;
+    void LogDiscarded(std::int32_t tasks, std::int32_t datagrams) const;
+
+    template <class TWorker>
+    void StopLeftover(const Nfx::System::SmartPointer<TWorker>& worker);
 
     void TriggerAsynchronous(BackgroundOperation::Kind kind);
     void PostAsynchronous(BackgroundOperation::Kind kind);
+    bool TryPostAsynchronous(BackgroundOperation::Kind kind);
+    void RestartIfLost();
     void RunBackground(const BackgroundOperation::Request& request);
     void Restart(std::int64_t lostRun);
     bool StopForRestart(std::int64_t lostRun);
@@ -98,11 +108,8 @@ private:
     void ForgetCarriedOver();
 
     void Queue(const Nfx::System::SmartPointer<ServerAction>& action);
-    void Log(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
-    void Log(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
-    void LogLastResort(const char* message, const Nfx::System::Exception& exception) const noexcept;
 
-    const Nfx::System::LogStreams::LogStreamChannel channel;
+    const ComponentLog log;
 
     // Written under both lifecycleLock and componentsLock, read under either.
     Nfx::System::SmartPointer<IDiscoverySocket> socket;

@@ -46,8 +46,9 @@ protected:
     void Send(const DiscoveryMessage& message, const Nfx::System::Net::IPAddress& destination);
 
 private:
+    void Wake();
     void Run();
-    void ProcessNextGuarded() noexcept;
+    void ProcessNext();
     void Transmit(const Nfx::System::String& text, const Nfx::System::Net::IPAddress& destination);
     void HandleSendError(const Nfx::System::Net::Sockets::SocketException& exception);
     void CheckSocket();

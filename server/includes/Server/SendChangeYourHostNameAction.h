@@ -11,12 +11,13 @@ namespace Zent::Discovery::Server
 class SendChangeYourHostNameAction final : public ServerAction
 {
 public:
-    /// The IP address becomes the broadcast address, by which a request to a MAC address is known.
+    /// The IP address becomes the broadcast address: whoever owns the MAC address is to hear of it.
     SendChangeYourHostNameAction(const Nfx::System::String& newHostName, const MACAddress& macAddress)
         : ServerAction(ServerActionType::SendChangeYourHostNameMessage)
         , newHostName(newHostName)
         , macAddress(macAddress)
         , ipAddress(Nfx::System::Net::IPAddress::Broadcast())
+        , targetsMACAddress(true)
     {
     }
 
@@ -25,10 +26,13 @@ public:
         : ServerAction(ServerActionType::SendChangeYourHostNameMessage)
         , newHostName(newHostName)
         , ipAddress(ipAddress)
+        , targetsMACAddress(false)
     {
     }
 
     const Nfx::System::String& NewHostName() const noexcept { return newHostName; }
+
+    bool TargetsMACAddress() const noexcept { return targetsMACAddress; }
 
     const MACAddress& TargetedMACAddress() const noexcept { return macAddress; }
 
@@ -38,5 +42,6 @@ private:
     const Nfx::System::String newHostName;
     const MACAddress macAddress;
     const Nfx::System::Net::IPAddress ipAddress;
+    const bool targetsMACAddress;
 };
 } // namespace Zent::Discovery::Server

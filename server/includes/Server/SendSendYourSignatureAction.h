@@ -10,11 +10,12 @@ namespace Zent::Discovery::Server
 class SendSendYourSignatureAction final : public ServerAction
 {
 public:
-    /// The IP address becomes the broadcast address, by which a request to a MAC address is known.
+    /// The IP address becomes the broadcast address: whoever owns the MAC address is to hear of it.
     explicit SendSendYourSignatureAction(const MACAddress& macAddress)
         : ServerAction(ServerActionType::SendSendYourSignatureMessage)
         , macAddress(macAddress)
         , ipAddress(Nfx::System::Net::IPAddress::Broadcast())
+        , targetsMACAddress(true)
     {
     }
 
@@ -22,8 +23,11 @@ public:
     explicit SendSendYourSignatureAction(const Nfx::System::Net::IPAddress& ipAddress)
         : ServerAction(ServerActionType::SendSendYourSignatureMessage)
         , ipAddress(ipAddress)
+        , targetsMACAddress(false)
     {
     }
+
+    bool TargetsMACAddress() const noexcept { return targetsMACAddress; }
 
     const MACAddress& TargetedMACAddress() const noexcept { return macAddress; }
 
@@ -32,5 +36,6 @@ public:
 private:
     const MACAddress macAddress;
     const Nfx::System::Net::IPAddress ipAddress;
+    const bool targetsMACAddress;
 };
 } // namespace Zent::Discovery::Server

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "system/Exceptions.h"
+#include "system/LogStreams/LogStreamChannel.h"
+#include "system/LogStreams/LogStreamLevel.h"
+#include "system/String.h"
+
+#include <new>
+#include <utility>
+
+namespace Zent::Discovery
+{
+/// Writes a component's lines into the discovery log, on the channel of its name. Any thread.
+class ComponentLog final
+{
+public:
+    explicit ComponentLog(const Nfx::System::String& name);
+
+    void Write(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
+
+    /// For literals: makes no text of a line whose level is off.
+    void Write(const char* message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
+
+    void Write(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
+
+    /// Runs a body for a place that nothing may leave, such as the outermost function of a thread: what the body throws
+    /// becomes a line, if there is memory for one. False when it threw.
+    template <class TBody>
+    bool Guard(const char* failure, TBody&& body) const noexcept
+    {
+        try
+        {
+            std::forward<TBody>(body)();
+            return true;
+        }
+        catch (const Nfx::System::Exception& exception)
+        {
+            WriteLastResort(failure, exception);
+        }
+        catch (const std::bad_alloc&)
+        {
+            WriteLastResort(failure, Nfx::System::OutOfMemoryException(SourceName, __LINE__));
+        }
+        catch (...) // a callback of the host threw what only the host knows
+        {
+            WriteLastResort(failure, Nfx::System::Exception(SourceName, __LINE__));
+        }
+        return false;
+    }
+
+    /// Ask before making a long text of a line that may be off.
+    static bool IsEnabled(const Nfx::System::LogStreams::LogStreamLevel& level) noexcept;
+
+private:
+    static constexpr char SourceName[] = "includes/Discovery/ComponentLog";
+
+    void WriteLastResort(const char* message, const Nfx::System::Exception& exception) const noexcept;
+
+    const Nfx::System::LogStreams::LogStreamChannel channel;
+};
+} // namespace Zent::Discovery
