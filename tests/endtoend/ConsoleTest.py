@@ -56,6 +56,18 @@ class DiscoverTest(TestCase):
                 self.assertEqual(len(lines), 1 if options else 2)
 
 
+class SimulatorTest(TestCase):
+    def test_a_seed_gives_the_same_devices_however_many(self):
+        listings = []
+        for options in (["--count", "5", "--seed", "9"], ["--count", "2", "--seed", "9"], ["--seed", "10"]):
+            with Simulator("--no-hello", *options) as simulator:
+                listings.append([(device.name, device.mac, device.ip) for device in simulator.devices])
+        five, two, other = listings
+        self.assertEqual(five[:2], two)
+        self.assertEqual(len(set(five)), 5)
+        self.assertNotEqual(five[0], other[0])
+
+
 class RequestTest(TestCase):
     def test_refresh_shows_the_device_that_owns_the_address(self):
         with Simulator("--count", "3") as simulator:

@@ -2,8 +2,9 @@
 
 import json
 
-from endtoend import INVALID_FORMAT, Host, Peer, Simulator, TestCase, main, message
+from endtoend import INVALID_FORMAT, NOT_FOUND, Host, Peer, Simulator, TestCase, main, message
 
+ARGUMENT_NULL = 9
 INVALID_OPERATION = 30
 NULL_POINTER = 41
 
@@ -119,18 +120,22 @@ class RequestTest(TestCase):
 
     def test_bad_arguments_are_refused_and_send_nothing(self):
         with Peer() as peer:
-            for function, *arguments in (
-                ("RefreshClient", "00:11:22:33:44"),
-                ("ReachClient", "1.2.3.256"),
-                ("ChangeClientsHostName", "name", "00:11:22:33:44:GG"),
-                ("ChangeClientsHostNameWithIP", "name", "localhost"),
-                ("ChangeClientsIPConfigurations", "{}"),
-                ("ChangeClientsIPConfigurations", "[1"),
-                ("InitBroadcastProvider", '["127.0.0.1","nowhere"]'),
-                ("SetMinCompatibleVersion", "1"),
+            for code, function, *arguments in (
+                (INVALID_FORMAT, "RefreshClient", "00:11:22:33:44"),
+                (INVALID_FORMAT, "ReachClient", "1.2.3.256"),
+                (INVALID_FORMAT, "ChangeClientsHostName", "name", "00:11:22:33:44:GG"),
+                (INVALID_FORMAT, "ChangeClientsHostNameWithIP", "name", "localhost"),
+                (ARGUMENT_NULL, "ChangeClientsHostName", "NULL", "00:11:22:33:44:55"),
+                (INVALID_FORMAT, "ChangeClientsIPConfigurations", "{}"),
+                (INVALID_FORMAT, "ChangeClientsIPConfigurations", "[1"),
+                (NOT_FOUND, "ChangeClientsIPConfigurations", "[1]"),
+                (NOT_FOUND, "ChangeClientsIPConfigurations", "[{}]"),
+                (INVALID_FORMAT, "InitBroadcastProvider", '["127.0.0.1","nowhere"]'),
+                (NOT_FOUND, "InitBroadcastProvider", '["127.0.0.1",1]'),
+                (INVALID_FORMAT, "SetMinCompatibleVersion", "1"),
             ):
-                with self.subTest(function):
-                    self.assertEqual(self.host.call(function, *arguments), INVALID_FORMAT)
+                with self.subTest(function, arguments=arguments):
+                    self.assertEqual(self.host.call(function, *arguments), code)
             self.host.must("Discover")
             self.assertEqual(peer.receive()[0]["DiscoveryMessageType"], "AllSendYourSignature")
 

@@ -8,20 +8,25 @@ from endtoend import Host, Namespace, Simulator, TestCase, main, setting
 class BroadcastProviderTest(TestCase):
     """Two networks of one device each."""
 
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.namespaces = [
+            cls.enterClassContext(Namespace(f"10.{number}.0.1/24", f"10.{number}.0.10/24")) for number in (1, 2)
+        ]
+
     def setUp(self):
         super().setUp()
-        self.simulators = []
-        for number in (1, 2):
-            namespace = self.enterContext(Namespace(f"10.{number}.0.1/24", f"10.{number}.0.10/24"))
-            self.simulators.append(
-                self.enterContext(
-                    Simulator(
-                        "--count", "1", "--seed", str(number), "--network", f"10.{number}.0.10/24",
-                        "--no-hello", "--verbose",
-                        namespace=namespace,
-                    )
+        self.simulators = [
+            self.enterContext(
+                Simulator(
+                    "--count", "1", "--seed", str(number), "--network", f"10.{number}.0.10/24",
+                    "--no-hello", "--verbose",
+                    namespace=namespace,
                 )
-            )  # fmt: skip
+            )
+            for number, namespace in enumerate(self.namespaces, 1)
+        ]  # fmt: skip
         self.host = self.enterContext(Host(self.folder / "log.txt"))
         self.host.initialize()
         self.host.must("StartServer")

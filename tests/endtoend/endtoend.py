@@ -20,6 +20,7 @@ SERVER_PORT = 12001
 TIMEOUT = 20  # seconds for anything that must happen; generous, because sanitizers and Wine are slow
 
 INVALID_FORMAT = 0xC0090114 - 2**32
+NOT_FOUND = 0xC0090109 - 2**32
 
 _settings = None
 
@@ -126,8 +127,12 @@ class Process:
     def __enter__(self):
         return self
 
-    def __exit__(self, *_):
-        self.end()
+    def __exit__(self, exception, *_):
+        if self.process.returncode is None:
+            status = self.end()
+            if exception is None and status != 0:  # a sanitizer's finding, for instance
+                remaining = iter(self.lines.get, None)
+                raise AssertionError(f"{self.process.args}: ended with {status}\n" + "\n".join(remaining))
 
 
 class Simulator(Process):
