@@ -7,7 +7,8 @@
  * Order of calls
  *     Initialize; the three callback setters and SetMinCompatibleVersion as wanted; StartServer; InitBroadcastProvider
  *     as wanted; any number of requests (Discover, RefreshClient, ReachClient, ChangeClients...); StopServer as wanted;
- *     Terminate. After Terminate the library may be unloaded or initialized again. On Linux dlclose leaves it in memory.
+ *     Terminate. After Terminate the library may be unloaded or initialized again. On Linux dlclose leaves it in
+ * memory.
  *
  * Requests
  *     A request is queued and sent by the library's own thread: its result says that it was queued, not that it was
