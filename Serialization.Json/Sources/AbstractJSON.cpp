@@ -29,8 +29,6 @@ AbstractJSON::AbstractJSON(const AbstractJSON& owner, const cJSON* item)
 }
 
 AbstractJSON::AbstractJSON(const AbstractJSON& source) = default;
-AbstractJSON::AbstractJSON(AbstractJSON&& source) noexcept = default;
-AbstractJSON& AbstractJSON::operator=(AbstractJSON&& source) noexcept = default;
 AbstractJSON::~AbstractJSON() = default;
 
 AbstractJSON& AbstractJSON::operator=(const AbstractJSON& source)

@@ -3,17 +3,23 @@
 #include "JSONEscapes.h"
 #include "system/Exceptions.h"
 #include "system/Threading/Lock.h"
+#include "system/UInt64.h"
 
 #include <cJSON.h>
 
 namespace Zent::Utils::Json
 {
+using Nfx::System::Exception;
+using Nfx::System::String;
+using Nfx::System::UInt64;
 using Nfx::System::Threading::Lock;
 using Nfx::System::Threading::Monitor;
+namespace ErrorCodes = Nfx::System::ErrorCodes;
 
 namespace
 {
 const char SourceName[] = "Serialization.Json/Sources/JSONDocument";
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 /// One parse at a time: cJSON notes the place of an error in a variable of the process, and its hooks cannot tell for
 /// which document they allocate.
@@ -23,7 +29,7 @@ Monitor& ParserTurn()
     return turn;
 }
 
-JSONArena* arena = nullptr; // of the document being parsed; used only by the thread whose turn it is
+JSONArena* arena = nullptr; // of the document being parsed, if any; used only by the thread whose turn it is
 
 void* Allocate(std::size_t size)
 {
@@ -45,7 +51,20 @@ const cJSON* Parse(std::string_view text, JSONArena& memory)
 {
     const Lock turn(ParserTurn());
     arena = &memory;
-    return cJSON_ParseWithLength(text.data(), text.size() + 1);
+    const cJSON* const root = cJSON_ParseWithLength(text.data(), text.size() + 1);
+    arena = nullptr;
+    return root;
+}
+
+void RefuseTooLarge(std::string_view content)
+{
+    if (content.size() > JSONDocument::LargestText)
+    {
+        throw Exception(ErrorCodes::InvalidFormat,
+                        "JSON document too large : " + UInt64(content.size()).ToString() + " bytes, the limit is " +
+                            UInt64(JSONDocument::LargestText).ToString(),
+                        SourceName, __LINE__);
+    }
 }
 } // namespace
 
@@ -62,7 +81,12 @@ JSONDocument::JSONDocument(std::string_view text)
     : memory(ExpectedTreeSize(text))
 {
     const std::string_view content = text.substr(0, text.find('\0'));
-    if (content.find('\\') == std::string_view::npos)
+    RefuseTooLarge(content);
+    if (content.starts_with(ByteOrderMark))
+    {
+        root = nullptr; // cJSON would skip it
+    }
+    else if (content.find('\\') == std::string_view::npos)
     {
         root = Parse(content, memory);
     }
@@ -76,8 +100,7 @@ JSONDocument::JSONDocument(std::string_view text)
     }
     if (root == nullptr)
     {
-        throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat,
-                                     "no JSON document : " + Nfx::System::String(text).Quoted(), SourceName, __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no JSON document : " + String::Quoted(text), SourceName, __LINE__);
     }
 }
 } // namespace Zent::Utils::Json

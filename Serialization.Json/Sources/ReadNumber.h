@@ -1,7 +1,5 @@
 #pragma once
 
-#include <stdlib.h>
-
 #ifdef __cplusplus
 extern "C"
 {

@@ -43,6 +43,20 @@ void FileTransferInfos::Deserialize(const String& json)
 void FileTransferInfos::ReadFrom(const JSONObject& json)
 {
     Clear();
+    try
+    {
+        AppendMembers(json);
+    }
+    catch (const Nfx::System::Exception&)
+    {
+        Trim();
+        throw;
+    }
+    Trim();
+}
+
+void FileTransferInfos::AppendMembers(const JSONObject& json)
+{
     std::size_t ownLength = 0;
     std::size_t repeatedLength = 0;
     json.ForEachString([&](std::string_view key, std::string_view value, bool repeated) {
@@ -54,6 +68,10 @@ void FileTransferInfos::ReadFrom(const JSONObject& json)
         }
         Append(key, value);
     });
+}
+
+void FileTransferInfos::Trim() noexcept
+{
     text.shrink_to_fit();
     entries.shrink_to_fit();
 }

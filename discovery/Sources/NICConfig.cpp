@@ -3,6 +3,9 @@
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
 
+#include <algorithm>
+#include <iterator>
+
 using Nfx::System::String;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
@@ -18,12 +21,32 @@ const char IPAddressKey[] = "IPAddress";
 const char SubNetMaskKey[] = "SubNetMask";
 const char DefaultGatewayKey[] = "DefaultGateway";
 const char MTUKey[] = "MTU";
+
+void ReadDefaultGateway(NICConfig& config, const String& text)
+{
+    config.HasDefaultGateway = !text.IsEmpty();
+    config.DefaultGateway = text.IsEmpty() ? Net::IPAddress::Empty() : Net::IPAddress::Parse(text);
+}
+
+struct RequiredMember
+{
+    const char* Key;
+    void (*Read)(NICConfig& config, const String& text);
+};
+
+constexpr RequiredMember RequiredMembers[] = {
+    {FriendlyNameKey, [](NICConfig& config, const String& text) { config.FriendlyName = text; }},
+    {MACAddressKey, [](NICConfig& config, const String& text) { config.MACAddress = MACAddress::Parse(text); }},
+    {IPAddressKey, [](NICConfig& config, const String& text) { config.IPAddress = Net::IPAddress::Parse(text); }},
+    {SubNetMaskKey, [](NICConfig& config, const String& text) { config.SubNetMask = Net::IPAddress::Parse(text); }},
+    {DefaultGatewayKey, &ReadDefaultGateway},
+};
 } // namespace
 
 bool NICConfig::IsComplete(const JSONObject& json)
 {
-    return json.HasString(FriendlyNameKey) && json.HasString(MACAddressKey) && json.HasString(IPAddressKey) &&
-           json.HasString(SubNetMaskKey) && json.HasString(DefaultGatewayKey);
+    return std::all_of(std::begin(RequiredMembers), std::end(RequiredMembers),
+                       [&json](const RequiredMember& member) { return json.HasString(member.Key); });
 }
 
 void NICConfig::Serialize(JSONStringer& stringer) const
@@ -56,15 +79,10 @@ void NICConfig::Deserialize(const String& json)
 
 void NICConfig::ReadFrom(const JSONObject& json)
 {
-    FriendlyName = json.GetString(FriendlyNameKey);
-    MACAddress = MACAddress::Parse(json.GetString(MACAddressKey));
-    IPAddress = Net::IPAddress::Parse(json.GetString(IPAddressKey));
-    SubNetMask = Net::IPAddress::Parse(json.GetString(SubNetMaskKey));
-
-    const String gateway = json.GetString(DefaultGatewayKey);
-    HasDefaultGateway = !gateway.IsEmpty();
-    DefaultGateway = HasDefaultGateway ? Net::IPAddress::Parse(gateway) : Net::IPAddress::Empty();
-
+    for (const RequiredMember& member : RequiredMembers)
+    {
+        member.Read(*this, json.GetString(member.Key));
+    }
     MTU = "Unknown";
     json.TryGetString(MTUKey, MTU);
 }

@@ -17,9 +17,10 @@
  *     library on 12001.
  *
  * Text
- *     All text is 8-bit and ends with NUL; JSON documents and host names are UTF-8. Member names of documents that the
- *     library reads are matched without regard to ASCII letter case. Text from a device is passed on as the device sent
- *     it: it may hold invalid UTF-8 and control characters. On Windows a log path is UTF-8 when it is valid UTF-8, and
+ *     All text is 8-bit and ends with NUL; JSON documents and host names are UTF-8, without byte order mark. Member
+ * names of documents that the library reads are matched without regard to ASCII letter case; a document of more than 16
+ * MiB (16777216 bytes) is refused with code 0xC0090114 before it is read. Text from a device is passed on as the device
+ * sent it: it may hold invalid UTF-8 and control characters. On Windows a log path is UTF-8 when it is valid UTF-8, and
  *     text in the ANSI code page otherwise.
  *
  * Ownership
@@ -45,7 +46,8 @@
  *             41  NullPointer       a request while the server is not started, or while it restarts itself
  *             73  Socket            the network refused, for instance because UDP port 12001 is taken
  *     0xC0090109  Resource not found, a JSON document lacks a required member
- *     0xC0090114  Invalid Format, a text is not the JSON, MAC address, IP address or version that it should be
+ *     0xC0090114  Invalid Format, a text is not the JSON, MAC address, IP address or version that it should be, or a
+ * JSON document is too large
  *
  * Binary interface
  *     On 32-bit Windows every function and every callback is __stdcall, and the DLL exports the decorated names, such

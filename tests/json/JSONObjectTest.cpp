@@ -8,6 +8,7 @@
 
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using Nfx::System::Boolean;
@@ -107,6 +108,28 @@ TEST(JSONObjectTest, PartsOutliveTheObjectTheyComeFrom)
     EXPECT_EQ(copy.ToString(), R"({"a":{"b":{"c":["deep"]}}})");
     EXPECT_EQ(object.ToString(), "{}");
     EXPECT_FALSE(object.HasString("a"));
+}
+
+TEST(JSONObjectTest, WhatIsMovedFromStaysWhole)
+{
+    JSONObject object = Parse(R"({"a":["0","1"]})");
+    JSONArray array = object.GetJSONArray("a");
+    const JSONObject& oldObject = object;
+    const JSONArray& oldArray = array;
+    EXPECT_EQ(array.GetString(1), "1"); // the array now remembers an element
+    JSONObject newObject(std::move(object));
+    JSONArray newArray(std::move(array));
+    newObject = JSONObject();
+    newArray = JSONArray();
+    EXPECT_EQ(oldObject.ToString(), R"({"a":["0","1"]})");
+    EXPECT_EQ(oldArray.GetString(1), "1");
+
+    newObject = std::move(object);
+    newArray = std::move(array);
+    newObject = JSONObject();
+    newArray = JSONArray();
+    EXPECT_EQ(oldObject.GetJSONArray("a").Length(), 2);
+    EXPECT_EQ(oldArray.GetString(0), "0");
 }
 
 TEST(JSONObjectTest, StringsComeOnceForEachKeyWithTheTextThatALookUpGives)

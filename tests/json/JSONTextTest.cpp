@@ -59,12 +59,13 @@ TEST(JSONTextTest, AcceptsWhatIsNoFault)
 
 TEST(JSONTextTest, RefusesMalformedTexts)
 {
+    const std::string mark = "\xEF\xBB\xBF"; // the byte order mark of UTF-8
     const std::string cases[] = {
-        "",          " ",        "null",        "[1,2]",      "\"a\"",        "{",        "}",
-        "{\"a\"}",   "{\"a\":}", "{\"a\":1,}",  "{,}",        "{a:1}",        "{'a':1}",  "{\"a\":1 \"b\":2}",
-        "{\"a:1}",   "{\"a\\",   "{\"a\\\"",    "{\"a\":[}",  "{\"a\":[1}}",  "\0{}"s,    "{\"a\":\"\0\"}"s,
-        "{\"a\":\\", "{\\}",     "{\"a\":tru}", "{\"a\":nul", "{\"a\":TRUE}", "{\"a\":1", "{\"a\":\"",
-    };
+        "",          " ",         "null",           "[1,2]",      "\"a\"",        "{",        "}",
+        "{\"a\"}",   "{\"a\":}",  "{\"a\":1,}",     "{,}",        "{a:1}",        "{'a':1}",  "{\"a\":1 \"b\":2}",
+        "{\"a:1}",   "{\"a\\",    "{\"a\\\"",       "{\"a\":[}",  "{\"a\":[1}}",  "\0{}"s,    "{\"a\":\"\0\"}"s,
+        "{\"a\":\\", "{\\}",      "{\"a\":tru}",    "{\"a\":nul", "{\"a\":TRUE}", "{\"a\":1", "{\"a\":\"",
+        mark,        mark + "{}", " " + mark + "{}"};
     const std::int64_t before = Memory::LiveCount();
     for (const std::string& text : cases)
     {
@@ -169,6 +170,25 @@ TEST(JSONTextTest, AThousandLevelsAreReadAndMoreAreRefused)
         EXPECT_ERROR(JSONArray(String(std::string(LargestDatagram, '['))), ErrorCodes::InvalidFormat);
         EXPECT_ERROR(JSONObject(String(Repeat("{\"a\":", LargestDatagram / 5))), ErrorCodes::InvalidFormat);
     });
+}
+
+TEST(JSONTextTest, ATextIsReadUpToALimitAndRefusedBeyondIt)
+{
+    constexpr std::size_t Limit = 16 * 1024 * 1024;
+    const std::string padding(Limit - 2, ' ');
+    EXPECT_EQ(Rewrite(padding + "{}"), "{}");
+    EXPECT_EQ(Rewrite(padding + "{}\0 behind the end"s), "{}");
+    EXPECT_EQ(JSONArray(String(padding + "[]")).Length(), 0);
+    try
+    {
+        Rewrite(padding + " {}");
+        ADD_FAILURE() << "read";
+    }
+    catch (const Nfx::System::Exception& exception)
+    {
+        EXPECT_EQ(exception.GetError().Code(), ErrorCodes::InvalidFormat);
+        EXPECT_EQ(exception.GetMessage(), "JSON document too large : 16777217 bytes, the limit is 16777216");
+    }
 }
 
 /// A text of the largest size, the part repeated in it.

@@ -37,6 +37,20 @@ bool LogCapture::WaitFor(std::string_view text, int times) const
     return WaitUntil([&] { return Count(text) >= times; });
 }
 
+std::string LogCapture::TypesOf(std::string_view text) const
+{
+    constexpr std::size_t TypeColumn = 1 + 23 + 1 + 18 + 1 + 40 + 1; // date, reference time and channel go before it
+    std::string types;
+    for (const std::string& line : folder.ReadLines("test.log"))
+    {
+        if (line.find(text) != std::string::npos && line.size() > TypeColumn)
+        {
+            types += line[TypeColumn];
+        }
+    }
+    return types;
+}
+
 bool LogCapture::HasInOrder(std::initializer_list<std::string_view> texts) const
 {
     const std::string all = Text();

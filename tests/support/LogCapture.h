@@ -28,6 +28,9 @@ public:
     /// Waits up to ten seconds until a text has occurred so often.
     bool WaitFor(std::string_view text, int times = 1) const;
 
+    /// The type columns of the lines that hold a text, in their order: "CC" for two Critical ones.
+    std::string TypesOf(std::string_view text) const;
+
     /// True when the texts occur in this order.
     bool HasInOrder(std::initializer_list<std::string_view> texts) const;
 

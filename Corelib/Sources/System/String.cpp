@@ -43,11 +43,11 @@ String String::ToString() const
     return *this;
 }
 
-String String::Quoted() const
+String String::Quoted(std::string_view text)
 {
     constexpr std::size_t Longest = 64;
     const bool isCut = text.size() > Longest;
-    return "\"" + String(View().substr(0, Longest)) + (isCut ? "...\"" : "\"");
+    return "\"" + String(text.substr(0, Longest)) + (isCut ? "...\"" : "\"");
 }
 
 Collections::Generic::List<String> String::Split(char separator, const StringSplitOptions& options) const

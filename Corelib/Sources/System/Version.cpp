@@ -1,11 +1,15 @@
 #include "system/Version.h"
 
 #include "system/Boolean.h"
-#include "system/Collections/Generic/List.h"
 #include "system/Exceptions.h"
 #include "system/Int32.h"
 #include "system/String.h"
-#include "system/StringSplitOptions.h"
+
+#include <charconv>
+#include <cstddef>
+#include <limits>
+#include <string_view>
+#include <system_error>
 
 namespace Nfx::System
 {
@@ -13,14 +17,25 @@ namespace
 {
 const char SourceName[] = "Corelib/Sources/System/Version";
 
-std::int32_t ParseComponent(const String& text)
+/// Takes one number of 0 to 2147483647 off the front of the text; false when there is none.
+bool TakeComponent(std::string_view& text, std::int32_t& component)
 {
-    const std::int32_t component = Int32::Parse(text);
-    if (text.View().front() == '-')
+    std::uint32_t number = 0; // of an unsigned type, so that a sign is refused
+    const std::from_chars_result end = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (end.ec != std::errc() || number > std::uint32_t{std::numeric_limits<std::int32_t>::max()})
     {
-        throw Exception(ErrorCodes::InvalidFormat, "no version component : " + text.Quoted(), SourceName, __LINE__);
+        return false;
     }
-    return component;
+    component = static_cast<std::int32_t>(number);
+    text.remove_prefix(static_cast<std::size_t>(end.ptr - text.data()));
+    return true;
+}
+
+bool TakeDot(std::string_view& text)
+{
+    const bool found = text.starts_with('.');
+    text.remove_prefix(found ? 1 : 0);
+    return found;
 }
 } // namespace
 
@@ -63,15 +78,18 @@ String Version::ToString() const
 
 Version Version::Parse(const String& text)
 {
-    const Collections::Generic::List<String> parts = text.Split('.', StringSplitOptions::None);
-    if (parts.Count() < 2 || parts.Count() > 4)
+    std::string_view rest = text.View();
+    std::int32_t components[4] = {0, 0, Undefined, Undefined};
+    std::size_t count = 0;
+    bool valid = true;
+    while (valid && count < 4 && (count < 2 || !rest.empty()))
+    {
+        valid = (count == 0 || TakeDot(rest)) && TakeComponent(rest, components[count]);
+        ++count;
+    }
+    if (!valid || !rest.empty())
     {
         throw Exception(ErrorCodes::InvalidFormat, "no version : " + text.Quoted(), SourceName, __LINE__);
-    }
-    std::int32_t components[4] = {0, 0, Undefined, Undefined};
-    for (std::int32_t index = 0; index < parts.Count(); ++index)
-    {
-        components[index] = ParseComponent(parts[index]);
     }
     return Version(components[0], components[1], components[2], components[3]);
 }

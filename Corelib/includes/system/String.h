@@ -82,7 +82,9 @@ public:
 
     /// The text in quotation marks, for a message that says what is wrong with it. Cut after 64 bytes: such texts come
     /// from others.
-    String Quoted() const;
+    String Quoted() const { return Quoted(View()); }
+
+    static String Quoted(std::string_view text);
 
     /// The parts between separators, in order; n separators give n + 1 parts unless empty ones are removed.
     Collections::Generic::List<String> Split(char separator, const StringSplitOptions& options) const;

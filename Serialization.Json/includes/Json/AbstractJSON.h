@@ -25,18 +25,17 @@ protected:
     AbstractJSON();
 
     /// Parses a text.
-    /// @throws Exception with ErrorCodes::InvalidFormat when the text is malformed or nested deeper than 1000 levels;
-    /// OutOfMemoryException.
+    /// @throws Exception with ErrorCodes::InvalidFormat when the text is malformed, nested deeper than 1000 levels or
+    /// longer than 16 MiB; OutOfMemoryException.
     explicit AbstractJSON(const Nfx::System::String& text);
 
     /// Shares another item of the owner's document.
     /// @throws Exception with ErrorCodes::ParameterIsNull when there is no item.
     AbstractJSON(const AbstractJSON& owner, const cJSON* item);
 
+    // A move would be no cheaper than a copy, which leaves its source whole.
     AbstractJSON(const AbstractJSON& source);
-    AbstractJSON(AbstractJSON&& source) noexcept;
     AbstractJSON& operator=(const AbstractJSON& source);
-    AbstractJSON& operator=(AbstractJSON&& source) noexcept;
 
     /// Null for an empty object or array that was never parsed.
     const cJSON* Item() const noexcept { return item; }

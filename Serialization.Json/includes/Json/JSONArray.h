@@ -17,8 +17,8 @@ public:
     JSONArray();
 
     /// Parses an array. The text ends at a NUL; what follows the closing bracket is ignored.
-    /// @throws Exception with ErrorCodes::InvalidFormat when the text is malformed, nested deeper than 1000 levels or
-    /// not an array; OutOfMemoryException.
+    /// @throws Exception with ErrorCodes::InvalidFormat when the text is malformed, nested deeper than 1000 levels,
+    /// longer than 16 MiB or not an array; OutOfMemoryException.
     explicit JSONArray(const Nfx::System::String& text);
 
     Nfx::System::Int32 Length() const;

@@ -25,8 +25,8 @@ public:
     JSONObject();
 
     /// Parses an object. The text ends at a NUL; what follows the closing brace is ignored.
-    /// @throws Exception with ErrorCodes::InvalidFormat when the text is malformed, nested deeper than 1000 levels or
-    /// not an object; OutOfMemoryException.
+    /// @throws Exception with ErrorCodes::InvalidFormat when the text is malformed, nested deeper than 1000 levels,
+    /// longer than 16 MiB or not an object; OutOfMemoryException.
     explicit JSONObject(const Nfx::System::String& text);
 
     /// False, and value stays untouched, when there is no such member or it is neither true nor false.

@@ -19,6 +19,8 @@ public:
     class Mark;
 
     JSONStringer();
+    JSONStringer(const JSONStringer&) = delete;
+    JSONStringer& operator=(const JSONStringer&) = delete;
 
     /// Opens an object: as the document, as the next element, or as the value of the pending key.
     void Object();

@@ -68,6 +68,10 @@ private:
     std::size_t IndexOf(std::string_view key) const noexcept;
 
     void Append(std::string_view key, std::string_view value);
+    void AppendMembers(const Utils::Json::JSONObject& json);
+
+    /// Gives spare memory back: hosts wait in queues.
+    void Trim() noexcept;
 
     std::string text;           // key, value, key, value, ...
     std::vector<Entry> entries; // where in text they end

@@ -19,7 +19,7 @@ namespace Zent::Discovery
 class DiscoveryMessage : public Nfx::System::Object
 {
 public:
-    /// The protocol version as log lines and documents show it.
+    /// The protocol version as the log's starting line shows it; messages carry it as 1.0.18.
     static constexpr char ProtocolVersionText[] = "01.00.18";
 
     /// The version that messages of this program carry.
@@ -32,8 +32,8 @@ public:
     virtual Nfx::System::String ToJson() const;
 
     /// Fills the message from the text of a datagram. The type is not compared with this class's own.
-    /// @throws Exception with ErrorCodes::InvalidFormat for malformed JSON and for missing or malformed members, after
-    /// a log line that names the member; the message is unusable then.
+    /// @throws Exception with ErrorCodes::InvalidFormat for malformed JSON and for missing or malformed members; the
+    /// message is unusable then. Only a missing member and a malformed Broadcast get a log line here.
     virtual void Deserialize(const Nfx::System::String& json);
 
     virtual DiscoveryMessageType GetMessageType() const = 0;

@@ -16,7 +16,7 @@ public:
 
     /// Never gives an empty pointer.
     /// @throws Exception with ErrorCodes::InvalidFormat for malformed JSON and whatever the envelope or the kind of
-    /// message asks for in vain; most causes are logged.
+    /// message asks for in vain; a missing member is logged, a malformed text is not.
     Nfx::System::SmartPointer<DiscoveryMessage> Deserialize(const Nfx::System::String& json) const override;
 
     /// An empty message of a kind.
