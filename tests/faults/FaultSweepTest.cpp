@@ -1,0 +1,98 @@
+#include "FaultTest.h"
+#include "system/Net/Sockets/SocketError.h"
+
+#include <filesystem>
+#include <ostream>
+
+namespace Tests
+{
+namespace ExtC = Zent::Discovery::ExtC;
+using Nfx::System::Net::Sockets::SocketError;
+
+namespace
+{
+struct Kind
+{
+    const char* Name;
+    Call What;
+    std::int32_t Error;
+    int Step; // from one failing call to the next that is tried
+};
+
+constexpr Kind Kinds[] = {{"socket", Call::OpenSocket, SocketError::TooManyOpenSockets, 1},
+                          {"option", Call::SetOption, SocketError::NoBufferSpaceAvailable, 1},
+                          {"bind", Call::Bind, SocketError::AddressAlreadyInUse, 1},
+                          {"send", Call::Send, SocketError::HostUnreachable, 1},
+                          {"receive", Call::Receive, SocketError::NetworkDown, 1},
+                          {"thread", Call::CreateThread, 0, 1},
+                          {"semaphore", Call::CreateSemaphore, 0, 1},
+                          {"release", Call::ReleaseSemaphore, 0, 1},
+                          {"wait", Call::WaitSemaphore, 0, 1},
+                          {"open", Call::OpenFile, 28, 1},
+                          {"write", Call::WriteFile, 28, 3}};
+
+std::ostream& operator<<(std::ostream& stream, const Kind& kind)
+{
+    return stream << kind.Name;
+}
+} // namespace
+
+class FaultSweepTest : public FaultTest, public testing::WithParamInterface<Kind>
+{
+protected:
+    /// The life of a host application in which one call fails; false when it is over before that call came.
+    bool IsStruck(const Kind& kind, int number)
+    {
+        std::filesystem::remove(folder.PathOf("test.log"));
+        Faults::Fail(kind.What, number, 1, kind.Error);
+        const bool isTold = Live();
+        const bool isStruck = Faults::FailedCalls() > 0;
+        Faults::Clear();
+        EXPECT_EQ(0, ExtC::Terminate()); // of what a failed one has left
+        ExpectNothingLeft();
+        // A wait that ends early harms nobody, and the last line of a log has no line after it to tell of its loss.
+        const bool canBeSilent = kind.What == Call::WaitSemaphore || kind.What == Call::WriteFile;
+        const std::string log = folder.Read("test.log");
+        EXPECT_TRUE(isTold || !isStruck || canBeSilent || log.find("|E|") != std::string::npos) << log;
+        return isStruck;
+    }
+
+    /// True when a call reported a failure. A server that could be started serves, whatever has failed.
+    bool Live()
+    {
+        if (Initialize() != 0)
+        {
+            return true;
+        }
+        const bool isStarted = ExtC::StartServer() == 0;
+        bool hasFailed = !isStarted;
+        if (isStarted)
+        {
+            hasFailed = ExtC::InitBroadcastProvider("[\"127.0.0.1\"]") != 0;
+            hasFailed = ExtC::Discover() != 0 || hasFailed;
+            EXPECT_TRUE(HelloArrives());
+            EXPECT_TRUE(WaitUntil([&] { return ExtC::Discover() == 0 && device.Hears("AllSend", Patience); }));
+        }
+        hasFailed = ExtC::StopServer() != 0 || hasFailed;
+        return ExtC::Terminate() != 0 || hasFailed;
+    }
+
+private:
+    static constexpr std::chrono::milliseconds Patience{100};
+};
+
+TEST_P(FaultSweepTest, EveryFaultIsToldAndTheServerServesAfterIt)
+{
+    const Kind& kind = GetParam();
+    bool isStruck = true;
+    for (int number = 1; isStruck; number += kind.Step)
+    {
+        SCOPED_TRACE("call " + std::to_string(number));
+        isStruck = IsStruck(kind, number);
+        EXPECT_FALSE(Live()) << folder.Read("test.log");
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, FaultSweepTest, testing::ValuesIn(Kinds), [](const auto& test) { return test.param.Name; });
+} // namespace Tests

@@ -1,0 +1,203 @@
+#include "FaultTest.h"
+#include "system/Net/Sockets/SocketError.h"
+
+#include <thread>
+
+namespace Tests
+{
+namespace ExtC = Zent::Discovery::ExtC;
+using Nfx::System::Net::Sockets::SocketError;
+
+namespace
+{
+constexpr const char* Restart = "Asynchronous restart triggered";
+constexpr int Requests = 300;
+} // namespace
+
+class LifeCycleFaultTest : public FaultTest
+{
+protected:
+    /// Fails the receive after the one that waits now.
+    void LoseSocket()
+    {
+        Faults::Fail(Call::Receive, 1, 1, SocketError::NetworkDown);
+        device.Send("{}");
+    }
+
+    /// Stops the server while the stopper is held up where it closes the socket.
+    void StopHeldAt(Call place)
+    {
+        Gate stopper;
+        Gate callback;
+        ASSERT_NO_FATAL_FAILURE(Serve());
+        callbackGate = &callback;
+        ASSERT_TRUE(HelloArrives());
+        for (int number = 0; number < Requests; ++number)
+        {
+            ASSERT_EQ(0, ExtC::Discover());
+        }
+        Faults::Hold(place, stopper);
+        std::thread stop([] { EXPECT_EQ(0, ExtC::StopServer()); });
+        EXPECT_TRUE(stopper.WaitForArrivals(1));
+        callbackGate = nullptr;
+        callback.Open(); // now the requests find a socket that is being closed
+        EXPECT_TRUE(WaitForLine("Message not sent", Requests));
+        stopper.Open();
+        stop.join();
+        Faults::Clear();
+        EXPECT_EQ(0, Count(Restart));
+        EXPECT_EQ(1, Count("Discovery Server stopped"));
+        ExpectStopped();
+    }
+};
+
+TEST_F(LifeCycleFaultTest, NothingRestartsAServerThatIsAboutToCloseItsSocket)
+{
+    StopHeldAt(Call::BeforeClose);
+}
+
+TEST_F(LifeCycleFaultTest, NothingRestartsAServerThatHasJustClosedItsSocket)
+{
+    StopHeldAt(Call::AfterClose);
+}
+
+TEST_F(LifeCycleFaultTest, LossesWhileTheWorkersStartAreAnsweredToo)
+{
+    ASSERT_EQ(0, Initialize());
+    Faults::Fail(Call::Receive, 1, 2, SocketError::NetworkDown); // the first of this receiver and of the next one
+    ASSERT_EQ(0, ExtC::StartServer());
+    EXPECT_TRUE(WaitForLine(Restart, 2));
+    EXPECT_TRUE(HelloArrives());
+    EXPECT_TRUE(DiscoverArrives());
+    EXPECT_EQ(2, Count(Restart));
+}
+
+TEST_F(LifeCycleFaultTest, ReportsOfUnreachablePortsAreNoLoss)
+{
+    ASSERT_EQ(0, Initialize());
+    Faults::Fail(Call::Receive, 1, 3, SocketError::ConnectionReset);
+    ASSERT_EQ(0, ExtC::StartServer());
+    EXPECT_TRUE(HelloArrives());
+    EXPECT_EQ(3, Count("remote peer returned a \"Port Unreachable\" ICMP packet."));
+    EXPECT_EQ(0, Count(Restart));
+}
+
+TEST_F(LifeCycleFaultTest, ARestartWaitsForThePort)
+{
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_TRUE(HelloArrives());
+    Faults::Fail(Call::Bind, 1, 2, SocketError::AddressAlreadyInUse);
+    LoseSocket();
+    EXPECT_TRUE(WaitForLine("No socket for the restart yet, trying again in 2 s"));
+    EXPECT_TRUE(HelloArrives());
+    EXPECT_TRUE(DiscoverArrives());
+    EXPECT_EQ(1, Count("No socket for the restart yet, trying again in 1 s"));
+}
+
+TEST_F(LifeCycleFaultTest, LongWaitForThePortGetsLongerUpToTenSeconds)
+{
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_TRUE(HelloArrives());
+    Faults::Fail(Call::Bind, 1, Faults::Always, SocketError::AddressAlreadyInUse);
+    LoseSocket();
+    for (const char* delay : {"in 1 s", "in 2 s", "in 4 s", "in 8 s", "in 10 s"})
+    {
+        EXPECT_TRUE(WaitForLine(std::string("No socket for the restart yet, trying again ") + delay)) << delay;
+    }
+    Faults::Clear();
+    EXPECT_TRUE(HelloArrives(std::chrono::seconds(15)));
+}
+
+TEST_F(LifeCycleFaultTest, AStopCancelsTheWaitForThePort)
+{
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_TRUE(HelloArrives());
+    Faults::Fail(Call::Bind, 1, Faults::Always, SocketError::AddressAlreadyInUse);
+    LoseSocket();
+    ASSERT_TRUE(WaitForLine("trying again in 4 s"));
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, ExtC::StopServer());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+    Faults::Clear();
+    ExpectStopped();
+    EXPECT_EQ(0, ExtC::StartServer());
+    EXPECT_TRUE(HelloArrives());
+}
+
+TEST_F(LifeCycleFaultTest, ALossIsAnsweredOnceThereIsAThreadForIt)
+{
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_TRUE(HelloArrives());
+    Faults::Fail(Call::CreateThread, 1);
+    LoseSocket();
+    EXPECT_TRUE(WaitForLine("Failed to start the background operation"));
+    EXPECT_TRUE(HelloArrives());
+    EXPECT_EQ(1, Count(Restart));
+}
+
+TEST_F(LifeCycleFaultTest, AHostGetsOutOfARestartThatFailed)
+{
+    struct Case
+    {
+        Call What;
+        int Number;
+        std::int32_t Error;
+    };
+
+    // The thread that restarts and the socket that tries the port come first.
+    for (const Case& failing : {Case{Call::CreateThread, 2, 0}, Case{Call::CreateThread, 3, 0},
+                                Case{Call::CreateThread, 4, 0}, Case{Call::CreateSemaphore, 1, 0},
+                                Case{Call::CreateSemaphore, 2, 0}, Case{Call::Bind, 2, SocketError::AccessDenied}})
+    {
+        SCOPED_TRACE(testing::Message() << static_cast<int>(failing.What) << ", " << failing.Number);
+        ASSERT_NO_FATAL_FAILURE(Serve());
+        ASSERT_TRUE(HelloArrives());
+        const int before = Count("Background operation failed");
+        Faults::Fail(failing.What, failing.Number, 1, failing.Error);
+        LoseSocket();
+        EXPECT_TRUE(WaitForLine("Background operation failed", before + 1));
+        EXPECT_EQ(0, ExtC::StopServer());
+        EXPECT_EQ(0, ExtC::Terminate());
+        Faults::Clear();
+        ExpectNothingLeft();
+    }
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    EXPECT_TRUE(HelloArrives());
+}
+
+TEST_F(LifeCycleFaultTest, FullQueuesDoNotKeepAServerFromStopping)
+{
+    Gate parser;
+    Gate callback;
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    callbackGate = &callback;
+    ASSERT_TRUE(HelloArrives());
+    Faults::Hold(Call::WaitSemaphore, parser);
+    device.Send("{}");
+    ASSERT_TRUE(parser.WaitForArrivals(1));
+    for (int number = 0; number <= 512; ++number)
+    {
+        EXPECT_EQ(0, ExtC::Discover());
+    }
+    EXPECT_LT(0, Count("Semaphore is full (512) !!! Ignoring this task..."));
+    EXPECT_TRUE(WaitUntil([&] {
+        for (int number = 0; number < 50; ++number)
+        {
+            device.Send("{}");
+        }
+        return Count("Semaphore is full (512) !!! Ignoring this datagram...") > 0;
+    }));
+    std::thread stop([] { EXPECT_EQ(0, ExtC::StopServer()); });
+    EXPECT_TRUE(WaitForLine("Stopping message parser"));
+    parser.Open();
+    EXPECT_TRUE(WaitForLine("Stopping Task Processor"));
+    callbackGate = nullptr;
+    callback.Open();
+    stop.join();
+    EXPECT_EQ(0, Count("Semaphore error"));
+    Faults::Clear();
+    ExpectStopped();
+    EXPECT_EQ(0, ExtC::StartServer());
+    EXPECT_TRUE(HelloArrives());
+}
+} // namespace Tests
