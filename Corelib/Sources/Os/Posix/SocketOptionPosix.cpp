@@ -40,16 +40,35 @@ bool SetOpposite(int descriptor, int level, int name, std::int32_t value) noexce
     return SetValue(descriptor, level, name, value == 0 ? 1 : 0);
 }
 
+constexpr std::int32_t MillisecondsPerSecond = 1000;
+constexpr suseconds_t MicrosecondsPerMillisecond = 1000;
+
 /// In milliseconds; 0 waits without limit on both platforms.
 bool SetTimeout(int descriptor, int level, int name, std::int32_t value) noexcept
 {
-    constexpr std::int32_t MillisecondsPerSecond = 1000;
-    constexpr suseconds_t MicrosecondsPerMillisecond = 1000;
     const std::int32_t milliseconds = value < 0 ? 0 : value;
     timeval time = {};
     time.tv_sec = milliseconds / MillisecondsPerSecond;
     time.tv_usec = milliseconds % MillisecondsPerSecond * MicrosecondsPerMillisecond;
     return SetValue(descriptor, level, name, time);
+}
+
+constexpr std::int32_t HeartBeatMilliseconds = SocketOptionPosix::HeartBeatMilliseconds;
+
+// The system rounds timeouts up to a tick of its clock, which takes no longer than this. A caller's timeout must not
+// end up as the heart beat.
+constexpr std::int32_t LongestTickMilliseconds = 10;
+
+bool SetReceiveTimeout(int descriptor, int level, int name, std::int32_t value) noexcept
+{
+    if (value <= 0)
+    {
+        return SetTimeout(descriptor, level, name, HeartBeatMilliseconds);
+    }
+    const bool isLikeHeartBeat =
+        value <= HeartBeatMilliseconds && value > HeartBeatMilliseconds - LongestTickMilliseconds;
+    return SetTimeout(descriptor, level, name,
+                      isLikeHeartBeat ? HeartBeatMilliseconds + LongestTickMilliseconds : value);
 }
 
 bool SetDontFragment(int descriptor, int level, int name, std::int32_t value) noexcept
@@ -68,7 +87,7 @@ constexpr Row Rows[] = {
     {SocketOptionLevel::Socket, SocketOptionName::ReceiveBuffer, SOL_SOCKET, SO_RCVBUF, SetNumber},
     {SocketOptionLevel::Socket, SocketOptionName::ReceiveLowWater, SOL_SOCKET, SO_RCVLOWAT, SetNumber},
     {SocketOptionLevel::Socket, SocketOptionName::SendTimeout, SOL_SOCKET, SO_SNDTIMEO, SetTimeout},
-    {SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, SOL_SOCKET, SO_RCVTIMEO, SetTimeout},
+    {SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, SOL_SOCKET, SO_RCVTIMEO, SetReceiveTimeout},
     {SocketOptionLevel::IP, SocketOptionName::HeaderIncluded, IPPROTO_IP, IP_HDRINCL, SetNumber},
     {SocketOptionLevel::IP, SocketOptionName::TypeOfService, IPPROTO_IP, IP_TOS, SetNumber},
     {SocketOptionLevel::IP, SocketOptionName::IpTimeToLive, IPPROTO_IP, IP_TTL, SetNumber},
@@ -91,5 +110,17 @@ bool SocketOptionPosix::Set(int descriptor, std::int32_t level, std::int32_t nam
     }
     errno = ENOPROTOOPT;
     return false;
+}
+
+bool SocketOptionPosix::HasTimeout(int descriptor, int option) noexcept
+{
+    timeval time = {};
+    socklen_t size = sizeof time;
+    if (::getsockopt(descriptor, SOL_SOCKET, option, &time, &size) != 0 || (time.tv_sec == 0 && time.tv_usec == 0))
+    {
+        return false;
+    }
+    const bool isHeartBeat = time.tv_sec == 0 && time.tv_usec == HeartBeatMilliseconds * MicrosecondsPerMillisecond;
+    return option != SO_RCVTIMEO || !isHeartBeat;
 }
 } // namespace Nfx::Os

@@ -4,6 +4,8 @@
 #include "Os/Posix/SocketOptionPosix.h"
 #include "system/Net/AddressFamily.h"
 #include "system/Net/Sockets/SocketError.h"
+#include "system/Net/Sockets/SocketOptionLevel.h"
+#include "system/Net/Sockets/SocketOptionName.h"
 #include "system/Net/Sockets/SocketShutdown.h"
 #include "system/Net/Sockets/SocketType.h"
 
@@ -12,7 +14,6 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 namespace Nfx::Os
@@ -21,6 +22,8 @@ namespace
 {
 using Nfx::System::Net::AddressFamily;
 using Nfx::System::Net::Sockets::SocketError;
+using Nfx::System::Net::Sockets::SocketOptionLevel;
+using Nfx::System::Net::Sockets::SocketOptionName;
 using Nfx::System::Net::Sockets::SocketShutdown;
 using Nfx::System::Net::Sockets::SocketType;
 
@@ -47,21 +50,15 @@ std::int32_t Result(bool succeeded) noexcept
     return succeeded ? ISocket::Success : SocketErrorPosix::FromErrno(errno);
 }
 
-bool HasTimeout(int descriptor, int option) noexcept
-{
-    timeval time = {};
-    socklen_t size = sizeof time;
-    return ::getsockopt(descriptor, SOL_SOCKET, option, &time, &size) == 0 && (time.tv_sec != 0 || time.tv_usec != 0);
-}
-
-/// Blocks on a socket that somebody made non-blocking: our callers rely on that. Returns 0 once it is worth another
-/// try. A receive would not tell that such a socket is shut down, and the wait would end at once for ever; so it is
+/// Blocks on a socket that somebody made non-blocking: our callers rely on that. Returns 0 when another try is
+/// due. A receive would not tell that such a socket is shut down, and the wait would end at once for ever; so it is
 /// asked.
 std::int32_t AwaitReady(int descriptor, short event) noexcept
 {
     const short events = event == POLLIN ? POLLIN | POLLRDHUP : event;
     pollfd wait = {.fd = descriptor, .events = events, .revents = 0};
-    const bool shutDown = ::poll(&wait, 1, -1) > 0 && (wait.revents & POLLRDHUP) != 0;
+    const bool shutDown =
+        ::poll(&wait, 1, SocketOptionPosix::HeartBeatMilliseconds) > 0 && (wait.revents & POLLRDHUP) != 0;
     return shutDown && event == POLLIN ? std::int32_t{SocketError::Shutdown} : ISocket::Success;
 }
 
@@ -78,7 +75,8 @@ std::int32_t AfterFailure(int descriptor, short event, int timeoutOption) noexce
     {
         return SocketErrorPosix::FromTransferErrno(error);
     }
-    return HasTimeout(descriptor, timeoutOption) ? std::int32_t{SocketError::TimedOut} : AwaitReady(descriptor, event);
+    return SocketOptionPosix::HasTimeout(descriptor, timeoutOption) ? std::int32_t{SocketError::TimedOut}
+                                                                    : AwaitReady(descriptor, event);
 }
 } // namespace
 
@@ -89,6 +87,7 @@ std::int32_t SocketPosix::Open(std::int32_t type, std::int32_t protocol, Handle&
     {
         return SocketErrorPosix::FromErrno(errno);
     }
+    SocketOptionPosix::Set(descriptor, SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, 0);
     handle = descriptor;
     return Success;
 }

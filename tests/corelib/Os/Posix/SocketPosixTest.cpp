@@ -2,6 +2,7 @@
 #include "Os/ISocket.h"
 #include "corelib/Net/LoopbackSocket.h"
 #include "corelib/Net/Repeater.h"
+#include "support/WaitUntil.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <netinet/in.h>
 #include <pthread.h>
 #include <string>
@@ -25,6 +27,14 @@ namespace
 int Descriptor(const Socket& socket)
 {
     return static_cast<int>(std::intptr_t{socket.Handle()});
+}
+
+/// True when the thread waits in the system.
+bool Sleeps(pid_t thread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string line;
+    return std::getline(file, line) && line.find(") S ") != std::string::npos;
 }
 
 TEST(SocketPosixTest, ShutdownByAnybodyEndsReceivesAndSends)
@@ -73,6 +83,39 @@ TEST(SocketPosixTest, ReceiveOnASocketThatSomebodyMadeNonBlockingBlocks)
     std::thread stopper([&] { socket->Shutdown(SocketShutdown::Both); });
     EXPECT_EQ(ErrorOf([&] { ReceiveText(*socket); }), SocketError::Shutdown);
     stopper.join();
+}
+
+TEST(SocketPosixTest, ReceiveNoticesThatSomebodyHasClosedItsDescriptor)
+{
+    for (const int flags : {0, O_NONBLOCK})
+    {
+        const SmartPointer<Socket> socket = OpenSocket();
+        socket->SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, 0);
+        BindTo(*socket, Loopback(), 0);
+        ASSERT_EQ(::fcntl(Descriptor(*socket), F_SETFL, flags), 0);
+        SocketError ending;
+        std::atomic<pid_t> id{0};
+        std::thread receiver([&] {
+            id = ::gettid();
+            ending = ErrorOf([&] { ReceiveText(*socket); });
+        });
+        ASSERT_TRUE(Tests::WaitUntil([&] { return id != 0 && Sleeps(id); }));
+        const int other = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ASSERT_EQ(::dup2(other, Descriptor(*socket)), Descriptor(*socket)); // closes the socket in the same step
+        ::close(other);
+        receiver.join();
+        EXPECT_EQ(ending, SocketError::NotSocket);
+    }
+}
+
+TEST(SocketPosixTest, EveryTimeoutEndsItsReceive)
+{
+    for (const int milliseconds : {1, 490, 491, 500, 501})
+    {
+        const SmartPointer<Socket> socket = OpenLoopback();
+        socket->SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, milliseconds);
+        EXPECT_EQ(ErrorOf([&] { ReceiveText(*socket); }), SocketError::TimedOut) << milliseconds;
+    }
 }
 
 TEST(SocketPosixTest, ProgramsThatTheProcessStartsInheritNoSocket)
