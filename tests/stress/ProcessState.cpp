@@ -1,0 +1,107 @@
+#include "ProcessState.h"
+
+#include <arpa/inet.h>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <netinet/in.h>
+#include <string>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <vector>
+
+namespace Tests
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+std::int64_t Entries(const char* folder)
+{
+    return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+}
+
+std::vector<int> Sockets()
+{
+    std::vector<int> found;
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd"))
+    {
+        std::error_code gone;
+        if (fs::read_symlink(entry.path(), gone).string().starts_with("socket:"))
+        {
+            found.push_back(std::stoi(entry.path().filename().string()));
+        }
+    }
+    return found;
+}
+
+bool IsBoundToEveryAddress(int socket, std::uint16_t port)
+{
+    sockaddr_in address{};
+    socklen_t size = sizeof address;
+    return getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) == 0 && address.sin_family == AF_INET &&
+           address.sin_addr.s_addr == htonl(INADDR_ANY) && address.sin_port == htons(port);
+}
+} // namespace
+
+std::int64_t OpenDescriptors()
+{
+    return Entries("/proc/self/fd");
+}
+
+std::int64_t RunningThreads()
+{
+    return Entries("/proc/self/task");
+}
+
+std::int64_t ResidentKiB()
+{
+    std::int64_t total = 0;
+    std::int64_t resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+bool ShutDownSocketOn(std::uint16_t port)
+{
+    // Works on duplicates: the library may close its descriptor at any moment, and the number may then be another's.
+    const int self = static_cast<int>(syscall(SYS_pidfd_open, getpid(), 0));
+    bool isDone = false;
+    for (const int socket : Sockets())
+    {
+        const int duplicate = static_cast<int>(syscall(SYS_pidfd_getfd, self, socket, 0));
+        if (duplicate >= 0)
+        {
+            if (IsBoundToEveryAddress(duplicate, port))
+            {
+                shutdown(duplicate, SHUT_RDWR); // says ENOTCONN, and wakes the receiver all the same
+                isDone = true;
+            }
+            close(duplicate);
+        }
+    }
+    close(self);
+    return isDone;
+}
+
+std::uint64_t SocketOn(std::uint16_t port)
+{
+    std::ifstream table("/proc/self/net/udp");
+    std::string line;
+    std::getline(table, line);
+    while (std::getline(table, line))
+    {
+        unsigned address = 0;
+        unsigned bound = 0;
+        unsigned long long inode = 0;
+        if (std::sscanf(line.c_str(), "%*s %x:%x %*s %*s %*s %*s %*s %*s %*s %llu", &address, &bound, &inode) == 3 &&
+            address == INADDR_ANY && bound == port)
+        {
+            return inode;
+        }
+    }
+    return 0;
+}
+} // namespace Tests
