@@ -61,15 +61,23 @@ TEST_F(LifeCycleFaultTest, NothingRestartsAServerThatHasJustClosedItsSocket)
     StopHeldAt(Call::AfterClose);
 }
 
-TEST_F(LifeCycleFaultTest, LossesWhileTheWorkersStartAreAnsweredToo)
+TEST_F(LifeCycleFaultTest, ALossWhileARestartIsNotYetThroughIsAnsweredToo)
 {
-    ASSERT_EQ(0, Initialize());
-    Faults::Fail(Call::Receive, 1, 2, SocketError::NetworkDown); // the first of this receiver and of the next one
-    ASSERT_EQ(0, ExtC::StartServer());
+    Gate starter;
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_TRUE(HelloArrives());
+    Faults::Hold(Call::AfterCreateThread, starter,
+                 4); // the background's, the task processor's, the parser's, then this
+    Faults::Fail(Call::Receive, 1, 2, SocketError::NetworkDown);
+    device.Send("{}");
+    EXPECT_TRUE(starter.WaitForArrivals(1));
+    EXPECT_TRUE(WaitForLine("Unexpected socket error", 2));
     EXPECT_TRUE(WaitForLine(Restart, 2));
+    starter.Open();
     EXPECT_TRUE(HelloArrives());
     EXPECT_TRUE(DiscoverArrives());
     EXPECT_EQ(2, Count(Restart));
+    EXPECT_EQ(0, ExtC::StopServer()); // the last thread at the gate has left it
 }
 
 TEST_F(LifeCycleFaultTest, ReportsOfUnreachablePortsAreNoLoss)
@@ -163,6 +171,43 @@ TEST_F(LifeCycleFaultTest, AHostGetsOutOfARestartThatFailed)
     }
     ASSERT_NO_FATAL_FAILURE(Serve());
     EXPECT_TRUE(HelloArrives());
+}
+
+TEST_F(LifeCycleFaultTest, LongSweepThroughARestartEndsWithAServerOrALine)
+{
+    struct Case
+    {
+        Call What;
+        std::int32_t Error;
+    };
+
+    for (const Case& failing : {Case{Call::OpenSocket, SocketError::TooManyOpenSockets},
+                                Case{Call::SetOption, SocketError::NoBufferSpaceAvailable},
+                                Case{Call::Bind, SocketError::AddressAlreadyInUse}, Case{Call::CreateThread, 0},
+                                Case{Call::CreateSemaphore, 0}, Case{Call::ReleaseSemaphore, 0}})
+    {
+        bool isStruck = true;
+        for (int number = 1; isStruck; ++number)
+        {
+            SCOPED_TRACE(testing::Message() << static_cast<int>(failing.What) << ", " << number);
+            ASSERT_NO_FATAL_FAILURE(Serve());
+            ASSERT_TRUE(HelloArrives());
+            const int failuresBefore = Count("Background operation failed");
+            const int restartsBefore = Count(Restart);
+            Faults::Fail(failing.What, number, 1, failing.Error);
+            LoseSocket();
+            ASSERT_TRUE(WaitForLine(Restart, restartsBefore + 1));
+            EXPECT_TRUE(WaitUntil([&] {
+                return HelloArrives(std::chrono::milliseconds(50)) ||
+                       Count("Background operation failed") > failuresBefore;
+            }));
+            isStruck = Faults::FailedCalls() > 1; // the receive is one
+            ExtC::StopServer();
+            Faults::Clear();
+            EXPECT_EQ(0, ExtC::Terminate());
+            ExpectNothingLeft();
+        }
+    }
 }
 
 TEST_F(LifeCycleFaultTest, FullQueuesDoNotKeepAServerFromStopping)

@@ -15,6 +15,7 @@ struct Plan final
     int Count = 0;
     std::int32_t Error = 0;
     Gate* Held = nullptr;
+    int HeldFrom = 1;
 };
 
 struct State final
@@ -43,11 +44,14 @@ void Faults::Fail(Call call, int first, int count, std::int32_t error)
     plan.Error = error;
 }
 
-void Faults::Hold(Call call, Gate& gate)
+void Faults::Hold(Call call, Gate& gate, int first)
 {
     State& state = TheState();
     const std::lock_guard lock(state.Mutex);
-    state.Plans[call].Held = &gate;
+    Plan& plan = state.Plans[call];
+    plan.Seen = 0;
+    plan.Held = &gate;
+    plan.HeldFrom = first;
 }
 
 void Faults::Clear()
@@ -79,7 +83,7 @@ bool Faults::Strikes(Call call, std::int32_t& error)
         const std::lock_guard lock(state.Mutex);
         Plan& plan = state.Plans[call];
         ++plan.Seen;
-        held = plan.Held;
+        held = plan.Seen >= plan.HeldFrom ? plan.Held : nullptr;
         strikes = plan.First > 0 && plan.Seen >= plan.First && plan.Seen - plan.First < plan.Count;
         if (strikes)
         {

@@ -17,6 +17,7 @@ enum class Call
     BeforeClose, // a socket is about to be closed
     AfterClose,  // and its operations have been woken
     CreateThread,
+    AfterCreateThread, // the thread runs, but its creator does not know yet
     CreateSemaphore,
     ReleaseSemaphore,
     WaitSemaphore,
@@ -37,8 +38,9 @@ public:
     /// socket error, or a native one for files; thread and semaphore calls have none.
     static void Fail(Call call, int first, int count = 1, std::int32_t error = 0);
 
-    /// Sends every call of this kind through the gate, which must live until Clear.
-    static void Hold(Call call, Gate& gate);
+    /// Sends the calls of this kind through the gate, from number first on, counted as in Fail. The gate must live
+    /// until Clear.
+    static void Hold(Call call, Gate& gate, int first = 1);
 
     /// Takes all faults and gates back and counts the calls anew.
     static void Clear();

@@ -23,6 +23,7 @@ ThreadRecord* ThreadFaulty::Create(Nfx::Os::ThreadRoutine start,
     }
     ThreadRecord* const thread = real.Create(start, parameter, threadId, stackSize);
     Faults::CountOpened(thread != nullptr);
+    Faults::Strikes(Call::AfterCreateThread);
     return thread;
 }
 } // namespace Tests
