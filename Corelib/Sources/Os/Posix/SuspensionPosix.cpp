@@ -9,24 +9,24 @@ namespace
 {
 constinit thread_local SuspensionPosix* current = nullptr;
 
-sigset_t SuspendSignalOnly() noexcept
+// False when the process uses the signal for something else.
+bool TakeSignal(void (*handler)(int)) noexcept
 {
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SuspensionPosix::Signal());
-    return set;
+    struct sigaction action = {};
+    if (sigaction(SuspensionPosix::Signal(), nullptr, &action) != 0)
+    {
+        return false;
+    }
+    if (action.sa_handler == SIG_DFL)
+    {
+        action.sa_handler = handler;
+        action.sa_flags = SA_RESTART;
+        sigfillset(&action.sa_mask);
+        return sigaction(SuspensionPosix::Signal(), &action, nullptr) == 0;
+    }
+    return action.sa_handler == handler;
 }
 } // namespace
-
-SuspensionPosix::SuspensionPosix()
-{
-    sem_init(&seen, 0, 0);
-}
-
-SuspensionPosix::~SuspensionPosix()
-{
-    sem_destroy(&seen);
-}
 
 int SuspensionPosix::Signal() noexcept
 {
@@ -49,54 +49,37 @@ void SuspensionPosix::Defer() noexcept
 void SuspensionPosix::Allow() noexcept
 {
     if (current != nullptr && current->deferrals.fetch_sub(1, std::memory_order_relaxed) == 1 &&
-        current->isDeferred.exchange(false, std::memory_order_relaxed))
+        current->state == Deferred)
     {
-        current->StopHere();
+        current->StopUntilResumed();
     }
 }
 
 bool SuspensionPosix::Suspend(pthread_t thread)
 {
-    struct sigaction action = {};
-    if (sigaction(Signal(), nullptr, &action) != 0)
+    if (state != Running || !TakeSignal(&SuspensionPosix::OnSignal))
     {
         return false;
     }
-    if (action.sa_handler == SIG_DFL)
-    {
-        action.sa_handler = &SuspensionPosix::OnSignal;
-        action.sa_flags = SA_RESTART;
-        sigfillset(&action.sa_mask);
-        if (sigaction(Signal(), &action, nullptr) != 0)
-        {
-            return false;
-        }
-    }
-    if (action.sa_handler != &SuspensionPosix::OnSignal || generation.load(std::memory_order_relaxed) % 2 != 0)
-    {
-        return false;
-    }
-    generation.fetch_add(1, std::memory_order_release);
+    state = Requested;
     if (pthread_kill(thread, Signal()) != 0)
     {
-        generation.fetch_add(1, std::memory_order_relaxed);
+        state = Running;
         return false;
     }
-    while (sem_wait(&seen) != 0)
-    {
-        // interrupted by a signal of the calling thread
-    }
+    state.wait(Requested);
     return true;
 }
 
-bool SuspensionPosix::Resume(pthread_t thread)
+bool SuspensionPosix::Resume() noexcept
 {
-    if (generation.load(std::memory_order_relaxed) % 2 == 0)
+    if (state == Running)
     {
         return false;
     }
-    generation.fetch_add(1, std::memory_order_release);
-    return pthread_kill(thread, Signal()) == 0; // gets the thread out of sigsuspend
+    state = Running;
+    state.notify_all();
+    return true;
 }
 
 void SuspensionPosix::OnSignal(int)
@@ -111,58 +94,26 @@ void SuspensionPosix::OnSignal(int)
 
 void SuspensionPosix::OnSignalOfThisThread() noexcept
 {
-    if (isStopped.load(std::memory_order_relaxed))
+    if (deferrals.load(std::memory_order_relaxed) == 0)
     {
-        return; // the signal only ends the sigsuspend that this one came in
-    }
-    if (!IsRequested())
-    {
+        StopUntilResumed();
         return;
     }
-    if (deferrals.load(std::memory_order_relaxed) > 0)
+    int expected = Requested;
+    if (state.compare_exchange_strong(expected, Deferred))
     {
-        isDeferred.store(true, std::memory_order_relaxed);
-        return;
+        state.notify_all();
     }
-    StopUntilResumed();
 }
 
-void SuspensionPosix::StopHere() noexcept
-{
-    const sigset_t blocked = SuspendSignalOnly();
-    sigset_t before;
-    pthread_sigmask(SIG_BLOCK, &blocked, &before);
-    StopUntilResumed();
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-}
-
-// Tells the suspender, once, that the thread knows.
-bool SuspensionPosix::IsRequested() noexcept
-{
-    const std::uint32_t requested = generation.load(std::memory_order_acquire);
-    if (requested % 2 == 0)
-    {
-        return false;
-    }
-    if (acknowledged.exchange(requested, std::memory_order_relaxed) != requested)
-    {
-        sem_post(&seen);
-    }
-    return true;
-}
-
-// With the signal blocked: between the question and the sleep it must not get lost.
+// When the thread is suspended anew before it gets going, the signal stops it once more on top of this.
 void SuspensionPosix::StopUntilResumed() noexcept
 {
-    sigset_t whileStopped;
-    pthread_sigmask(SIG_BLOCK, nullptr, &whileStopped);
-    sigdelset(&whileStopped, Signal());
-
-    isStopped.store(true, std::memory_order_relaxed);
-    while (IsRequested())
+    int request = state;
+    if ((request == Requested || request == Deferred) && state.compare_exchange_strong(request, Stopped))
     {
-        sigsuspend(&whileStopped);
+        state.notify_all();
+        state.wait(Stopped);
     }
-    isStopped.store(false, std::memory_order_relaxed);
 }
 } // namespace Nfx::Os

@@ -3,17 +3,15 @@
 #include <atomic>
 #include <cstdint>
 #include <pthread.h>
-#include <semaphore.h>
 
 namespace Nfx::Os
 {
-/// Stops a thread where it is and lets it go on, by a handshake over one real-time signal. Each thread that is created
-/// here has one. Suspend and Resume are called by one thread at a time.
+/// Stops a thread where it is, by one real-time signal, and lets it go on. Each thread that is created here has one.
+/// Suspend and Resume are called by one thread at a time.
 class SuspensionPosix final
 {
 public:
-    SuspensionPosix();
-    ~SuspensionPosix();
+    SuspensionPosix() = default;
     SuspensionPosix(const SuspensionPosix&) = delete;
     SuspensionPosix& operator=(const SuspensionPosix&) = delete;
 
@@ -33,21 +31,23 @@ public:
     bool Suspend(pthread_t thread);
 
     /// False when the thread is not suspended.
-    bool Resume(pthread_t thread);
+    bool Resume() noexcept;
 
 private:
+    enum : int
+    {
+        Running,
+        Requested, // the signal is on its way
+        Deferred,  // the thread knows, and will stop when it may
+        Stopped
+    };
+
     static void OnSignal(int signal);
 
     void OnSignalOfThisThread() noexcept;
-    void StopHere() noexcept;
-    bool IsRequested() noexcept;
     void StopUntilResumed() noexcept;
 
-    std::atomic<std::uint32_t> generation{0};   // odd while suspended; written by Suspend and Resume
-    std::atomic<std::uint32_t> acknowledged{0}; // the last odd generation that the thread has seen
-    sem_t seen;                                 // posted once for each
-    std::atomic<std::int32_t> deferrals{0};     // these three belong to the thread and its signal handler
-    std::atomic<bool> isDeferred{false};
-    std::atomic<bool> isStopped{false};
+    std::atomic<int> state{Running};        // lock-free, so that the signal's handler may wait for it
+    std::atomic<std::int32_t> deferrals{0}; // of the thread and its signal handler
 };
 } // namespace Nfx::Os

@@ -187,13 +187,22 @@ void ThreadBlockPosix::Interrupt()
 bool ThreadBlockPosix::Suspend()
 {
     const ConditionPosix::Guard lock(condition);
+    AwaitFirstStep(); // before it the thread does not know what the signal means
     return !hasEnded && current != this && suspension.Suspend(thread);
 }
 
 bool ThreadBlockPosix::Resume()
 {
     const ConditionPosix::Guard lock(condition);
-    return !hasEnded && suspension.Resume(thread);
+    return !hasEnded && suspension.Resume();
+}
+
+void ThreadBlockPosix::AwaitFirstStep()
+{
+    while (kernelId == 0)
+    {
+        condition.Sleep();
+    }
 }
 
 std::int32_t ThreadBlockPosix::GetPriority()
@@ -205,10 +214,7 @@ std::int32_t ThreadBlockPosix::GetPriority()
 bool ThreadBlockPosix::SetPriority(std::int32_t newPriority)
 {
     const ConditionPosix::Guard lock(condition);
-    while (kernelId == 0)
-    {
-        condition.Sleep();
-    }
+    AwaitFirstStep();
     if (hasEnded || !SetNice(kernelId, NiceOf(newPriority)))
     {
         return false;

@@ -46,7 +46,7 @@ private:
 
     static void* Run(void* block);
     void ApplyPriorityOfNewThread() noexcept;
-    bool IsGone() const NFX_REQUIRES(condition);
+    void AwaitFirstStep() NFX_REQUIRES(condition);
 
     ThreadRecord& record;
     const bool isChildOfPrioritised; // then it does not start with the priority of the process

@@ -101,7 +101,7 @@ void ThreadPosix::Sleep(std::int32_t milliseconds)
         return;
     }
     timespec left = {milliseconds / 1000, milliseconds % 1000 * 1'000'000L};
-    while (clock_nanosleep(CLOCK_MONOTONIC, 0, &left, &left) == EINTR)
+    while (nanosleep(&left, &left) != 0 && errno == EINTR)
     {
         // goes on with what is left
     }

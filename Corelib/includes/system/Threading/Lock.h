@@ -15,11 +15,7 @@ public:
     }
 
     /// The lock that Monitor keeps for an object, which must live to the end of the scope.
-    explicit Lock(const Object& object) NFX_ACQUIRE()
-        : object(&object)
-    {
-        Monitor::Enter(object);
-    }
+    explicit Lock(const Object& object) NFX_NO_THREAD_SAFETY_ANALYSIS : object(&object) { Monitor::Enter(object); }
 
     explicit Lock(const Monitor& monitor) = delete; // would lock the object instead of the monitor
 
