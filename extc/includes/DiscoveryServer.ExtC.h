@@ -7,8 +7,7 @@
  * Order of calls
  *     Initialize; the three callback setters and SetMinCompatibleVersion as wanted; StartServer; InitBroadcastProvider
  *     as wanted; any number of requests (Discover, RefreshClient, ReachClient, ChangeClients...); StopServer as wanted;
- *     Terminate. After Terminate the library may be unloaded or initialized again. On Linux dlclose leaves it in
- * memory.
+ *     Terminate. After Terminate the library may be unloaded or initialized again. On Linux dlclose keeps it mapped.
  *
  * Requests
  *     A request is queued and sent by the library's own thread: its result says that it was queued, not that it was
@@ -18,10 +17,10 @@
  *
  * Text
  *     All text is 8-bit and ends with NUL; JSON documents and host names are UTF-8, without byte order mark. Member
- * names of documents that the library reads are matched without regard to ASCII letter case; a document of more than 16
- * MiB (16777216 bytes) is refused with code 0xC0090114 before it is read. Text from a device is passed on as the device
- * sent it: it may hold invalid UTF-8 and control characters. On Windows a log path is UTF-8 when it is valid UTF-8, and
- *     text in the ANSI code page otherwise.
+ *     names of documents that the library reads are matched without regard to ASCII letter case. A document of more
+ *     than 16 MiB (16777216 bytes) is refused with code 0xC0090114 before it is read. Text from a device is passed on
+ *     as the device sent it: it may hold invalid UTF-8 and control characters. On Windows a log path is UTF-8 when it
+ *     is valid UTF-8, and text in the ANSI code page otherwise.
  *
  * Ownership
  *     Arguments belong to the caller and are copied before the call returns. The text that a callback receives belongs
@@ -46,8 +45,8 @@
  *             41  NullPointer       a request while the server is not started, or while it restarts itself
  *             73  Socket            the network refused, for instance because UDP port 12001 is taken
  *     0xC0090109  Resource not found, a JSON document lacks a required member
- *     0xC0090114  Invalid Format, a text is not the JSON, MAC address, IP address or version that it should be, or a
- * JSON document is too large
+ *     0xC0090114  Invalid Format, a text is not the JSON, MAC address, IP address or version that it should be, or it
+ *                 is too large
  *
  * Binary interface
  *     On 32-bit Windows every function and every callback is __stdcall, and the DLL exports the decorated names, such

@@ -36,7 +36,7 @@ public:
     /// Unique among the threads that live.
     virtual std::uint64_t CurrentThreadId() = 0;
 
-    /// From -2 (lowest) to 2 (highest).
+    /// From 0 (lowest) to 4 (highest): the platform's priority plus 2.
     virtual bool GetPriority(ThreadRecord* thread, std::int32_t& priority) = 0;
 
     /// Ends the calling thread.
@@ -44,7 +44,8 @@ public:
 
     virtual bool Resume(ThreadRecord* thread) = 0;
 
-    /// From -2 (lowest) to 2 (highest). False when the platform refuses, for example for lack of a right.
+    /// From 0 (lowest) to 4 (highest); any other value counts as 2, the normal one. False when the platform refuses,
+    /// for example for lack of a right.
     virtual bool SetPriority(ThreadRecord* thread, std::int32_t priority) = 0;
 
     /// Sleeps, whatever happens meanwhile.
@@ -72,5 +73,14 @@ public:
 
     /// True when the calling thread was interrupted since it last asked. Threads that were not created here never are.
     virtual bool TakeInterrupt() = 0;
+
+protected:
+    /// Platform priorities lie around zero.
+    static std::int32_t ToPlatformPriority(std::int32_t priority) noexcept
+    {
+        return priority < 0 || priority > 4 ? 0 : priority - 2;
+    }
+
+    static std::int32_t FromPlatformPriority(std::int32_t priority) noexcept { return priority + 2; }
 };
 } // namespace Nfx::Os

@@ -24,7 +24,7 @@ public:
         signalled = true;
         if (manualReset)
         {
-            condition.WakeAll();
+            ReleaseSleepers(); // a Reset right behind it must not hold them back
         }
         else
         {

@@ -124,7 +124,9 @@ bool ThreadBlockPosix::Start(std::uint32_t stackSize, std::uint64_t& threadId)
     pthread_attr_destroy(&attributes);
     if (started)
     {
-        threadId = thread;
+        const ConditionPosix::Guard lock(condition);
+        AwaitFirstStep(); // only the thread itself can tell its id
+        threadId = static_cast<std::uint64_t>(kernelId);
     }
     return started;
 }
@@ -194,7 +196,7 @@ bool ThreadBlockPosix::Suspend()
 bool ThreadBlockPosix::Resume()
 {
     const ConditionPosix::Guard lock(condition);
-    return !hasEnded && suspension.Resume();
+    return suspension.Resume(); // also of a thread that was stopped on its last steps
 }
 
 void ThreadBlockPosix::AwaitFirstStep()

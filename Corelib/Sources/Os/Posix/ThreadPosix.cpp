@@ -70,12 +70,17 @@ ThreadRecord* ThreadPosix::CurrentRecord()
 
 std::uint64_t ThreadPosix::CurrentThreadId()
 {
-    return pthread_self();
+    static constinit thread_local pid_t id = 0; // asked once: locks want it at every entry
+    if (id == 0)
+    {
+        id = gettid();
+    }
+    return static_cast<std::uint64_t>(id);
 }
 
 bool ThreadPosix::GetPriority(ThreadRecord* thread, std::int32_t& priority)
 {
-    priority = BlockOf(thread).GetPriority();
+    priority = FromPlatformPriority(BlockOf(thread).GetPriority());
     return true;
 }
 
@@ -91,7 +96,7 @@ bool ThreadPosix::Resume(ThreadRecord* thread)
 
 bool ThreadPosix::SetPriority(ThreadRecord* thread, std::int32_t priority)
 {
-    return BlockOf(thread).SetPriority(priority);
+    return BlockOf(thread).SetPriority(ToPlatformPriority(priority));
 }
 
 void ThreadPosix::Sleep(std::int32_t milliseconds)

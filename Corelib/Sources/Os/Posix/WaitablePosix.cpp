@@ -26,8 +26,13 @@ bool WaitablePosix::TakeOrSleep(std::int32_t timeout)
     const timespec deadline = DeadlineAfter(CLOCK_MONOTONIC, timeout);
     const InterruptionPosix::Scope interruption(condition);
     const ConditionPosix::Guard lock(condition);
+    const std::uint64_t releasesBefore = releases;
     while (!TryTake())
     {
+        if (releases != releasesBefore)
+        {
+            return true;
+        }
         if (interruption.IsRequested())
         {
             return false;
@@ -38,9 +43,15 @@ bool WaitablePosix::TakeOrSleep(std::int32_t timeout)
         }
         else if (!condition.SleepUntil(deadline))
         {
-            return TryTake();
+            return TryTake() || releases != releasesBefore;
         }
     }
     return true;
+}
+
+void WaitablePosix::ReleaseSleepers()
+{
+    ++releases;
+    condition.WakeAll();
 }
 } // namespace Nfx::Os

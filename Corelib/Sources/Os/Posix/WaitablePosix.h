@@ -25,9 +25,14 @@ protected:
     /// true: a sleeper who is woken asks before he looks at anything else, so that no wake-up is lost.
     virtual bool TryTake() NFX_REQUIRES(condition) = 0;
 
+    /// Lets everybody go on who sleeps now, whatever TryTake says by the time they wake.
+    void ReleaseSleepers() NFX_REQUIRES(condition);
+
     ConditionPosix condition;
 
 private:
     bool TakeOrSleep(std::int32_t timeout);
+
+    std::uint64_t releases NFX_GUARDED_BY(condition) = 0;
 };
 } // namespace Nfx::Os

@@ -99,7 +99,7 @@ bool ThreadW32::GetPriority(ThreadRecord* thread, std::int32_t& priority)
     {
         return false;
     }
-    priority = value;
+    priority = FromPlatformPriority(value);
     return true;
 }
 
@@ -116,7 +116,7 @@ bool ThreadW32::Resume(ThreadRecord* thread)
 
 bool ThreadW32::SetPriority(ThreadRecord* thread, std::int32_t priority)
 {
-    return SetThreadPriority(HandleOf(thread), priority) != FALSE;
+    return SetThreadPriority(HandleOf(thread), ToPlatformPriority(priority)) != FALSE;
 }
 
 void ThreadW32::Sleep(std::int32_t milliseconds)

@@ -5,6 +5,7 @@
 #include "System/Threading/ThreadData.h"
 #include "system/Exceptions.h"
 
+#include <memory>
 #include <utility>
 
 namespace Nfx::System::Threading
@@ -151,22 +152,23 @@ void Monitor::MonitorData::Exit()
 
 bool Monitor::MonitorData::Wait(std::int32_t timeout)
 {
-    Waiter waiter(*this);
+    // Not on the stack: where a thread is ended by force its stack goes, but its place in the queue stays.
+    const std::unique_ptr<Waiter> waiter(new Waiter(*this));
     try
     {
         const Outside outside(*this);
-        waiter.WaitForPulse(timeout);
+        waiter->WaitForPulse(timeout);
     }
     catch (...)
     {
         // What wakes this thread for another reason must not use up a pulse that others wait for.
-        if (waiter.IsPulsed())
+        if (waiter->IsPulsed())
         {
             Pulse();
         }
         throw;
     }
-    return waiter.IsPulsed();
+    return waiter->IsPulsed();
 }
 
 void Monitor::MonitorData::Pulse()

@@ -62,13 +62,13 @@ SmartPointer<Semaphore> Semaphore::OpenExisting(const String& name)
 
 Int32 Semaphore::Release(Int32 count)
 {
-    if (count < 1)
-    {
-        throw ArgumentOutOfRangeException(SourceName, __LINE__);
-    }
     if (IsClosed())
     {
         throw InvalidOperationException(SourceName, 101);
+    }
+    if (count < 1)
+    {
+        throw ArgumentOutOfRangeException(SourceName, __LINE__);
     }
     std::int32_t previousCount = 0;
     Os::ReleaseStatus status{};

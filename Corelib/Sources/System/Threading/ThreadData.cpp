@@ -20,12 +20,6 @@ const char SourceName[] = "Corelib/Sources/System/Threading/Thread";
 // Enough for what the library does on a thread; the platforms' own defaults would use up a 32-bit host's addresses.
 constexpr std::uint32_t StackSize = 1024 * 1024;
 
-// Os priorities lie around zero, and what has no name counts as normal.
-std::int32_t ToOsPriority(std::int32_t priority) noexcept
-{
-    return ThreadPriority::IsDefined(priority) ? priority - 2 : 0;
-}
-
 constinit thread_local Thread::ThreadData* currentThread = nullptr;
 
 Os::IThread& Threads()
@@ -340,6 +334,12 @@ void Thread::ThreadData::SetBackground(bool isBackground)
 ThreadPriority Thread::ThreadData::GetPriority() const
 {
     const Lock lock(control);
+    std::int32_t granted = priority;
+    Os::ThreadRecord* const running = hasEnded ? nullptr : record.load();
+    if (running != nullptr && Threads().GetPriority(running, granted))
+    {
+        return granted;
+    }
     return priority;
 }
 
@@ -353,7 +353,7 @@ bool Thread::ThreadData::SetPriority(const ThreadPriority& newPriority)
 bool Thread::ThreadData::ApplyPriority()
 {
     Os::ThreadRecord* const running = hasEnded ? nullptr : record.load();
-    return running == nullptr || Threads().SetPriority(running, ToOsPriority(priority));
+    return running == nullptr || Threads().SetPriority(running, priority);
 }
 
 String Thread::ThreadData::GetName() const

@@ -81,7 +81,7 @@ public:
     ThreadPriority GetPriority() const;
 
     /// May be set at any time. A value without a name counts as Normal. False when the platform refuses, for example a
-    /// higher priority without the right; the thread goes on without it, and GetPriority returns what was set.
+    /// higher priority without the right; the thread goes on with the one it has.
     Boolean SetPriority(const ThreadPriority& priority);
 
     /// A mark for those who look at the state; it has no other effect.
