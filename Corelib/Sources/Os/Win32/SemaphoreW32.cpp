@@ -34,6 +34,11 @@ bool SemaphoreW32::Release(ObjectHandle semaphore,
                            ReleaseStatus& status)
 {
     LONG previous = 0;
+    if (count < 1) // not every version refuses it
+    {
+        status = ReleaseStatus::Failed;
+        return false;
+    }
     if (ReleaseSemaphore(WaitObjectW32::Of(semaphore), count, &previous) == FALSE)
     {
         status = GetLastError() == ERROR_TOO_MANY_POSTS ? ReleaseStatus::Refused : ReleaseStatus::Failed;

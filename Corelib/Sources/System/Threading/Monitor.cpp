@@ -47,7 +47,7 @@ void Monitor::Enter()
     data->Enter();
 }
 
-Boolean Monitor::TryEnter(Int32 timeout)
+bool Monitor::TryEnter(Int32 timeout)
 {
     return data->TryEnter(CheckedTimeout(timeout));
 }
@@ -81,7 +81,7 @@ void Monitor::Enter(const Object& object)
     ObjectMonitors::Instance().Enter(object);
 }
 
-Boolean Monitor::TryEnter(const Object& object, Int32 timeout)
+bool Monitor::TryEnter(const Object& object, Int32 timeout)
 {
     return ObjectMonitors::Instance().TryEnter(object, CheckedTimeout(timeout));
 }

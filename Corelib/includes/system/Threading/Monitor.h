@@ -33,7 +33,7 @@ public:
     void Enter() NFX_ACQUIRE();
 
     /// Whether this thread became the owner within the timeout; 0 only tries.
-    Boolean TryEnter(Int32 timeout = 0) NFX_TRY_ACQUIRE(true);
+    bool TryEnter(Int32 timeout = 0) NFX_TRY_ACQUIRE(true);
 
     /// @throws InvalidOperationException when this thread is not the owner.
     void Exit() NFX_RELEASE();
@@ -53,7 +53,7 @@ public:
     void PulseAll() NFX_REQUIRES(this);
 
     static void Enter(const Object& object);
-    static Boolean TryEnter(const Object& object, Int32 timeout = 0);
+    static bool TryEnter(const Object& object, Int32 timeout = 0);
     static void Exit(const Object& object);
     static Boolean Wait(const Object& object, Int32 timeout = -1);
     static void Pulse(const Object& object);
