@@ -46,6 +46,16 @@ bool SetNice(pid_t thread, int nice) noexcept
 {
     return setpriority(PRIO_PROCESS, static_cast<id_t>(thread), nice) == 0;
 }
+
+// A new thread has the value of the one that created it, which may just be given another priority.
+void ForgetInheritedNice() noexcept
+{
+    const int normal = NiceOf(0);
+    if (getpriority(PRIO_PROCESS, 0) != normal)
+    {
+        SetNice(gettid(), normal);
+    }
+}
 } // namespace
 
 /// From a thread's first step to its last but one, however it ends.
@@ -58,7 +68,7 @@ public:
         current = &block;
         SuspensionPosix::SetCurrent(&block.suspension);
         InterruptionPosix::SetCurrent(&block.interruption);
-        block.ApplyPriorityOfNewThread();
+        ForgetInheritedNice();
         const ConditionPosix::Guard lock(block.condition);
         block.kernelId = gettid();
         block.condition.WakeAll();
@@ -91,7 +101,6 @@ private:
 
 ThreadBlockPosix::ThreadBlockPosix(ThreadRecord& record)
     : record(record)
-    , isChildOfPrioritised(current != nullptr && current->GetPriority() != 0)
     , interruption(record.Interrupted)
 {
 }
@@ -137,14 +146,6 @@ void* ThreadBlockPosix::Run(void* block)
     const Life life(self);
     self.record.Start(self.record.Parameter);
     return nullptr;
-}
-
-void ThreadBlockPosix::ApplyPriorityOfNewThread() noexcept
-{
-    if (isChildOfPrioritised)
-    {
-        SetNice(gettid(), NiceOf(0));
-    }
 }
 
 ThreadRecord& ThreadBlockPosix::Record() noexcept

@@ -45,11 +45,9 @@ private:
     class Life;
 
     static void* Run(void* block);
-    void ApplyPriorityOfNewThread() noexcept;
     void AwaitFirstStep() NFX_REQUIRES(condition);
 
     ThreadRecord& record;
-    const bool isChildOfPrioritised; // then it does not start with the priority of the process
     InterruptionPosix interruption;
     SuspensionPosix suspension;                   // Suspend and Resume under condition
     pthread_t thread{};                           // constant after Start

@@ -1,0 +1,136 @@
+#include "support/LambdaDelegate.h"
+#include "system/Threading/AutoResetEvent.h"
+#include "system/Threading/Thread.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <pthread.h>
+#include <string>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace Nfx::System::Threading
+{
+namespace
+{
+std::ptrdiff_t CountOf(const char* folder)
+{
+    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+}
+
+int NiceOf(const Thread& thread)
+{
+    return getpriority(PRIO_PROCESS, static_cast<id_t>(thread.GetThreadId()));
+}
+
+TEST(ThreadPosixTest, SignalsOfTheProcessAreLeftToItsOwnThreads)
+{
+    sigset_t blocked;
+    Thread thread(MakeLambda([&] { pthread_sigmask(SIG_BLOCK, nullptr, &blocked); }));
+    thread.Start();
+    thread.Join();
+    for (const int signal : {SIGINT, SIGTERM, SIGCHLD, SIGUSR1, SIGALRM, SIGPIPE, SIGXFSZ, SIGRTMIN, SIGRTMAX})
+    {
+        EXPECT_EQ(sigismember(&blocked, signal), 1) << signal;
+    }
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) // the host's handler must see them
+    {
+        EXPECT_EQ(sigismember(&blocked, fault), 0) << fault;
+    }
+    sigset_t own;
+    pthread_sigmask(SIG_BLOCK, nullptr, &own);
+    EXPECT_EQ(sigismember(&own, SIGUSR1), 0); // Start puts the mask of its caller back
+}
+
+TEST(ThreadPosixTest, SuspensionKeepsTheErrorNumberOfWhatItInterrupts)
+{
+    std::atomic<bool> stop{false};
+    std::atomic<bool> kept{true};
+    std::atomic<int> rounds{0};
+    Thread thread(MakeLambda([&] {
+        while (!stop)
+        {
+            errno = ERANGE;
+            for (int spin = 0; spin < 100; ++spin)
+            {
+                kept = kept && errno == ERANGE;
+            }
+            Thread::Sleep(0); // the thread sanitizer delivers signals in system calls alone
+            ++rounds;
+        }
+    }));
+    thread.Start();
+    while (rounds == 0)
+    {
+        Thread::Sleep(1);
+    }
+    for (int round = 0; round < 200; ++round)
+    {
+        thread.Suspend();
+        thread.Resume();
+    }
+    stop = true;
+    thread.Join();
+    EXPECT_TRUE(kept);
+}
+
+TEST(ThreadPosixTest, PriorityIsTheThreadsAlone)
+{
+    const int processNice = getpriority(PRIO_PROCESS, 0);
+    AutoResetEvent end(false);
+    Thread thread(MakeLambda([&] {
+        AutoResetEvent childEnd(false);
+        Thread child(MakeLambda([&] { childEnd.WaitOne(); }));
+        child.Start();
+        EXPECT_EQ(NiceOf(child), processNice); // does not inherit it
+        childEnd.Set();
+        child.Join();
+        end.WaitOne();
+    }));
+    thread.SetPriority(ThreadPriority::Lowest);
+    thread.Start();
+    EXPECT_EQ(NiceOf(thread), processNice + 10);
+    EXPECT_EQ(getpriority(PRIO_PROCESS, 0), processNice);
+    end.Set();
+    thread.Join();
+    EXPECT_EQ(thread.GetFailure(), "");
+}
+
+TEST(ThreadPosixTest, NameShowsAsFarAsThereIsRoom)
+{
+    AutoResetEvent end(false);
+    Thread thread(MakeLambda([&] { end.WaitOne(); }));
+    thread.SetName("MessageParser of the server");
+    thread.Start();
+    std::string shown;
+    std::getline(std::ifstream("/proc/self/task/" + std::to_string(thread.GetThreadId()) + "/comm"), shown);
+    EXPECT_EQ(shown, "MessageParser o");
+    EXPECT_EQ(thread.GetName(), "MessageParser of the server");
+    end.Set();
+    thread.Join();
+}
+
+TEST(ThreadPosixTest, JoinedThreadHasLeftTheProcess)
+{
+    const std::ptrdiff_t threads = CountOf("/proc/self/task");
+    const std::ptrdiff_t descriptors = CountOf("/proc/self/fd");
+    for (int cycle = 0; cycle < 200; ++cycle)
+    {
+        Thread thread(MakeLambda([] {}));
+        thread.Start();
+        thread.Join();
+    }
+    while (CountOf("/proc/self/task") != threads) // the kernel lets go of the last one a moment after the join
+    {
+        Thread::Sleep(1);
+    }
+    EXPECT_EQ(CountOf("/proc/self/fd"), descriptors);
+}
+} // namespace
+} // namespace Nfx::System::Threading
