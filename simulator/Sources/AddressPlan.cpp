@@ -4,6 +4,7 @@
 #include "system/Exception.h"
 #include "system/Int32.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 

@@ -1,27 +1,74 @@
 #include "CommandLine.h"
 
+#include "AddressPlan.h"
+#include "system/Exception.h"
+#include "system/Version.h"
+
 #include <CLI/CLI.hpp>
+
+#include <charconv>
+#include <string_view>
 
 namespace Zent::Discovery::Simulator
 {
 namespace
 {
+/// Makes a validator of a reader that throws what is malformed.
+template <class TRead>
+auto Readable(const char* kind, TRead read)
+{
+    return [kind, read](const std::string& text) -> std::string {
+        try
+        {
+            read(text);
+            return "";
+        }
+        catch (const Nfx::System::Exception&)
+        {
+            return '"' + text + "\" is not " + kind;
+        }
+    };
+}
+
+/// Not the parser's own reading of numbers, which takes -1 for the largest one.
+void ReadSeed(const std::string& text, std::uint64_t& seed)
+{
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, seed);
+    if (error != std::errc() || stop != end)
+    {
+        throw CLI::ValidationError("--seed", '"' + text + "\" is not a number from 0 to 18446744073709551615");
+    }
+}
+
 void AddDevices(CLI::App& app, SimulationOptions& options)
 {
     app.add_option("--count", options.Count, "how many devices")->capture_default_str()->check(CLI::Range(1, 2000));
-    app.add_option("--seed", options.Seed, "the same seed gives the same devices")->capture_default_str();
+    app.add_option_function<std::string>(
+           "--seed", [&options](const std::string& text) { ReadSeed(text, options.Seed); },
+           "the same seed gives the same devices")
+        ->type_name("NUMBER")
+        ->default_str(std::to_string(options.Seed));
     app.add_option("--address", options.Addresses, "the address of a device; may be repeated, for the first devices")
         ->type_name("IP")
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->check(Readable("an IP address", [](const std::string& text) {
+            Nfx::System::Net::IPAddress::Parse(Nfx::System::String(std::string_view(text)));
+        }));
     app.add_option("--network", options.Network, "the other devices' addresses: the first one, and the prefix length")
         ->type_name("IP/LENGTH")
+        ->check(Readable("an IP address with a prefix length from 1 to 32, such as 127.0.0.10/8",
+                         [](const std::string& text) { AddressPlan({}, text); }))
         ->capture_default_str();
 }
 
 void AddBehaviour(CLI::App& app, SimulationOptions& options)
 {
     app.add_option("--protocol-version", options.ProtocolVersion, "the version that the messages bear")
-        ->type_name("VERSION");
+        ->type_name("VERSION")
+        ->check(Readable("a version such as 1.0.18", [](const std::string& text) {
+            Nfx::System::Version::Parse(Nfx::System::String(std::string_view(text)));
+        }));
     app.add_option_function<unsigned>(
            "--delay", [&options](unsigned milliseconds) { options.Delay = std::chrono::milliseconds(milliseconds); },
            "the time from a request to its answer")
@@ -47,6 +94,8 @@ std::optional<SimulationOptions> CommandLine::Parse(const std::vector<std::strin
     AddDevices(app, options);
     AddBehaviour(app, options);
     app.add_flag("--until-eof", options.EndsWithInput, "end when standard input ends, too");
+    app.add_flag("--share-port", options.SharesPort,
+                 "share the port with other programs, of which one gets what is sent to a single address");
     app.add_flag("--verbose", options.Talks, "print what the devices do");
     try
     {
@@ -55,7 +104,13 @@ std::optional<SimulationOptions> CommandLine::Parse(const std::vector<std::strin
     }
     catch (const CLI::ParseError& error)
     {
-        status = app.exit(error, out, errors) == 0 ? 0 : 2;
+        const bool isHelp = error.get_exit_code() == 0;
+        if (!isHelp)
+        {
+            errors << "device-simulator: ";
+        }
+        app.exit(error, out, errors);
+        status = isHelp ? 0 : 2;
         return std::nullopt;
     }
 }

@@ -12,14 +12,19 @@ namespace Zent::Discovery::Simulator
 {
 /// The devices' port of this machine, shared by all devices: hears what is sent to any local address and to all, tells
 /// which, and sends from any local address. A socket for each device could not do that: under Wine a socket bound to a
-/// loopback address other than 127.0.0.1 is bound to all addresses.
+/// loopback address other than 127.0.0.1, such as 127.0.0.10, ends up on 0.0.0.0. So there is one socket, and the
+/// destination address of each datagram decides which device is meant.
+///
+/// Unless it is told to, it does not share the port with other programs: the system hands all unicasts to only one of
+/// the sockets.
 ///
 /// One thread may receive while another sends.
 class DeviceNetwork final
 {
 public:
-    /// @throws Nfx::System::Net::Sockets::SocketException when the port cannot be bound.
-    DeviceNetwork();
+    /// @throws std::runtime_error when another program has the port; Nfx::System::Net::Sockets::SocketException when it
+    /// cannot be bound for another reason.
+    explicit DeviceNetwork(bool sharesPort);
 
     /// Waits for a datagram, but only for a fraction of a second; nothing when none came.
     /// @throws std::system_error when the system refuses.

@@ -1,5 +1,7 @@
 #include "Listener.h"
 
+#include "system/Exception.h"
+
 #include <exception>
 #include <iostream>
 #include <string>
@@ -34,8 +36,17 @@ void Listener::Listen()
     }
     catch (const std::exception& error)
     {
-        std::cerr << std::string("device-simulator: ") + error.what() + "\n";
-        requests.Close();
+        Fail(error.what());
     }
+    catch (const Nfx::System::Exception& error) // which is no std::exception
+    {
+        Fail(error.GetMessage().View());
+    }
+}
+
+void Listener::Fail(std::string_view reason)
+{
+    std::cerr << "device-simulator: " + std::string(reason) + "\n";
+    requests.Close();
 }
 } // namespace Zent::Discovery::Simulator

@@ -4,6 +4,7 @@
 #include "RequestQueue.h"
 
 #include <atomic>
+#include <string_view>
 #include <thread>
 
 namespace Zent::Discovery::Simulator
@@ -24,6 +25,7 @@ public:
 
 private:
     void Listen();
+    void Fail(std::string_view reason);
 
     DeviceNetwork& network;
     RequestQueue& requests;

@@ -37,6 +37,7 @@ Simulation::Simulation(const SimulationOptions& options, RequestQueue& requests,
     : options(options)
     , requests(requests)
     , out(out)
+    , network(options.SharesPort)
 {
     const AddressPlan plan(options.Addresses, options.Network);
     const DeviceFactory factory(options.Seed);

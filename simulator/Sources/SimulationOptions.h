@@ -24,6 +24,7 @@ struct SimulationOptions
     bool NamesSourceNIC = true;
     bool HostNamesAreReadOnly = false;
 
+    bool SharesPort = false;    // with other programs on this machine
     bool EndsWithInput = false; // when standard input ends
     bool Talks = false;         // prints what the devices do
 };

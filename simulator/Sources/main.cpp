@@ -59,7 +59,7 @@ int main(int argc, char* argv[])
     }
     catch (const Nfx::System::Exception& error)
     {
-        std::cerr << "device-simulator: " << error.ToString().View() << '\n';
+        std::cerr << "device-simulator: " << error.GetMessage().View() << '\n';
     }
     return 1;
 }

@@ -73,7 +73,7 @@ class RequestTest(TestCase):
 
     def test_requests_reach_the_devices_they_are_meant_for(self):
         """Each request, its datagram and its answer."""
-        with Peer() as peer, Simulator("--count", "2", "--no-hello") as simulator:
+        with Peer() as peer, Simulator("--count", "2", "--no-hello", "--share-port") as simulator:
             first, second = simulator.devices
             self.host.must("Discover")
             request, sender = peer.receive()
@@ -149,7 +149,7 @@ class MessageTest(TestCase):
         self.peer = self.enterContext(Peer())
 
     def test_hello_and_bye_are_reported_with_host_and_interface(self):
-        with Simulator("--count", "1") as simulator:
+        with Simulator("--count", "1", "--share-port") as simulator:
             hello = self.host.event("hello")
         bye = self.host.event("bye")
         self.assertEqual(hello, bye)
@@ -157,7 +157,7 @@ class MessageTest(TestCase):
         self.assertEqual(hello["Host"]["HostName"], simulator.devices[0].name)
         self.assertEqual(hello["Host"]["NICs"][0], hello["SourceNIC"])
 
-        with Simulator("--count", "1", "--no-source-nic"):
+        with Simulator("--count", "1", "--no-source-nic", "--share-port"):
             self.assertEqual(list(self.host.event("hello")), ["Host"])
 
     def test_a_callback_taken_away_is_not_called(self):

@@ -33,6 +33,19 @@ in_addr PlatformAddress(const IPAddress& address)
     return {static_cast<in_addr_t>(std::int64_t{address.Value()})};
 }
 
+/// The message of these parts, which must outlive it.
+msghdr MessageOf(sockaddr_in& address, iovec& part, Control& control)
+{
+    msghdr message{};
+    message.msg_name = &address;
+    message.msg_namelen = sizeof(address);
+    message.msg_iov = &part;
+    message.msg_iovlen = 1;
+    message.msg_control = &control;
+    message.msg_controllen = sizeof(control);
+    return message;
+}
+
 IPAddress DestinationOf(msghdr& message)
 {
     for (cmsghdr* header = CMSG_FIRSTHDR(&message); header != nullptr; header = CMSG_NXTHDR(&message, header))
@@ -60,13 +73,7 @@ public:
         sockaddr_in address{};
         iovec part{buffer.data(), buffer.size()};
         Control control{};
-        msghdr message{};
-        message.msg_name = &address;
-        message.msg_namelen = sizeof(address);
-        message.msg_iov = &part;
-        message.msg_iovlen = 1;
-        message.msg_control = &control;
-        message.msg_controllen = sizeof(control);
+        msghdr message = MessageOf(address, part, control);
         const ssize_t size = recvmsg(descriptor, &message, 0);
         if (size < 0)
         {
@@ -89,13 +96,7 @@ public:
         address.sin_addr = PlatformAddress(target.Address());
         iovec part{const_cast<char*>(bytes.data()), bytes.size()}; // the type serves receiving, too
         Control control{};
-        msghdr message{};
-        message.msg_name = &address;
-        message.msg_namelen = sizeof(address);
-        message.msg_iov = &part;
-        message.msg_iovlen = 1;
-        message.msg_control = &control;
-        message.msg_controllen = sizeof(control);
+        msghdr message = MessageOf(address, part, control);
 
         in_pktinfo information{};
         information.ipi_spec_dst = PlatformAddress(from); // decides the interface of a broadcast, too
