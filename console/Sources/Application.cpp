@@ -62,7 +62,7 @@ std::unique_ptr<ICommand> Application::MakeCommand() const
     case Options::CommandName::Configure:
         return std::make_unique<ConfigureCommand>(wait, options.ConfigurationFile);
     default:
-        return std::make_unique<DiscoverCommand>(wait, options.ExpectedDevices);
+        return std::make_unique<DiscoverCommand>(wait, options.ExpectedDevices, options.LogFile);
     }
 }
 } // namespace Zent::Discovery::Console

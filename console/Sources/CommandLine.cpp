@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "AddressText.h"
 #include "DiscoveryServer.ExtC.h"
 #include "HostPlatform.h"
 
@@ -32,6 +33,20 @@ std::string ReadErrorCode(const std::string& text, int& code)
     return "";
 }
 
+int ReadLogLevel(const std::string& text)
+{
+    static const std::map<std::string, int> Levels = {{"critical", DiscoveryLogCritical},
+                                                      {"standard", DiscoveryLogStandard},
+                                                      {"debug", DiscoveryLogDebug},
+                                                      {"none", DiscoveryLogNone}};
+    const auto found = Levels.find(CLI::detail::to_lower(text));
+    if (found == Levels.end())
+    {
+        throw CLI::ValidationError("--log-level", '"' + text + "\" is none of critical, standard, debug and none");
+    }
+    return found->second;
+}
+
 /// The parser bound to the options that it fills; both must stay where they are.
 class Parser final
 {
@@ -54,21 +69,18 @@ private:
         options.Library = HostPlatform::DefaultLibraryPath();
         options.LogFile = HostPlatform::DefaultLogPath();
         options.LogLevel = DiscoveryLogCritical;
-        static const std::map<std::string, int> Levels = {{"critical", DiscoveryLogCritical},
-                                                          {"standard", DiscoveryLogStandard},
-                                                          {"debug", DiscoveryLogDebug},
-                                                          {"none", DiscoveryLogNone}};
-
         app.add_option("--library", options.Library, "the library to load")->capture_default_str();
         app.add_option("--log", options.LogFile, "the log file to continue")->capture_default_str();
-        app.add_option("--log-level", options.LogLevel, "critical, standard, debug or none; critical without it")
-            ->type_name("LEVEL")
-            ->transform(CLI::Transformer(Levels, CLI::ignore_case).description(""))
-            ->check(CLI::IsMember(std::vector<int>{1, 2, 3, 255}).description(""));
+        app.add_option_function<std::string>(
+               "--log-level", [this](const std::string& text) { options.LogLevel = ReadLogLevel(text); },
+               "critical, standard, debug or none; critical without it")
+            ->type_name("LEVEL");
         app.add_option("--from", options.LocalAddresses, "a local address to send broadcasts from; may be repeated")
             ->type_name("IP")
             ->allow_extra_args(false);
-        app.add_option("--min-version", options.MinimumVersion, "drop messages of older protocol versions")
+        app.add_option_function<std::string>(
+               "--min-version", [this](const std::string& text) { options.MinimumVersion = text; },
+               "drop messages of older protocol versions")
             ->type_name("VERSION");
         app.add_option_function<double>(
                "--wait",
@@ -88,7 +100,8 @@ private:
     {
         CLI::App& discover = AddCommand("discover", "ask all devices for their signatures", CommandName::Discover);
         discover.add_option("--expect", options.ExpectedDevices, "stop waiting when so many devices have answered")
-            ->type_name("COUNT");
+            ->type_name("COUNT")
+            ->check(CLI::Range(1, 100000).description(""));
 
         AddCommand("watch", "show messages of devices as they come, until Ctrl-C", CommandName::Watch);
 
@@ -102,7 +115,11 @@ private:
         rename.add_option("NAME", options.NewHostName, "the new host name")->required()->type_name("");
         CLI::Option_group& target = *rename.add_option_group("device");
         target.add_option("--mac", options.MACAddress, "a MAC address of the device");
-        target.add_option("--ip", options.IPAddress, "the IP address of the device");
+        target.add_option("--ip", options.IPAddress, "the IP address of the device")
+            ->check([](const std::string& text) {
+                // Every device that hears it would take the one name.
+                return AddressText::IP(text) == "255.255.255.255" ? text + " is the address of all devices" : "";
+            });
         target.require_option(1);
 
         CLI::App& configure =
@@ -156,7 +173,23 @@ std::optional<Options> CommandLine::Parse(const std::vector<std::string>& argume
     }
     catch (const CLI::ParseError& error)
     {
-        status = parser.App().exit(error, out, errors) == 0 ? ExitStatus::Success : ExitStatus::Usage;
+        if (error.get_exit_code() == 0)
+        {
+            parser.App().exit(error, out, errors);
+            status = ExitStatus::Success;
+            return std::nullopt;
+        }
+        status = ExitStatus::Usage;
+        errors << "discovery-console: ";
+        const std::vector<std::string> rest = parser.App().remaining();
+        if (parser.App().get_subcommands().empty() && !rest.empty())
+        {
+            // The parser would only say that a command is missing.
+            errors << (rest.front().starts_with('-') ? "unknown option " : "unknown command ") << rest.front()
+                   << "\nRun with --help for more information.\n";
+            return std::nullopt;
+        }
+        parser.App().exit(error, out, errors);
         return std::nullopt;
     }
 }

@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -19,6 +20,27 @@ using Zent::Utils::Json::JSONObject;
 
 namespace Zent::Discovery::Console
 {
+namespace
+{
+/// The form in which two texts for the same setting are equal; no gateway is written in two ways.
+std::string Normal(const std::string& text)
+{
+    const std::string result = text.empty() ? text : AddressText::IP(text);
+    return result == "0.0.0.0" ? "" : result;
+}
+
+bool Agrees(const std::optional<std::string>& wanted, const std::string& shown)
+{
+    return !wanted || Normal(*wanted) == Normal(shown);
+}
+
+std::optional<std::string> OptionalText(const JSONObject& object, const char* key)
+{
+    String text;
+    return object.TryGetString(key, text) ? std::optional(std::string(text.View())) : std::nullopt;
+}
+} // namespace
+
 ConfigureCommand::ConfigureCommand(std::chrono::milliseconds wait, std::string file)
     : wait(wait)
     , file(std::move(file))
@@ -29,8 +51,8 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
 {
     const std::string configurations = ReadFile();
     session.ChangeIPConfigurations(configurations);
-    Interfaces missing = Read(configurations);
-    for (const Device::Interface& interface : missing)
+    AllSettings missing = Read(configurations);
+    for (const Settings& interface : missing)
     {
         session.RefreshClient(interface.MACAddress); // a device need not announce its new settings by itself
     }
@@ -44,9 +66,11 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
         {
             break;
         }
-        const auto isShown = [&device](const Device::Interface& interface) {
+        const auto isShown = [&device](const Settings& interface) {
             const Device::Interface* const found = device->FindMAC(interface.MACAddress);
-            return found != nullptr && found->IPAddress == interface.IPAddress;
+            return found != nullptr && found->IPAddress == interface.IPAddress &&
+                   Agrees(interface.SubNetMask, found->SubNetMask) &&
+                   Agrees(interface.DefaultGateway, found->DefaultGateway) && Agrees(interface.MTU, found->MTU);
         };
         if (device->Message.Kind == DeviceMessage::MessageKind::Signature && std::erase_if(missing, isShown) > 0)
         {
@@ -57,9 +81,9 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
     {
         output.Show(table);
     }
-    for (const Device::Interface& interface : missing)
+    for (const Settings& interface : missing)
     {
-        output.Complain(interface.MACAddress + " has not taken the address " + interface.IPAddress);
+        output.Complain(interface.MACAddress + " has not taken the settings with the address " + interface.IPAddress);
     }
     return reader.IsInterrupted() ? ExitStatus::Interrupted
            : missing.empty()      ? ExitStatus::Success
@@ -68,9 +92,12 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
 
 std::string ConfigureCommand::ReadFile() const
 {
-    std::ifstream stream(std::filesystem::path(std::u8string(file.begin(), file.end())), std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-    if (!stream.is_open() || stream.bad())
+    const std::filesystem::path path(std::u8string(file.begin(), file.end()));
+    std::ifstream stream(path, std::ios::binary);
+    std::ostringstream content;
+    content << stream.rdbuf(); // fails on a folder, which can be opened
+    std::string text = content.str();
+    if (!stream.is_open() || stream.bad() || std::filesystem::is_directory(path))
     {
         throw std::runtime_error("cannot read " + file);
     }
@@ -81,15 +108,16 @@ std::string ConfigureCommand::ReadFile() const
     return text;
 }
 
-ConfigureCommand::Interfaces ConfigureCommand::Read(const std::string& configurations)
+ConfigureCommand::AllSettings ConfigureCommand::Read(const std::string& configurations)
 {
-    Interfaces interfaces;
+    AllSettings interfaces;
     const JSONArray array{String(std::string_view(configurations))};
     for (std::int32_t i = 0; i < array.Length(); ++i)
     {
         const JSONObject object = array.GetJSONObject(i);
         interfaces.push_back({AddressText::MAC(object.GetString("MACAddress").View()),
-                              AddressText::IP(object.GetString("IPAddress").View())});
+                              AddressText::IP(object.GetString("IPAddress").View()), OptionalText(object, "SubNetMask"),
+                              OptionalText(object, "DefaultGateway"), OptionalText(object, "MTU")});
     }
     return interfaces;
 }

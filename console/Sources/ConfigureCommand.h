@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Device.h"
 #include "ICommand.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,10 +20,20 @@ public:
     ExitStatus Run(ServerSession& session, Output& output) override;
 
 private:
-    using Interfaces = std::vector<Device::Interface>;
+    /// What an interface is to become; what is not given may stay as it is.
+    struct Settings
+    {
+        std::string MACAddress;
+        std::string IPAddress;
+        std::optional<std::string> SubNetMask;
+        std::optional<std::string> DefaultGateway;
+        std::optional<std::string> MTU;
+    };
+
+    using AllSettings = std::vector<Settings>;
 
     std::string ReadFile() const;
-    static Interfaces Read(const std::string& configurations);
+    static AllSettings Read(const std::string& configurations);
 
     const std::chrono::milliseconds wait;
     const std::string file;

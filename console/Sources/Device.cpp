@@ -24,7 +24,8 @@ std::string Text(const JSONObject& object, const char* key)
 
 Device::Interface InterfaceOf(const JSONObject& object)
 {
-    return {Text(object, "MACAddress"), Text(object, "IPAddress")};
+    return {Text(object, "MACAddress"), Text(object, "IPAddress"), Text(object, "SubNetMask"),
+            Text(object, "DefaultGateway"), Text(object, "MTU")};
 }
 
 /// Calls action(element) for each object in the array member.

@@ -16,6 +16,9 @@ public:
     {
         std::string MACAddress;
         std::string IPAddress;
+        std::string SubNetMask = {};
+        std::string DefaultGateway = {};
+        std::string MTU = {};
     };
 
     struct Product

@@ -10,9 +10,10 @@
 
 namespace Zent::Discovery::Console
 {
-DiscoverCommand::DiscoverCommand(std::chrono::milliseconds wait, std::size_t expectedDevices)
+DiscoverCommand::DiscoverCommand(std::chrono::milliseconds wait, std::size_t expectedDevices, std::string logFile)
     : wait(wait)
     , expectedDevices(expectedDevices)
+    , logFile(std::move(logFile))
 {
 }
 
@@ -39,7 +40,7 @@ ExitStatus DiscoverCommand::Run(ServerSession& session, Output& output)
     }
     if (table.Devices().empty())
     {
-        output.Complain("no device found");
+        output.Complain("no device found; see the log " + logFile);
         return ExitStatus::NoAnswer;
     }
     if (table.Devices().size() < expectedDevices)

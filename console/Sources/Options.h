@@ -28,7 +28,7 @@ struct Options
     std::string LogFile;
     int LogLevel = 0;
     std::vector<std::string> LocalAddresses; // to send from; empty for the system's choice
-    std::string MinimumVersion;              // empty for none
+    std::optional<std::string> MinimumVersion;
     std::optional<std::chrono::milliseconds> Wait;
     bool Json = false;
 

@@ -46,13 +46,14 @@ ServerSession::ServerSession(const DiscoveryLibrary& library, const Options& opt
     : library(library)
     , messages(messages)
 {
-    Check("Initialize", library.Initialize(options.LogFile.c_str(), options.LogLevel));
+    Check(("Initialize with the log " + options.LogFile).c_str(),
+          library.Initialize(options.LogFile.c_str(), options.LogLevel));
     isOpen = true;
     try
     {
         Start(options);
     }
-    catch (const CallFailure&)
+    catch (...)
     {
         library.Terminate();
         throw;
@@ -77,9 +78,9 @@ void ServerSession::Start(const Options& options)
           library.SetHelloMessageReceivedEventCallBack(&Receive<DeviceMessage::MessageKind::Hello>));
     Check("SetByeMessageReceivedEventCallBack",
           library.SetByeMessageReceivedEventCallBack(&Receive<DeviceMessage::MessageKind::Bye>));
-    if (!options.MinimumVersion.empty())
+    if (options.MinimumVersion)
     {
-        Check("SetMinCompatibleVersion", library.SetMinCompatibleVersion(options.MinimumVersion.c_str()));
+        Check("SetMinCompatibleVersion", library.SetMinCompatibleVersion(options.MinimumVersion->c_str()));
     }
     Check("StartServer", library.StartServer());
     if (!options.LocalAddresses.empty())
@@ -90,9 +91,11 @@ void ServerSession::Start(const Options& options)
 
 void ServerSession::Close()
 {
+    const int stopResult = library.StopServer();
+    const int terminationResult = library.Terminate(); // also when the server did not stop: it closes the log
     isOpen = false;
-    Check("StopServer", library.StopServer());
-    Check("Terminate", library.Terminate());
+    Check("StopServer", stopResult);
+    Check("Terminate", terminationResult);
 }
 
 MessageQueue& ServerSession::Messages() const

@@ -46,6 +46,22 @@ TEST(CommandLineTest, ResultCodesAreReadAsUsersMeetThem)
     }
 }
 
+TEST(CommandLineTest, ComplaintsNameTheProgramAndTheCause)
+{
+    for (const auto& [arguments, cause] :
+         {std::pair(std::vector<std::string>{"frobnicate"}, "unknown command frobnicate"),
+          std::pair(std::vector<std::string>{"discover", "--log-level", "7"}, "critical, standard, debug and none"),
+          std::pair(std::vector<std::string>{"rename", "x", "--ip", "255.255.255.255"}, "the address of all devices")})
+    {
+        std::ostringstream out;
+        std::ostringstream errors;
+        ExitStatus status{};
+        EXPECT_FALSE(CommandLine::Parse(arguments, out, errors, status));
+        EXPECT_TRUE(errors.str().starts_with("discovery-console: ")) << errors.str();
+        EXPECT_NE(errors.str().find(cause), std::string::npos) << errors.str();
+    }
+}
+
 TEST(CommandLineTest, MisuseEndsWithTheUsageStatus)
 {
     for (const std::vector<std::string>& arguments :
@@ -57,7 +73,12 @@ TEST(CommandLineTest, MisuseEndsWithTheUsageStatus)
                                                {"rename", "name", "--mac", "0:1:2:3:4:5", "--ip", "10.0.0.1"},
                                                {"discover", "--wait", "-1"},
                                                {"discover", "--wait", "nan"},
+                                               {"discover", "--expect", "0"},
+                                               {"discover", "--expect", "-1"},
+                                               {"discover", "--expect", "100001"},
                                                {"discover", "--log-level", "loud"},
+                                               {"discover", "--log-level", "7"},
+                                               {"rename", "name", "--ip", "255.255.255.0255"},
                                                {"error", "0x"},
                                                {"error", "4294967296"}})
     {

@@ -67,6 +67,33 @@ class SimulatorTest(TestCase):
         self.assertEqual(len(set(five)), 5)
         self.assertNotEqual(five[0], other[0])
 
+    def test_a_second_one_does_not_take_the_port(self):
+        with Simulator():
+            self.assert_refused(1, "port 12000 is in use by another program")
+
+    def test_wrong_arguments_are_named(self):
+        for option, value in (
+            ("--network", "foo"),
+            ("--network", "127.0.0.10"),
+            ("--network", "127.0.0.10/33"),
+            ("--address", "zz"),
+            ("--protocol-version", "1"),
+            ("--seed", "-1"),
+            ("--seed", "18446744073709551616"),
+        ):
+            with self.subTest(option, value=value):
+                self.assert_refused(2, f'{option}: "{value}" is not', option, value)
+
+    def assert_refused(self, status, text, *arguments):
+        result = subprocess.run(
+            command("device-simulator", "--until-eof", *arguments),
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            check=False,
+        )
+        self.assertEqual((result.returncode, result.stdout), (status, b""))
+        self.assertIn(f"device-simulator: {text}", result.stderr.decode())
+
 
 class RequestTest(TestCase):
     def test_refresh_shows_the_device_that_owns_the_address(self):
@@ -116,6 +143,24 @@ class RequestTest(TestCase):
         self.assertEqual(documents[0]["Host"]["HostName"], device.name)
         self.assertIn(configuration, documents[0]["Host"]["NICs"])
 
+    def test_configure_succeeds_only_when_all_settings_are_shown(self):
+        nic = message("SignatureBroadcast")["SourceNIC"]
+        file = self.folder / "nics.json"
+        with Peer() as peer:
+            for change in ({"SubNetMask": "255.255.0.0"}, {"DefaultGateway": "127.0.0.9"}, {"MTU": "1400"}):
+                with self.subTest(change):
+                    file.write_text(json.dumps([nic | change]), encoding="utf-8")
+                    with self.start_console("configure", str(file), "--wait", "1") as console:
+                        for _ in range(2):  # the settings and the question
+                            peer.receive()
+                        peer.send(message("SignatureBroadcast"))
+                        console.line_with("has not taken the settings")
+                        self.assertEqual(console.wait(), 3)
+
+    def test_configure_names_a_file_that_it_cannot_read(self):
+        _, errors = self.console("configure", str(self.folder), status=1)
+        self.assertIn(f"cannot read {self.folder}", errors)
+
 
 class VersionTest(TestCase):
     def test_devices_of_older_versions_are_left_out_below_the_minimum(self):
@@ -141,7 +186,11 @@ class WatchTest(TestCase):
 class FailureTest(TestCase):
     def test_failures_show_code_and_text(self):
         code = INVALID_FORMAT % 2**32
-        for arguments in (["refresh", "not a MAC"], ["discover", "--min-version", "one"]):
+        for arguments in (
+            ["refresh", "not a MAC"],
+            ["discover", "--min-version", "one"],
+            ["discover", "--min-version", ""],
+        ):
             with self.subTest(arguments):
                 output, errors = self.console(*arguments, status=1)
                 self.assertEqual(output, "")
