@@ -1,0 +1,263 @@
+"""The bindings, each in a host program of its own language, with devices that are other processes."""
+
+import argparse
+import json
+import pathlib
+import socket
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "endtoend"))
+
+from endtoend import SERVER_PORT, Peer, Process, Simulator, TestCase, launcher, library_path, main, message  # noqa: E402
+
+INVALID_OPERATION = 30
+NULL_POINTER = 41
+SOCKET = 73
+INVALID_FORMAT = 0xC0090114
+
+KINDS = ("signature", "hello", "bye")
+
+parser = argparse.ArgumentParser(add_help=False)
+parser.add_argument("--language", choices=("cpp", "csharp", "python"), required=True)
+parser.add_argument("--host", nargs="+", required=True, help="the command line of the host program")
+options, sys.argv[1:] = parser.parse_known_args()
+
+
+class Host(Process):
+    """A host program that calls a binding as it is told to, and notes its events."""
+
+    def __init__(self, folder, library=None):
+        arguments = [] if options.language == "cpp" else [library or library_path()]
+        super().__init__(*launcher(), *options.host, *arguments)
+        self.log = folder / "log.txt"
+        self.notes = []
+
+    def call(self, command, *arguments):
+        """What became of it: "ok", an error's code, or the text of another failure."""
+        self.write("\t".join((command, *arguments)))
+        while not (line := self.line()).startswith("= "):
+            self.notes.append(line)
+        return self.outcome(line[2:])
+
+    @staticmethod
+    def outcome(text):
+        kind, _, rest = text.partition(" ")
+        return int(rest.split(" ", 1)[0]) if kind == "error" else rest if kind == "failure" else kind
+
+    def must(self, command, *arguments):
+        outcome = self.call(command, *arguments)
+        if outcome != "ok":
+            raise AssertionError(f"{command}: {outcome}")
+
+    def open(self):
+        self.must("open", str(self.log), "127.0.0.1")
+
+    def note(self, *kinds):
+        """Waits for a line of one of the kinds; returns the rest of it and forgets what was before."""
+        while True:
+            line = self.notes.pop(0) if self.notes else self.line()
+            if line is None:
+                raise AssertionError(f"ended without {kinds}")
+            kind, _, rest = line.partition(" ")
+            if kind in kinds:
+                return json.loads(rest) if kind in KINDS else rest
+
+    def event(self, kind, name):
+        """Waits for an event of the device."""
+        while (document := self.note(kind))["Host"]["HostName"] != name:
+            pass
+        return document
+
+
+class SessionTest(TestCase):
+    def setUp(self):
+        super().setUp()
+        self.host = self.enterContext(Host(self.folder))
+        self.host.open()
+        self.host.must("start")
+
+    def test_events_bear_all_that_the_device_has_said(self):
+        products = [
+            {"ProductType": "Runtime", "ProductSerialNumber": "1", "ProductVersion": "2.0", "ProductName": "Line"},
+            {"ProductType": "Panel", "ProductSerialNumber": "2", "ProductVersion": "2.1", "ProductName": 'a "b" \\'},
+        ]
+        sent = message(
+            "Hello",
+            "Prüfstand 😀",
+            IsHostNameReadOnly=True,
+            RebootRequiredForIPConfigChange=False,
+            RebootRequiredForHostNameChange=True,
+            DeviceFamily="P500",
+            SerialNumber="4711",
+            Products=products,
+            FileTransferInfos={"Protocol": "SFTP", "__type": "x"},
+        )
+        nic = {**sent["SourceNIC"], "MTU": "Unknown"}
+        sent["Host"]["NICs"] = [nic, {**nic, "MTU": "1500", "FriendlyName": "eth1"}]
+        with Peer() as peer:
+            peer.send(sent)
+            document = self.host.note("hello")
+            self.assertEqual(document, {"Host": sent["Host"], "SourceNIC": nic})
+            del sent["SourceNIC"]
+            peer.send({**sent, "DiscoveryMessageType": "Bye"})
+            self.assertEqual(self.host.note("bye"), {"Host": sent["Host"]})
+
+    def test_requests_reach_the_devices_and_their_answers_the_host(self):
+        with Simulator("--count", "2") as simulator:
+            first, second = simulator.devices
+            self.host.must("discover")
+            found = {self.host.note("signature")["Host"]["HostName"] for _ in simulator.devices}
+            self.assertEqual(found, {first.name, second.name})
+            self.host.must("refresh", second.mac)
+            self.host.event("signature", second.name)
+            self.host.must("reach", first.ip)
+            self.host.event("signature", first.name)
+            self.host.must("rename", "Prüfstand", second.mac)
+            self.host.event("signature", "Prüfstand")
+            self.host.must("rename-ip", "press 2", first.ip)
+            settings = {**self.host.event("signature", "press 2")["SourceNIC"], "IPAddress": "127.0.0.66"}
+            self.host.must("configure", *settings.values())
+            self.assertEqual(self.host.event("signature", "press 2")["SourceNIC"], settings)
+        self.host.event("bye", "press 2")
+
+    def test_what_the_library_refuses_is_an_error_with_its_code(self):
+        for code, command, *arguments in (
+            (INVALID_FORMAT, "refresh", "00:11:22:33:44"),
+            (INVALID_FORMAT, "reach", "1.2.3.256"),
+            (INVALID_FORMAT, "rename", "name", ""),
+            (INVALID_FORMAT, "rename-ip", "name", "localhost"),
+            (INVALID_FORMAT, "configure", 'a "b" \\', "1", "127.0.0.1", "255.0.0.0", "", "1500"),
+            (INVALID_FORMAT, "provider", "127.0.0.1", 'a "b" \\'),
+            (INVALID_FORMAT, "min-version", "1"),
+            (INVALID_OPERATION, "second", str(self.folder / "second.txt")),
+        ):
+            with self.subTest(command, arguments=arguments):
+                self.assertEqual(self.host.call(command, *arguments), code)
+        self.assertIn("NUL", self.host.call("rename", "na\\0me", "00:11:22:33:44:55"))
+        self.host.must("stop")
+        self.assertEqual(self.host.call("discover"), NULL_POINTER)
+        self.host.must("close")
+        self.assertEqual(self.host.call("discover"), INVALID_OPERATION)
+        self.assertEqual(self.host.call("start"), INVALID_OPERATION)
+
+    def test_bytes_that_are_not_text_arrive_as_replacement_characters(self):
+        raw = json.dumps(message("Hello", "NAME")).encode()
+        with Peer() as peer:
+            peer.send(raw.replace(b"NAME", b"a\xff\xfe\xc3(\xed\xa0\x80\\u0001\\u001b[2Jz"))
+            name = self.host.note("hello")["Host"]["HostName"]
+            self.assertRegex(name, "^a\ufffd{3}\\(\ufffd+\x01\x1b\\[2Jz$")
+            peer.send(message("Hello", "next"))
+            self.host.event("hello", "next")
+
+    def test_a_handler_that_throws_costs_its_own_event_only(self):
+        self.host.must("on", "hello", "throw")
+        with Peer() as peer:
+            for name in ("one", "two"):
+                peer.send(message("Hello", name))
+                self.assertIn("thrown by the handler", self.host.note("reported"))
+            peer.send(message("Bye", "three"))
+            self.host.event("bye", "three")
+
+    def test_what_would_wait_for_the_handler_is_an_error_inside_it(self):
+        with Peer() as peer:
+            for action in ("start", "stop", "close"):
+                self.host.must("on", "hello", action)
+                peer.send(message("Hello"))
+                self.assertRegex(self.host.note("handler"), rf"^error {INVALID_OPERATION} ")
+            self.host.must("on", "hello", "discover")
+            peer.send(message("Hello"))
+            self.assertEqual(self.host.note("handler"), "ok")
+            self.host.must("close")
+
+    def test_closing_waits_for_a_handler_that_makes_a_request_and_stops(self):
+        self.host.must("on", "hello", "hold")
+        with Peer() as peer:
+            peer.send(message("Hello"))
+            self.host.note("holding")
+        self.host.must("close-in-background")
+        self.host.must("release")
+        self.assertRegex(self.host.note("handler"), rf"^(ok$|error {INVALID_OPERATION} )")
+        self.assertRegex(self.host.note("handler"), rf"^error {INVALID_OPERATION} ")
+        self.assertEqual(self.host.note("closed"), "ok")
+
+    def test_the_host_may_end_while_messages_come(self):
+        with Simulator("--count", "200", "--no-hello"):
+            for _ in range(5):
+                self.host.must("discover")
+            self.host.note("signature")
+            self.assertEqual(self.host.end(), 0)
+
+
+class LifeCycleTest(TestCase):
+    def setUp(self):
+        super().setUp()
+        self.host = self.enterContext(Host(self.folder))
+
+    def test_a_host_starts_stops_and_opens_again(self):
+        with Simulator("--count", "1", "--no-hello") as simulator:
+            for _ in range(2):
+                self.host.open()
+                for _ in range(2):
+                    self.host.must("start")
+                    self.host.must("start")
+                    self.host.must("discover")
+                    self.host.event("signature", simulator.devices[0].name)
+                    self.host.must("stop")
+                    self.host.must("stop")
+                    self.assertEqual(self.host.notes, [])  # a second start has not set the callbacks twice
+                self.host.must("close")
+                self.host.must("close")
+        self.assertEqual(self.host.log.read_text().count("Discovery Server stopped"), 4)
+
+    def test_a_log_that_cannot_be_opened_leaves_nothing_behind(self):
+        self.host.log.mkdir()
+        self.assertIsInstance(self.host.call("open", str(self.host.log)), int)
+        self.host.log.rmdir()
+        self.host.open()
+
+    def test_a_start_that_failed_may_be_tried_again(self):
+        self.host.open()
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as taken:
+            taken.bind(("", SERVER_PORT))
+            self.assertEqual(self.host.call("start"), SOCKET)
+            self.assertEqual(self.host.call("start"), SOCKET)
+        self.host.must("start")
+        with Peer() as peer:
+            peer.send(message("Hello", "first"))
+            self.host.event("hello", "first")
+
+
+if options.language != "cpp":  # there the linker finds the library, and memory is not collected
+
+    class LibraryTest(TestCase):
+        def test_a_wrong_library_is_refused_with_advice(self):
+            text_file = self.folder / "text.so"
+            text_file.write_text("not a library")
+            for path in (self.folder / "missing.so", text_file):
+                with Host(self.folder, str(path)) as host:
+                    failure = host.call("open", str(host.log))
+                self.assertIn(f"cannot load the library {path}", failure)
+                self.assertIn("DISCOVERY_LIBRARY", failure)
+                self.assertFalse(host.log.exists())
+
+        def test_a_library_that_lacks_a_function_is_refused(self):
+            with Host(self.folder, "/lib/x86_64-linux-gnu/libm.so.6") as host:
+                failure = host.call("open", str(host.log))
+            self.assertIn("libm.so.6 lacks the function Initialize", failure)
+
+    class MemoryTest(TestCase):
+        def test_collections_take_nothing_that_the_library_still_calls(self):
+            with Simulator("--count", "50", "--no-hello"), Host(self.folder) as host:
+                host.open()
+                host.must("start")
+                for _ in range(20):
+                    host.must("discover")
+                    host.must("collect")
+                    for _ in range(50):
+                        host.note("signature")
+                        if len(host.notes) % 10 == 0:
+                            host.must("collect")
+
+
+if __name__ == "__main__":
+    main()

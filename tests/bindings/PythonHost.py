@@ -1,0 +1,93 @@
+"""A host program in Python for BindingTest.py: PythonHost.py [LIBRARY]"""
+
+import gc
+import json
+import sys
+import threading
+
+import discovery_server
+
+NIC_MEMBERS = ("FriendlyName", "MACAddress", "IPAddress", "SubNetMask", "DefaultGateway", "MTU")
+
+library = sys.argv[1] if len(sys.argv) > 1 else None
+session = None
+actions = {}
+release = threading.Event()
+output = threading.Lock()
+
+
+def say(*words):
+    with output:
+        print(*words, flush=True)
+
+
+def outcome(action, *arguments):
+    try:
+        action(*arguments)
+        return "ok"
+    except discovery_server.DiscoveryError as error:
+        return f"error {error.code} {error}"
+    except Exception as error:
+        return f"failure {error}"
+
+
+def handle(event):
+    kind = event.kind.value
+    say(kind, json.dumps(event.document))
+    action = actions.get(kind, "none")
+    if action == "throw":
+        raise RuntimeError("thrown by the handler")
+    if action == "hold":
+        say("holding")
+        release.wait()
+        say("handler", outcome(session.discover))
+        action = "stop"
+    if action != "none":
+        say("handler", outcome(getattr(session, action)))
+
+
+def report(error):
+    say("reported", error)
+
+
+def open_session(log, *addresses):
+    global session
+    session = discovery_server.Session(
+        log,
+        discovery_server.LogLevel.DEBUG,
+        library=library,
+        local_addresses=addresses,
+        on_signature=handle,
+        on_hello=handle,
+        on_bye=handle,
+        on_error=report,
+    )
+
+
+def close_in_background():
+    threading.Thread(target=lambda: say("closed", outcome(session.close)), daemon=True).start()
+
+
+COMMANDS = {
+    "open": open_session,
+    "second": lambda log: discovery_server.Session(log, library=library),
+    "start": lambda: session.start(),
+    "stop": lambda: session.stop(),
+    "close": lambda: session.close(),
+    "close-in-background": close_in_background,
+    "discover": lambda: session.discover(),
+    "refresh": lambda mac: session.refresh_client(mac),
+    "reach": lambda ip: session.reach_client(ip),
+    "rename": lambda name, mac: session.change_clients_host_name(name.replace("\\0", "\0"), mac),
+    "rename-ip": lambda name, ip: session.change_clients_host_name_with_ip(name, ip),
+    "configure": lambda *values: session.change_clients_ip_configurations([dict(zip(NIC_MEMBERS, values))]),
+    "provider": lambda *addresses: session.init_broadcast_provider(addresses),
+    "min-version": lambda version: session.set_min_compatible_version(version),
+    "on": actions.__setitem__,
+    "release": release.set,
+    "collect": gc.collect,
+}
+
+for line in sys.stdin:
+    command, *arguments = line.rstrip("\n").split("\t")
+    say("=", outcome(COMMANDS[command], *arguments))

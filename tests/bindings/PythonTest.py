@@ -1,0 +1,121 @@
+"""What the binding for Python has of its own: its iterator, its packaging, and its manners in a Python process."""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "endtoend"))
+
+import discovery_server  # noqa: E402
+from endtoend import TIMEOUT, Peer, Simulator, TestCase, library_path, main, message, setting  # noqa: E402
+
+
+class PythonTestCase(TestCase):
+    def session(self, **options):
+        log = self.folder / "log.txt"
+        return discovery_server.Session(log, library=library_path(), local_addresses=["127.0.0.1"], **options)
+
+
+class EventsTest(PythonTestCase):
+    def test_the_iterator_yields_parsed_documents_until_it_is_quiet(self):
+        with Simulator("--count", "3", "--no-hello") as simulator, self.session() as session:
+            session.discover()
+            events = list(session.events(timeout=1))
+        self.assertEqual({event.kind for event in events}, {discovery_server.EventKind.SIGNATURE})
+        self.assertEqual(
+            {(event.host["HostName"], event.source_nic["MACAddress"]) for event in events},
+            {(device.name, device.mac) for device in simulator.devices},
+        )
+        self.assertEqual(list(session), [])  # closed: no endless wait
+
+    def test_the_oldest_events_are_lost_when_nobody_takes_them(self):
+        with Peer() as peer, self.session(max_waiting_events=2) as session:
+            for name in ("one", "two", "three"):
+                peer.send(message("Hello", name))
+            deadline = time.monotonic() + TIMEOUT
+            while session.lost_events == 0 and time.monotonic() < deadline:
+                time.sleep(0.01)
+            self.assertEqual([event.host["HostName"] for event in session.events(timeout=0)], ["two", "three"])
+
+    def test_a_handler_without_on_error_fails_into_the_log(self):
+        def handler(event):
+            next(session.events())  # would wait for itself
+
+        with Peer() as peer, self.session(on_hello=handler) as session:
+            with self.assertLogs("discovery_server", "ERROR") as logs:
+                peer.send(message("Hello", "one"))
+                self.assertEqual(next(session.events()).host["HostName"], "one")
+                session.stop()  # waits for the handler
+        self.assertIn("events failed", logs.output[0])
+
+
+class ProcessTest(PythonTestCase):
+    def test_an_exception_leaves_the_session_closed(self):
+        with self.assertRaises(KeyError), self.session():
+            raise KeyError
+        with self.session() as session:
+            session.discover()
+
+    def test_a_child_process_leaves_the_library_to_its_parent(self):
+        program = (
+            "import os, discovery_server as d, sys\n"
+            "session = d.Session(sys.argv[1], library=sys.argv[2], local_addresses=['127.0.0.1'])\n"
+            "session.start()\n"
+            "child = os.fork()\n"
+            "if child == 0:\n"
+            "    try:\n"
+            "        session.discover()\n"
+            "    except d.DiscoveryError as error:\n"
+            "        sys.exit(error.code)\n"
+            "status = os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])\n"
+            "session.discover()\n"
+            "sys.exit(status)\n"
+        )
+        result = subprocess.run(
+            [sys.executable, "-c", program, str(self.folder / "log.txt"), library_path()], timeout=TIMEOUT, check=False
+        )
+        self.assertEqual(result.returncode, discovery_server.ErrorCode.INVALID_OPERATION)
+
+
+class PackageTest(TestCase):
+    def setUp(self):
+        super().setUp()
+        self.binding = setting("source") / "bindings" / "python"
+
+    def test_types_are_complete_on_both_systems(self):
+        for system in ("linux", "win32"):
+            result = subprocess.run(
+                ["mypy", "--strict", "--python-version", "3.9", "--platform", system,
+                 "--cache-dir", str(self.folder / "cache"), "discovery_server", "sample.py"],
+                cwd=self.binding, capture_output=True, text=True, check=False,
+            )  # fmt: skip
+            self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+
+    def test_the_wheel_installs_the_typed_package_in_the_version_of_the_library(self):
+        # The system's Python has the packages pip and wheel, whichever one runs the tests.
+        copy = self.folder / "source"  # building writes beside the sources
+        shutil.copytree(self.binding, copy, ignore=shutil.ignore_patterns("__pycache__", ".mypy_cache"))
+        pip = ["/usr/bin/python3", "-m", "pip", "--disable-pip-version-check", "--no-cache-dir"]
+        options = ["--quiet", "--no-index", "--no-deps"]
+        wheels = self.folder / "wheels"
+        subprocess.run([*pip, "wheel", *options, "--no-build-isolation", "--wheel-dir", wheels, copy], check=True)
+        (wheel,) = wheels.iterdir()
+        version = re.search(r"project\(DiscoveryServer VERSION ([0-9.]+)",
+                            (setting("source") / "CMakeLists.txt").read_text())[1]  # fmt: skip
+        self.assertEqual(wheel.name, f"discovery_server-{version}-py3-none-any.whl")
+        target = self.folder / "target"
+        subprocess.run([*pip, "install", *options, "--target", target, wheel], check=True)
+        self.assertTrue((target / "discovery_server" / "py.typed").exists())
+        environment = {**os.environ, "PYTHONPATH": str(target), "DISCOVERY_LIBRARY": library_path()}
+        program = "import discovery_server as d; d.Session('log.txt').close(); print(d.__file__)"
+        output = subprocess.run([sys.executable, "-c", program], env=environment, cwd=self.folder,
+                                capture_output=True, text=True, check=True).stdout  # fmt: skip
+        self.assertEqual(pathlib.Path(output.strip()), target / "discovery_server" / "__init__.py")
+
+
+if __name__ == "__main__":
+    main()
