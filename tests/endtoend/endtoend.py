@@ -185,7 +185,9 @@ class Host(Process):
         self.must("InitBroadcastProvider", json.dumps(addresses or ["127.0.0.1"]))
 
     def _note(self, line):
-        kind, text = line.split(" ", 1)
+        kind, _, text = (line or "").partition(" ")
+        if kind not in ("signature", "hello", "bye"):
+            raise AssertionError(f"extc-host: {line}")
         self.events.append((kind, json.loads(text)))
 
     def event(self, kind, matches=lambda document: True):

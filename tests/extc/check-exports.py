@@ -49,7 +49,9 @@ def check_dll(library, objdump):
     table = dump.split("[Ordinal/Name Pointer] Table", 1)[1].split("\n\n", 1)[0]
     names = set(re.findall(r"^\s*\[\s*\d+\](?: \+base\[\s*\d+\]\s+\w+)? (\S+)$", table, re.MULTILINE))
     imports = {name.lower() for name in re.findall(r"DLL Name: (\S+)", dump)}
-    exact = check("exports", names, {f"_{name}@{size}" for name, size in FUNCTIONS.items()})
+    is_64_bit = "file format pei-x86-64" in dump
+    expected = set(FUNCTIONS) if is_64_bit else {f"_{name}@{size}" for name, size in FUNCTIONS.items()}
+    exact = check("exports", names, expected)
     if imports - WINDOWS_DLLS:
         print(f"imports: unexpected {sorted(imports - WINDOWS_DLLS)}")
         return False

@@ -20,7 +20,7 @@ static int Find(const char* name, unsigned argumentBytes, void* function)
 {
     char decorated[80];
     snprintf(decorated, sizeof decorated, "_%s@%u", name, argumentBytes);
-    FARPROC found = GetProcAddress(library, decorated);
+    FARPROC found = GetProcAddress(library, sizeof(void*) == 4 ? decorated : name);
     memcpy(function, &found, sizeof found);
     return found != NULL;
 }

@@ -20,11 +20,12 @@ SharedLibrary::SharedLibrary(const std::string& path)
 
 void* SharedLibrary::Find(const std::string& name, std::size_t argumentBytes) const
 {
-    const std::string decorated = "_" + name + "@" + std::to_string(argumentBytes);
-    void* const address = reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle), decorated.c_str()));
+    constexpr bool isDecorated = sizeof(void*) == 4;
+    const std::string exportName = isDecorated ? "_" + name + "@" + std::to_string(argumentBytes) : name;
+    void* const address = reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle), exportName.c_str()));
     if (address == nullptr)
     {
-        throw std::runtime_error("the library lacks the function " + decorated);
+        throw std::runtime_error("the library lacks the function " + exportName);
     }
     return address;
 }
