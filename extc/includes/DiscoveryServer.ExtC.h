@@ -1,54 +1,55 @@
 #ifndef DISCOVERY_SERVER_EXTC_H
 #define DISCOVERY_SERVER_EXTC_H
 
-/*
+/**
+ * @file
  * DiscoveryServer.ExtC: finds devices on the local networks by JSON datagrams over UDP.
  *
- * Order of calls
+ * @par Order of calls
  *     Initialize; the three callback setters and SetMinCompatibleVersion as wanted; StartServer; InitBroadcastProvider
  *     as wanted; any number of requests (Discover, RefreshClient, ReachClient, ChangeClients...); StopServer as wanted;
  *     Terminate. After Terminate the library may be unloaded or initialized again. On Linux dlclose keeps it mapped.
  *
- * Requests
+ * @par Requests
  *     A request is queued and sent by the library's own thread: its result says that it was queued, not that it was
  *     delivered or that a device answered. At most 512 requests and notifications wait; what comes on top is dropped
  *     with a line in the log. Answers reach the host through the callbacks. Devices listen on UDP port 12000, the
  *     library on 12001.
  *
- * Text
+ * @par Text
  *     All text is 8-bit and ends with NUL; JSON documents and host names are UTF-8, without byte order mark. Member
  *     names of documents that the library reads are matched without regard to ASCII letter case. A document of more
  *     than 16 MiB (16777216 bytes) is refused with code 0xC0090114 before it is read. Text from a device is passed on
  *     as the device sent it: it may hold invalid UTF-8 and control characters. On Windows a log path is UTF-8 when it
  *     is valid UTF-8, and text in the ANSI code page otherwise.
  *
- * Ownership
+ * @par Ownership
  *     Arguments belong to the caller and are copied before the call returns. The text that a callback receives belongs
  *     to the library and is gone when the callback returns. The result of GetErrorMessage belongs to the caller.
  *
- * Threads
+ * @par Threads
  *     Requests, the callback setters, InitBroadcastProvider, SetMinCompatibleVersion and GetErrorMessage may be called
  *     from any thread, also from a callback. Initialize and Terminate must not run at the same time as any other
  *     function, and neither must the first call of a process. Callbacks run one at a time on a thread of the library,
  *     which sends nothing while a callback runs: return soon. From within a callback Initialize, StartServer,
  *     StopServer and Terminate are refused with code 30. No exception may leave a callback.
  *
- * Result codes
+ * @par Result codes
  *     0 is success. Everything else is the code of the failure; GetErrorMessage has its text, and the log has a line
  *     with the details. A call that fails changes nothing, unless its description says otherwise. Codes from 0xC0090001
  *     on are negative as an int; print them with "0x%08X". Frequent ones:
  *
- *              9  ArgumentNull      a text argument is a null pointer
- *             10  ArgumentOutOfRange
- *             27  OutOfMemory
- *             30  InvalidOperation  not initialized, already initialized, or not allowed within a callback
- *             41  NullPointer       a request while the server is not started, or while it restarts itself
- *             73  Socket            the network refused, for instance because UDP port 12001 is taken
- *     0xC0090109  Resource not found, a JSON document lacks a required member
- *     0xC0090114  Invalid Format, a text is not the JSON, MAC address, IP address or version that it should be, or it
- *                 is too large
+ *                  9  ArgumentNull        a text argument is a null pointer
+ *                 10  ArgumentOutOfRange
+ *                 27  OutOfMemory
+ *                 30  InvalidOperation    not initialized, already initialized, or not allowed within a callback
+ *                 41  NullPointer         a request while the server is not started, or while it restarts itself
+ *                 73  Socket              the network refused, for instance because UDP port 12001 is taken
+ *         0xC0090109  Resource not found  a JSON document lacks a required member
+ *         0xC0090114  Invalid Format      a text is not the JSON, MAC address, IP address or version that it should
+ *                                         be, or it is too large
  *
- * Binary interface
+ * @par Binary interface
  *     On 32-bit Windows every function and every callback is __stdcall, and the DLL exports the decorated names, such
  *     as _Initialize@8. Elsewhere the platform's C convention and the plain names apply.
  */

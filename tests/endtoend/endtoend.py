@@ -32,6 +32,7 @@ def main():
     parser.add_argument("--suffix", default="", help="what the programs' names end with")
     parser.add_argument("--library", type=pathlib.Path, required=True)
     parser.add_argument("--launcher", nargs="*", default=[], help="what goes before a program")
+    parser.add_argument("--preset", help="the name of the build")
     parser.add_argument("--source", type=pathlib.Path, help="the root of the source tree")
     parser.add_argument("--compiler", help="the C compiler")
     parser.add_argument("--import-library", help="what programs for Windows link to")
@@ -190,14 +191,18 @@ class Host(Process):
             raise AssertionError(f"extc-host: {line}")
         self.events.append((kind, json.loads(text)))
 
+    def next_event(self):
+        """Waits for a callback; its kind and its document."""
+        while not self.events:
+            self._note(self.line())
+        return self.events.pop(0)
+
     def event(self, kind, matches=lambda document: True):
         """Waits for a callback of the kind whose document matches, and forgets it and all before."""
         while True:
-            while self.events:
-                found, document = self.events.pop(0)
-                if found == kind and matches(document):
-                    return document
-            self._note(self.line())
+            found, document = self.next_event()
+            if found == kind and matches(document):
+                return document
 
     def log_text(self):
         return self.log.read_text(errors="replace")
