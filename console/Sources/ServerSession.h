@@ -23,8 +23,9 @@ public:
     ServerSession(const ServerSession&) = delete;
     ServerSession& operator=(const ServerSession&) = delete;
 
-    /// Stops the server and terminates the library; no message is queued afterwards.
-    /// @throws CallFailure when the library cannot; the library must then stay as it is until the process ends.
+    /// Stops the server and terminates the library, which it does even when the server does not stop. No message is
+    /// queued afterwards.
+    /// @throws CallFailure with the first failure of the two.
     void Close();
 
     MessageQueue& Messages() const;
