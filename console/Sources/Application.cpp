@@ -2,11 +2,12 @@
 
 #include "ConfigureCommand.h"
 #include "DiscoverCommand.h"
+#include "ErrorCommand.h"
+#include "InventoryDiffCommand.h"
+#include "InventoryShowCommand.h"
 #include "RequestCommand.h"
 #include "ServerSession.h"
 #include "WatchCommand.h"
-
-#include <iostream>
 
 namespace Zent::Discovery::Console
 {
@@ -19,29 +20,25 @@ Application::Application(const Options& options, MessageQueue& messages, Output&
 
 ExitStatus Application::Run()
 {
-    const DiscoveryLibrary library(options.Library);
-    if (options.Command == Options::CommandName::Error)
+    switch (options.Command)
     {
-        return ShowErrorText(library);
+    case Options::CommandName::InventoryDiff:
+        return InventoryDiffCommand(options.File, options.LaterFile, options.Selection).Run(output);
+    case Options::CommandName::InventoryShow:
+        return InventoryShowCommand(options.File, options.Selection).Run(output);
+    case Options::CommandName::Error:
+        return ErrorCommand(options.ErrorCode).Run(DiscoveryLibrary(options.Library), output);
+    default:
+        return RunWithServer(DiscoveryLibrary(options.Library));
     }
+}
+
+ExitStatus Application::RunWithServer(const DiscoveryLibrary& library)
+{
     ServerSession session(library, options, messages);
     const ExitStatus status = MakeCommand()->Run(session, output);
     session.Close();
     return status;
-}
-
-ExitStatus Application::ShowErrorText(const DiscoveryLibrary& library)
-{
-    // The library's answer for a number that is none of its codes.
-    static constexpr std::string_view Unknown = "Unable to retrieve error message!";
-    const std::string text = library.ErrorText(options.ErrorCode);
-    if (text == Unknown)
-    {
-        output.Complain(text);
-        return ExitStatus::Failure;
-    }
-    std::cout << text << '\n';
-    return ExitStatus::Success;
 }
 
 std::unique_ptr<ICommand> Application::MakeCommand() const
@@ -50,7 +47,7 @@ std::unique_ptr<ICommand> Application::MakeCommand() const
     switch (options.Command)
     {
     case Options::CommandName::Watch:
-        return std::make_unique<WatchCommand>(options.Wait);
+        return std::make_unique<WatchCommand>(options.Wait, options.Interval, options.Selection);
     case Options::CommandName::Refresh:
         return std::make_unique<RequestCommand>(RequestCommand::Refresh(wait, options.MACAddress));
     case Options::CommandName::Reach:
@@ -60,9 +57,9 @@ std::unique_ptr<ICommand> Application::MakeCommand() const
             options.IPAddress.empty() ? RequestCommand::RenameMAC(wait, options.NewHostName, options.MACAddress)
                                       : RequestCommand::RenameIP(wait, options.NewHostName, options.IPAddress));
     case Options::CommandName::Configure:
-        return std::make_unique<ConfigureCommand>(wait, options.ConfigurationFile);
+        return std::make_unique<ConfigureCommand>(wait, options.File);
     default:
-        return std::make_unique<DiscoverCommand>(wait, options.ExpectedDevices, options.LogFile);
+        return std::make_unique<DiscoverCommand>(wait, options.ExpectedDevices, options.Selection, options.LogFile);
     }
 }
 } // namespace Zent::Discovery::Console

@@ -18,11 +18,11 @@ public:
     /// All three must outlive the object.
     Application(const Options& options, MessageQueue& messages, Output& output);
 
-    /// @throws std::runtime_error when the library cannot be loaded or refuses.
+    /// @throws std::runtime_error when a file cannot be read, or the library cannot be loaded or refuses.
     ExitStatus Run();
 
 private:
-    ExitStatus ShowErrorText(const DiscoveryLibrary& library);
+    ExitStatus RunWithServer(const DiscoveryLibrary& library);
     std::unique_ptr<ICommand> MakeCommand() const;
 
     const Options& options;

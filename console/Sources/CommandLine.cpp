@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <stdexcept>
 
 namespace Zent::Discovery::Console
 {
@@ -82,18 +83,9 @@ private:
                "--min-version", [this](const std::string& text) { options.MinimumVersion = text; },
                "drop messages of older protocol versions")
             ->type_name("VERSION");
-        app.add_option_function<double>(
-               "--wait",
-               [this](double seconds) {
-                   options.Wait = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
-               },
-               "how long to wait for devices; 2 seconds without it, watch without end")
-            ->type_name("SECONDS")
-            ->check(CLI::Range(0.0, 86400.0).description(""))
-            ->check([](const std::string& text) {
-                return text.find_first_of("nN") == std::string::npos ? "" : text + " is not a time"; // nan
-            });
-        app.add_flag("--json", options.Json, "print one JSON document per line instead of a table");
+        AddSeconds(app, "--wait", options.Wait, "how long to wait for devices; 2 seconds without it, watch without end",
+                   0.0);
+        app.add_flag("--json", options.Json, "print one JSON document per line, for scripts");
     }
 
     void AddCommands()
@@ -102,8 +94,14 @@ private:
         discover.add_option("--expect", options.ExpectedDevices, "stop waiting when so many devices have answered")
             ->type_name("COUNT")
             ->check(CLI::Range(1, 100000).description(""));
+        AddSelection(discover);
 
-        AddCommand("watch", "show messages of devices as they come, until Ctrl-C", CommandName::Watch);
+        CLI::App& watch = AddCommand(
+            "watch", "show devices as they come, change and leave, until Ctrl-C: on a terminal in a live table",
+            CommandName::Watch);
+        AddSeconds(watch, "--every", options.Interval, "ask all devices at the start and again after so many seconds",
+                   1.0);
+        AddSelection(watch);
 
         CLI::App& refresh = AddCommand("refresh", "ask one device for its signature", CommandName::Refresh);
         refresh.add_option("MAC", options.MACAddress, "a MAC address of the device")->required()->type_name("");
@@ -124,9 +122,9 @@ private:
 
         CLI::App& configure =
             AddCommand("configure", "give network interfaces of devices new settings", CommandName::Configure);
-        configure.add_option("FILE", options.ConfigurationFile, "a JSON array of interfaces")
-            ->required()
-            ->type_name("");
+        configure.add_option("FILE", options.File, "a JSON array of interfaces")->required()->type_name("");
+
+        AddInventory();
 
         CLI::App& error = AddCommand("error", "print the text of a result code", CommandName::Error);
         error
@@ -146,9 +144,93 @@ private:
 
     using CommandName = Options::CommandName;
 
-    CLI::App& AddCommand(const std::string& name, const std::string& description, CommandName command)
+    void AddInventory()
     {
-        CLI::App& added = *app.add_subcommand(name, description);
+        CLI::App& inventory = *app.add_subcommand("inventory", "look at results that were saved with --json");
+        inventory.fallthrough();
+        inventory.require_subcommand(1);
+
+        CLI::App& show = AddCommand("show", "show a saved result as a table", CommandName::InventoryShow, &inventory);
+        show.add_option("FILE", options.File, "saved with: discover --json > FILE")->required()->type_name("");
+        AddSelection(show);
+
+        CLI::App& diff = AddCommand("diff", "tell which devices have appeared, left or changed",
+                                    CommandName::InventoryDiff, &inventory);
+        diff.add_option("BEFORE", options.File, "the earlier result, saved with: discover --json > FILE")
+            ->required()
+            ->type_name("");
+        diff.add_option("AFTER", options.LaterFile, "the later result")->required()->type_name("");
+        AddSelection(diff);
+    }
+
+    /// Lets the user choose which devices the command shows, and in which order.
+    void AddSelection(CLI::App& command)
+    {
+        const auto addOption = [this, &command](const std::string& name,
+                                                void (DeviceSelection::*add)(const std::string&),
+                                                const std::string& description) {
+            return command
+                .add_option_function<std::vector<std::string>>(
+                    name,
+                    [this, name, add](const std::vector<std::string>& texts) {
+                        for (const std::string& text : texts)
+                        {
+                            AddToSelection(name, add, text);
+                        }
+                    },
+                    description)
+                ->allow_extra_args(false);
+        };
+        addOption("--sort", &DeviceSelection::AddOrder,
+                  "sort by a column: " + DeviceColumn::Names() + "; may be repeated for what is alike")
+            ->type_name("COLUMN[:desc]");
+        addOption(
+            "--filter", &DeviceSelection::AddFilter,
+            "show only devices whose column matches the pattern, in which * stands for any characters and ? for one; "
+            "with != instead of = those that do not match; may be repeated")
+            ->type_name("COLUMN=PATTERN");
+    }
+
+    void AddToSelection(const std::string& name,
+                        void (DeviceSelection::*add)(const std::string&),
+                        const std::string& text)
+    {
+        try
+        {
+            (options.Selection.*add)(text);
+        }
+        catch (const std::invalid_argument& error)
+        {
+            throw CLI::ValidationError(name, error.what());
+        }
+    }
+
+    static void AddSeconds(CLI::App& command,
+                           const std::string& name,
+                           std::optional<std::chrono::milliseconds>& target,
+                           const std::string& description,
+                           double minimum)
+    {
+        command
+            .add_option_function<double>(
+                name,
+                [&target](double seconds) {
+                    target = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+                },
+                description)
+            ->type_name("SECONDS")
+            ->check(CLI::Range(minimum, 86400.0).description(""))
+            ->check([](const std::string& text) {
+                return text.find_first_of("nN") == std::string::npos ? "" : text + " is not a time"; // nan
+            });
+    }
+
+    CLI::App& AddCommand(const std::string& name,
+                         const std::string& description,
+                         CommandName command,
+                         CLI::App* parent = nullptr)
+    {
+        CLI::App& added = *(parent == nullptr ? app : *parent).add_subcommand(name, description);
         added.fallthrough();
         added.callback([this, command] { options.Command = command; });
         return added;
@@ -157,6 +239,13 @@ private:
     Options& options;
     CLI::App app{"Finds devices on the local networks and talks with them.", "discovery-console"};
 };
+
+/// The innermost command that the user named; the program itself without one.
+const CLI::App& LastCommand(const CLI::App& app)
+{
+    const std::vector<CLI::App*> commands = app.get_subcommands();
+    return commands.empty() ? app : LastCommand(*commands.front());
+}
 } // namespace
 
 std::optional<Options> CommandLine::Parse(const std::vector<std::string>& arguments,
@@ -181,11 +270,15 @@ std::optional<Options> CommandLine::Parse(const std::vector<std::string>& argume
         }
         status = ExitStatus::Usage;
         errors << "discovery-console: ";
-        const std::vector<std::string> rest = parser.App().remaining();
-        if (parser.App().get_subcommands().empty() && !rest.empty())
+        const CLI::App& last = LastCommand(parser.App());
+        const std::vector<std::string> rest = parser.App().remaining(true);
+        const bool isAboutCommands = error.get_name() == "RequiredError" || error.get_name() == "ExtrasError";
+        if (isAboutCommands && last.get_require_subcommand_min() > 0 && last.get_subcommands().empty())
         {
             // The parser would only say that a command is missing.
-            errors << (rest.front().starts_with('-') ? "unknown option " : "unknown command ") << rest.front()
+            errors << (rest.empty()                    ? "a command is missing"
+                       : rest.front().starts_with('-') ? "unknown option " + rest.front()
+                                                       : "unknown command " + rest.front())
                    << "\nRun with --help for more information.\n";
             return std::nullopt;
         }

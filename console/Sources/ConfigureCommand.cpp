@@ -2,16 +2,14 @@
 
 #include "AddressText.h"
 #include "DeviceReader.h"
-#include "DeviceTable.h"
+#include "DeviceSelection.h"
+#include "Inventory.h"
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "Output.h"
 #include "ServerSession.h"
+#include "TextFile.h"
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <stdexcept>
 #include <utility>
 
 using Nfx::System::String;
@@ -49,7 +47,7 @@ ConfigureCommand::ConfigureCommand(std::chrono::milliseconds wait, std::string f
 
 ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
 {
-    const std::string configurations = ReadFile();
+    const std::string configurations = TextFile::Read(file);
     session.ChangeIPConfigurations(configurations);
     AllSettings missing = Read(configurations);
     for (const Settings& interface : missing)
@@ -57,8 +55,9 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
         session.RefreshClient(interface.MACAddress); // a device need not announce its new settings by itself
     }
 
-    DeviceTable table;
-    DeviceReader reader(session.Messages(), output, wait);
+    Inventory done;
+    DeviceReader reader(
+        session.Messages(), [&output](const std::string& text) { output.Complain(text); }, wait);
     while (!missing.empty())
     {
         const std::optional<Device> device = reader.Next();
@@ -74,12 +73,12 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
         };
         if (device->Message.Kind == DeviceMessage::MessageKind::Signature && std::erase_if(missing, isShown) > 0)
         {
-            table.Add(*device);
+            done.Add(*device);
         }
     }
-    if (!table.Devices().empty())
+    if (!done.Devices().empty())
     {
-        output.Show(table);
+        output.Show(DeviceSelection().Of(done.Devices()));
     }
     for (const Settings& interface : missing)
     {
@@ -88,24 +87,6 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
     return reader.IsInterrupted() ? ExitStatus::Interrupted
            : missing.empty()      ? ExitStatus::Success
                                   : ExitStatus::NoAnswer;
-}
-
-std::string ConfigureCommand::ReadFile() const
-{
-    const std::filesystem::path path(std::u8string(file.begin(), file.end()));
-    std::ifstream stream(path, std::ios::binary);
-    std::ostringstream content;
-    content << stream.rdbuf(); // fails on a folder, which can be opened
-    std::string text = content.str();
-    if (!stream.is_open() || stream.bad() || std::filesystem::is_directory(path))
-    {
-        throw std::runtime_error("cannot read " + file);
-    }
-    if (text.starts_with("\xEF\xBB\xBF"))
-    {
-        text.erase(0, 3); // editors' mark of UTF-8, which is not part of a JSON text
-    }
-    return text;
 }
 
 ConfigureCommand::AllSettings ConfigureCommand::Read(const std::string& configurations)

@@ -32,7 +32,6 @@ private:
 
     using AllSettings = std::vector<Settings>;
 
-    std::string ReadFile() const;
     static AllSettings Read(const std::string& configurations);
 
     const std::chrono::milliseconds wait;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 namespace Zent::Discovery::Console
@@ -14,8 +15,12 @@ struct DeviceMessage
         Bye
     };
 
+    /// Of the wall, which unlike a steady clock goes on while the computer sleeps.
+    using Clock = std::chrono::system_clock;
+
     MessageKind Kind;
     std::string Document;
+    Clock::time_point Received = Clock::now();
 
     const char* KindName() const
     {

@@ -2,6 +2,7 @@
 
 #include "system/Exception.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -19,16 +20,19 @@ std::optional<MessageQueue::TimePoint> DeadlineAfter(std::optional<std::chrono::
 }
 } // namespace
 
-DeviceReader::DeviceReader(MessageQueue& messages, Output& output, std::optional<std::chrono::milliseconds> time)
+DeviceReader::DeviceReader(MessageQueue& messages, Complain complain, std::optional<std::chrono::milliseconds> time)
     : messages(messages)
-    , output(output)
+    , complain(std::move(complain))
     , deadline(DeadlineAfter(time))
 {
 }
 
-std::optional<Device> DeviceReader::Next()
+std::optional<Device> DeviceReader::Next(std::optional<MessageQueue::TimePoint> until)
 {
-    while (std::optional<DeviceMessage> message = messages.Take(deadline))
+    const std::optional<MessageQueue::TimePoint> end = until && deadline ? std::min(*until, *deadline)
+                                                       : until           ? until
+                                                                         : deadline;
+    while (std::optional<DeviceMessage> message = messages.Take(end))
     {
         ComplainAboutLoss();
         try
@@ -37,10 +41,15 @@ std::optional<Device> DeviceReader::Next()
         }
         catch (const Nfx::System::Exception& exception)
         {
-            output.Complain("unreadable message left out: " + std::string(exception.GetMessage().View()));
+            complain("unreadable message left out: " + std::string(exception.GetMessage().View()));
         }
     }
     return std::nullopt;
+}
+
+bool DeviceReader::IsOver() const
+{
+    return IsInterrupted() || (deadline && std::chrono::steady_clock::now() >= *deadline);
 }
 
 bool DeviceReader::IsInterrupted() const
@@ -53,7 +62,7 @@ void DeviceReader::ComplainAboutLoss()
     const std::size_t loss = messages.Lost();
     if (loss != knownLoss)
     {
-        output.Complain(std::to_string(loss - knownLoss) + " messages lost: they come faster than they can be shown");
+        complain(std::to_string(loss - knownLoss) + " messages lost: they come faster than they can be shown");
         knownLoss = loss;
     }
 }

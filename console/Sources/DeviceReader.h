@@ -2,10 +2,11 @@
 
 #include "Device.h"
 #include "MessageQueue.h"
-#include "Output.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
+#include <string>
 
 namespace Zent::Discovery::Console
 {
@@ -13,12 +14,18 @@ namespace Zent::Discovery::Console
 class DeviceReader final
 {
 public:
-    /// The time starts now. Queue and output must outlive the reader.
-    DeviceReader(MessageQueue& messages, Output& output, std::optional<std::chrono::milliseconds> time);
+    using Complain = std::function<void(const std::string& text)>;
 
-    /// Waits for the next message and reads it. Nothing when the time is over or the user has interrupted.
-    /// A document that cannot be read, and messages lost, are complained about and left out.
-    std::optional<Device> Next();
+    /// The time starts now. complain is told of documents that cannot be read and of lost messages, which are left out.
+    /// The queue must outlive the reader.
+    DeviceReader(MessageQueue& messages, Complain complain, std::optional<std::chrono::milliseconds> time);
+
+    /// Waits for the next message and reads it, until then at the latest. Nothing when that moment has come, the time
+    /// is over or the user has interrupted.
+    std::optional<Device> Next(std::optional<MessageQueue::TimePoint> until = std::nullopt);
+
+    /// True when no message is taken any more.
+    bool IsOver() const;
 
     bool IsInterrupted() const;
 
@@ -26,7 +33,7 @@ private:
     void ComplainAboutLoss();
 
     MessageQueue& messages;
-    Output& output;
+    const Complain complain;
     const std::optional<MessageQueue::TimePoint> deadline;
     std::size_t knownLoss = 0;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DeviceSelection.h"
 #include "ICommand.h"
 
 #include <chrono>
@@ -8,18 +9,27 @@
 
 namespace Zent::Discovery::Console
 {
+class Inventory;
+
 /// Asks all devices for their signatures and shows who was heard of.
 class DiscoverCommand final : public ICommand
 {
 public:
-    /// expectedDevices ends the wait early; 0 when their number is unknown. logFile is where to look when none answers.
-    DiscoverCommand(std::chrono::milliseconds wait, std::size_t expectedDevices, std::string logFile);
+    /// expectedDevices, counted among those that the selection accepts, ends the wait early; 0 when their number is
+    /// unknown. logFile is where to look when none answers.
+    DiscoverCommand(std::chrono::milliseconds wait,
+                    std::size_t expectedDevices,
+                    DeviceSelection selection,
+                    std::string logFile);
 
     ExitStatus Run(ServerSession& session, Output& output) override;
 
 private:
+    ExitStatus Conclude(const Inventory& inventory, std::size_t shown, Output& output) const;
+
     const std::chrono::milliseconds wait;
     const std::size_t expectedDevices;
+    const DeviceSelection selection;
     const std::string logFile;
 };
 } // namespace Zent::Discovery::Console

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 namespace Zent::Discovery::Console
@@ -17,7 +18,10 @@ public:
     static std::string DefaultLogPath();
 
     /// The local time of day, such as 14:07:09.
-    static std::string TimeOfDay();
+    static std::string TimeOfDay(std::chrono::system_clock::time_point time);
+
+    /// Empty when it is not set.
+    static std::string EnvironmentVariable(const char* name);
 
     /// Frees a text of the library's GetErrorMessage; null is allowed.
     static void FreeErrorText(char* text);

@@ -2,29 +2,27 @@
 
 #include "Device.h"
 
-#include <iosfwd>
-#include <string>
+#include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace Zent::Discovery::Console
 {
-/// The devices seen so far, one row each, in the order of their first message.
-class DeviceTable final
+/// The devices heard of so far, in the order of their first message.
+class Inventory final
 {
 public:
-    /// Adds the device, or puts the newer knowledge in the place of the older.
-    void Add(Device device);
+    /// Adds the device, or puts the newer knowledge in the place of the older, which is returned.
+    std::optional<Device> Add(Device device);
 
     const std::vector<Device>& Devices() const;
 
-    /// Prints titles and rows, with columns as wide as they need to be.
-    void Print(std::ostream& out) const;
+    /// Null when it is not there.
+    const Device* Find(const Device& device) const;
 
-    /// One row for the device in columns of usual width, for rows that appear one by one.
-    static std::string Row(const Device& device);
-
-    /// The titles above such rows.
-    static std::string Titles();
+    /// Forgets devices that said Bye before that time, and as many of those heard of least recently as are more than
+    /// maximum.
+    void Forget(DeviceMessage::Clock::time_point byeBefore, std::size_t maximum);
 
 private:
     std::vector<Device> devices;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DeviceSelection.h"
+
 #include <chrono>
 #include <cstddef>
 #include <optional>
@@ -19,6 +21,8 @@ struct Options
         Reach,
         Rename,
         Configure,
+        InventoryDiff,
+        InventoryShow,
         Error
     };
 
@@ -32,11 +36,14 @@ struct Options
     std::optional<std::chrono::milliseconds> Wait;
     bool Json = false;
 
-    std::size_t ExpectedDevices = 0; // 0 when their number is unknown
-    std::string MACAddress;          // of the device meant; empty when IPAddress is set
+    DeviceSelection Selection;                         // of the devices to show
+    std::size_t ExpectedDevices = 0;                   // 0 when their number is unknown
+    std::optional<std::chrono::milliseconds> Interval; // from one question to the next while watching
+    std::string MACAddress;                            // of the device meant; empty when IPAddress is set
     std::string IPAddress;
     std::string NewHostName;
-    std::string ConfigurationFile;
+    std::string File; // with settings, or a saved result
+    std::string LaterFile;
     int ErrorCode = 0;
 };
 } // namespace Zent::Discovery::Console

@@ -2,66 +2,125 @@
 
 #include "HostPlatform.h"
 #include "TerminalText.h"
+#include "TimeText.h"
 
 #include <ostream>
 #include <utility>
 
 namespace Zent::Discovery::Console
 {
-Output::Output(std::ostream& out, std::ostream& errors, bool json)
+namespace
+{
+/// What a document says of the message, which the library's does not hold.
+std::string MembersOf(const Device& device)
+{
+    return std::string(R"("Message":")") + device.Message.KindName() + R"(","Time":")" +
+           TimeText::Utc(device.Message.Received) + '"';
+}
+} // namespace
+
+Output::Output(std::ostream& out, std::ostream& errors, const Settings& settings)
     : out(out)
     , errors(errors)
-    , json(json)
+    , settings(settings)
+    , outColours(Colours::For(settings.OutIsTerminal))
+    , errorColours(Colours::For(settings.ErrorsAreTerminal))
+    , status(errors, settings.ErrorsAreTerminal)
 {
 }
 
-void Output::Show(const DeviceTable& table)
+bool Output::IsJson() const
 {
-    if (!json)
+    return settings.Json;
+}
+
+const Colours& Output::OutColours() const
+{
+    return outColours;
+}
+
+void Output::Show(const std::vector<const Device*>& devices)
+{
+    DeviceTable table = DeviceTable::Snapshot();
+    for (const Device* device : devices)
     {
-        table.Print(out);
-        return;
+        if (settings.Json)
+        {
+            PrintDocument(MembersOf(*device), *device);
+        }
+        table.Add(*device);
     }
-    for (const Device& device : table.Devices())
+    if (!settings.Json)
     {
-        PrintDocument(device);
+        Show(table);
     }
 }
 
 void Output::Show(const Device& device)
 {
-    DeviceTable table;
-    table.Add(device);
-    Show(table);
+    Show(std::vector{&device});
+}
+
+void Output::Show(const DeviceTable& table)
+{
+    for (const std::string& line : table.Lines(outColours, settings.Width))
+    {
+        PrintLine(line);
+    }
 }
 
 bool Output::ShowNow(const Device& device)
 {
-    if (json)
+    if (settings.Json)
     {
-        PrintDocument(device);
+        PrintDocument(MembersOf(device), device);
     }
     else
     {
+        DeviceTable table = DeviceTable::Stream();
+        table.Add(device, Style::Plain, HostPlatform::TimeOfDay(device.Message.Received));
+        const std::vector<std::string> lines = table.Lines(outColours);
         if (!std::exchange(hasTitles, true))
         {
-            out << "TIME      " << DeviceTable::Titles() << '\n';
+            PrintLine(lines.front());
         }
-        out << HostPlatform::TimeOfDay() << "  " << DeviceTable::Row(device) << '\n';
+        PrintLine(lines.back());
     }
     out.flush();
     return out.good();
 }
 
-void Output::Complain(std::string_view text)
+void Output::PrintDocument(const std::string& members, const Device& device)
 {
-    errors << "discovery-console: " << TerminalText::Plain(text) << std::endl;
+    // The library's document is a JSON object.
+    PrintLine('{' + members + ',' + TerminalText::Json(device.Message.Document).substr(1));
 }
 
-void Output::PrintDocument(const Device& device)
+void Output::PrintLine(const std::string& line)
 {
-    // The library's document is a JSON object; the kind of message, which it does not hold, becomes its first member.
-    const std::string document = TerminalText::Json(device.Message.Document);
-    out << R"({"Message":")" << device.Message.KindName() << R"(",)" << std::string_view(document).substr(1) << '\n';
+    status.Clear();
+    out << line << '\n';
+}
+
+void Output::ShowStatus(const std::string& text)
+{
+    status.Show(errorColours.Paint(text, Style::Faint));
+}
+
+void Output::Conclude(const std::string& text)
+{
+    status.Clear();
+    if (!settings.Json)
+    {
+        out.flush(); // so that the sum stands below what it sums up
+        errors << text << std::endl;
+    }
+}
+
+void Output::Complain(std::string_view text)
+{
+    status.Clear();
+    out.flush();
+    errors << errorColours.Paint("discovery-console:", Style::Left) << ' ' << TerminalText::Plain(text) << std::endl;
 }
 } // namespace Zent::Discovery::Console

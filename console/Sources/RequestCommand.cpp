@@ -83,7 +83,8 @@ ExitStatus RequestCommand::Run(ServerSession& session, Output& output)
 {
     send(session);
     bool hasAnswered = false;
-    DeviceReader reader(session.Messages(), output, wait);
+    DeviceReader reader(
+        session.Messages(), [&output](const std::string& text) { output.Complain(text); }, wait);
     while (const std::optional<Device> device = reader.Next())
     {
         if (device->Message.Kind != DeviceMessage::MessageKind::Signature || !isFromDevice(*device))

@@ -1,5 +1,7 @@
 #include "TerminalText.h"
 
+#include "CharacterWidth.h"
+
 #include <cstdint>
 
 namespace Zent::Discovery::Console
@@ -90,9 +92,38 @@ bool IsDangerous(char32_t codePoint)
     return false;
 }
 
-/// Copies text, with what escape(character, its bytes) gives in place of each dangerous character.
-template <class TEscape>
-std::string Escape(std::string_view text, TEscape&& escape)
+/// Marks beyond these on one character reach into the lines above and below.
+constexpr std::size_t MaximumMarks = 4;
+
+/// Finds the characters of a text that a table cannot hold, besides the dangerous ones.
+class Misfits final
+{
+public:
+    /// Asked for each character of the text in its order.
+    bool Has(char32_t codePoint)
+    {
+        if (CharacterWidth::Of(codePoint) > 0)
+        {
+            marksLeft = MaximumMarks;
+            return false;
+        }
+        // Variation selectors and tags change the width of the character before them on some terminals only.
+        const bool isSelector = (codePoint >= 0xFE00 && codePoint <= 0xFE0F) || codePoint >= 0xE0000;
+        if (isSelector || marksLeft == 0)
+        {
+            return true;
+        }
+        --marksLeft;
+        return false;
+    }
+
+private:
+    std::size_t marksLeft = 0; // a mark at the start would stand on what comes before the text
+};
+
+/// Copies text, with what escape(character, its bytes) gives in place of each character that mustEscape picks.
+template <class TMustEscape, class TEscape>
+std::string Escape(std::string_view text, TMustEscape&& mustEscape, TEscape&& escape)
 {
     std::string result;
     result.reserve(text.size());
@@ -100,7 +131,7 @@ std::string Escape(std::string_view text, TEscape&& escape)
     {
         const Character character = Decode(text);
         const std::string_view bytes = text.substr(0, character.Length);
-        if (IsDangerous(character.CodePoint))
+        if (mustEscape(character.CodePoint))
         {
             result += escape(character, bytes);
         }
@@ -127,19 +158,22 @@ std::string Hexadecimal(char32_t value, int digits, const char* digitSet)
 
 std::string TerminalText::Plain(std::string_view text)
 {
-    return Escape(text, [](const Character&, std::string_view bytes) {
-        std::string escaped;
-        for (const char byte : bytes)
-        {
-            escaped += "\\x" + Hexadecimal(static_cast<std::uint8_t>(byte), 2, "0123456789ABCDEF");
-        }
-        return escaped;
-    });
+    Misfits misfits;
+    return Escape(
+        text, [&misfits](char32_t codePoint) { return IsDangerous(codePoint) || misfits.Has(codePoint); },
+        [](const Character&, std::string_view bytes) {
+            std::string escaped;
+            for (const char byte : bytes)
+            {
+                escaped += "\\x" + Hexadecimal(static_cast<std::uint8_t>(byte), 2, "0123456789ABCDEF");
+            }
+            return escaped;
+        });
 }
 
 std::string TerminalText::Json(std::string_view document)
 {
-    return Escape(document, [](const Character& character, std::string_view) {
+    return Escape(document, &IsDangerous, [](const Character& character, std::string_view) {
         const char32_t codePoint = character.CodePoint == NotUtf8 ? 0xFFFD : character.CodePoint;
         return "\\u" + Hexadecimal(codePoint, 4, "0123456789abcdef"); // all dangerous ones have four digits
     });
@@ -148,9 +182,11 @@ std::string TerminalText::Json(std::string_view document)
 std::size_t TerminalText::Width(std::string_view text)
 {
     std::size_t width = 0;
-    for (const char byte : text)
+    while (!text.empty())
     {
-        width += (static_cast<std::uint8_t>(byte) & 0xC0) != 0x80 ? 1 : 0;
+        const Character character = Decode(text);
+        width += CharacterWidth::Of(character.CodePoint);
+        text.remove_prefix(character.Length);
     }
     return width;
 }
@@ -162,12 +198,19 @@ std::string TerminalText::Shorten(std::string text, std::size_t width)
     {
         return text;
     }
+    const std::string_view ellipsis = Ellipsis.substr(0, width);
     std::size_t end = 0;
-    for (std::size_t kept = 0; kept + Ellipsis.size() < width; ++kept)
+    for (std::size_t kept = 0;;)
     {
-        end += Decode(std::string_view(text).substr(end)).Length;
+        const Character character = Decode(std::string_view(text).substr(end));
+        kept += CharacterWidth::Of(character.CodePoint);
+        if (kept + ellipsis.size() > width)
+        {
+            break;
+        }
+        end += character.Length;
     }
-    text.replace(end, std::string::npos, Ellipsis);
+    text.replace(end, std::string::npos, ellipsis);
     return text;
 }
 

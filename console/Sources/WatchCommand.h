@@ -1,22 +1,35 @@
 #pragma once
 
+#include "DeviceSelection.h"
 #include "ICommand.h"
+#include "Terminal.h"
 
 #include <chrono>
+#include <memory>
 #include <optional>
 
 namespace Zent::Discovery::Console
 {
-/// Shows messages as they come.
+class IWatchView;
+
+/// Shows devices as their messages come: in a live table on a terminal, else message by message.
 class WatchCommand final : public ICommand
 {
 public:
-    /// Watches until the user interrupts when no time is given.
-    explicit WatchCommand(std::optional<std::chrono::milliseconds> time);
+    /// Watches until the user interrupts when no time is given, and asks all devices for their signatures at the start
+    /// and every so often when an interval is given.
+    WatchCommand(std::optional<std::chrono::milliseconds> time,
+                 std::optional<std::chrono::milliseconds> interval,
+                 DeviceSelection selection);
 
     ExitStatus Run(ServerSession& session, Output& output) override;
 
 private:
+    ExitStatus Watch(ServerSession& session, IWatchView& view) const;
+    std::unique_ptr<IWatchView> MakeView(const Terminal& terminal, Output& output) const;
+
     const std::optional<std::chrono::milliseconds> time;
+    const std::optional<std::chrono::milliseconds> interval;
+    const DeviceSelection selection;
 };
 } // namespace Zent::Discovery::Console

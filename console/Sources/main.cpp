@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "Programs/Interruption.h"
 #include "Programs/Process.h"
+#include "Terminal.h"
 #include "system/Exception.h"
 
 #include <exception>
@@ -17,7 +18,11 @@ ExitStatus Run(const Options& options)
 {
     MessageQueue messages;
     const Interruption interruption([&messages] { messages.Interrupt(); });
-    Output output(std::cout, std::cerr, options.Json);
+    const Terminal out(Terminal::Stream::Output);
+    const Terminal errors(Terminal::Stream::Errors);
+    Output output(std::cout, std::cerr,
+                  {options.Json, out.IsInteractive(), errors.IsInteractive(),
+                   out.IsInteractive() ? out.Size().Width : TextTable::NoLimit});
     try
     {
         const ExitStatus status = Application(options, messages, output).Run();

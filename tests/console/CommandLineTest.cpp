@@ -33,6 +33,18 @@ TEST(CommandLineTest, OptionsMayStandBeforeAndBehindTheCommand)
     EXPECT_TRUE(options->Json);
 }
 
+TEST(CommandLineTest, InventoryCommandsTakeFilesAndASelection)
+{
+    ExitStatus status{};
+    const std::optional<Options> options =
+        Parse({"inventory", "diff", "a.json", "b.json", "--json", "--sort", "type", "--sort", "name:desc"}, status);
+    ASSERT_TRUE(options);
+    EXPECT_EQ(options->Command, Options::CommandName::InventoryDiff);
+    EXPECT_EQ(options->File, "a.json");
+    EXPECT_EQ(options->LaterFile, "b.json");
+    EXPECT_TRUE(options->Json);
+}
+
 TEST(CommandLineTest, ResultCodesAreReadAsUsersMeetThem)
 {
     for (const auto& [text, code] : {std::pair("73", 73), std::pair("010", 10), std::pair("-1073151724", -1073151724),
@@ -50,6 +62,14 @@ TEST(CommandLineTest, ComplaintsNameTheProgramAndTheCause)
 {
     for (const auto& [arguments, cause] :
          {std::pair(std::vector<std::string>{"frobnicate"}, "unknown command frobnicate"),
+          std::pair(std::vector<std::string>{"--frobnicate"}, "unknown option --frobnicate"),
+          std::pair(std::vector<std::string>{"inventory", "shew"}, "unknown command shew"),
+          std::pair(std::vector<std::string>{"inventory"}, "a command is missing"),
+          std::pair(std::vector<std::string>{}, "a command is missing"),
+          std::pair(std::vector<std::string>{"inventory", "diff", "a.json"}, "AFTER"),
+          std::pair(std::vector<std::string>{"discover", "--sort", "colour"}, "the columns are name, type"),
+          std::pair(std::vector<std::string>{"watch", "--filter", "name"}, "COLUMN=PATTERN"),
+          std::pair(std::vector<std::string>{"--log-level", "7"}, "critical, standard, debug and none"),
           std::pair(std::vector<std::string>{"discover", "--log-level", "7"}, "critical, standard, debug and none"),
           std::pair(std::vector<std::string>{"rename", "x", "--ip", "255.255.255.255"}, "the address of all devices")})
     {
@@ -69,6 +89,9 @@ TEST(CommandLineTest, MisuseEndsWithTheUsageStatus)
                                                {"unknown"},
                                                {"discover", "extra"},
                                                {"refresh"},
+                                               {"refresh", "0:1:2:3:4:5", "--sort", "name"},
+                                               {"watch", "--every", "0"},
+                                               {"discover", "--every", "5"},
                                                {"rename", "name"},
                                                {"rename", "name", "--mac", "0:1:2:3:4:5", "--ip", "10.0.0.1"},
                                                {"discover", "--wait", "-1"},

@@ -46,10 +46,32 @@ TEST(TerminalTextTest, EscapesWhatATerminalActsOnAndKeepsTheRest)
     }
 }
 
-TEST(TerminalTextTest, CountsAndCutsCharactersNotBytes)
+TEST(TerminalTextTest, TableTextsKeepToTheirColumns)
 {
+    EXPECT_EQ(TerminalText::Plain("e\u0301 \u0E01\u0E34"), "e\u0301 \u0E01\u0E34"); // marks on letters
+    EXPECT_EQ(TerminalText::Plain("\u0301a"), "\\xCC\\x81"
+                                              "a"); // on what comes before
+    EXPECT_EQ(TerminalText::Plain("a\u0301\u0301\u0301\u0301\u0301"), "a\u0301\u0301\u0301\u0301\\xCC\\x81");
+    EXPECT_EQ(TerminalText::Plain("\u2764\uFE0F"), "\u2764\\xEF\\xB8\\x8F");
+    EXPECT_EQ(TerminalText::Json("\u2764\uFE0F\u0301"), "\u2764\uFE0F\u0301");
+}
+
+TEST(TerminalTextTest, MeasuresAndCutsByTheColumnsOfATerminal)
+{
+    for (const auto& [text, width] :
+         {std::pair("abc", 3u), std::pair("\u00E4\u20AC", 2u), std::pair("\u65E5\u672C", 4u), std::pair("\uFF21", 2u),
+          std::pair("\uD55C", 2u), std::pair("\U0001F600", 2u), std::pair("e\u0301", 1u),
+          std::pair("\u1112\u1161\u11AB", 2u)})
+    {
+        EXPECT_EQ(TerminalText::Width(text), width) << text;
+    }
+    EXPECT_EQ(TerminalText::Shorten("\u65E5\u672C\u8A9E", 6), "\u65E5\u672C\u8A9E");
+    EXPECT_EQ(TerminalText::Shorten("\u65E5\u672C\u8A9E", 5), "\u65E5...");
+    EXPECT_EQ(TerminalText::Shorten("\u65E5\u672C\u8A9E", 4), "..."); // half a character does not fit
+    EXPECT_EQ(TerminalText::Shorten("e\u0301abcd", 4), "e\u0301...");
+    EXPECT_EQ(TerminalText::Pad("\u65E5", 3), "\u65E5 ");
+
     const std::string text = "\xC3\xA4\xC3\xB6\xC3\xBC\xE2\x82\xAC!";
-    EXPECT_EQ(TerminalText::Width(text), 5u);
     EXPECT_EQ(TerminalText::Pad(text, 7), text + "  ");
     EXPECT_EQ(TerminalText::Pad(text, 3), text);
     EXPECT_EQ(TerminalText::Shorten(text, 5), text);

@@ -19,7 +19,9 @@ class DiscoverTest(TestCase):
 
     def test_prints_documents_for_scripts(self):
         with Simulator("--count", "2") as simulator:
-            documents = self.console_documents("discover", "--expect", "2")
+            output, errors = self.console("discover", "--expect", "2", "--json")
+        documents = [json.loads(line) for line in output.splitlines()]
+        self.assertEqual(errors, "")
         self.assertCountEqual(
             [(document["Message"], document["Host"]["HostName"], document["SourceNIC"]["IPAddress"])
              for document in documents],
@@ -31,6 +33,19 @@ class DiscoverTest(TestCase):
             table, _ = self.console("discover", "--expect", "1")
         device = simulator.devices[0]
         self.assertEqual(rows(table)[0][4:6], [device.mac, device.ip])
+
+    def test_sorts_filters_and_counts(self):
+        with Simulator("--count", "12") as simulator:
+            names = sorted((device.name for device in simulator.devices if device.ip != "127.0.0.11"), reverse=True)
+            table, count = self.console(
+                "discover", "--wait", "0.5", "--sort", "name:desc", "--filter", "ip!=127.0.0.11",
+            )  # fmt: skip
+            _, errors = self.console("discover", "--wait", "0.5", "--filter", "name=nobody", status=3)
+            one, _ = self.console("discover", "--expect", "1", "--filter", "ip=127.0.0.20", "--wait", "600")
+        self.assertEqual([row[0] for row in rows(table)], names)
+        self.assertEqual(count, "12 devices found, 11 shown\n")
+        self.assertIn("12 devices found, but none that --filter accepts", errors)
+        self.assertEqual([row[5] for row in rows(one)], ["127.0.0.20"])
 
     def test_says_when_nothing_is_found(self):
         with Simulator("--silent"):
@@ -52,8 +67,51 @@ class DiscoverTest(TestCase):
                     self.assertEqual(console.wait(), 0)
                 text = "\n".join(lines)
                 self.assertNotRegex(text, r"[\x00-\x09\x0b-\x1f\x7f-\x9f\u202e]")
-                self.assertIn("line", lines[-1])
-                self.assertEqual(len(lines), 1 if options else 2)
+                self.assertIn("line", lines[0 if options else 1])
+                self.assertEqual(len(lines), 1 if options else 3)  # with titles and count
+
+
+class InventoryTest(TestCase):
+    def save(self, name, *options):
+        documents, _ = self.console("discover", "--json", *options)
+        file = self.folder / name
+        file.write_text(documents, encoding="utf-8")
+        return str(file)
+
+    def test_diff_tells_what_appeared_left_and_changed(self):
+        with Simulator("--count", "4") as simulator:
+            same, renamed, gone, new = simulator.devices
+            before = self.save("a.json", "--wait", "0.5", "--filter", f"ip!={new.ip}")
+            self.console("rename", "new-name", "--mac", renamed.mac)
+            after = self.save("b.json", "--wait", "0.5", "--filter", f"ip!={gone.ip}")
+
+        table, count = self.console("inventory", "diff", before, after, "--sort", "ip", status=4)
+        lines = [line.split() for line in table.splitlines()]
+        self.assertEqual(
+            [line[:2] for line in lines],
+            [["CHANGE", "HOST"], ["changed", "new-name"], ["HostName:", renamed.name], ["appeared", new.name],
+             ["left", gone.name]],
+        )  # fmt: skip
+        self.assertEqual(count, "1 appeared, 1 left, 1 changed, 1 unchanged\n")
+
+        documents = self.console_documents("inventory", "diff", before, after, "--filter", f"mac={renamed.mac}", status=4)
+        self.assertEqual(
+            [(document["Change"], document["Differences"]) for document in documents],
+            [("Changed", [{"Property": "HostName", "Before": renamed.name, "After": "new-name"}])],
+        )
+        self.assertEqual(self.console("inventory", "diff", after, after), ("", "0 appeared, 0 left, 0 changed, 3 unchanged\n"))
+
+        table, _ = self.console("inventory", "show", after, "--sort", "ip:desc")
+        self.assertEqual([row[0] for row in rows(table)], [new.name, "new-name", same.name])
+
+    def test_files_that_are_no_results_are_named(self):
+        bad = self.folder / "bad.json"
+        bad.write_text('{"Host":{"HostName":"a"}}\n{"Host":', encoding="utf-8")
+        _, errors = self.console("inventory", "show", str(bad), status=1)
+        self.assertIn(f"{bad} is no saved result: line 2: ", errors)
+        missing = str(self.folder / "missing.json")
+        _, errors = self.console("inventory", "diff", missing, str(bad), status=1)
+        self.assertIn(f"cannot read {missing}: ", errors)
 
 
 class SimulatorTest(TestCase):
@@ -170,6 +228,15 @@ class VersionTest(TestCase):
 
 
 class WatchTest(TestCase):
+    def test_prints_a_line_per_message_into_a_pipe(self):
+        with Simulator("--count", "2", "--no-hello") as simulator:
+            output, _ = self.console("watch", "--wait", "1.5", "--every", "1", "--filter", "name=" + simulator.devices[0].name)
+        titles, *lines = output.splitlines()
+        self.assertRegex(titles, r"^TIME +HOST NAME +TYPE ")
+        self.assertEqual(len(lines), 2, output)
+        for line in lines:
+            self.assertRegex(line, rf"^\d\d:\d\d:\d\d  {simulator.devices[0].name} .*  Signature$")
+
     def test_shows_messages_until_it_is_interrupted(self):
         with self.start_console("watch", "--json") as console:
             wait_until(lambda: "---Listening..." in self.log_text(), "the start of the server")
@@ -177,6 +244,7 @@ class WatchTest(TestCase):
                 hello = json.loads(console.line())
             bye = json.loads(console.line())
             self.assertEqual((hello["Message"], bye["Message"]), ("Hello", "Bye"))
+            self.assertLessEqual(hello["Time"], bye["Time"])
             self.assertEqual(hello["Host"]["HostName"], simulator.devices[0].name)
             console.interrupt()
             self.assertEqual(console.wait(), 0)
@@ -199,6 +267,8 @@ class FailureTest(TestCase):
     def test_error_prints_the_text_of_a_code(self):
         for code in (str(INVALID_FORMAT), f"0x{INVALID_FORMAT % 2**32:X}"):
             self.assertEqual(self.console("error", code)[0], "Invalid Format\n")
+            document = {"Code": str(INVALID_FORMAT), "Text": "Invalid Format"}
+            self.assertEqual(self.console_documents("error", code), [document])
         self.console("error", "12345", status=1)
 
     def test_misuse_is_told_apart_from_failure(self):

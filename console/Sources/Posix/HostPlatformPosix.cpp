@@ -6,15 +6,6 @@
 
 namespace Zent::Discovery::Console
 {
-namespace
-{
-std::filesystem::path EnvironmentPath(const char* name)
-{
-    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing changes the environment
-    return value == nullptr ? "" : value;
-}
-} // namespace
-
 std::string HostPlatform::DefaultLibraryPath()
 {
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
@@ -23,22 +14,28 @@ std::string HostPlatform::DefaultLibraryPath()
 
 std::string HostPlatform::DefaultLogPath()
 {
-    std::filesystem::path folder = EnvironmentPath("XDG_STATE_HOME");
+    std::filesystem::path folder = EnvironmentVariable("XDG_STATE_HOME");
     if (!folder.is_absolute())
     {
-        const std::filesystem::path home = EnvironmentPath("HOME");
+        const std::filesystem::path home = EnvironmentVariable("HOME");
         folder = home.is_absolute() ? home / ".local" / "state" : std::filesystem::temp_directory_path();
     }
     return folder / "discovery-console" / "discovery-console.log";
 }
 
-std::string HostPlatform::TimeOfDay()
+std::string HostPlatform::TimeOfDay(std::chrono::system_clock::time_point time)
 {
-    const std::time_t now = std::time(nullptr);
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
     std::tm local{};
-    localtime_r(&now, &local);
+    localtime_r(&seconds, &local);
     char text[16];
     return {text, std::strftime(text, sizeof(text), "%H:%M:%S", &local)};
+}
+
+std::string HostPlatform::EnvironmentVariable(const char* name)
+{
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing changes the environment
+    return value == nullptr ? "" : value;
 }
 
 void HostPlatform::FreeErrorText(char* text)

@@ -5,8 +5,8 @@
 #include <objbase.h>
 // clang-format on
 
-#include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 
 namespace Zent::Discovery::Console
@@ -47,13 +47,19 @@ std::string HostPlatform::DefaultLogPath()
     return Utf8(folder / L"discovery-console" / L"discovery-console.log");
 }
 
-std::string HostPlatform::TimeOfDay()
+std::string HostPlatform::TimeOfDay(std::chrono::system_clock::time_point time)
 {
-    SYSTEMTIME now{};
-    GetLocalTime(&now);
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+    std::tm local{};
+    localtime_s(&local, &seconds);
     char text[16];
-    const int length = std::snprintf(text, sizeof(text), "%02hu:%02hu:%02hu", now.wHour, now.wMinute, now.wSecond);
-    return {text, static_cast<std::size_t>(length)};
+    return {text, std::strftime(text, sizeof(text), "%H:%M:%S", &local)};
+}
+
+std::string HostPlatform::EnvironmentVariable(const char* name)
+{
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
 }
 
 void HostPlatform::FreeErrorText(char* text)

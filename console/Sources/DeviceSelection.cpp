@@ -1,0 +1,88 @@
+#include "DeviceSelection.h"
+
+#include "TerminalText.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+const DeviceColumn* ColumnNamed(const std::string& name)
+{
+    const DeviceColumn* const column = DeviceColumn::Find(name);
+    if (column == nullptr)
+    {
+        throw std::invalid_argument('"' + name + "\" is not a column; the columns are " + DeviceColumn::Names());
+    }
+    return column;
+}
+} // namespace
+
+void DeviceSelection::AddFilter(const std::string& text)
+{
+    const std::size_t sign = text.find('=');
+    if (sign == std::string::npos)
+    {
+        throw std::invalid_argument('"' + text + "\" is not COLUMN=PATTERN or COLUMN!=PATTERN, such as name=press*");
+    }
+    const bool isNegated = sign > 0 && text[sign - 1] == '!';
+    filters.push_back(
+        {ColumnNamed(text.substr(0, isNegated ? sign - 1 : sign)), Wildcard(text.substr(sign + 1)), !isNegated});
+}
+
+void DeviceSelection::AddOrder(const std::string& text)
+{
+    const std::size_t colon = text.find(':');
+    const std::string direction = colon == std::string::npos ? "asc" : text.substr(colon + 1);
+    if (direction != "asc" && direction != "desc")
+    {
+        throw std::invalid_argument('"' + direction + "\" is not a direction; it is asc or desc, such as name:desc");
+    }
+    orders.push_back({ColumnNamed(text.substr(0, colon)), direction == "desc"});
+}
+
+bool DeviceSelection::Accepts(const Device& device, DeviceColumn::TimePoint now) const
+{
+    return std::ranges::all_of(filters, [&device, now](const Filter& each) {
+        return each.Pattern.Matches(TerminalText::Plain(each.Column->Text(device, now))) == each.Wanted;
+    });
+}
+
+std::vector<const Device*> DeviceSelection::Of(const std::vector<Device>& devices) const
+{
+    std::vector<const Device*> accepted;
+    for (const Device& device : devices)
+    {
+        if (Accepts(device))
+        {
+            accepted.push_back(&device);
+        }
+    }
+    if (!orders.empty())
+    {
+        std::ranges::stable_sort(accepted,
+                                 [this](const Device* left, const Device* right) { return IsBefore(*left, *right); });
+    }
+    return accepted;
+}
+
+bool DeviceSelection::IsBefore(const Device& left, const Device& right) const
+{
+    for (const Order& order : orders)
+    {
+        const Device& first = order.Descending ? right : left;
+        const Device& second = order.Descending ? left : right;
+        if (order.Column->IsBefore(first, second))
+        {
+            return true;
+        }
+        if (order.Column->IsBefore(second, first))
+        {
+            return false;
+        }
+    }
+    return false;
+}
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Device.h"
+#include "DeviceColumn.h"
+#include "Style.h"
+#include "TextTable.h"
+
+#include <string>
+#include <vector>
+
+namespace Zent::Discovery::Console
+{
+/// Devices as rows of a table.
+class DeviceTable final
+{
+public:
+    /// Devices as they are, without the age of what they said.
+    static DeviceTable Snapshot();
+
+    /// Devices with the age of their last messages at the moment now.
+    static DeviceTable WithAges(DeviceColumn::TimePoint now);
+
+    /// Rows that appear one by one, below the times at which their messages came.
+    static DeviceTable Stream();
+
+    /// Devices that differ between two results, behind what has become of them.
+    static DeviceTable Changes();
+
+    /// first stands in front of the device's columns, in the tables that have such a column.
+    void Add(const Device& device, Style style = Style::Plain, const std::string& first = "");
+
+    void AddNote(const std::string& text);
+
+    std::vector<std::string> Lines(const Colours& colours, std::size_t limit = TextTable::NoLimit) const;
+
+private:
+    using Columns = std::vector<const DeviceColumn*>;
+
+    static Columns Without(const std::vector<std::string>& names);
+
+    DeviceTable(const char* firstTitle, Columns columns, bool hasUsualWidths, DeviceColumn::TimePoint now);
+
+    const bool hasFirst;
+    const Columns columns;
+    const DeviceColumn::TimePoint now;
+    TextTable table;
+};
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "ExitStatus.h"
+
+namespace Zent::Discovery::Console
+{
+class DiscoveryLibrary;
+class Output;
+
+/// Prints the library's text of a result code.
+class ErrorCommand final
+{
+public:
+    explicit ErrorCommand(int code);
+
+    ExitStatus Run(const DiscoveryLibrary& library, Output& output) const;
+
+private:
+    const int code;
+};
+} // namespace Zent::Discovery::Console

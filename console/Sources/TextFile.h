@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace Zent::Discovery::Console
+{
+/// Text files as users have them.
+class TextFile final
+{
+public:
+    TextFile() = delete;
+
+    /// The content in UTF-8 without an editor's mark; UTF-16, in which a shell of Windows redirects output, is
+    /// converted. path is UTF-8.
+    /// @throws std::runtime_error with the reason when the file cannot be read.
+    static std::string Read(const std::string& path);
+};
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,73 @@
+#include "Output.h"
+
+#include "DeviceDocuments.h"
+#include "TextFile.h"
+#include "TimeText.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+using namespace Zent::Discovery::Console;
+
+namespace
+{
+TEST(OutputTest, TheStatusMakesWayForEverythingElse)
+{
+    std::ostringstream out;
+    std::ostringstream errors;
+    {
+        Output output(out, errors, {.ErrorsAreTerminal = true});
+        output.ShowStatus("waiting");
+        output.Complain("late\n");
+        output.ShowStatus("waiting");
+    }
+    const std::string erase = "\r\x1B[K";
+    const std::size_t complaint = errors.str().find("late\\x0A\n");
+    ASSERT_NE(complaint, std::string::npos) << errors.str();
+    EXPECT_LT(errors.str().find("waiting"), errors.str().rfind(erase, complaint));
+    EXPECT_TRUE(errors.str().ends_with(erase)) << errors.str();
+}
+
+TEST(OutputTest, NothingButTextGoesToAFile)
+{
+    std::ostringstream out;
+    std::ostringstream errors;
+    Output output(out, errors, {});
+    const Device device(DeviceDocuments::Message(DeviceMessage::MessageKind::Bye, "press"));
+    output.ShowStatus("waiting");
+    output.Show(device);
+    output.Complain("late");
+    output.Conclude("1 device found");
+    EXPECT_EQ(errors.str(), "discovery-console: late\n1 device found\n");
+    EXPECT_EQ(out.str().find('\x1B'), std::string::npos) << out.str();
+}
+
+TEST(OutputTest, ScriptsReadDocumentsAlone)
+{
+    std::ostringstream out;
+    std::ostringstream errors;
+    Output output(out, errors, {.Json = true});
+    Device device(DeviceDocuments::Message(DeviceMessage::MessageKind::Bye, "press"));
+    device.Message.Received = DeviceMessage::Clock::time_point(std::chrono::milliseconds(1078928589007));
+    output.Show(device);
+    output.Conclude("1 device found");
+    EXPECT_EQ(out.str(),
+              R"({"Message":"Bye","Time":"2004-03-10T14:23:09.007Z",)" + device.Message.Document.substr(1) + "\n");
+    EXPECT_EQ(errors.str(), "");
+}
+
+TEST(TimeTextTest, AgesHaveOneUnit)
+{
+    using namespace std::chrono_literals;
+    for (const auto& [age, text] : {std::pair<std::chrono::milliseconds, const char*>(-5s, "0 s"),
+                                    {59999ms, "59 s"},
+                                    {60s, "1 min"},
+                                    {3599s, "59 min"},
+                                    {24h - 1s, "23 h"},
+                                    {240h, "10 d"}})
+    {
+        EXPECT_EQ(TimeText::Age(age), text);
+    }
+}
+} // namespace
