@@ -29,6 +29,18 @@ TEST(CollectionsTest, CheckTheirIndexes)
     EXPECT_ERROR(Queue<int>().Dequeue(), ErrorCodes::InvalidOperation);
 }
 
+TEST(CollectionsTest, AQueueKeepsTheOrder)
+{
+    Queue<int> queue;
+    queue.Enqueue(1);
+    queue.Enqueue(2);
+    queue.Enqueue(3);
+    EXPECT_EQ(1, queue.Dequeue());
+    std::string order;
+    queue.ForEach([&](int value) { order += std::to_string(value); });
+    EXPECT_EQ("23", order);
+}
+
 TEST(CollectionsTest, ADictionaryKeepsTheOrderAndTheFirstValue)
 {
     Dictionary<String, int> dictionary;

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "system/Int32.h"
 #include "system/Object.h"
-
-#include <atomic>
-#include <cstdint>
+#include "system/Threading/Interlocked.h"
 
 namespace Nfx::System
 {
@@ -13,14 +12,14 @@ class _RefCounter final : public Object
 public:
     _RefCounter() = default;
 
-    void Increment() noexcept { aliases.fetch_add(1, std::memory_order_relaxed); }
+    void Increment() noexcept { Threading::Interlocked::Increment(&aliases); }
 
     /// The count after the decrement. Whoever gets 0 sees all that the other owners did to the object.
-    std::int32_t Decrement() noexcept { return aliases.fetch_sub(1, std::memory_order_acq_rel) - 1; }
+    Int32 Decrement() noexcept { return Threading::Interlocked::Decrement(&aliases); }
 
-    std::int32_t Count() const noexcept { return aliases.load(std::memory_order_relaxed); }
+    Int32 Count() const noexcept { return Threading::Interlocked::CompareExchange(&aliases, 0, 0); }
 
 private:
-    std::atomic<std::int32_t> aliases{0};
+    mutable Int32 aliases; // reading it atomically writes it
 };
 } // namespace Nfx::System

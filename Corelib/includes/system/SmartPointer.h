@@ -149,7 +149,7 @@ public:
             return "SmartPointer [null]";
         }
         return "SmartPointer [Pointer=" + IntPtr(pointer).ToString() +
-               ", Aliases Count=" + Int32(counter->Count()).ToString() + "]";
+               ", Aliases Count=" + counter->Count().ToString() + "]";
     }
 
 private:

@@ -51,7 +51,9 @@ void SuspensionPosix::Allow() noexcept
     if (current != nullptr && current->deferrals.fetch_sub(1, std::memory_order_relaxed) == 1 &&
         current->state == Deferred)
     {
+        const int savedError = errno;
         current->StopUntilResumed();
+        errno = savedError;
     }
 }
 

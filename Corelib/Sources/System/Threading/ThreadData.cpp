@@ -407,6 +407,11 @@ void Thread::ThreadData::ThrowIfWoken() const
     }
 }
 
+void Thread::ThreadData::ThrowWaitFailure()
+{
+    throw IO::IOException(SourceName, __LINE__);
+}
+
 void Thread::ThreadData::ThrowIfCurrent() const
 {
     if (currentThread == this)

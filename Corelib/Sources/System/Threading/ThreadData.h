@@ -42,20 +42,15 @@ public:
     /// Every wait of the framework goes through here: wait(timeout) is one of the Os layer's and returns whether the
     /// thread got what it waited for.
     /// @throws ThreadInterruptedException or AbortSignal when the thread was woken for that.
+    /// @throws IOException when a wait without limit ends for nothing: the platform cannot wait for the object.
     template <class TWait>
     static bool Block(std::int32_t timeout, const TWait& wait)
     {
         ThreadData* const current = Current();
-        if (current == nullptr)
+        const bool succeeded = current == nullptr ? wait(timeout) : current->BlockCurrent(timeout, wait);
+        if (!succeeded && timeout == -1)
         {
-            return wait(timeout);
-        }
-        current->ThrowIfAborted();
-        const Waiting waiting(*current);
-        const bool succeeded = wait(timeout);
-        if (!succeeded && timeout != 0) // a look at the object is no wait to be woken from
-        {
-            current->ThrowIfWoken();
+            ThrowWaitFailure();
         }
         return succeeded;
     }
@@ -95,6 +90,21 @@ private:
     private:
         ThreadData& data;
     };
+
+    template <class TWait>
+    bool BlockCurrent(std::int32_t timeout, const TWait& wait)
+    {
+        ThrowIfAborted();
+        const Waiting waiting(*this);
+        const bool succeeded = wait(timeout);
+        if (!succeeded && timeout != 0) // a look at the object is no wait to be woken from
+        {
+            ThrowIfWoken();
+        }
+        return succeeded;
+    }
+
+    [[noreturn]] static void ThrowWaitFailure();
 
     static std::uint32_t Run(void* data);
     void InvokeDelegate();

@@ -42,6 +42,7 @@ public:
     /// entering again is not limited by it.
     /// @throws InvalidOperationException when this thread is not the owner.
     /// @throws ThreadInterruptedException when the thread was interrupted; it owns the lock then as well.
+    /// @throws IOException when the platform has nothing to wait for; likewise.
     Boolean Wait(Int32 timeout = -1) NFX_REQUIRES(this);
 
     /// Wakes the thread that has waited longest, if any; it goes on once it can enter.

@@ -45,13 +45,14 @@ public:
     /// Waits until the thread has ended.
     /// @throws ThreadStateException before Start; InvalidOperationException in the thread itself.
     /// @throws ThreadInterruptedException when the calling thread was interrupted.
+    /// @throws IOException when the platform cannot wait for it.
     void Join();
 
     /// Whether the thread ended within the timeout.
     /// @throws ArgumentException when the timeout is below -1; otherwise as Join without a timeout.
     Boolean Join(Int32 timeout);
 
-    /// Lets the calling thread sleep; 0 gives way to others.
+    /// Lets the calling thread sleep; 0 gives way to others, -1 sleeps until it is interrupted or aborted.
     /// @throws ArgumentException when the time is below -1.
     /// @throws ThreadInterruptedException when the calling thread was interrupted.
     static void Sleep(Int32 milliseconds);

@@ -15,6 +15,4 @@
 #define NFX_ACQUIRE(...) NFX_ANNOTATE(acquire_capability(__VA_ARGS__))
 #define NFX_TRY_ACQUIRE(...) NFX_ANNOTATE(try_acquire_capability(__VA_ARGS__))
 #define NFX_RELEASE(...) NFX_ANNOTATE(release_capability(__VA_ARGS__))
-#define NFX_EXCLUDES(...) NFX_ANNOTATE(locks_excluded(__VA_ARGS__))
-#define NFX_RETURN_CAPABILITY(LOCK) NFX_ANNOTATE(lock_returned(LOCK))
 #define NFX_NO_THREAD_SAFETY_ANALYSIS NFX_ANNOTATE(no_thread_safety_analysis)

@@ -31,6 +31,7 @@ public:
     /// @throws Exception with ErrorCodes::InvalidHandle after Close.
     /// @throws Exception with ErrorCodes::InvalidParameterValue when the timeout is below -1.
     /// @throws ThreadInterruptedException when the thread was interrupted.
+    /// @throws IOException when the platform cannot wait for the object; a limited wait then just ends.
     Boolean WaitOne(Int32 timeout);
 
     /// Lets go of the object; operations are refused from then on. Closing again does nothing.

@@ -56,8 +56,6 @@ public:
         return position == index.end() ? nullptr : &entries[position->second].Value();
     }
 
-    bool ContainsKey(const K& key) const { return Find(key) != nullptr; }
-
     /// Linear in the number of entries: the later ones move up.
     bool Remove(const K& key)
     {

@@ -36,6 +36,16 @@ public:
 
     void Clear() noexcept { elements.clear(); }
 
+    /// Calls action(value) for each value, the oldest first.
+    template <class TAction>
+    void ForEach(TAction&& action) const
+    {
+        for (const T& element : elements)
+        {
+            action(element);
+        }
+    }
+
 private:
     mutable Threading::Monitor syncRoot;
     std::deque<T> elements;
