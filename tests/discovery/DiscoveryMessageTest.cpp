@@ -222,6 +222,28 @@ TEST(DiscoveryMessageTest, DefectiveNICConfigsAreLoggedOneByOneAndLeftOut)
     EXPECT_EQ(log.TypesOf("Failed to parse NIC config !!! Ignoring this one..."), "CCCC");
 }
 
+TEST(DiscoveryMessageTest, OfManyDefectiveNICConfigsTheFirstHaveALineEachAndTheRestOneForAll)
+{
+    for (const int defects : {64, 65, 1000})
+    {
+        SCOPED_TRACE(defects);
+        std::string elements;
+        for (int count = 0; count < defects; ++count)
+        {
+            elements += "1,";
+        }
+        const Tests::LogCapture log(LogStreamLevel::Critical);
+        const auto message =
+            Deserialize(Envelope("ChangeYourIPConfig") + ",\"NewNICConfigs\":[" + elements + NIC + "]}")
+                .As<ChangeYourIPConfigMessage>();
+        EXPECT_EQ(message->NewNICConfigs.Count(), 1);
+        EXPECT_EQ(log.TypesOf("Failed to parse NIC config !!! Ignoring this one..."), std::string(64, 'C'));
+        const std::string rest = "Failed to parse NIC config !!! Ignoring " + std::to_string(defects - 64) + " more...";
+        EXPECT_EQ(log.TypesOf(" more..."), defects > 64 ? "C" : "");
+        EXPECT_EQ(log.Has(rest), defects > 64);
+    }
+}
+
 TEST(DiscoveryMessageTest, AValueThatIsNoKindIsRefusedWithALine)
 {
     const Tests::LogCapture log(LogStreamLevel::Critical);

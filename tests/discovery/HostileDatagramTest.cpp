@@ -1,6 +1,9 @@
 #include "Discovery/Message/DiscoveryMessageDeserializer.h"
 #include "Discovery/Message/SignatureBroadcastMessage.h"
+#include "support/ExpectError.h"
+#include "support/HostileDatagrams.h"
 #include "support/LogCapture.h"
+#include "support/SmallStack.h"
 #include "system/Exceptions.h"
 #include "system/Memory.h"
 
@@ -10,33 +13,21 @@
 #include <cstdint>
 #include <iostream>
 #include <string>
+#include <utility>
+#include <vector>
 
 using Nfx::System::Memory;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
 using namespace Zent::Discovery;
+namespace ErrorCodes = Nfx::System::ErrorCodes;
 
 namespace
 {
-constexpr std::size_t LargestDatagram = 65507;
-
 const std::string HelloBegin =
     R"({"DiscoveryMessageType":"Hello","DiscoveryVersion":"1.0.18","Host":{"HostName":"box","DeviceType":"panel")";
 const std::string HelloEnd = R"(,"NICs":[],"Products":[]}})";
-const std::string ConfigBegin =
-    R"({"DiscoveryMessageType":"ChangeYourIPConfig","DiscoveryVersion":"1.0.18","NewNICConfigs":[)";
-
-/// A text of the largest size, the part repeated in it.
-std::string Fill(const std::string& begin, const std::string& part, const std::string& end)
-{
-    std::string text = begin;
-    while (text.size() + part.size() + end.size() <= LargestDatagram)
-    {
-        text += part;
-    }
-    return text + end;
-}
 
 /// Deserializes a text and, when that works, writes the message and its host as the callbacks need it.
 void Handle(const std::string& text)
@@ -82,53 +73,137 @@ struct Most
     {
         if (amount > Amount)
         {
-            *this = {amount, text.substr(0, 160)};
+            *this = {amount, Tests::BeginningOf(text)};
         }
     }
 };
 
 TEST(HostileDatagramTest, AnyDatagramIsDoneInTimeAndLeavesNothingBehind)
 {
-    const std::string emptyNIC =
-        R"({"FriendlyName":"","MACAddress":"","IPAddress":"","SubNetMask":"","DefaultGateway":""},)";
-    const std::string product = R"({"ProductType":"","ProductSerialNumber":"","ProductVersion":"","ProductName":""},)";
-    const std::string cases[] = {
-        std::string(LargestDatagram, ' '),
-        std::string(LargestDatagram, '['),
-        std::string(LargestDatagram, '"'),
-        std::string(LargestDatagram, '\\'),
-        std::string(LargestDatagram, '\0'),
-        std::string(LargestDatagram, '1'),
-        std::string(LargestDatagram, '{'),
-        Fill("{", "\"a\":{},", "\"b\":1}"),
-        Fill(ConfigBegin, "1,", "1]}"),
-        Fill(ConfigBegin, "{},", "1]}"),
-        Fill(ConfigBegin, emptyNIC, "1]}"),
-        Fill(ConfigBegin, R"({"FriendlyName":"","MACAddress":""},)", "1]}"),
-        Fill(HelloBegin + R"(,"Products":[],"NICs":[)", "1,", "1]}}"),
-        Fill(HelloBegin + R"(,"Products":[],"NICs":[)", emptyNIC, "1]}}"),
-        Fill(HelloBegin + R"(,"NICs":[],"Products":[)", product, product.substr(0, product.size() - 1) + "]}}"),
-        Fill(HelloBegin + R"(,"FileTransferInfos":{)", "\"a\":\"\",", "\"b\":\"\"}" + HelloEnd),
-        Fill(HelloBegin + R"(,"FileTransferInfos":{)", "\"a\":\"\",\"A\":\"\",", "\"b\":1}" + HelloEnd),
-        Fill(HelloBegin + ",\"DeviceFamily\":\"", "\x01", "\"" + HelloEnd),
-        Fill(HelloBegin + ",\"DeviceFamily\":\"", "\\u0000", "\"" + HelloEnd),
-        Fill(HelloBegin, ",\"HostName\":\"\"", HelloEnd),
-        Fill(HelloBegin + ",\"SourceNIC\":{\"FriendlyName\":\"\",\"MACAddress\":\"", "0:", "\"}" + HelloEnd),
-    };
     Most slowest;
     Most talkative;
-    for (const std::string& text : cases)
+    for (const std::string& text : Tests::LargestHostileDatagrams())
     {
-        SCOPED_TRACE(text.substr(0, 160));
+        SCOPED_TRACE(Tests::BeginningOf(text));
         const double milliseconds = MillisecondsOf(text);
         slowest.Note(milliseconds, text);
-        EXPECT_LT(milliseconds, TIME_SCALE * 500); // tens, where each element has its line, unless it is quadratic
+        EXPECT_LT(milliseconds, TIME_SCALE * 500); // a few, unless something is quadratic
         const std::size_t logged = LoggedBytesOf(text);
         talkative.Note(static_cast<double>(logged), text);
-        EXPECT_LT(logged, 100 * text.size()); // a line for two characters, at the most
+        EXPECT_LT(logged, 16 * 1024);
     }
     std::cout << "slowest, " << slowest.Amount << " ms: " << slowest.What << "\nmost talkative, " << talkative.Amount
               << " bytes: " << talkative.What << "\n";
+}
+
+TEST(HostileDatagramTest, DepthIsReadUpToALimitAndRefusedBeyondItOnASmallStack)
+{
+    const auto arrays = [](std::size_t levels) { return std::string(levels, '[') + std::string(levels, ']'); };
+    const auto objects = [](std::size_t levels) {
+        std::string text;
+        for (std::size_t level = 0; level < levels; ++level)
+        {
+            text += "{\"Host\":";
+        }
+        return text + "0" + std::string(levels, '}');
+    };
+    const std::pair<std::string, bool> cases[] = {
+        {",\"x\":" + arrays(998) + HelloEnd, true},
+        {",\"x\":" + objects(998) + HelloEnd, true},
+        {",\"x\":" + arrays(999) + HelloEnd, false},
+        {",\"x\":" + objects(999) + HelloEnd, false},
+        {HelloEnd.substr(0, HelloEnd.size() - 1) + ",\"SourceNIC\":" + objects(999) + "}", true},
+        {HelloEnd.substr(0, HelloEnd.size() - 1) + ",\"SourceNIC\":" + objects(1000) + "}", false},
+        {",\"FileTransferInfos\":" + objects(998) + HelloEnd, true},
+        {",\"NICs\":[" + objects(997) + "]" + HelloEnd, false}, // an interface without its members
+        {",\"x\":" + arrays(998), false},
+        {",\"x\":" + std::string(60000, '['), false},
+        {",\"x\":" + objects(12000), false},
+    };
+    for (const auto& [rest, isAccepted] : cases)
+    {
+        SCOPED_TRACE(Tests::BeginningOf(rest));
+        const auto read = [&rest] {
+            const auto message = DiscoveryMessageDeserializer().Deserialize(String(HelloBegin + rest));
+            EXPECT_EQ(DiscoveryMessageDeserializer().Deserialize(message->ToJson())->ToJson(), message->ToJson());
+        };
+        Tests::RunOnSmallStack([&, isExpected = isAccepted] {
+            if (isExpected)
+            {
+                EXPECT_NO_THROW(read());
+                return;
+            }
+            EXPECT_ERROR(read(), ErrorCodes::InvalidFormat);
+        });
+    }
+}
+
+TEST(HostileDatagramTest, NoTextIsTakenForAValueThatItIsNot)
+{
+    struct Case
+    {
+        const char* Member;
+        std::vector<std::string> Texts;
+        const char* Line; // Critical
+    };
+
+    const std::string digits(58000, '9');
+    const std::vector<std::string> addresses = {"",          "0",          "1.2.3",    "1.2.3.4.5",
+                                                "1.2.3.256", "0x1.2.3.4",  "1.2.3.-4", " 1.2.3.4",
+                                                "1.2.3.4 ",  "1.2.3.4\\n", digits,     "1.2.3." + digits};
+    const std::vector<std::string> gateways(addresses.begin() + 1, addresses.end()); // an empty text is none
+    const Case cases[] = {
+        {"\"MACAddress\"",
+         {"", "0:0:0:0:0", "0:0:0:0:0:", "0:0:0:0:0:0:0", "0x0:0:0:0:0:0", "+1:0:0:0:0:0", "-1:0:0:0:0:0",
+          " 0:0:0:0:0:0", "0:0:0:0:0:0 ", "0:0:0:0:0:g", "0:0:0:0:0:100", digits},
+         "Failed to parse Host"},
+        {"\"IPAddress\"", addresses, "Failed to parse Host"},
+        {"\"SubNetMask\"", addresses, "Failed to parse Host"},
+        {"\"DefaultGateway\"", gateways, "Failed to parse Host"},
+        {"\"DiscoveryVersion\"",
+         {"", "1", "1.", ".1", "1..2", "1.2.3.4.5", "1.-2", "1.+2", "1. 2", "1.0x2", "1.2147483648", digits,
+          "1." + digits},
+         nullptr},
+        {"\"DiscoveryMessageType\"",
+         {"", "1", "hello", "HELLO", "Hello ", " Hello", "Hello\\n", "Goodbye", digits},
+         nullptr},
+        {"\"Broadcast\"", {"", "true", "TRUE", "1", "True ", " False", digits}, "No valid value for Broadcast key"},
+    };
+    const std::string message =
+        R"({"DiscoveryMessageType":"Hello","DiscoveryVersion":"1.0.18","Broadcast":"False","Host":{"HostName":"box",)"
+        R"("DeviceType":"panel","NICs":[{"FriendlyName":"","MACAddress":"0:0:0:0:0:0","IPAddress":"0.0.0.0",)"
+        R"("SubNetMask":"0.0.0.0","DefaultGateway":"0.0.0.0"}],"Products":[]}})";
+    EXPECT_NO_THROW(DiscoveryMessageDeserializer().Deserialize(String(message)));
+    for (const Case& one : cases)
+    {
+        const std::size_t value = message.find(one.Member) + std::string(one.Member).size() + 2;
+        const std::size_t end = message.find('"', value);
+        for (const std::string& text : one.Texts)
+        {
+            SCOPED_TRACE(one.Member + Tests::BeginningOf(text));
+            const Tests::LogCapture log(LogStreamLevel::Critical);
+            EXPECT_ERROR(DiscoveryMessageDeserializer().Deserialize(
+                             String(message.substr(0, value) + text + message.substr(end))),
+                         ErrorCodes::InvalidFormat);
+            EXPECT_TRUE(one.Line == nullptr || log.Has(one.Line)) << log.Text();
+        }
+    }
+}
+
+TEST(HostileDatagramTest, TheFirstOfSeveralMembersCountsThoughItBeOfTheWrongType)
+{
+    const std::string good = R"("HostName":"box")";
+    const auto read = [](const std::string& members) {
+        return DiscoveryMessageDeserializer().Deserialize(
+            String(R"({"DiscoveryMessageType":"Hello","DiscoveryVersion":"1.0.18","Host":{)" + members +
+                   R"(,"DeviceType":"","NICs":[],"Products":[]}})"));
+    };
+    EXPECT_NO_THROW(read(good + ",\"hostname\":1"));
+    for (const char* first : {"1", "true", "null", "{}", "[]", "[\"box\"]", "1e999"})
+    {
+        SCOPED_TRACE(first);
+        EXPECT_ERROR(read("\"HOSTNAME\":" + std::string(first) + "," + good), ErrorCodes::InvalidFormat);
+    }
 }
 
 TEST(HostileDatagramTest, ThousandsOfSettingsAreReadInOrder)

@@ -1,7 +1,7 @@
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
-#include "SmallStack.h"
 #include "support/ExpectError.h"
+#include "support/SmallStack.h"
 #include "system/ErrorCodes.h"
 #include "system/Memory.h"
 

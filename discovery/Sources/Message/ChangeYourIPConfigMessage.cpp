@@ -5,10 +5,13 @@
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
 #include "system/Exceptions.h"
+#include "system/Int32.h"
 
 #include <utility>
 
+using Nfx::System::Int32;
 using Nfx::System::SmartPointer;
+using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Zent::Utils::Json::JSONArray;
@@ -21,6 +24,7 @@ namespace
 {
 const char SourceName[] = "Sources/Message/ChangeYourIPConfigMessage";
 const char NewNICConfigsKey[] = "NewNICConfigs";
+constexpr std::int32_t MaximumDefectLines = 64; // of one message, so that 64 KiB do not write megabytes
 
 const LogStreamChannel& Channel()
 {
@@ -47,6 +51,26 @@ SmartPointer<NICConfig> ReadNICConfig(const JSONArray& array, std::int32_t index
         return nullptr;
     }
     return config;
+}
+
+/// Writes the line of a bad element, given how many there are with it.
+void LogDefect(std::int32_t defects)
+{
+    if (defects <= MaximumDefectLines)
+    {
+        DefectLog::Write(Channel(), "Failed to parse NIC config !!! Ignoring this one...", LogStreamLevel::Critical);
+    }
+}
+
+/// Writes one line for all bad elements that have none.
+void LogUnnamedDefects(std::int32_t defects)
+{
+    if (defects > MaximumDefectLines)
+    {
+        const String count = Int32(defects - MaximumDefectLines).ToString();
+        DefectLog::Write(Channel(), ("Failed to parse NIC config !!! Ignoring " + count + " more...").CString(),
+                         LogStreamLevel::Critical);
+    }
 }
 } // namespace
 
@@ -93,16 +117,17 @@ void ChangeYourIPConfigMessage::ReadFrom(const JSONObject& json)
         DefectLog::Reject(Channel(), "No \"New NIC Configs\" key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     NewNICConfigs.Clear();
+    std::int32_t defects = 0;
     for (std::int32_t index = 0; index < array.Length(); ++index)
     {
         SmartPointer<NICConfig> config = ReadNICConfig(array, index);
         if (config.IsNull())
         {
-            DefectLog::Write(Channel(), "Failed to parse NIC config !!! Ignoring this one...",
-                             LogStreamLevel::Critical);
+            LogDefect(++defects);
             continue;
         }
         NewNICConfigs.Add(std::move(config));
     }
+    LogUnnamedDefects(defects);
 }
 } // namespace Zent::Discovery

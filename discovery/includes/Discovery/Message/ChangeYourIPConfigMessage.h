@@ -22,7 +22,8 @@ public:
     void Serialize(Utils::Json::JSONStringer& stringer) const override;
     DiscoveryMessageType GetMessageType() const override;
 
-    /// Elements that are no good settings are logged and left out.
+    /// Elements that are no good settings are left out. Each of the first 64 has a line in the log, and one line more
+    /// tells how many follow.
     void ReadFrom(const Utils::Json::JSONObject& json) override;
 
     NICConfigList NewNICConfigs;
