@@ -172,8 +172,8 @@ bool LogFile::TryReportLost()
 
 bool LogFile::IsFull() const
 {
-    // A limit that leaves no room for header and line would make a new file of every line.
-    return stream->Length() >= maximumSize || (stream->IsAtSizeLimit() && !isFresh);
+    // Where a limit leaves no room for header and line, files without a line would push out those that have some.
+    return !isFresh && (stream->Length() >= maximumSize || stream->IsAtSizeLimit());
 }
 
 bool LogFile::IsOvergrown() const

@@ -178,3 +178,17 @@ TEST_F(LogStreamSplitTest, FileThatOthersHaveTakenAwayIsJustStartedAnew)
     EXPECT_EQ(Numbers({"taken.log", "test.log"}, "Main"), Range(0, 60));
     EXPECT_FALSE(std::filesystem::exists(folder.PathOf("test.log.1.bak")));
 }
+
+TEST_F(LogStreamSplitTest, HeaderThatFillsAFileAloneDoesNotPushOutKeptFilesForNoLine)
+{
+    folder.Write("large.log.1.bak", "kept");
+    LogStream large(String(folder.PathOf("large.log").c_str()), LogStreamLevel::Debug,
+                    {"A", "C", String(std::string(2000, 'P').c_str())});
+    large.SetMaximumSize(1);
+    large.SetFileCount(1);
+    large.Write(channel, "first", LogStreamLevel::Debug);
+    EXPECT_EQ(folder.Read("large.log.1.bak"), "kept");
+    large.Write(channel, "second", LogStreamLevel::Debug);
+    EXPECT_TRUE(folder.ReadLines("large.log.1.bak").back().ends_with("|first"));
+    EXPECT_TRUE(folder.ReadLines("large.log").back().ends_with("|second"));
+}

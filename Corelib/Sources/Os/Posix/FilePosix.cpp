@@ -1,6 +1,7 @@
 #include "Os/Posix/FilePosix.h"
 
 #include "Os/Posix/FileFailurePosix.h"
+#include "Os/Posix/ThreadBlockPosix.h"
 #include "system/String.h"
 
 #include <cerrno>
@@ -23,16 +24,26 @@ class WriteSignals final
 public:
     WriteSignals()
     {
+        sigset_t signals;
         sigemptyset(&signals);
         sigaddset(&signals, SIGXFSZ);
         sigaddset(&signals, SIGPIPE);
         pthread_sigmask(SIG_BLOCK, &signals, &previous);
+        // Of what a thread of ours has pending nothing is the host's, and only what is blocked can be pending.
+        if (ThreadBlockPosix::Current() == nullptr && (WasBlocked(SIGXFSZ) || WasBlocked(SIGPIPE)))
+        {
+            sigpending(&pendingBefore);
+        }
+        else
+        {
+            sigemptyset(&pendingBefore);
+        }
     }
 
     ~WriteSignals()
     {
         // The library's own threads block both for good: for them the call is spared.
-        if (sigismember(&previous, SIGXFSZ) == 0 || sigismember(&previous, SIGPIPE) == 0)
+        if (!WasBlocked(SIGXFSZ) || !WasBlocked(SIGPIPE))
         {
             pthread_sigmask(SIG_SETMASK, &previous, nullptr);
         }
@@ -41,18 +52,28 @@ public:
     WriteSignals(const WriteSignals&) = delete;
     WriteSignals& operator=(const WriteSignals&) = delete;
 
-    /// Takes back the signal that a failed write has raised, so that it is not delivered when the mask is restored.
-    void TakeBack() const
+    /// Takes back the signal that a failed write has raised, so that it is not delivered when the mask is restored. One
+    /// that was pending before belongs to the host and stays.
+    void TakeBack(int signal) const
     {
+        if (sigismember(&pendingBefore, signal) == 1)
+        {
+            return;
+        }
+        sigset_t raised;
+        sigemptyset(&raised);
+        sigaddset(&raised, signal);
         const timespec noWait{};
-        while (sigtimedwait(&signals, nullptr, &noWait) >= 0 || errno == EINTR)
+        while (sigtimedwait(&raised, nullptr, &noWait) < 0 && errno == EINTR)
         {
         }
     }
 
 private:
-    sigset_t signals;
+    bool WasBlocked(int signal) const { return sigismember(&previous, signal) == 1; }
+
     sigset_t previous;
+    sigset_t pendingBefore;
 };
 
 int DescriptorOf(IFile::Handle file)
@@ -92,7 +113,7 @@ FileResult FilePosix::Write(Handle file, const char* bytes, std::size_t size, st
         const int number = errno;
         if (number == EFBIG || number == EPIPE)
         {
-            signals.TakeBack();
+            signals.TakeBack(number == EFBIG ? SIGXFSZ : SIGPIPE);
         }
         return FileFailurePosix(number, System::String());
     }

@@ -19,6 +19,7 @@ bool StreamWriter::TryWrite(std::string_view text)
     {
         return false;
     }
+    unfinished.reserve(text.size()); // once a part is written, there must be memory for the rest
     const std::size_t written = stream->Write(text);
     if (written == 0)
     {

@@ -97,6 +97,34 @@ TEST_F(LogStreamPosixTest, LinesBeyondTheSizeLimitAreCountedAndNoSignalEndsTheHo
     EXPECT_NE(folder.Read("test.log").find("|C|           |" + report + "\n"), std::string::npos);
 }
 
+TEST_F(LogStreamPosixTest, SignalsThatTheHostHasPendingStayPending)
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGXFSZ);
+    sigaddset(&signals, SIGPIPE);
+    sigset_t previous;
+    pthread_sigmask(SIG_BLOCK, &signals, &previous);
+    const SmartPointer<LogStream> log = Open(folder.PathOf("test.log"));
+    {
+        const FileSizeLimit limit(4096);
+        Write(*log, 0, 100);
+        EXPECT_FALSE(IsPending(SIGXFSZ));
+        raise(SIGPIPE);
+        Write(*log, 100, 1);
+        EXPECT_FALSE(IsPending(SIGXFSZ));
+        EXPECT_TRUE(IsPending(SIGPIPE));
+        raise(SIGXFSZ);
+        Write(*log, 101, 1);
+        EXPECT_TRUE(IsPending(SIGXFSZ));
+    }
+    const timespec noWait{};
+    EXPECT_EQ(sigtimedwait(&signals, nullptr, &noWait), SIGPIPE);
+    EXPECT_EQ(sigtimedwait(&signals, nullptr, &noWait), SIGXFSZ);
+    EXPECT_EQ(sigtimedwait(&signals, nullptr, &noWait), -1);
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+}
+
 TEST_F(LogStreamPosixTest, SizeLimitSplitsTheFileWithoutLoss)
 {
     const SmartPointer<LogStream> log = Open(folder.PathOf("test.log"));
