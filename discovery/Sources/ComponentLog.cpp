@@ -8,6 +8,11 @@ using Nfx::System::Exception;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
 
+namespace
+{
+constexpr char NoMemoryText[] = "out of memory"; // short enough to need none
+}
+
 ComponentLog::ComponentLog(const String& name)
     : channel(name)
 {
@@ -20,9 +25,17 @@ void ComponentLog::Write(const String& message, const LogStreamLevel& level) con
 
 void ComponentLog::Write(const char* message, const LogStreamLevel& level) const
 {
-    if (IsEnabled(level))
+    if (!IsEnabled(level))
+    {
+        return;
+    }
+    try
     {
         Write(String(message), level);
+    }
+    catch (const std::bad_alloc&)
+    {
+        Write(String(NoMemoryText), level);
     }
 }
 
@@ -31,15 +44,15 @@ void ComponentLog::Write(const String& message, const Exception& exception) cons
     DiscoveryLogger::GetInstance().Log(channel, message, exception);
 }
 
-void ComponentLog::WriteLastResort(const char* message, const Exception& exception) const noexcept
+void ComponentLog::Write(const char* message, const Exception& exception) const
 {
     try
     {
-        Write(message, exception);
+        Write(String(message), exception);
     }
     catch (const std::bad_alloc&)
     {
-        // The text alone takes more memory than there is.
+        Write(String(NoMemoryText), exception);
     }
 }
 

@@ -17,6 +17,7 @@ using Nfx::System::Net::IPAddress;
 using Nfx::System::Net::IPEndPoint;
 using Nfx::System::Net::Sockets::SocketError;
 using Nfx::System::Net::Sockets::SocketException;
+using Nfx::System::Threading::Thread;
 using Nfx::System::Threading::ThreadPriority;
 
 namespace
@@ -60,8 +61,18 @@ void DiscoveryReceiver::Run()
     const ServiceThread mark;
     if (!Log().Guard("Receiver failed : ending worker.", [this] { ReceiveUntilStopped(); }))
     {
-        // A service must not go on with a dead receiver.
-        Log().Guard("Receiver failed to report its end.", [this] { RaiseSocketClosed(); });
+        ReportEnd();
+    }
+}
+
+void DiscoveryReceiver::ReportEnd()
+{
+    // A service must not go on with a dead receiver, and nobody else would tell. So a report that fails, for want of
+    // memory mostly, is repeated until it succeeds or a stop makes it superfluous.
+    constexpr std::int32_t PauseMilliseconds = 100;
+    while (!Log().Guard("Receiver failed to report its end.", [this] { RaiseSocketClosed(); }))
+    {
+        Thread::Sleep(PauseMilliseconds);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "system/Threading/Lock.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace Zent::Discovery::Server
@@ -201,7 +202,7 @@ void DiscoveryServer::StopLeftover(const SmartPointer<TWorker>& worker)
     }
     if (!log.Guard("Failed to stop what was still running", [&] { worker->Stop(); }))
     {
-        new SmartPointer<TWorker>(worker); // its thread may still run: a leak is the lesser evil
+        new (std::nothrow) SmartPointer<TWorker>(worker); // its thread may still run: a leak is the lesser evil
     }
 }
 

@@ -89,12 +89,6 @@ protected:
         return WaitUntil([&] { return Count(text) >= times; });
     }
 
-    const TemporaryFolder folder;
-    Device device;
-    static inline std::atomic<int> hellos{0};
-    static inline std::atomic<Gate*> callbackGate{nullptr}; // holds the callback when there is one
-
-private:
     static void DISCOVERY_EXTC_CALL OnHello(const char*)
     {
         ++hellos;
@@ -104,5 +98,10 @@ private:
             gate->Pass();
         }
     }
+
+    const TemporaryFolder folder;
+    Device device;
+    static inline std::atomic<int> hellos{0};
+    static inline std::atomic<Gate*> callbackGate{nullptr}; // holds the callback when there is one
 };
 } // namespace Tests

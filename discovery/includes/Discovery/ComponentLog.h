@@ -18,8 +18,9 @@ public:
 
     void Write(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
 
-    /// For literals: makes no text of a line whose level is off.
+    /// For literals: makes no text of a line whose level is off. For want of memory the line is lost, and nothing else.
     void Write(const char* message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
+    void Write(const char* message, const Nfx::System::Exception& exception) const;
 
     void Write(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
 
@@ -35,15 +36,15 @@ public:
         }
         catch (const Nfx::System::Exception& exception)
         {
-            WriteLastResort(failure, exception);
+            Write(failure, exception);
         }
         catch (const std::bad_alloc&)
         {
-            WriteLastResort(failure, Nfx::System::OutOfMemoryException(SourceName, __LINE__));
+            Write(failure, Nfx::System::OutOfMemoryException(SourceName, __LINE__));
         }
         catch (...) // a callback of the host threw what only the host knows
         {
-            WriteLastResort(failure, Nfx::System::Exception(SourceName, __LINE__));
+            Write(failure, Nfx::System::Exception(SourceName, __LINE__));
         }
         return false;
     }
@@ -53,8 +54,6 @@ public:
 
 private:
     static constexpr char SourceName[] = "includes/Discovery/ComponentLog";
-
-    void WriteLastResort(const char* message, const Nfx::System::Exception& exception) const noexcept;
 
     const Nfx::System::LogStreams::LogStreamChannel channel;
 };

@@ -29,6 +29,7 @@ public:
 
 private:
     void Run();
+    void ReportEnd();
     void ReceiveUntilStopped();
 
     /// Receives one datagram into the buffer; false ends the loop.

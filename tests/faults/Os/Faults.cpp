@@ -1,5 +1,7 @@
 #include "Os/Faults.h"
 
+#include "MemoryFaults.h"
+
 #include <atomic>
 #include <map>
 #include <mutex>
@@ -76,6 +78,7 @@ int Faults::OpenHandles()
 
 bool Faults::Strikes(Call call, std::int32_t& error)
 {
+    const MemoryFaults::Scope spared(false);
     State& state = TheState();
     Gate* held = nullptr;
     bool strikes = false;
