@@ -1,11 +1,13 @@
 """Everything that the documentation shows is tried as it stands there: commands, programs, documents and lines of the
 log. A block of code for which there is no rule is a failure."""
 
+import functools
 import json
 import pathlib
 import re
 import shlex
 import shutil
+import subprocess
 import unittest
 
 import blocks
@@ -33,6 +35,24 @@ def documents(source):
         *(path for folder in ("docs", "console", "simulator", "tools") for path in source.glob(f"{folder}/**/*.[1-9]")),
     ]
     return {re.sub(r"\W+", "_", str(path.relative_to(source))): path for path in sorted(paths)}
+
+
+@functools.cache
+def help_texts():
+    """What the programs and scripts say of their options."""
+    console = [str(setting("bin") / "discovery-console")]
+    overview = output_of(console)
+    subcommands = re.findall(r"^  (\w+)", overview.partition("Subcommands:")[2], re.MULTILINE)
+    return "".join([
+        overview,
+        *(output_of([*console, subcommand]) for subcommand in subcommands),
+        output_of([str(setting("bin") / "device-simulator")]),
+        output_of([str(setting("source") / "test")]),
+    ])  # fmt: skip
+
+
+def output_of(command):
+    return subprocess.run([*command, "--help"], capture_output=True, text=True, check=True).stdout
 
 
 class DocumentTest(TestCase):
@@ -217,6 +237,8 @@ class DocumentTest(TestCase):
     def check_inline(self, code):
         if re.match(r"cmake |ctest |\./(run|test|soak)\b|(scripts|fuzzers)/\w", code):
             self.run_commands(re.sub(r"\b(N|SECONDS|MINUTES)\b", "1", code), None)
+        elif option := re.match(r"--[a-z][\w-]*", code):
+            self.assertRegex(help_texts(), rf"{option[0]}(?![\w-])")
         elif re.match(r"build/linux/[\w./-]+$", code):
             self.assertTrue((self.tree.folder / code).exists(), "not in the build")
         elif re.match(r"[\w.-]+/[\w./-]+\.(md|h|c|cpp|py|cmake|json)$", code):
