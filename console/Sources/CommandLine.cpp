@@ -181,13 +181,10 @@ private:
                     description)
                 ->allow_extra_args(false);
         };
-        addOption("--sort", &DeviceSelection::AddOrder,
-                  "sort by a column: " + DeviceColumn::Names() + "; may be repeated for what is alike")
+        addOption("--sort", &DeviceSelection::AddOrder, "sort by " + DeviceColumn::Names() + "; may be repeated")
             ->type_name("COLUMN[:desc]");
-        addOption(
-            "--filter", &DeviceSelection::AddFilter,
-            "show only devices whose column matches the pattern, in which * stands for any characters and ? for one; "
-            "with != instead of = those that do not match; may be repeated")
+        addOption("--filter", &DeviceSelection::AddFilter,
+                  "show only devices whose column matches, with * and ? as wildcards; != inverts; may be repeated")
             ->type_name("COLUMN=PATTERN");
     }
 

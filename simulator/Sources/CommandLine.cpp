@@ -74,10 +74,15 @@ void AddBehaviour(CLI::App& app, SimulationOptions& options)
            "the time from a request to its answer")
         ->type_name("MILLISECONDS")
         ->check(CLI::Range(0, 600000).description(""));
-    app.add_flag("--silent{false}", options.Answers, "answer nothing");
-    app.add_flag("--no-hello{false}", options.SaysHello, "start without a Hello");
-    app.add_flag("--no-bye{false}", options.SaysBye, "end without a Bye");
-    app.add_flag("--no-source-nic{false}", options.NamesSourceNIC, "leave the source interface out of the messages");
+    app.add_flag_callback(
+        "--silent", [&options] { options.Answers = false; }, "answer nothing");
+    app.add_flag_callback(
+        "--no-hello", [&options] { options.SaysHello = false; }, "start without a Hello");
+    app.add_flag_callback(
+        "--no-bye", [&options] { options.SaysBye = false; }, "end without a Bye");
+    app.add_flag_callback(
+        "--no-source-nic", [&options] { options.NamesSourceNIC = false; },
+        "leave the source interface out of the messages");
     app.add_flag("--read-only-names", options.HostNamesAreReadOnly, "refuse new host names");
 }
 } // namespace

@@ -1,0 +1,84 @@
+"""The manual pages and the completion tell of everything that the programs take."""
+
+import re
+import shlex
+import subprocess
+
+from endtoend import TestCase, command, main, setting
+
+PROGRAMS = {"discovery-console": "console", "device-simulator": "simulator"}
+COMPLETION = """
+source {script} || exit
+COMP_WORDS=({words})
+COMP_CWORD={last}
+{function}
+printf '%s\\n' "${{COMPREPLY[@]}}"
+"""
+
+
+def help_of(program, *commands):
+    """The options and the commands that a help text names."""
+    text = subprocess.run(command(program, *commands, "--help"), stdout=subprocess.PIPE, check=True).stdout.decode()
+    options = re.findall(r"^ +(?:-\w,)?(--[\w-]+)", text, re.MULTILINE)
+    listed = text.partition("Subcommands:\n")[2]
+    return options, re.findall(r"^  (\w+) ", listed, re.MULTILINE)
+
+
+def all_commands(program, *commands):
+    """Every command with its words and its options."""
+    options, inner = help_of(program, *commands)
+    yield commands, options
+    for name in inner:
+        yield from all_commands(program, *commands, name)
+
+
+class ManualTest(TestCase):
+    def file(self, program, kind, name):
+        return setting("source") / PROGRAMS[program] / kind / name
+
+    def completions(self, program, *words):
+        script = COMPLETION.format(
+            script=shlex.quote(str(self.file(program, "completion", program))),
+            words=shlex.join((program, *words)),
+            last=len(words),
+            function="_" + program.replace("-", "_"),
+        )
+        result = subprocess.run(["bash", "-c", script], stdout=subprocess.PIPE, check=True, cwd=self.folder)
+        return result.stdout.decode().split()
+
+    def test_pages_and_completions_know_every_option_and_command(self):
+        for program in PROGRAMS:
+            page = self.file(program, "man", program + ".1").read_text().replace("\\-", "-")
+            for words, options in all_commands(program):
+                with self.subTest(program, words=words):
+                    self.assertTrue(options)
+                    self.assertIn(" ".join(words), page)
+                    if words:
+                        self.assertIn(words[-1], self.completions(program, *words[:-1], words[-1][:2]))
+                    offered = self.completions(program, *words, "--")
+                    for option in options:
+                        self.assertRegex(page, rf"(?m){option}\b(?!-)")
+                        self.assertIn(option, offered)
+
+    def test_completes_what_stands_behind_options(self):
+        (self.folder / "a result.json").touch()
+        (self.folder / "other").touch()
+        console = "discovery-console"
+        self.assertEqual(self.completions(console, "--log-level", "d"), ["debug"])
+        self.assertEqual(self.completions(console, "watch", "--sort", "m"), ["mac", "message"])
+        self.assertEqual(self.completions(console, "watch", "--sort", "name", ":", "d"), ["desc"])
+        self.assertEqual(self.completions(console, "watch", "--filter", "na"), ["name="])
+        self.assertEqual(self.completions(console, "--wait", ""), [])
+        self.assertEqual(self.completions(console, "--log", "discover", "wa"), ["watch"])
+        self.assertEqual(self.completions(console, "inventory", "diff", "ot"), ["other"])
+        self.assertEqual(self.completions(console, "inventory", "show", "a"), ["a", "result.json"])
+
+    def test_pages_are_well_formed(self):
+        for program in PROGRAMS:
+            page = self.file(program, "man", program + ".1")
+            result = subprocess.run(["mandoc", "-T", "lint", "-W", "warning", str(page)], stdout=subprocess.PIPE)
+            self.assertEqual((result.returncode, result.stdout.decode()), (0, ""))
+
+
+if __name__ == "__main__":
+    main()
