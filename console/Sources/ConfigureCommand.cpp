@@ -9,7 +9,9 @@
 #include "Output.h"
 #include "ServerSession.h"
 #include "TextFile.h"
+#include "system/Exception.h"
 
+#include <stdexcept>
 #include <utility>
 
 using Nfx::System::String;
@@ -48,8 +50,8 @@ ConfigureCommand::ConfigureCommand(std::chrono::milliseconds wait, std::string f
 ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
 {
     const std::string configurations = TextFile::Read(file);
-    session.ChangeIPConfigurations(configurations);
     AllSettings missing = Read(configurations);
+    session.ChangeIPConfigurations(configurations);
     for (const Settings& interface : missing)
     {
         session.RefreshClient(interface.MACAddress); // a device need not announce its new settings by itself
@@ -89,16 +91,25 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
                                   : ExitStatus::NoAnswer;
 }
 
-ConfigureCommand::AllSettings ConfigureCommand::Read(const std::string& configurations)
+ConfigureCommand::AllSettings ConfigureCommand::Read(const std::string& configurations) const
 {
     AllSettings interfaces;
-    const JSONArray array{String(std::string_view(configurations))};
-    for (std::int32_t i = 0; i < array.Length(); ++i)
+    try
     {
-        const JSONObject object = array.GetJSONObject(i);
-        interfaces.push_back({AddressText::MAC(object.GetString("MACAddress").View()),
-                              AddressText::IP(object.GetString("IPAddress").View()), OptionalText(object, "SubNetMask"),
-                              OptionalText(object, "DefaultGateway"), OptionalText(object, "MTU")});
+        const JSONArray array{String(std::string_view(configurations))};
+        for (std::int32_t i = 0; i < array.Length(); ++i)
+        {
+            const JSONObject object = array.GetJSONObject(i);
+            interfaces.push_back({AddressText::MAC(object.GetString("MACAddress").View()),
+                                  AddressText::IP(object.GetString("IPAddress").View()),
+                                  OptionalText(object, "SubNetMask"), OptionalText(object, "DefaultGateway"),
+                                  OptionalText(object, "MTU")});
+        }
+    }
+    catch (const Nfx::System::Exception&)
+    {
+        throw std::runtime_error(file + " is no JSON array of objects with MACAddress, IPAddress, SubNetMask, " +
+                                 "DefaultGateway and FriendlyName; the manual shows one");
     }
     return interfaces;
 }

@@ -16,7 +16,7 @@ public:
     /// file is the UTF-8 path of a JSON array of interfaces.
     ConfigureCommand(std::chrono::milliseconds wait, std::string file);
 
-    /// @throws std::runtime_error when the file cannot be read.
+    /// @throws std::runtime_error when the file cannot be read or holds something else.
     ExitStatus Run(ServerSession& session, Output& output) override;
 
 private:
@@ -32,7 +32,7 @@ private:
 
     using AllSettings = std::vector<Settings>;
 
-    static AllSettings Read(const std::string& configurations);
+    AllSettings Read(const std::string& configurations) const;
 
     const std::chrono::milliseconds wait;
     const std::string file;

@@ -42,6 +42,7 @@ public:
 private:
     const Stream stream;
     unsigned long formerMode = 0; // of the terminal, where it has one
+    bool hasMode = false;
     bool isInteractive = false;
 };
 } // namespace Zent::Discovery::Console

@@ -218,6 +218,11 @@ class RequestTest(TestCase):
     def test_configure_names_a_file_that_it_cannot_read(self):
         _, errors = self.console("configure", str(self.folder), status=1)
         self.assertIn(f"cannot read {self.folder}", errors)
+        file = self.folder / "nics.json"
+        for content in ("text", "{}", "[1]", '[{"MACAddress": "0:1:2:3:4:5"}]'):
+            file.write_text(content)
+            _, errors = self.console("configure", str(file), status=1)
+            self.assertIn(f"{file} is no JSON array of objects with MACAddress", errors)
 
 
 class VersionTest(TestCase):
