@@ -1,7 +1,10 @@
 #include "Server/DiscoveryTaskProcessor.h"
 
 #include "Discovery/ServiceThread.h"
+#include "system/Memory.h"
 #include "system/Threading/Lock.h"
+
+#include <algorithm>
 
 namespace Zent::Discovery::Server
 {
@@ -17,6 +20,14 @@ using Nfx::System::Net::Sockets::SocketError;
 using Nfx::System::Net::Sockets::SocketException;
 using Nfx::System::Threading::Lock;
 using Nfx::System::Threading::ThreadPriority;
+
+namespace
+{
+// When so many tasks have waited and no new one has come for a while, the memory of what waited goes back to the
+// system: the process is the host's, and on Windows has 32 bits.
+constexpr std::int32_t RushLength = 64;
+constexpr std::int32_t RushEndMilliseconds = 500;
+} // namespace
 
 DiscoveryTaskProcessor::DiscoveryTaskProcessor(const SmartPointer<IDiscoverySocket>& socket, const String& name)
     : DiscoveryWorker(socket, name, MakeDelegate(*this, &DiscoveryTaskProcessor::Run), ThreadPriority::Normal)
@@ -121,10 +132,17 @@ void DiscoveryTaskProcessor::Run()
 
 void DiscoveryTaskProcessor::ProcessNext()
 {
-    semaphore.WaitOne();
+    const bool isRush = longestQueue >= RushLength;
+    if (!semaphore.WaitOne(isRush ? RushEndMilliseconds : -1))
+    {
+        longestQueue = 0;
+        Nfx::System::Memory::GiveBack();
+        return;
+    }
     if (!IsStopRequested())
     {
         ProcessTask();
+        longestQueue = std::max(longestQueue, PendingCount());
     }
 }
 

@@ -1,5 +1,5 @@
 #include "support/DeviceDatagram.h"
-#include "support/ExtCLoader.h"
+#include "support/LoadedExtC.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 #include "system/Net/Sockets/Socket.h"
@@ -8,7 +8,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -20,6 +19,7 @@ using Nfx::System::Net::IPEndPoint;
 using Nfx::System::Net::Sockets::ProtocolType;
 using Nfx::System::Net::Sockets::Socket;
 using Nfx::System::Net::Sockets::SocketType;
+using Tests::Server;
 
 constexpr int ArgumentNull = 9;
 constexpr int ArgumentOutOfRange = 10;
@@ -27,19 +27,6 @@ constexpr int InvalidOperation = 30;
 constexpr int NullPointer = 41;
 constexpr int ResourceNotFound = static_cast<int>(0xC0090109u);
 constexpr int InvalidFormat = static_cast<int>(0xC0090114u);
-
-const ExtCFunctions& Server()
-{
-    static const ExtCFunctions functions = [] {
-        ExtCFunctions loaded{};
-        if (LoadExtC(EXTC_LIBRARY, &loaded) == 0)
-        {
-            std::exit(2);
-        }
-        return loaded;
-    }();
-    return functions;
-}
 
 std::string ErrorText(int code)
 {

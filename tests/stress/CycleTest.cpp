@@ -1,8 +1,8 @@
 #include "ProcessState.h"
 #include "Traffic.h"
 #include "support/DeviceDatagram.h"
-#include "support/ExtCLoader.h"
 #include "support/Gate.h"
+#include "support/LoadedExtC.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
@@ -10,7 +10,7 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
+#include <iostream>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -19,22 +19,10 @@ namespace
 {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
+using Tests::Server;
 
 constexpr std::uint16_t ServerPort = 12001;
 constexpr int TaskLimit = 512;
-
-const ExtCFunctions& Server()
-{
-    static const ExtCFunctions functions = [] {
-        ExtCFunctions loaded{};
-        if (LoadExtC(EXTC_LIBRARY, &loaded) == 0)
-        {
-            std::exit(2);
-        }
-        return loaded;
-    }();
-    return functions;
-}
 
 std::atomic<int> hellos{0};
 std::atomic<int> probes{0};
@@ -52,6 +40,17 @@ void DISCOVERY_EXTC_CALL OnHello(const char* hostJson)
     std::this_thread::sleep_for(milliseconds(delay));
 }
 
+std::atomic<int> signatures{0};
+
+void DISCOVERY_EXTC_CALL OnSignature(const char*)
+{
+    ++signatures;
+    if (Tests::Gate* const closed = gate)
+    {
+        closed->Pass();
+    }
+}
+
 bool IsAnotherSocketThan(std::uint64_t lost)
 {
     const std::uint64_t now = Tests::SocketOn(ServerPort);
@@ -65,8 +64,10 @@ protected:
     {
         hellos = 0;
         probes = 0;
+        signatures = 0;
         ASSERT_EQ(0, Server().Initialize(folder.PathOf("log.txt").c_str(), DiscoveryLogCritical));
         ASSERT_EQ(0, Server().SetHelloMessageReceivedEventCallBack(&OnHello));
+        ASSERT_EQ(0, Server().SetClientSignatureReceivedEventCallBack(&OnSignature));
         Start();
     }
 
@@ -96,6 +97,85 @@ protected:
                 return probes > before;
             },
             deadline);
+    }
+
+    /// Twenty Hellos a millisecond.
+    void Flood(seconds length)
+    {
+        constexpr int PerMillisecond = 20;
+        const auto start = std::chrono::steady_clock::now();
+        for (milliseconds passed{0}; passed < length; ++passed)
+        {
+            std::this_thread::sleep_until(start + passed);
+            for (int count = 0; count < PerMillisecond; ++count)
+            {
+                SendHello("flood");
+            }
+        }
+    }
+
+    /// Whether a request reaches the device. Asks again: while the queue is full requests are dropped.
+    bool RequestArrivesWithin(milliseconds deadline)
+    {
+        Tests::RequestListener listener;
+        return Tests::WaitUntil(
+            [&] { return Server().ReachClient("127.0.0.1") == 0 && listener.HasHeard("SendYourSignature"); }, deadline);
+    }
+
+    static std::string Signature(const std::string& members)
+    {
+        return R"({"DiscoveryMessageType":"SignatureBroadcast","DiscoveryVersion":"1.0.18","Host":{"HostName":"large",)"
+               R"("DeviceType":"",)" +
+               members + "}}";
+    }
+
+    bool IsReported(const std::string& signature)
+    {
+        return Tests::WaitUntil([&] {
+            device.Send(signature);
+            return Tests::WaitUntil([] { return signatures > 0; }, milliseconds(20));
+        });
+    }
+
+    int CountInLog(const std::string& text) const
+    {
+        const std::string log = folder.Read("log.txt");
+        int count = 0;
+        for (std::size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1))
+        {
+            ++count;
+        }
+        return count;
+    }
+
+    /// Sends the same until a task is refused.
+    void FillQueueWith(const std::string& signature)
+    {
+        const int before = CountInLog("Ignoring this task");
+        ASSERT_TRUE(Tests::WaitUntil([&] {
+            for (int count = 0; count < 50; ++count)
+            {
+                device.Send(signature);
+                std::this_thread::sleep_for(milliseconds(1)); // the socket's own buffer holds one
+            }
+            return CountInLog("Ignoring this task") > before;
+        }));
+    }
+
+    /// Lets signatures wait behind a callback and be worked off. Returns the resident KiB when the queue was full.
+    std::int64_t RushWith(const std::string& signature)
+    {
+        Tests::Gate closed;
+        gate = &closed;
+        FillQueueWith(signature);
+        const std::int64_t full = Tests::ResidentKiB();
+        const int atOpening = signatures;
+        gate = nullptr;
+        closed.Open();
+        EXPECT_TRUE(Tests::WaitUntil([&] { return signatures >= atOpening + TaskLimit; }));
+        EXPECT_TRUE(IsServedWithin(seconds(10)));
+        EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::ResidentKiB() < full / 2; })) << "nothing is given back";
+        return full;
     }
 
     const Tests::TemporaryFolder folder;
@@ -146,14 +226,7 @@ TEST_F(CycleTest, LongEveryLostSocketIsReplacedOnceAndTheHostNeedNotKnow)
     EXPECT_EQ(descriptors, Tests::OpenDescriptors());
     EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::RunningThreads() == threads; }));
 
-    int restarts = 0;
-    const std::string log = folder.Read("log.txt");
-    for (std::size_t at = log.find("restart triggered"); at != std::string::npos;
-         at = log.find("restart triggered", at + 1))
-    {
-        ++restarts;
-    }
-    EXPECT_EQ(Losses, restarts);
+    EXPECT_EQ(Losses, CountInLog("restart triggered"));
 }
 
 TEST_F(CycleTest, AQueueThatOverflowedBehindASlowCallbackAcceptsAgain)
@@ -177,15 +250,61 @@ TEST_F(CycleTest, AQueueThatOverflowedBehindASlowCallbackAcceptsAgain)
 TEST_F(CycleTest, LongAFloodEndsWhenItEnds)
 {
     delay = 1; // a full queue takes half a second
-    const auto start = std::chrono::steady_clock::now();
-    for (int count = 0; count < 60000; ++count)
-    {
-        if (count % 20 == 0)
-        {
-            std::this_thread::sleep_until(start + milliseconds(count / 20));
-        }
-        SendHello("flood");
-    }
+    Flood(seconds(3));
     EXPECT_TRUE(IsServedWithin(seconds(1)));
+    EXPECT_TRUE(RequestArrivesWithin(seconds(1)));
 }
+
+TEST_F(CycleTest, LongAFloodOnASlowHostCostsWhatWaitsAndASecond)
+{
+    delay = 5;
+    Flood(seconds(10));
+    const int atEnd = hellos;
+    EXPECT_TRUE(RequestArrivesWithin(seconds(30)));
+    EXPECT_LE(hellos - atEnd, TaskLimit + 20); // those that waited, and what runs while the request is on its way
+    EXPECT_TRUE(IsServedWithin(seconds(1)));
+    EXPECT_LT(0, CountInLog("Semaphore is full (512) !!! Ignoring this task..."));
+    EXPECT_EQ(0, CountInLog("restart"));
+}
+
+TEST_F(CycleTest, WhatWaitsTakesLittleMoreThanItsDatagrams)
+{
+    const auto list = [](const std::string& name, const std::string& element, int count) {
+        std::string text = "\"" + name + "\":[" + element;
+        for (int number = 1; number < count; ++number)
+        {
+            text += "," + element;
+        }
+        return text + "]";
+    };
+    std::string settings = "\"FileTransferInfos\":{\"0\":\"\"";
+    for (int number = 1; number < 6000; ++number)
+    {
+        settings += ",\"" + std::to_string(number) + "\":\"\"";
+    }
+    const std::string interface = R"({"FriendlyName":"","MACAddress":"0:0:0:0:0:0","IPAddress":"0.0.0.0",)"
+                                  R"("SubNetMask":"0.0.0.0","DefaultGateway":""})";
+    const std::string product = R"({"ProductType":"","ProductSerialNumber":"","ProductVersion":"","ProductName":""})";
+    const std::string datagrams[] = {
+        Signature("\"NICs\":[],\"Products\":[]," + settings + "}"),
+        Signature("\"Products\":[]," + list("NICs", interface, 570)),
+        Signature("\"NICs\":[]," + list("Products", product, 780)),
+    };
+    ASSERT_TRUE(IsReported(datagrams[0])); // the library's buffer has grown
+    RushWith(datagrams[0]);
+    RushWith(datagrams[2]);
+    for (const std::string& datagram : datagrams)
+    {
+        SCOPED_TRACE(datagram.substr(0, 160));
+        const std::int64_t before = Tests::ResidentKiB();
+        const std::int64_t full = RushWith(datagram);
+        const auto size = static_cast<std::int64_t>(datagram.size());
+        EXPECT_LT(full, 400 * 1024);
+        EXPECT_LT((full - before) * 1024, 10 * TaskLimit * size);
+        EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::ResidentKiB() <= before + before / 10; }));
+        std::cout << size << " bytes, " << (full - before) * 1024 / TaskLimit << " while waiting; " << before
+                  << " KiB before, " << full << " full, " << Tests::ResidentKiB() << " afterwards\n";
+    }
+}
+
 } // namespace

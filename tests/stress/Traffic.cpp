@@ -2,6 +2,8 @@
 
 #include "support/DeviceDatagram.h"
 #include "system/Exception.h"
+#include "system/Net/Sockets/SocketOptionLevel.h"
+#include "system/Net/Sockets/SocketOptionName.h"
 
 #include <array>
 
@@ -15,10 +17,13 @@ using Nfx::System::Net::IPAddress;
 using Nfx::System::Net::IPEndPoint;
 using Nfx::System::Net::Sockets::ProtocolType;
 using Nfx::System::Net::Sockets::Socket;
+using Nfx::System::Net::Sockets::SocketOptionLevel;
+using Nfx::System::Net::Sockets::SocketOptionName;
 using Nfx::System::Net::Sockets::SocketType;
 
 namespace
 {
+constexpr std::int32_t DevicePort = 12000;
 constexpr std::int32_t ServerPort = 12001;
 
 std::string Noise(std::mt19937& random, std::size_t size)
@@ -69,6 +74,30 @@ std::string Traffic::Hostile(std::mt19937& random)
         return DeviceDatagram("Goodbye", "1.0.18", "vandal");
     default:
         return "";
+    }
+}
+
+RequestListener::RequestListener()
+    : socket(AddressFamily::InterNetwork, SocketType::Dgram, ProtocolType::Udp)
+{
+    constexpr std::int32_t Milliseconds = 5;
+    socket.SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, Milliseconds);
+    socket.Bind(SmartPointer<EndPoint>(new IPEndPoint(IPAddress::Parse("0.0.0.0"), DevicePort)));
+}
+
+bool RequestListener::HasHeard(const std::string& text)
+{
+    std::array<std::uint8_t, 4096> buffer{};
+    IPEndPoint sender(IPAddress::Parse("0.0.0.0"), 0);
+    try
+    {
+        const std::int32_t count = socket.ReceiveFrom(buffer.data(), static_cast<std::int32_t>(buffer.size()), sender);
+        const std::string_view request(reinterpret_cast<const char*>(buffer.data()), static_cast<std::size_t>(count));
+        return request.find(text) != std::string_view::npos;
+    }
+    catch (const Exception&)
+    {
+        return false;
     }
 }
 

@@ -26,6 +26,19 @@ private:
     Nfx::System::Net::Sockets::Socket socket;
 };
 
+/// What listens to requests in a device on this machine. One thread.
+class RequestListener
+{
+public:
+    RequestListener();
+
+    /// Whether a request in which the text occurs has come, or comes within some milliseconds.
+    bool HasHeard(const std::string& text);
+
+private:
+    Nfx::System::Net::Sockets::Socket socket;
+};
+
 /// Whether the server's port can be bound without sharing it.
 bool IsServerPortFree();
 } // namespace Tests

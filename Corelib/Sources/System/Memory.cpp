@@ -37,6 +37,11 @@ void* Memory::AllocateForHost(std::size_t size) noexcept
     return Os::Platform().HostMemory().Allocate(size);
 }
 
+void Memory::GiveBack() noexcept
+{
+    Os::Platform().HostMemory().GiveBack();
+}
+
 std::int64_t Memory::LiveCount() noexcept
 {
     return liveBlocks.load(std::memory_order_relaxed);

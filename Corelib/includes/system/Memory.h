@@ -21,6 +21,10 @@ public:
     /// there is none.
     static void* AllocateForHost(std::size_t size) noexcept;
 
+    /// Gives memory that is free back to the system instead of keeping it for later: for the moment after much was
+    /// needed. Takes milliseconds.
+    static void GiveBack() noexcept;
+
     /// Blocks allocated and not yet freed.
     static std::int64_t LiveCount() noexcept;
 };

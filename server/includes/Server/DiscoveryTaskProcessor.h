@@ -55,6 +55,7 @@ private:
 
     Nfx::System::Threading::Semaphore semaphore;
     Nfx::System::Collections::Generic::Queue<Nfx::System::SmartPointer<ServerActionArgs>> tasks; // guarded by SyncRoot
+    std::int32_t longestQueue = 0; // since memory was given back; used by the processor's thread only
     mutable Nfx::System::Threading::Monitor providerLock;
     Nfx::System::SmartPointer<IBroadcastProvider> provider NFX_GUARDED_BY(providerLock);
 };

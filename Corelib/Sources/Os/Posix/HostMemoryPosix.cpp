@@ -1,6 +1,7 @@
 #include "Os/Posix/HostMemoryPosix.h"
 
 #include <cstdlib>
+#include <malloc.h>
 
 namespace Nfx::Os
 {
@@ -12,5 +13,10 @@ void* HostMemoryPosix::Allocate(std::size_t size)
 void HostMemoryPosix::Free(void* memory)
 {
     std::free(memory);
+}
+
+void HostMemoryPosix::GiveBack()
+{
+    malloc_trim(0);
 }
 } // namespace Nfx::Os

@@ -15,4 +15,9 @@ void HostMemoryW32::Free(void* memory)
 {
     CoTaskMemFree(memory);
 }
+
+void HostMemoryW32::GiveBack()
+{
+    HeapCompact(GetProcessHeap(), 0); // the C library's memory is there, too
+}
 } // namespace Nfx::Os
