@@ -17,6 +17,7 @@
 namespace Zent::Discovery::ExtC
 {
 using Nfx::System::Error;
+using Nfx::System::Exception;
 using Nfx::System::InvalidOperationException;
 using Nfx::System::Memory;
 using Nfx::System::OutOfMemoryException;
@@ -37,6 +38,20 @@ namespace
 namespace ErrorCodes = Nfx::System::ErrorCodes;
 
 const char SourceName[] = "extc/Sources/DiscoveryServerExtCFacade";
+
+/// As long as a document may be. The host's texts are copied, logged and sent, so that a longer one takes memory for
+/// nothing.
+constexpr std::size_t LargestText = 16 * 1024 * 1024; // bytes
+
+/// A copy of an argument.
+String TextOf(const char* argument)
+{
+    if (argument != nullptr && std::memchr(argument, '\0', LargestText + 1) == nullptr)
+    {
+        throw Exception(ErrorCodes::InvalidFormat, "text argument of more than 16777216 bytes", SourceName, __LINE__);
+    }
+    return String(argument);
+}
 
 /// For operations that wait for the service's threads: on one of these the wait would never end.
 void RefuseOnServiceThread(const char* operation)
@@ -99,7 +114,7 @@ std::int32_t Initialize(const char* logPath, std::int32_t logLevel)
         level = logLevel;
         const SmartPointer<ExtCCallBacks> callBacks(new ExtCCallBacks());
         DiscoveryServerFacade::Instance();
-        DiscoveryLogger::GetInstance().Init(logPath, level); // the last step that can fail
+        DiscoveryLogger::GetInstance().Init(TextOf(logPath), level); // the last step that can fail
         ExtCCallBacks::Install(callBacks);
     });
 }
@@ -159,7 +174,7 @@ std::int32_t Discover()
 std::int32_t ChangeClientsIPConfigurations(const char* nicConfigsJson)
 {
     return ExceptionGuard::Run([&] {
-        const auto configs = NICsConfigsListJsonSerializer().Deserialize(nicConfigsJson);
+        const auto configs = NICsConfigsListJsonSerializer().Deserialize(TextOf(nicConfigsJson));
         DiscoveryServerFacade::Instance()->Server().ChangeIPConfigurations(configs);
     });
 }
@@ -167,8 +182,8 @@ std::int32_t ChangeClientsIPConfigurations(const char* nicConfigsJson)
 std::int32_t ChangeClientsHostName(const char* newHostName, const char* macAddress)
 {
     return ExceptionGuard::Run([&] {
-        const String name(newHostName);
-        const MACAddress address = MACAddress::Parse(macAddress);
+        const String name = TextOf(newHostName);
+        const MACAddress address = MACAddress::Parse(TextOf(macAddress));
         DiscoveryServerFacade::Instance()->Server().ChangeHostName(name, address);
     });
 }
@@ -176,8 +191,8 @@ std::int32_t ChangeClientsHostName(const char* newHostName, const char* macAddre
 std::int32_t ChangeClientsHostNameWithIP(const char* newHostName, const char* ipAddress)
 {
     return ExceptionGuard::Run([&] {
-        const String name(newHostName);
-        const IPAddress address = IPAddress::Parse(ipAddress);
+        const String name = TextOf(newHostName);
+        const IPAddress address = IPAddress::Parse(TextOf(ipAddress));
         DiscoveryServerFacade::Instance()->Server().ChangeHostName(name, address);
     });
 }
@@ -185,7 +200,7 @@ std::int32_t ChangeClientsHostNameWithIP(const char* newHostName, const char* ip
 std::int32_t RefreshClient(const char* macAddress)
 {
     return ExceptionGuard::Run([&] {
-        const MACAddress address = MACAddress::Parse(macAddress);
+        const MACAddress address = MACAddress::Parse(TextOf(macAddress));
         DiscoveryServerFacade::Instance()->Server().RefreshClient(address);
     });
 }
@@ -193,7 +208,7 @@ std::int32_t RefreshClient(const char* macAddress)
 std::int32_t ReachClient(const char* ipAddress)
 {
     return ExceptionGuard::Run([&] {
-        const IPAddress address = IPAddress::Parse(ipAddress);
+        const IPAddress address = IPAddress::Parse(TextOf(ipAddress));
         DiscoveryServerFacade::Instance()->Server().ReachClient(address);
     });
 }
@@ -216,13 +231,14 @@ std::int32_t SetByeMessageReceivedEventCallBack(ByeMessageReceivedEventCallBack 
 std::int32_t InitBroadcastProvider(const char* addressesJson)
 {
     return ExceptionGuard::Run([&] {
-        const SmartPointer<IBroadcastProvider> provider(new BroadcastProviderWin32(ParseAddresses(addressesJson)));
+        const SmartPointer<IBroadcastProvider> provider(
+            new BroadcastProviderWin32(ParseAddresses(TextOf(addressesJson))));
         DiscoveryServerFacade::Instance()->Server().SetBroadcastProvider(provider);
     });
 }
 
 std::int32_t SetMinCompatibleVersion(const char* version)
 {
-    return ExceptionGuard::Run([&] { MinimumCompatibleVersion::Set(Version::Parse(version)); });
+    return ExceptionGuard::Run([&] { MinimumCompatibleVersion::Set(Version::Parse(TextOf(version))); });
 }
 } // namespace Zent::Discovery::ExtC

@@ -12,14 +12,16 @@
  *
  * @par Requests
  *     A request is queued and sent by the library's own thread: its result says that it was queued, not that it was
- *     delivered or that a device answered. At most 512 requests and notifications wait; what comes on top is dropped
- *     with a line in the log. Answers reach the host through the callbacks. Devices listen on UDP port 12000, the
- *     library on 12001.
+ *     delivered or that a device answered. At most 512 requests and notifications wait, in one queue; what comes on top
+ *     is dropped with a line in the log. So while devices, or somebody who sends in their name, report more than the
+ *     callbacks can take, requests are dropped although their functions return 0. The next one is sent when the
+ *     callbacks of what waits before it have returned. Answers reach the host through the callbacks. Devices listen on
+ *     UDP port 12000, the library on 12001.
  *
  * @par Text
  *     All text is 8-bit and ends with NUL; JSON documents and host names are UTF-8, without byte order mark. Member
- *     names of documents that the library reads are matched without regard to ASCII letter case. A document of more
- *     than 16 MiB (16777216 bytes) is refused with code 0xC0090114 before it is read. Text from a device is passed on
+ *     names of documents that the library reads are matched without regard to ASCII letter case. A text of more than
+ *     16 MiB (16777216 bytes) is refused with code 0xC0090114 before it is read. Text from a device is passed on
  *     as the device sent it: it may hold invalid UTF-8 and control characters. On Windows a log path is UTF-8 when it
  *     is valid UTF-8, and text in the ANSI code page otherwise.
  *

@@ -1,7 +1,9 @@
-/* A host in plain C calls each of the sixteen functions in the usual order; any surprise ends with status 1. */
+/* A host in plain C, built so that no exception could pass through it, calls each of the sixteen functions in the usual
+   order; any surprise ends with status 1. */
 #include "support/ExtCLoader.h"
 
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 static ExtCFunctions server;
@@ -21,6 +23,33 @@ static void Expect(int expected, int actual, const char* what)
 static void DISCOVERY_EXTC_CALL Ignore(const char* hostJson)
 {
     (void)hostJson;
+}
+
+/* Texts that are too large are refused whatever they stand for. */
+static void PassHugeTexts(void)
+{
+    const size_t size = 300u * 1024 * 1024;
+    const int invalidFormat = (int)0xC0090114u;
+    char* text = malloc(size + 1);
+    if (text == NULL)
+    {
+        fprintf(stderr, "no memory for a huge text\n");
+        ++surprises;
+        return;
+    }
+    memset(text, '1', size);
+    text[size] = '\0';
+    Expect(invalidFormat, server.RefreshClient(text), "RefreshClient with a huge text");
+    Expect(invalidFormat, server.ReachClient(text), "ReachClient with a huge text");
+    Expect(invalidFormat, server.ChangeClientsHostName(text, "00:1A:2B:3C:4D:5E"), "huge name by MAC address");
+    Expect(invalidFormat, server.ChangeClientsHostNameWithIP(text, "127.0.0.1"), "huge name by IP address");
+    Expect(invalidFormat, server.ChangeClientsHostName("press-4", text), "huge MAC address");
+    Expect(invalidFormat, server.ChangeClientsHostNameWithIP("press-4", text), "huge IP address");
+    Expect(invalidFormat, server.SetMinCompatibleVersion(text), "huge version");
+    memset(text, '[', size);
+    Expect(invalidFormat, server.ChangeClientsIPConfigurations(text), "huge configurations");
+    Expect(invalidFormat, server.InitBroadcastProvider(text), "huge addresses");
+    free(text);
 }
 
 int main(int argc, char** argv)
@@ -53,6 +82,7 @@ int main(int argc, char** argv)
     Expect(0, server.ChangeClientsHostName("press-4", "00:1A:2B:3C:4D:5E"), "ChangeClientsHostName");
     Expect(0, server.ChangeClientsHostNameWithIP("press-4", "127.0.0.1"), "ChangeClientsHostNameWithIP");
     Expect(0, server.ChangeClientsIPConfigurations("[]"), "ChangeClientsIPConfigurations");
+    PassHugeTexts();
     Expect(0, server.StopServer(), "StopServer");
     Expect(nullPointer, server.Discover(), "Discover after StopServer");
     Expect(0, server.Terminate(), "Terminate");
