@@ -156,8 +156,8 @@ class Simulator(Process):
 class Host(Process):
     """A host program that calls the library's functions one by one and notes the callbacks."""
 
-    def __init__(self, log, level=3):
-        super().__init__(*command("extc-host", library_path()))
+    def __init__(self, log, level=3, prefix=()):
+        super().__init__(*prefix, *command("extc-host", library_path()))
         self.log = pathlib.Path(log)
         self.level = level
         self.events = []
