@@ -8,7 +8,18 @@ import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "endtoend"))
 
-from endtoend import SERVER_PORT, Peer, Process, Simulator, TestCase, launcher, library_path, main, message  # noqa: E402
+from endtoend import (  # noqa: E402
+    SERVER_PORT,
+    TIMEOUT,
+    Peer,
+    Process,
+    Simulator,
+    TestCase,
+    launcher,
+    library_path,
+    main,
+    message,
+)
 
 INVALID_OPERATION = 30
 NULL_POINTER = 41
@@ -29,6 +40,8 @@ class Host(Process):
     def __init__(self, folder, library=None):
         arguments = [] if options.language == "cpp" else [library or library_path()]
         super().__init__(*launcher(), *options.host, *arguments)
+        # The first program under Wine starts Wine's services, which keep its output open until all programs have ended.
+        self.line_with("ready")
         self.log = folder / "log.txt"
         self.notes = []
 
@@ -115,7 +128,8 @@ class SessionTest(TestCase):
             self.host.must("rename", "Prüfstand", second.mac)
             self.host.event("signature", "Prüfstand")
             self.host.must("rename-ip", "press 2", first.ip)
-            settings = {**self.host.event("signature", "press 2")["SourceNIC"], "IPAddress": "127.0.0.66"}
+            settings = self.host.event("signature", "press 2")["SourceNIC"]
+            settings.update(FriendlyName='a "b" \\', IPAddress="127.0.0.66")
             self.host.must("configure", *settings.values())
             self.assertEqual(self.host.event("signature", "press 2")["SourceNIC"], settings)
         self.host.event("bye", "press 2")
@@ -185,7 +199,9 @@ class SessionTest(TestCase):
             for _ in range(5):
                 self.host.must("discover")
             self.host.note("signature")
-            self.assertEqual(self.host.end(), 0)
+            self.host.process.stdin.close()
+            self.host.process.wait(TIMEOUT)
+        self.assertEqual(self.host.wait(), 0)
 
 
 class LifeCycleTest(TestCase):

@@ -88,6 +88,7 @@ COMMANDS = {
     "collect": gc.collect,
 }
 
+say("ready")
 for line in sys.stdin:
     command, *arguments = line.rstrip("\n").split("\t")
     say("=", outcome(COMMANDS[command], *arguments))

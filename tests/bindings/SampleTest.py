@@ -12,9 +12,12 @@ from endtoend import TIMEOUT, TestCase, main, setting  # noqa: E402
 
 class SampleTest(TestCase):
     def test_the_python_sample(self):
-        self.check("bindings/python", "python", "sample.py")
+        self.check("bindings/python", "python", "sample.py", "(?m)^signature: {name}, a \\w+ at {address}$")
 
-    def check(self, folder, language, file):
+    def test_the_cpp_sample(self):
+        self.check("bindings/cpp", "cpp", "sample.cpp", '"HostName":"{name}"')
+
+    def check(self, folder, language, file, shown):
         source = setting("source")
         readme = (source / folder / "README.md").read_text(encoding="utf-8")
         sample = (source / folder / file).read_text(encoding="utf-8")
@@ -32,7 +35,7 @@ class SampleTest(TestCase):
         devices = [line.split("\t") for line in (self.folder / "devices.txt").read_text().splitlines() if "\t" in line]
         self.assertEqual(len(devices), 3)
         for name, _, address in devices:
-            self.assertRegex(result.stdout, rf"(?m)^signature: {name}, a \w+ at {address}$", result.stderr)
+            self.assertRegex(result.stdout, shown.format(name=name, address=address), result.stderr)
         self.assertEqual(result.returncode, 0, result.stderr)
 
 

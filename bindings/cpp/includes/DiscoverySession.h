@@ -1,0 +1,482 @@
+#pragma once
+
+#include "DiscoveryServer.ExtC.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#if defined(_WIN32)
+// As in the system's own header, which brings more macros than a host may want. Link to ole32.
+extern "C" __declspec(dllimport) void __stdcall CoTaskMemFree(void* memory);
+#endif
+
+/// The library DiscoveryServer.ExtC for C++17 and later: this header and the C header are all there is to it.
+namespace Zent::Discovery
+{
+/// A call that the library has refused. Nothing has changed unless the call says otherwise.
+class DiscoveryError : public std::runtime_error
+{
+public:
+    /// Takes the text of the code from the library.
+    DiscoveryError(const char* function, int resultCode)
+        : std::runtime_error(std::string(function) + " failed: " + TextOf(resultCode) + " (code " + Show(resultCode) +
+                             ")")
+        , code(resultCode)
+    {
+    }
+
+    /// The library's code, such as DiscoveryError::InvalidFormat.
+    int Code() const noexcept { return code; }
+
+    /// The library's text of a code.
+    static std::string TextOf(int resultCode)
+    {
+        const std::unique_ptr<char, void (*)(char*)> text(GetErrorMessage(resultCode), &Free);
+        return text == nullptr ? "no memory is left for the text" : text.get();
+    }
+
+    /// Codes that a host meets; there are others, too.
+    enum : int
+    {
+        ArgumentNull = 9,
+        ArgumentOutOfRange = 10,
+        OutOfMemory = 27,
+        InvalidOperation = 30, ///< closed, another session is open, or not allowed in a handler
+        NullPointer = 41,      ///< a request while the server is not started, or while it restarts itself
+        Socket = 73,           ///< the network refused, for instance because UDP port 12001 is taken
+        ResourceNotFound = static_cast<int>(0xC0090109u),
+        InvalidFormat = static_cast<int>(0xC0090114u) ///< not the MAC address, IP address or version that it should be
+    };
+
+private:
+    static void Free(char* text)
+    {
+#if defined(_WIN32)
+        CoTaskMemFree(text);
+#else
+        std::free(text); // NOLINT(cppcoreguidelines-no-malloc): the library allocates with malloc
+#endif
+    }
+
+    static std::string Show(int resultCode)
+    {
+        char text[16];
+        std::snprintf(text, sizeof text, resultCode < 0 ? "0x%08X" : "%u", static_cast<unsigned>(resultCode));
+        return text;
+    }
+
+    int code;
+};
+
+/// New settings of the network interface with a MAC address. The default gateway is empty for none.
+struct NICSettings
+{
+    std::string FriendlyName;
+    std::string MACAddress;
+    std::string IPAddress;
+    std::string SubNetMask;
+    std::string DefaultGateway;
+    std::string MTU = "Unknown";
+};
+
+/// The library in use: from the constructor, which opens the log, until Close or the destructor.
+///
+/// One session at a time is open in a process. All operations may be called from any thread. Handlers run one at a time
+/// on a thread of the library, which sends nothing meanwhile: they should return soon. They may make requests and set
+/// handlers; Start, Stop and Close throw DiscoveryError::InvalidOperation there. The destructor must not run in a
+/// handler. What a handler throws goes to the handler of failures and no further.
+class DiscoverySession final
+{
+public:
+    /// Takes the JSON document of a device, {"Host":{...},"SourceNIC":{...}}, as the C header describes it. The text is
+    /// as the device sent it: it may hold bytes that are not UTF-8.
+    using Handler = std::function<void(const std::string& hostJson)>;
+    using FailureHandler = std::function<void(std::exception_ptr failure)>;
+
+    /// Opens the log, which is continued; missing folders are created. The server is not started yet.
+    /// @throws DiscoveryError when the log cannot be opened or another session is open.
+    explicit DiscoverySession(const std::string& log, DiscoveryLogLevel level = DiscoveryLogStandard)
+        : logPath(Checked(log))
+        , logLevel(level)
+    {
+        RefuseInHandler("Initialize");
+        const std::lock_guard<std::mutex> lifeCycle(Shared().LifeCycle);
+        if (Shared().Current != nullptr)
+        {
+            throw DiscoveryError("Initialize", DiscoveryError::InvalidOperation);
+        }
+        Open();
+        Shared().Current = this;
+    }
+
+    /// Closes. A failure is lost here: call Close to see it.
+    ~DiscoverySession()
+    {
+        try
+        {
+            Close();
+        }
+        catch (const std::exception&)
+        {
+            SetHandlers({}); // the library is still at work; its messages reach nobody
+        }
+    }
+
+    DiscoverySession(const DiscoverySession&) = delete;
+    DiscoverySession& operator=(const DiscoverySession&) = delete;
+
+    /// Set what is called for a message from now on; an empty function for nothing. Taken away by Close.
+    void OnSignature(Handler handler) { SetHandler(&Handlers::Signature, std::move(handler)); }
+
+    void OnHello(Handler handler) { SetHandler(&Handlers::Hello, std::move(handler)); }
+
+    void OnBye(Handler handler) { SetHandler(&Handlers::Bye, std::move(handler)); }
+
+    /// Sets what is told about exceptions of handlers; without it they are written to standard error.
+    void OnFailure(FailureHandler handler) { SetHandler(&Handlers::Failure, std::move(handler)); }
+
+    /// Binds UDP port 12001 and starts the server; does nothing when it is started. After a failure the session is as
+    /// before, and Start may be tried again.
+    void Start()
+    {
+        RefuseInHandler("StartServer");
+        const std::lock_guard<std::mutex> lifeCycle(Shared().LifeCycle);
+        CheckOpen("StartServer");
+        if (isStarted)
+        {
+            return;
+        }
+        ChangeOrReopen("StartServer", &StartServer);
+        isStarted = true;
+    }
+
+    /// Stops the server and releases its port; does nothing when it is stopped. Requests that still wait are discarded,
+    /// and so is the broadcast provider. Returns after a running handler has returned; none runs afterwards.
+    void Stop()
+    {
+        RefuseInHandler("StopServer");
+        const std::lock_guard<std::mutex> lifeCycle(Shared().LifeCycle);
+        CheckOpen("StopServer");
+        isStarted = false;
+        ChangeOrReopen("StopServer", &StopServer);
+    }
+
+    /// Stops the server and closes the log; does nothing when the session is closed. Returns after a running handler
+    /// has returned; none runs afterwards.
+    void Close()
+    {
+        RefuseInHandler("Terminate");
+        const std::lock_guard<std::mutex> lifeCycle(Shared().LifeCycle);
+        if (!SetOpen(false))
+        {
+            return;
+        }
+        const int code = Terminate();
+        if (code != 0)
+        {
+            SetOpen(true);
+            throw DiscoveryError("Terminate", code);
+        }
+        Forget();
+    }
+
+    /// Asks every device for its signature.
+    void Discover()
+    {
+        Request("Discover", [] { return ::Discover(); });
+    }
+
+    /// Asks the device that owns a MAC address, such as 00:1A:2B:3C:4D:5E, for its signature.
+    void RefreshClient(const std::string& macAddress) { Request("RefreshClient", &::RefreshClient, macAddress); }
+
+    /// Asks the device at an IP address for its signature.
+    void ReachClient(const std::string& ipAddress) { Request("ReachClient", &::ReachClient, ipAddress); }
+
+    /// Tells the device that owns a MAC address to take a new host name.
+    void ChangeClientsHostName(const std::string& newHostName, const std::string& macAddress)
+    {
+        Request("ChangeClientsHostName", &::ChangeClientsHostName, newHostName, macAddress);
+    }
+
+    /// Tells the device at an IP address to take a new host name; at 255.255.255.255 every device takes it.
+    void ChangeClientsHostNameWithIP(const std::string& newHostName, const std::string& ipAddress)
+    {
+        Request("ChangeClientsHostNameWithIP", &::ChangeClientsHostNameWithIP, newHostName, ipAddress);
+    }
+
+    /// Tells devices to configure their network interfaces anew: each takes what bears its MAC addresses.
+    void ChangeClientsIPConfigurations(const std::vector<NICSettings>& settings)
+    {
+        std::vector<std::string> objects;
+        for (const NICSettings& nic : settings)
+        {
+            objects.push_back(
+                "{\"FriendlyName\":" + Quoted(nic.FriendlyName) + ",\"MACAddress\":" + Quoted(nic.MACAddress) +
+                ",\"IPAddress\":" + Quoted(nic.IPAddress) + ",\"SubNetMask\":" + Quoted(nic.SubNetMask) +
+                ",\"DefaultGateway\":" + Quoted(nic.DefaultGateway) + ",\"MTU\":" + Quoted(nic.MTU) + "}");
+        }
+        Request("ChangeClientsIPConfigurations", &::ChangeClientsIPConfigurations, Array(objects));
+    }
+
+    /// Makes every broadcast leave once from each of these IP addresses of this machine, until the next call or Stop.
+    /// Without effect before Start. While there are no addresses, nothing is broadcast.
+    void InitBroadcastProvider(const std::vector<std::string>& localAddresses)
+    {
+        std::vector<std::string> texts;
+        for (const std::string& address : localAddresses)
+        {
+            texts.push_back(Quoted(address));
+        }
+        Request("InitBroadcastProvider", &::InitBroadcastProvider, Array(texts));
+    }
+
+    /// Drops messages of protocol versions older than this, such as 1.0.18; 0.0 takes all. Holds for the process, for
+    /// later sessions too.
+    void SetMinCompatibleVersion(const std::string& version)
+    {
+        Request("SetMinCompatibleVersion", &::SetMinCompatibleVersion, version);
+    }
+
+private:
+    struct Handlers
+    {
+        Handler Signature;
+        Handler Hello;
+        Handler Bye;
+        FailureHandler Failure;
+    };
+
+    /// What the callbacks need: they bear no pointer to a session.
+    struct State
+    {
+        std::mutex LifeCycle; // held by Open, Start, Stop and Close, which may wait for a handler: never taken in one
+        DiscoverySession* Current = nullptr;                                         // guarded by LifeCycle
+        std::mutex ActiveLock;                                                       // never held while a handler runs
+        std::shared_ptr<const Handlers> Active = std::make_shared<const Handlers>(); // guarded by ActiveLock
+    };
+
+    /// Never destroyed: the library's threads may outlive the statics of a program that ends without closing.
+    static State& Shared()
+    {
+        static State* const state = new State();
+        return *state;
+    }
+
+    static bool& IsInHandler() noexcept
+    {
+        static thread_local bool isInHandler = false;
+        return isInHandler;
+    }
+
+    static std::shared_ptr<const Handlers> CurrentHandlers()
+    {
+        const std::lock_guard<std::mutex> lock(Shared().ActiveLock);
+        return Shared().Active;
+    }
+
+    /// Returns the old ones, which may be in use, to be destroyed outside of all locks.
+    static std::shared_ptr<const Handlers> SetHandlers(Handlers handlers)
+    {
+        auto next = std::make_shared<const Handlers>(std::move(handlers));
+        const std::lock_guard<std::mutex> lock(Shared().ActiveLock);
+        Shared().Active.swap(next);
+        return next;
+    }
+
+    template <class TFunction>
+    void SetHandler(TFunction Handlers::*slot, TFunction handler)
+    {
+        std::shared_ptr<const Handlers> old;
+        const std::lock_guard<std::mutex> lock(requestLock);
+        Check("Setting a handler", isOpen ? 0 : static_cast<int>(DiscoveryError::InvalidOperation));
+        Handlers handlers = *CurrentHandlers();
+        handlers.*slot = std::move(handler);
+        old = SetHandlers(std::move(handlers));
+    }
+
+    template <Handler Handlers::*Slot>
+    static void DISCOVERY_EXTC_CALL Receive(const char* hostJson) noexcept
+    {
+        IsInHandler() = true;
+        try
+        {
+            const std::shared_ptr<const Handlers> handlers = CurrentHandlers();
+            if (const Handler& handler = (*handlers).*Slot)
+            {
+                Call(handler, hostJson, handlers->Failure);
+            }
+        }
+        catch (...) // nothing may leave a callback
+        {
+            std::fputs("DiscoverySession: a message is lost\n", stderr);
+        }
+        IsInHandler() = false;
+    }
+
+    static void Call(const Handler& handler, const char* hostJson, const FailureHandler& failure)
+    {
+        try
+        {
+            handler(hostJson);
+        }
+        catch (const std::exception& exception)
+        {
+            if (!failure)
+            {
+                std::fprintf(stderr, "DiscoverySession: a handler has failed: %s\n", exception.what());
+                return;
+            }
+            failure(std::current_exception());
+        }
+        catch (...)
+        {
+            if (!failure)
+            {
+                std::fputs("DiscoverySession: a handler has failed\n", stderr);
+                return;
+            }
+            failure(std::current_exception());
+        }
+    }
+
+    void Open()
+    {
+        Check("Initialize", Initialize(logPath.c_str(), logLevel));
+        // Initialized, these cannot fail.
+        SetClientSignatureReceivedEventCallBack(&Receive<&Handlers::Signature>);
+        SetHelloMessageReceivedEventCallBack(&Receive<&Handlers::Hello>);
+        SetByeMessageReceivedEventCallBack(&Receive<&Handlers::Bye>);
+        SetOpen(true);
+    }
+
+    /// Returns what it was before. Waits for the requests under way, so that none is when the library is terminated.
+    bool SetOpen(bool value)
+    {
+        const std::lock_guard<std::mutex> lock(requestLock);
+        return std::exchange(isOpen, value);
+    }
+
+    /// The library wants to be terminated and initialized after a failure of these.
+    void ChangeOrReopen(const char* name, int(DISCOVERY_EXTC_CALL* function)())
+    {
+        const int code = function();
+        if (code == 0)
+        {
+            return;
+        }
+        const DiscoveryError error(name, code);
+        SetOpen(false);
+        if (Terminate() != 0)
+        {
+            SetOpen(true);
+            throw error;
+        }
+        try
+        {
+            Open();
+        }
+        catch (const DiscoveryError&)
+        {
+            Forget(); // the log is gone: what is left is a closed session
+        }
+        throw error;
+    }
+
+    void Forget()
+    {
+        isStarted = false;
+        Shared().Current = nullptr;
+        SetHandlers({});
+    }
+
+    void CheckOpen(const char* function)
+    {
+        const std::lock_guard<std::mutex> lock(requestLock);
+        if (!isOpen)
+        {
+            throw DiscoveryError(function, DiscoveryError::InvalidOperation);
+        }
+    }
+
+    template <class TFunction, class... TTexts>
+    void Request(const char* name, TFunction function, const TTexts&... texts)
+    {
+        (Checked(texts), ...);
+        const std::lock_guard<std::mutex> lock(requestLock);
+        Check(name, isOpen ? function(texts.c_str()...) : static_cast<int>(DiscoveryError::InvalidOperation));
+    }
+
+    static void Check(const char* function, int code)
+    {
+        if (code != 0)
+        {
+            throw DiscoveryError(function, code);
+        }
+    }
+
+    // The library refuses these, too, but not before our own lock is taken, whose owner may wait for the handler.
+    static void RefuseInHandler(const char* function)
+    {
+        if (IsInHandler())
+        {
+            throw DiscoveryError(function, DiscoveryError::InvalidOperation);
+        }
+    }
+
+    static const std::string& Checked(const std::string& text)
+    {
+        if (text.find('\0') != std::string::npos)
+        {
+            throw std::invalid_argument("a text must not contain NUL");
+        }
+        return text;
+    }
+
+    static std::string Array(const std::vector<std::string>& elements)
+    {
+        std::string json = "[";
+        for (const std::string& element : elements)
+        {
+            json += (json.size() == 1 ? "" : ",") + element;
+        }
+        return json + "]";
+    }
+
+    static std::string Quoted(const std::string& text)
+    {
+        std::string json = "\"";
+        for (const char character : text)
+        {
+            if (static_cast<unsigned char>(character) < 0x20)
+            {
+                char escape[8];
+                std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(character));
+                json += escape;
+                continue;
+            }
+            if (character == '"' || character == '\\')
+            {
+                json += '\\';
+            }
+            json += character;
+        }
+        return json + '"';
+    }
+
+    const std::string logPath;        // constant after construction
+    const DiscoveryLogLevel logLevel; // constant after construction
+    bool isStarted = false;           // guarded by State::LifeCycle
+    std::mutex requestLock;           // held during requests, never while a handler runs; taken after LifeCycle
+    bool isOpen = false;              // guarded by requestLock
+};
+} // namespace Zent::Discovery
