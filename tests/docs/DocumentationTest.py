@@ -4,6 +4,7 @@ log. A block of code for which there is no rule is a failure."""
 import contextlib
 import functools
 import json
+import os
 import pathlib
 import re
 import shlex
@@ -27,15 +28,12 @@ def is_windows():
 
 
 def documents(source):
-    """Every document of the tree, with the name of its test."""
-    paths = [
-        *source.glob("*.md"),
-        *source.glob("docs/**/*.md"),
-        *source.glob("bindings/**/*.md"),
-        *source.glob("tools/**/*.md"),
-        *(path for folder in ("docs", "console", "simulator", "tools") for path in source.glob(f"{folder}/**/*.[1-9]")),
-    ]
-    return {re.sub(r"\W+", "_", str(path.relative_to(source))): path for path in sorted(paths)}
+    """Every Markdown file and manual page of the tree."""
+    for folder, inner, files in os.walk(source):
+        inner[:] = sorted(name for name in inner if name != "build" and not name.startswith("."))
+        for file in sorted(files):
+            if re.search(r"\.(md|[1-9])$", file):
+                yield pathlib.Path(folder, file)
 
 
 @functools.cache
@@ -78,7 +76,7 @@ class DocumentTest(TestCase):
         while remaining:
             block = remaining.pop(0)
             with self.subTest(str(block)):
-                rule = getattr(self, f"try_{block.kind}", None)
+                rule = getattr(self, f"rule_{block.kind}", None)
                 if rule is None:
                     self.fail(f"no rule for this block:\n{block.text}")
                 if not is_windows() or block.kind in ("c", "sh", "text"):
@@ -88,16 +86,16 @@ class DocumentTest(TestCase):
 
     # Programs
 
-    def try_c(self, block, remaining):
+    def rule_c(self, block, remaining):
         self.try_program(block, remaining)
 
-    def try_cpp(self, block, remaining):
+    def rule_cpp(self, block, remaining):
         self.try_program(block, remaining)
 
-    def try_python(self, block, remaining):
+    def rule_python(self, block, remaining):
         self.try_program(block, remaining)
 
-    def try_csharp(self, block, remaining):
+    def rule_csharp(self, block, remaining):
         self.try_program(block, remaining)
 
     def try_program(self, block, remaining):
@@ -152,7 +150,7 @@ class DocumentTest(TestCase):
 
     # Commands
 
-    def try_sh(self, block, remaining):
+    def rule_sh(self, block, remaining):
         expected = self.take_output(remaining)
         if not is_windows():
             self.run_commands(block.text, expected)
@@ -169,11 +167,11 @@ class DocumentTest(TestCase):
         if expected is not None and not expectation.pattern(expected).fullmatch(output):
             self.fail(f"expected:\n{expected}\nbut got:\n{output}")
 
-    def try_console(self, block, _):
+    def rule_console(self, block, _):
         """Commands after "$ " with their output."""
         self.try_session(block)
 
-    def try_example(self, block, _):
+    def rule_example(self, block, _):
         """Of a manual page: commands that succeed."""
         with self.devices_for(block):
             self.run_commands(block.text, None)
@@ -203,11 +201,11 @@ class DocumentTest(TestCase):
 
     # Documents and lines
 
-    def try_json(self, block, _):
+    def rule_json(self, block, _):
         with DatagramRules(self, self.folder / "json.log") as rules:
             rules.check(json.loads(block.text))
 
-    def try_log(self, block, _):
+    def rule_log(self, block, _):
         """Each line is one that the library writes."""
         written = [line + "\n" for line in write_eventful_log(self.folder / "discovery.log")]
         for line in block.text.splitlines():
@@ -245,7 +243,7 @@ class DocumentTest(TestCase):
 
 
 def load_tests(loader, tests, pattern):
-    return unittest.TestSuite([tests, *map(DocumentTest, documents(setting("source")).values())])
+    return unittest.TestSuite([tests, *map(DocumentTest, documents(setting("source")))])
 
 
 if __name__ == "__main__":
