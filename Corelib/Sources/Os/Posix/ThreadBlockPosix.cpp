@@ -17,15 +17,29 @@ constinit thread_local ThreadBlockPosix* current = nullptr;
 constexpr std::int32_t NicePerPriority = -5; // five steps a priority make a difference that shows
 
 // Signals sent to the process belong to the host's threads. A fault of the thread itself reaches the host's handler,
-// and the signal of Suspend must come through.
-sigset_t SignalsBlockedInThreads() noexcept
+// and the signal of Suspend must come through. Managed run-time systems halt every thread that has called into them by
+// one of the signals left to the creator's mask, and wait for it before they collect garbage.
+sigset_t SignalsBlockedInThreads(const sigset_t& blockedInCreator) noexcept
 {
     sigset_t blocked;
     sigfillset(&blocked);
-    for (const int deliverable : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SuspensionPosix::Signal()})
+    for (const int deliverable : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS})
     {
         sigdelset(&blocked, deliverable);
     }
+    const auto inherit = [&](int signal) {
+        if (sigismember(&blockedInCreator, signal) == 0)
+        {
+            sigdelset(&blocked, signal);
+        }
+    };
+    inherit(SIGPWR);
+    inherit(SIGXCPU);
+    for (int signal = SIGRTMIN; signal <= SIGRTMAX; ++signal)
+    {
+        inherit(signal);
+    }
+    sigdelset(&blocked, SuspensionPosix::Signal());
     return blocked;
 }
 
@@ -124,9 +138,10 @@ bool ThreadBlockPosix::Start(std::uint32_t stackSize, std::uint64_t& threadId)
     }
     pthread_attr_setstacksize(&attributes, UsableStackSize(stackSize));
 
-    const sigset_t blocked = SignalsBlockedInThreads(); // the new thread inherits the mask
     sigset_t before;
-    pthread_sigmask(SIG_SETMASK, &blocked, &before);
+    pthread_sigmask(SIG_SETMASK, nullptr, &before);
+    const sigset_t blocked = SignalsBlockedInThreads(before); // the new thread inherits the mask
+    pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
     const bool started = pthread_create(&thread, &attributes, &ThreadBlockPosix::Run, this) == 0;
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 

@@ -16,7 +16,7 @@ namespace Nfx::System::Threading
 ///
 /// Waiting means Join, Sleep, WaitHandle::WaitOne and Monitor::Wait; entering a Monitor does not count. What the
 /// delegate throws ends the thread and nothing else: see GetFailure. On POSIX the thread gets no signals of the
-/// process.
+/// process, except real-time ones, SIGPWR and SIGXCPU, which it takes when the thread that starts it does.
 class Thread final : public Object
 {
 public:
