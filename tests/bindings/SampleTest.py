@@ -17,6 +17,9 @@ class SampleTest(TestCase):
     def test_the_cpp_sample(self):
         self.check("bindings/cpp", "cpp", "sample.cpp", '"HostName":"{name}"')
 
+    def test_the_csharp_sample(self):
+        self.check("bindings/csharp", "csharp", "Sample.cs", "(?m)^signature: {name}, a \\w+ at {address}$")
+
     def check(self, folder, language, file, shown):
         source = setting("source")
         readme = (source / folder / "README.md").read_text(encoding="utf-8")

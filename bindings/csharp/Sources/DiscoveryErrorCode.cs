@@ -1,0 +1,30 @@
+namespace Zent.Discovery
+{
+    /// <summary>Codes that a host meets; the library may return others, too.</summary>
+    public enum DiscoveryErrorCode : uint
+    {
+        /// <summary>A text is null.</summary>
+        ArgumentNull = 9,
+
+        /// <summary>A value is none of those that are allowed.</summary>
+        ArgumentOutOfRange = 10,
+
+        /// <summary>No memory is left.</summary>
+        OutOfMemory = 27,
+
+        /// <summary>The session is closed, another one is open, or the call is not allowed in a handler.</summary>
+        InvalidOperation = 30,
+
+        /// <summary>A request while the server is not started, or while it restarts itself.</summary>
+        NullPointer = 41,
+
+        /// <summary>The network refused, for instance because UDP port 12001 is taken.</summary>
+        Socket = 73,
+
+        /// <summary>Settings lack a required member.</summary>
+        ResourceNotFound = 0xC0090109,
+
+        /// <summary>A text is not the MAC address, IP address or version that it should be.</summary>
+        InvalidFormat = 0xC0090114
+    }
+}

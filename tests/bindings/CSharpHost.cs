@@ -1,0 +1,153 @@
+// A host program in C# for BindingTest.py: CSharpHost.exe [LIBRARY]
+
+using System;
+using System.Collections.Generic;
+using System.IO;
+using System.Linq;
+using System.Runtime.Serialization.Json;
+using System.Text;
+using System.Threading;
+using Zent.Discovery;
+
+static class CSharpHost
+{
+    static readonly object Output = new object();
+    static readonly Stream StandardOutput = Console.OpenStandardOutput();
+    static readonly Dictionary<string, string> Actions = new Dictionary<string, string>();
+    static readonly ManualResetEvent Released = new ManualResetEvent(false);
+    static string library;
+    static string[] addresses;
+    static DiscoverySession session;
+
+    static readonly Dictionary<string, Action<string[]>> Commands = new Dictionary<string, Action<string[]>>
+    {
+        { "open", Open },
+        { "second", words => new DiscoverySession(words[0], LogLevel.Debug, library) },
+        { "start", words => Start() },
+        { "stop", words => session.Stop() },
+        { "close", words => session.Dispose() },
+        { "close-in-background", words => CloseInBackground() },
+        { "discover", words => session.Discover() },
+        { "refresh", words => session.RefreshClient(words[0]) },
+        { "reach", words => session.ReachClient(words[0]) },
+        { "rename", words => session.ChangeClientsHostName(words[0].Replace("\\0", "\0"), words[1]) },
+        { "rename-ip", words => session.ChangeClientsHostNameWithIP(words[0], words[1]) },
+        { "configure", Configure },
+        { "provider", words => session.InitBroadcastProvider(words) },
+        { "min-version", words => session.SetMinCompatibleVersion(words[0]) },
+        { "on", words => { lock (Actions) Actions[words[0]] = words[1]; } },
+        { "release", words => Released.Set() },
+        { "collect", words => { GC.Collect(); GC.WaitForPendingFinalizers(); } },
+    };
+
+    static void Main(string[] arguments)
+    {
+        library = arguments.FirstOrDefault();
+        Say("ready");
+        var input = new StreamReader(Console.OpenStandardInput(), new UTF8Encoding(false));
+        for (string line = input.ReadLine(); line != null; line = input.ReadLine())
+        {
+            string[] words = line.Split('\t');
+            Say("= " + Outcome(() => Commands[words[0]](words.Skip(1).ToArray())));
+        }
+    }
+
+    static void Open(string[] words)
+    {
+        addresses = words.Skip(1).ToArray();
+        session = new DiscoverySession(words[0], LogLevel.Debug, library);
+        session.SignatureReceived += (sender, args) => Handle("signature", args);
+        session.HelloReceived += (sender, args) => Handle("hello", args);
+        session.ByeReceived += (sender, args) => Handle("bye", args);
+        session.HandlerFailed += (sender, args) => Say("reported " + args.Exception.Message);
+    }
+
+    static void Start()
+    {
+        session.Start();
+        session.InitBroadcastProvider(addresses);
+    }
+
+    static void CloseInBackground()
+    {
+        new Thread(() => Say("closed " + Outcome(() => session.Dispose()))) { IsBackground = true }.Start();
+    }
+
+    static void Configure(string[] words)
+    {
+        session.ChangeClientsIPConfigurations(new[]
+        {
+            new Nic
+            {
+                FriendlyName = words[0],
+                MacAddress = words[1],
+                IPAddress = words[2],
+                SubNetMask = words[3],
+                DefaultGateway = words[4],
+                Mtu = words[5],
+            }
+        });
+    }
+
+    static void Handle(string kind, DeviceEventArgs args)
+    {
+        Say(kind + " " + Document(args));
+        string action;
+        lock (Actions)
+        {
+            Actions.TryGetValue(kind, out action);
+        }
+        switch (action)
+        {
+            case null:
+                return;
+            case "throw":
+                throw new ApplicationException("thrown by the handler");
+            case "hold":
+                Say("holding");
+                Released.WaitOne();
+                Say("handler " + Outcome(session.Discover));
+                action = "stop";
+                break;
+        }
+        Say("handler " + Outcome(() => Commands[action](null)));
+    }
+
+    // The records as they came, so that the test sees every member.
+    static string Document(DeviceEventArgs args)
+    {
+        var settings = new DataContractJsonSerializerSettings { UseSimpleDictionaryFormat = true };
+        using (var stream = new MemoryStream())
+        {
+            new DataContractJsonSerializer(typeof(DeviceEventArgs), settings).WriteObject(stream, args);
+            return Encoding.UTF8.GetString(stream.ToArray());
+        }
+    }
+
+    static string Outcome(Action action)
+    {
+        try
+        {
+            action();
+            return "ok";
+        }
+        catch (DiscoveryException exception)
+        {
+            return "error " + (uint)exception.Code + " " + exception.Message;
+        }
+        catch (Exception exception)
+        {
+            return "failure " + exception.Message.Replace('\n', ' ');
+        }
+    }
+
+    static void Say(string line)
+    {
+        byte[] bytes = Encoding.UTF8.GetBytes(line + "\n");
+        lock (Output)
+        {
+            StandardOutput.Write(bytes, 0, bytes.Length);
+            StandardOutput.Flush();
+        }
+    }
+}
