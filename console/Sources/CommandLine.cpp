@@ -3,6 +3,7 @@
 #include "AddressText.h"
 #include "DiscoveryServer.ExtC.h"
 #include "HostPlatform.h"
+#include "Programs/ProgramVersion.h"
 
 #include <CLI/CLI.hpp>
 
@@ -58,6 +59,7 @@ public:
         app.require_subcommand(1);
         app.allow_windows_style_options(false); // an argument such as /tmp/file.json is a path on every system
         app.failure_message(CLI::FailureMessage::simple);
+        app.set_version_flag("--version", std::string("discovery-console ") + Programs::ProgramVersion);
         AddGlobalOptions();
         AddCommands();
     }

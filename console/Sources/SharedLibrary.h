@@ -11,14 +11,15 @@ class SharedLibrary final
 {
 public:
     /// path is UTF-8.
-    /// @throws std::runtime_error with the system's reason when the library cannot be loaded.
+    /// @throws std::runtime_error with the system's reason and what to do when the library cannot be loaded.
     explicit SharedLibrary(const std::string& path);
 
     /// The address of an exported function with arguments of that many bytes, which are part of its name on Windows.
-    /// @throws std::runtime_error when the library does not export it.
+    /// @throws std::runtime_error with what to do when the library does not export it.
     void* Find(const std::string& name, std::size_t argumentBytes) const;
 
 private:
+    std::string path;
     void* handle;
 };
 } // namespace Zent::Discovery::Console

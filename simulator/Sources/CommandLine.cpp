@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "AddressPlan.h"
+#include "Programs/ProgramVersion.h"
 #include "system/Exception.h"
 #include "system/Version.h"
 
@@ -95,6 +96,7 @@ std::optional<SimulationOptions> CommandLine::Parse(const std::vector<std::strin
     CLI::App app("Simulates devices: answers requests on UDP port 12000 until it is interrupted.", "device-simulator");
     app.allow_windows_style_options(false);
     app.failure_message(CLI::FailureMessage::simple);
+    app.set_version_flag("--version", std::string("device-simulator ") + Programs::ProgramVersion);
     SimulationOptions options;
     AddDevices(app, options);
     AddBehaviour(app, options);

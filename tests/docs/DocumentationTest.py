@@ -130,12 +130,12 @@ class DocumentTest(TestCase):
         return [program]
 
     def build_for_windows(self, file):
-        program = pathlib.Path(file).with_suffix(".exe")
+        program = pathlib.Path(file).with_suffix(".exe").name
         shutil.copy(library_path(), self.tree.folder)
         self.run_commands(
             shlex.join([
                 setting("compiler"), file, "-Wall", "-Wextra", "-Werror", "-Iextc/includes",
-                setting("import_library"), "-lole32", "-pthread", "-static", "-o", str(program),
+                setting("import_library"), "-lole32", "-pthread", "-static", "-o", program,
             ]),
             None,
         )  # fmt: skip
@@ -166,6 +166,18 @@ class DocumentTest(TestCase):
     def compare(self, output, expected):
         if expected is not None and not expectation.pattern(expected).fullmatch(output):
             self.fail(f"expected:\n{expected}\nbut got:\n{output}")
+
+    def rule_cmake(self, block, _):
+        """Part of a host's project; the block before has installed the library."""
+        host = self.tree.folder / "host"
+        host.mkdir()
+        (host / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.25)\nproject(Host LANGUAGES C)\n"
+            f"add_executable(host {self.tree.folder}/samples/example.c)\n{block.text}",
+            encoding="utf-8",
+        )
+        self.run_commands('cmake -S host -B host/build -DCMAKE_PREFIX_PATH="$PWD/installed"', None)
+        self.run_commands("cmake --build host/build", None)
 
     def rule_console(self, block, _):
         """Commands after "$ " with their output."""

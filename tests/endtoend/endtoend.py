@@ -35,6 +35,7 @@ def main():
     parser.add_argument("--preset", help="the name of the build")
     parser.add_argument("--source", type=pathlib.Path, help="the root of the source tree")
     parser.add_argument("--compiler", help="the C compiler")
+    parser.add_argument("--toolchain", help="CMake's file of the cross compiler")
     parser.add_argument("--import-library", help="what programs for Windows link to")
     global _settings
     _settings, rest = parser.parse_known_args()

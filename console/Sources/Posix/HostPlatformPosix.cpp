@@ -9,7 +9,9 @@ namespace Zent::Discovery::Console
 std::string HostPlatform::DefaultLibraryPath()
 {
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
-    return program.parent_path().parent_path() / "lib" / "libDiscoveryServer.ExtC.so";
+    const std::filesystem::path prefix = program.parent_path().parent_path();
+    const std::filesystem::path installed = prefix / NFX_INSTALLED_LIBRARY;
+    return std::filesystem::exists(installed) ? installed : prefix / "lib" / installed.filename(); // in a build folder
 }
 
 std::string HostPlatform::DefaultLogPath()

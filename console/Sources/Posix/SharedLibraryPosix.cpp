@@ -7,13 +7,15 @@
 namespace Zent::Discovery::Console
 {
 SharedLibrary::SharedLibrary(const std::string& path)
+    : path(path)
     // A name without a folder would make the loader search its own folders instead of the current one.
-    : handle(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL))
+    , handle(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL))
 {
     if (handle == nullptr)
     {
         // NOLINTNEXTLINE(concurrency-mt-unsafe): the text is the calling thread's own
-        throw std::runtime_error("cannot load the library: " + std::string(dlerror()));
+        throw std::runtime_error("cannot load the library: " + std::string(dlerror()) +
+                                 "; --library names another one");
     }
 }
 
@@ -22,7 +24,8 @@ void* SharedLibrary::Find(const std::string& name, std::size_t /*argumentBytes*/
     void* const address = dlsym(handle, name.c_str());
     if (address == nullptr)
     {
-        throw std::runtime_error("the library lacks the function " + name);
+        throw std::runtime_error("the library " + path + " lacks the function " + name +
+                                 "; --library names another one");
     }
     return address;
 }

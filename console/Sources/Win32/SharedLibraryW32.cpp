@@ -8,13 +8,15 @@
 namespace Zent::Discovery::Console
 {
 SharedLibrary::SharedLibrary(const std::string& path)
+    : path(path)
     // A name without a folder would make the loader search its own folders instead of the current one.
-    : handle(LoadLibraryW(std::filesystem::absolute(std::u8string(path.begin(), path.end())).c_str()))
+    , handle(LoadLibraryW(std::filesystem::absolute(std::u8string(path.begin(), path.end())).c_str()))
 {
     if (handle == nullptr)
     {
         const std::error_code reason(static_cast<int>(GetLastError()), std::system_category());
-        throw std::runtime_error("cannot load the library: " + path + ": " + reason.message());
+        throw std::runtime_error("cannot load the library: " + path + ": " + reason.message() +
+                                 "; --library names another one");
     }
 }
 
@@ -25,7 +27,8 @@ void* SharedLibrary::Find(const std::string& name, std::size_t argumentBytes) co
     void* const address = reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle), exportName.c_str()));
     if (address == nullptr)
     {
-        throw std::runtime_error("the library lacks the function " + exportName);
+        throw std::runtime_error("the library " + path + " lacks the function " + exportName +
+                                 "; --library names another one");
     }
     return address;
 }
