@@ -3,7 +3,7 @@
 import subprocess
 
 from endtoend import main, setting
-from package import CONSUMER, TestCase, build_folder, run
+from package import CONSUMER, TestCase, build_folder, build_with_pkg_config, run
 
 
 class PrefixTest(TestCase):
@@ -46,11 +46,7 @@ class PrefixTest(TestCase):
             self.assert_consumer_works(program, LD_LIBRARY_PATH=self.library.parent)
         with self.subTest("C, by pkg-config"):
             program = self.folder / "with-pkg-config"
-            run(
-                "bash", "-c", 'exec "$0" "$1" -Wall -Wextra -Werror $(pkg-config --cflags --libs DiscoveryServerExtC) -o "$2"',
-                setting("compiler"), CONSUMER / "consumer.c", program,
-                env={"PKG_CONFIG_LIBDIR": self.library.parent / "pkgconfig", "PATH": "/usr/bin:/bin"},
-            )  # fmt: skip
+            build_with_pkg_config(self.library.parent / "pkgconfig", program)
             self.assert_consumer_works(program, LD_LIBRARY_PATH=self.library.parent)
         with self.subTest("C++, by CMake"):
             self.assert_consumer_works(self.build_with_cmake(f"-DCMAKE_PREFIX_PATH={self.prefix}"))

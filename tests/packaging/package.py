@@ -11,8 +11,9 @@ CONSUMER = pathlib.Path(__file__).with_name("consumer")
 
 def run(*command, **options):
     """The output of a command that must succeed."""
+    arguments = [str(part) for part in command]
     result = subprocess.run(
-        [str(part) for part in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False, **options
+        arguments, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False, **options
     )
     if result.returncode != 0:
         raise AssertionError(f"{command}: {result.returncode}\n{result.stdout}")
@@ -27,6 +28,15 @@ def make_packages(folder):
     """Makes the build's packages; the files."""
     run("cpack", "--config", build_folder() / "CPackConfig.cmake", "-B", folder / "cpack")
     return sorted(path for path in (folder / "cpack").iterdir() if path.is_file())
+
+
+def build_with_pkg_config(folder, program):
+    """The consumer in C, by the pkg-config file in the folder."""
+    run(
+        "bash", "-c", 'exec "$@" $(pkg-config --cflags --libs DiscoveryServerExtC)', "bash",
+        setting("compiler"), "-Wall", "-Wextra", "-Werror", CONSUMER / "consumer.c", "-o", program,
+        env={"PKG_CONFIG_LIBDIR": folder, "PATH": "/usr/bin:/bin"},
+    )  # fmt: skip
 
 
 class TestCase(endtoend.TestCase):

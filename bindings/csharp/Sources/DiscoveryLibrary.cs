@@ -132,7 +132,7 @@ namespace Zent.Discovery
                     return path;
                 }
             }
-            return file;
+            return SystemLoader.IsWindows ? file : file + ".1"; // an installed one has its binary interface in its name
         }
 
         private void Bind<T>(out T function, string functionName, int argumentBytes)

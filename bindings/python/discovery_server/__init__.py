@@ -228,7 +228,7 @@ class _Library:
         if path is not None:
             name = os.path.abspath(path)  # the system would search its folders for a name without one
         else:
-            name = "DiscoveryServer.ExtC.dll" if _IS_WINDOWS else "libDiscoveryServer.ExtC.so"
+            name = "DiscoveryServer.ExtC.dll" if _IS_WINDOWS else "libDiscoveryServer.ExtC.so.1"  # its ABI
         loader: Any = getattr(ctypes, "WinDLL" if _IS_WINDOWS else "CDLL")
         try:
             library: ctypes.CDLL = loader(name)
@@ -328,7 +328,7 @@ class Session:
 
         log_path: the log file, which is continued; missing folders are created.
         library: the library's file. Without it the environment variable DISCOVERY_LIBRARY names it, and without that
-            the system searches for libDiscoveryServer.ExtC.so or DiscoveryServer.ExtC.dll.
+            the system searches for libDiscoveryServer.ExtC.so.1 or DiscoveryServer.ExtC.dll.
         local_addresses: as for init_broadcast_provider.
         max_waiting_events: how many events wait for events(); the oldest are lost when more come.
         Raises LibraryError, and DiscoveryError when the log cannot be opened or another session is open.
