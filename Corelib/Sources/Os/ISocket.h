@@ -52,7 +52,10 @@ public:
                                      std::uint8_t* address,
                                      std::int32_t& received) noexcept = 0;
 
-    /// how: 0 ends receiving, 1 sending, 2 both.
+    /// The size of the datagram that waits to be received; 0 also when none does.
+    virtual std::int32_t Available(Handle handle, std::int32_t& size) noexcept = 0;
+
+    /// how: 0 ends receiving, 1 sending, 2 both. Wakes a blocked receiver when receiving ends.
     virtual std::int32_t Shutdown(Handle handle, std::int32_t how) noexcept = 0;
 
     /// Wakes the operations that block on the socket, for good. Once per socket.
@@ -60,6 +63,10 @@ public:
 
     /// Gives the handle back. Once per socket, after BeginClose and after the last operation on it.
     virtual void EndClose(Handle handle) noexcept = 0;
+
+    /// True when any datagram socket of this machine is bound to the port, on whatever address. False also where the
+    /// platform does not tell.
+    virtual bool IsPortUsed(std::int32_t port) noexcept = 0;
 
 protected:
     ISocket() = default;

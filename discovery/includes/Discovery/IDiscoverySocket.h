@@ -41,12 +41,13 @@ public:
     /// Sends the whole array to the limited broadcast address; returns the number of bytes sent.
     virtual Nfx::System::Int32 Broadcast(const Nfx::System::Array<std::uint8_t>& bytes) = 0;
 
-    /// Ends sending and receiving; on most platforms this wakes a blocked Receive. A second call does nothing.
+    /// Ends sending and receiving and wakes a blocked Receive. A second call does nothing.
     virtual void Shutdown() = 0;
 
     virtual Nfx::System::Boolean IsShutDown() = 0;
 
-    /// Releases the socket; wakes a Receive that is still blocked. A second call does nothing.
+    /// Releases the socket once the last operation on it has returned; wakes a blocked Receive. A second call does
+    /// nothing.
     virtual void Close() = 0;
 
     /// The same as IsShutDown; both questions have always had the same answer.

@@ -12,15 +12,19 @@ enum class Call
     OpenSocket,
     SetOption,
     Bind,
+    Connect,
     Send,
     Receive,
+    Shutdown,
     BeforeClose, // a socket is about to be closed
     AfterClose,  // and its operations have been woken
     CreateThread,
     AfterCreateThread, // the thread runs, but its creator does not know yet
+    CreateEvent,
     CreateSemaphore,
     ReleaseSemaphore,
     WaitSemaphore,
+    CreateFolder,
     OpenFile,
     WriteFile,
     RenameFile
@@ -35,7 +39,7 @@ public:
     static constexpr int Always = 1'000'000;
 
     /// Lets calls of this kind fail, the first of them being number first from now on, counted from 1. The error is a
-    /// socket error, or a native one for files; thread and semaphore calls have none.
+    /// socket error, or a native one for files and folders; the others have none.
     static void Fail(Call call, int first, int count = 1, std::int32_t error = 0);
 
     /// Sends the calls of this kind through the gate, from number first on, counted as in Fail. The gate must live
@@ -48,7 +52,7 @@ public:
     /// How many calls were failed since Clear.
     static int FailedCalls();
 
-    /// What the services have handed out and not got back: sockets, threads, semaphores and files.
+    /// What the services have handed out and not got back: sockets, threads, events, semaphores and files.
     static int OpenHandles();
 
     // For the services.

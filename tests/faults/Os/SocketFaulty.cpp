@@ -30,7 +30,8 @@ std::int32_t SocketFaulty::Bind(Handle handle, const std::uint8_t* address) noex
 
 std::int32_t SocketFaulty::Connect(Handle handle, const std::uint8_t* address) noexcept
 {
-    return real.Connect(handle, address);
+    std::int32_t error = Success;
+    return Faults::Strikes(Call::Connect, error) ? error : real.Connect(handle, address);
 }
 
 std::int32_t SocketFaulty::LocalAddress(Handle handle, std::uint8_t* address) noexcept
@@ -55,9 +56,15 @@ std::int32_t SocketFaulty::ReceiveFrom(
     return Faults::Strikes(Call::Receive, error) ? error : real.ReceiveFrom(handle, buffer, size, address, received);
 }
 
+std::int32_t SocketFaulty::Available(Handle handle, std::int32_t& size) noexcept
+{
+    return real.Available(handle, size);
+}
+
 std::int32_t SocketFaulty::Shutdown(Handle handle, std::int32_t how) noexcept
 {
-    return real.Shutdown(handle, how);
+    std::int32_t error = Success;
+    return Faults::Strikes(Call::Shutdown, error) ? error : real.Shutdown(handle, how);
 }
 
 void SocketFaulty::BeginClose(Handle handle) noexcept
@@ -71,5 +78,10 @@ void SocketFaulty::EndClose(Handle handle) noexcept
 {
     real.EndClose(handle);
     Faults::CountClosed();
+}
+
+bool SocketFaulty::IsPortUsed(std::int32_t port) noexcept
+{
+    return real.IsPortUsed(port);
 }
 } // namespace Tests

@@ -2,6 +2,7 @@
 
 #include "Os/Posix/SocketErrorPosix.h"
 #include "Os/Posix/SocketOptionPosix.h"
+#include "Os/Posix/UdpTablePosix.h"
 #include "system/Net/AddressFamily.h"
 #include "system/Net/Sockets/SocketError.h"
 #include "system/Net/Sockets/SocketOptionLevel.h"
@@ -13,6 +14,7 @@
 #include <cstddef>
 #include <netinet/in.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -166,6 +168,14 @@ std::int32_t SocketPosix::ReceiveFrom(
     }
 }
 
+std::int32_t SocketPosix::Available(Handle handle, std::int32_t& size) noexcept
+{
+    int bytes = 0;
+    const bool succeeded = ::ioctl(Descriptor(handle), FIONREAD, &bytes) == 0;
+    size = bytes;
+    return Result(succeeded);
+}
+
 std::int32_t SocketPosix::Shutdown(Handle handle, std::int32_t how) noexcept
 {
     // A socket without a peer is not connected, says the system, and shuts it down all the same.
@@ -181,5 +191,11 @@ void SocketPosix::EndClose(Handle handle) noexcept
 {
     // The descriptor is gone even when this reports a failure: closing it again could hit another thread's file.
     ::close(Descriptor(handle));
+}
+
+bool SocketPosix::IsPortUsed(std::int32_t port) noexcept
+{
+    return UdpTablePosix::Has("/proc/thread-self/net/udp", port) ||
+           UdpTablePosix::Has("/proc/thread-self/net/udp6", port); // may take IPv4 datagrams, too
 }
 } // namespace Nfx::Os

@@ -24,8 +24,10 @@ public:
                              std::int32_t size,
                              std::uint8_t* address,
                              std::int32_t& received) noexcept override;
+    std::int32_t Available(Handle handle, std::int32_t& size) noexcept override;
     std::int32_t Shutdown(Handle handle, std::int32_t how) noexcept override;
     void BeginClose(Handle handle) noexcept override;
     void EndClose(Handle handle) noexcept override;
+    bool IsPortUsed(std::int32_t port) noexcept override;
 };
 } // namespace Nfx::Os

@@ -63,6 +63,12 @@ void SwitchNetworkResetReportsOff(SOCKET socket) noexcept
     DWORD size = 0;
     WSAIoctl(socket, NetworkResetReports, &on, sizeof on, nullptr, 0, &size, nullptr, nullptr);
 }
+
+/// Ends what any thread waits for on the socket.
+void CancelBlocked(ISocket::Handle handle) noexcept
+{
+    CancelIoEx(reinterpret_cast<HANDLE>(handle), nullptr);
+}
 } // namespace
 
 std::int32_t SocketW32::Open(std::int32_t type, std::int32_t protocol, Handle& handle) noexcept
@@ -131,15 +137,37 @@ std::int32_t SocketW32::ReceiveFrom(
     return Result(result);
 }
 
+std::int32_t SocketW32::Available(Handle handle, std::int32_t& size) noexcept
+{
+    u_long bytes = 0;
+    const int result = ioctlsocket(Socket(handle), FIONREAD, &bytes);
+    size = static_cast<std::int32_t>(bytes);
+    return Result(result);
+}
+
 std::int32_t SocketW32::Shutdown(Handle handle, std::int32_t how) noexcept
 {
-    return Result(shutdown(Socket(handle), how));
+    const std::int32_t error = Result(shutdown(Socket(handle), how));
+    if (error == Success && how != SD_SEND)
+    {
+        CancelBlocked(handle);
+    }
+    return error;
 }
 
 void SocketW32::BeginClose(Handle handle) noexcept
 {
+    shutdown(Socket(handle), SD_BOTH);
+    CancelBlocked(handle);
+}
+
+void SocketW32::EndClose(Handle handle) noexcept
+{
     closesocket(Socket(handle));
 }
 
-void SocketW32::EndClose(Handle) noexcept {}
+bool SocketW32::IsPortUsed(std::int32_t) noexcept
+{
+    return false; // the table of sockets takes a library that is otherwise not needed
+}
 } // namespace Nfx::Os

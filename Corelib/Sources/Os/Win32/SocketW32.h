@@ -5,9 +5,8 @@
 namespace Nfx::Os
 {
 /// Sockets of Winsock, which is started with the first one and stays started: threads may use sockets until the process
-/// ends. Shutting a socket down wakes nobody who blocks on it, closing it does; so BeginClose closes it at once. An
-/// operation that another thread is just about to start then meets a handle that is invalid or, at worst, already
-/// another socket's; the failure is the usual case, and the caller knows it for what it is.
+/// ends. Shutting a socket down wakes nobody who blocks on it, but whoever starts to receive afterwards is refused; so
+/// what blocks is cancelled after it, and the handle can stay until EndClose.
 class SocketW32 final : public ISocket
 {
 public:
@@ -26,8 +25,10 @@ public:
                              std::int32_t size,
                              std::uint8_t* address,
                              std::int32_t& received) noexcept override;
+    std::int32_t Available(Handle handle, std::int32_t& size) noexcept override;
     std::int32_t Shutdown(Handle handle, std::int32_t how) noexcept override;
     void BeginClose(Handle handle) noexcept override;
     void EndClose(Handle handle) noexcept override;
+    bool IsPortUsed(std::int32_t port) noexcept override;
 };
 } // namespace Nfx::Os

@@ -6,14 +6,11 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <fcntl.h>
 #include <fstream>
-#include <netinet/in.h>
 #include <pthread.h>
 #include <string>
 #include <sys/socket.h>
@@ -123,6 +120,16 @@ TEST(SocketPosixTest, ProgramsThatTheProcessStartsInheritNoSocket)
     EXPECT_NE(::fcntl(Descriptor(*OpenSocket()), F_GETFD) & FD_CLOEXEC, 0);
 }
 
+TEST(SocketPosixTest, APortIsUsedWhileASocketIsBoundToItOnAnyAddress)
+{
+    const SmartPointer<Socket> socket = OpenSocket();
+    BindTo(*socket, IPAddress::Parse("127.0.0.3"), 0);
+    const std::int32_t port = socket->LocalEndPoint().Port();
+    EXPECT_TRUE(Socket::IsPortUsed(port));
+    socket->Close();
+    EXPECT_FALSE(Socket::IsPortUsed(port));
+}
+
 TEST(SocketPosixTest, SignalsInterruptNothing)
 {
     struct sigaction ignored = {};
@@ -141,85 +148,6 @@ TEST(SocketPosixTest, SignalsInterruptNothing)
     receiver.join();
     EXPECT_EQ(received, "undisturbed");
     ::sigaction(SIGUSR1, &before, nullptr);
-}
-
-/// A host program that opens and closes sockets of its own all the time, and so gets every number that is given back.
-/// Nobody else may touch one: what it sends to itself it must find, and nothing leaves but what it sent.
-class BusyHost final
-{
-public:
-    BusyHost()
-        : thread([this] { Run(); })
-    {
-    }
-
-    ~BusyHost()
-    {
-        stop = true;
-        thread.join();
-    }
-
-    BusyHost(const BusyHost&) = delete;
-    BusyHost& operator=(const BusyHost&) = delete;
-
-    /// The address that all sockets of the host are bound to.
-    static IPAddress Address() { return IPAddress::Parse("127.0.0.2"); }
-
-    /// The calls that another's use of one of the host's numbers made fail.
-    int Disturbed() const { return disturbed; }
-
-private:
-    void Run()
-    {
-        while (!stop)
-        {
-            const int descriptor = ::socket(AF_INET, SOCK_DGRAM, 0);
-            disturbed += UseUndisturbed(descriptor) ? 0 : 1;
-            disturbed += ::close(descriptor) == 0 ? 0 : 1;
-        }
-    }
-
-    static bool UseUndisturbed(int descriptor)
-    {
-        sockaddr_in self = {};
-        socklen_t size = sizeof self;
-        self.sin_family = AF_INET;
-        ::inet_pton(AF_INET, "127.0.0.2", &self.sin_addr);
-        auto* const address = reinterpret_cast<sockaddr*>(&self);
-        char byte = 0;
-        return ::bind(descriptor, address, size) == 0 && ::getsockname(descriptor, address, &size) == 0 &&
-               ::sendto(descriptor, &byte, 1, 0, address, size) == 1 && ::recv(descriptor, &byte, 1, MSG_DONTWAIT) == 1;
-    }
-
-    std::atomic<bool> stop{false}; // set by the owner, read by the thread
-    std::atomic<int> disturbed{0}; // counted by the thread, read by the owner
-    std::thread thread;
-};
-
-TEST(SocketPosixTest, NumberIsNotGivenBackUnderARunningOperation)
-{
-    const BusyHost host;
-    const SmartPointer<Socket> sink = OpenLoopback();
-    const IPEndPoint sinkEnd = LoopbackEnd(*sink);
-    Repeater sinkReader([&] { EXPECT_FALSE(ReceiveText(*sink).Sender.Address() == BusyHost::Address()); });
-
-    for (int cycle = 0; cycle < 500; ++cycle)
-    {
-        const SmartPointer<Socket> socket = OpenLoopback();
-        const IPEndPoint self = LoopbackEnd(*socket);
-        // More threads than cores, so that some are put aside on the way from the check to the call.
-        Repeater receiver([&] { ReceiveText(*socket); });
-        SendText(*socket, "now it blocks", self);
-        Repeater sender([&] { SendText(*socket, "from the library", sinkEnd); });
-        Repeater otherSender([&] { SendText(*socket, "from the library", sinkEnd); });
-        receiver.AwaitStart();
-        sender.AwaitStart();
-        otherSender.AwaitStart();
-        socket->Close();
-    }
-
-    sink->Close();
-    EXPECT_EQ(host.Disturbed(), 0);
 }
 } // namespace
 } // namespace Nfx::System::Net::Sockets

@@ -181,6 +181,14 @@ Int32 Socket::ReceiveFrom(std::uint8_t* buffer, std::int32_t size, IPEndPoint& r
     return received;
 }
 
+Int32 Socket::Available()
+{
+    std::int32_t size = 0;
+    const Operation operation(*this, NeitherShutDown);
+    operation.Check(PlatformSocket().Available(handle, size));
+    return size;
+}
+
 void Socket::Shutdown(const SocketShutdown& how)
 {
     const std::uint32_t ended = EndedBy(how);
@@ -228,6 +236,11 @@ IPEndPoint Socket::LocalEndPoint()
 IntPtr Socket::Handle() const noexcept
 {
     return handle;
+}
+
+bool Socket::IsPortUsed(std::int32_t port) noexcept
+{
+    return PlatformSocket().IsPortUsed(port);
 }
 
 /// Ends an operation; the last one out of a closed socket gives the handle back.

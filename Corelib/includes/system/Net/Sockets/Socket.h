@@ -18,8 +18,7 @@ namespace Nfx::System::Net::Sockets
 ///
 /// Any thread may call any operation, several at once: one thread may block in ReceiveFrom while others send and
 /// another shuts down and closes. Nothing is locked, and no operation waits for another one. The platform's handle is
-/// given back when the last operation on it has returned, so its number never means something else under a late one;
-/// only on Windows, where nothing but giving the handle back wakes a blocked receiver, Close gives it back at once.
+/// given back when the last operation on it has returned, so its number never means something else under a late one.
 /// To end a receiver: Shutdown, Close, then join its thread. The socket must outlive every call on it.
 ///
 /// Failures: an operation that starts after Close, or that was running then and fails, throws ObjectClosedException;
@@ -64,11 +63,15 @@ public:
     /// others as above.
     Int32 ReceiveFrom(std::uint8_t* buffer, std::int32_t size, IPEndPoint& remoteEndPoint);
 
-    /// Ends a direction or both for good. Wakes a blocked receiver, except on Windows, where Close does.
+    /// The size in bytes of the datagram that waits to be received; 0 also when none does.
+    /// @throws SocketException; ObjectClosedException after Close.
+    Int32 Available();
+
+    /// Ends a direction or both for good. Wakes a receiver that blocks in it.
     /// @throws SocketException; ObjectClosedException after Close.
     void Shutdown(const SocketShutdown& how);
 
-    /// Wakes blocked operations and gives the handle back; the second call does nothing.
+    /// Wakes blocked operations; the last one to return gives the handle back. The second call does nothing.
     void Close() noexcept;
 
     bool IsClosed() const noexcept;
@@ -79,6 +82,10 @@ public:
 
     /// The platform's own number of the socket; it means nothing after Close.
     IntPtr Handle() const noexcept;
+
+    /// True when any datagram socket of this machine is bound to the port, on whatever address. False also where the
+    /// platform does not tell, as on Windows.
+    static bool IsPortUsed(std::int32_t port) noexcept;
 
 private:
     class Operation;
