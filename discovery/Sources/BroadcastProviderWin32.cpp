@@ -13,6 +13,32 @@ using Nfx::System::SmartPointer;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Net::IPAddress;
 using Nfx::System::Net::IPEndPoint;
+using Nfx::System::Net::Sockets::Socket;
+
+namespace
+{
+/// Connected to the broadcast address the socket accepts nothing. Without that it would be the better match for unicast
+/// answers to its address, and the server's main socket would never see them.
+void LeaveAnswersToTheMainSocket(IDiscoverySocket& socket)
+{
+    socket.GetSocket()->Connect(IPEndPoint(IPAddress::Broadcast(), socket.GetRemotePort()));
+}
+
+/// Passes on what came between the socket's binding and its connecting: from here it goes to the main socket.
+void PassOnStrays(IDiscoverySocket& socket, const IPAddress& address)
+{
+    const SmartPointer<Socket> platformSocket = socket.GetSocket();
+    const IPEndPoint mainSocket(address, socket.GetLocalPort());
+    std::vector<std::uint8_t> buffer;
+    for (std::int32_t size = platformSocket->Available(); size > 0; size = platformSocket->Available())
+    {
+        buffer.resize(static_cast<std::size_t>(size));
+        IPEndPoint sender(IPAddress::Broadcast(), 0);
+        const Int32 count = platformSocket->ReceiveFrom(buffer.data(), size, sender);
+        platformSocket->SendTo(buffer.data(), count, mainSocket);
+    }
+}
+} // namespace
 
 BroadcastProviderWin32::BroadcastProviderWin32(const SmartPointer<AddressList>& addresses)
     : log("BroadcastProviderWin32")
@@ -26,19 +52,28 @@ BroadcastProviderWin32::BroadcastProviderWin32(const SmartPointer<AddressList>& 
 
 void BroadcastProviderWin32::Send(const std::uint8_t* bytes, Int32 count)
 {
+    sockets.resize(static_cast<std::size_t>(addresses->Count()));
+    auto socket = sockets.begin();
     for (const SmartPointer<IPAddress>& address : *addresses)
     {
-        SendFrom(*address, bytes, count);
+        SendFrom(*address, *socket++, bytes, count);
     }
 }
 
-SmartPointer<IDiscoverySocket> BroadcastProviderWin32::OpenSocket(const IPAddress& address) const
+void BroadcastProviderWin32::Release()
+{
+    sockets.clear();
+}
+
+BroadcastProviderWin32::SocketPointer BroadcastProviderWin32::OpenSocket(const IPAddress& address) const
 {
     const SmartPointer<DiscoveryPorts>& ports = DiscoveryPorts::GetInstance();
     try
     {
-        return SmartPointer<IDiscoverySocket>(
-            new DiscoverySocketUdpClient(ports->ServerPort(), ports->ClientPort(), address));
+        SocketPointer socket(new DiscoverySocketUdpClient(ports->ServerPort(), ports->ClientPort(), address));
+        LeaveAnswersToTheMainSocket(*socket);
+        PassOnStrays(*socket, address);
+        return socket;
     }
     catch (const Exception& exception)
     {
@@ -47,9 +82,16 @@ SmartPointer<IDiscoverySocket> BroadcastProviderWin32::OpenSocket(const IPAddres
     }
 }
 
-void BroadcastProviderWin32::SendFrom(const IPAddress& address, const std::uint8_t* bytes, Int32 count) const
+void BroadcastProviderWin32::SendFrom(const IPAddress& address,
+                                      SocketPointer& socket,
+                                      const std::uint8_t* bytes,
+                                      Int32 count) const
 {
-    const SmartPointer<IDiscoverySocket> socket = OpenSocket(address);
+    const bool isKept = !socket.IsNull();
+    if (!isKept)
+    {
+        socket = OpenSocket(address);
+    }
     if (socket.IsNull())
     {
         return;
@@ -57,13 +99,16 @@ void BroadcastProviderWin32::SendFrom(const IPAddress& address, const std::uint8
     log.Write("Sending from " + address.ToString() + "...", LogStreamLevel::Debug);
     try
     {
-        // While this socket is open it is the better match for unicast answers to its address. Connected to the
-        // broadcast address it accepts none of them, so they all go to the server's main socket.
-        socket->GetSocket()->Connect(IPEndPoint(IPAddress::Broadcast(), socket->GetRemotePort()));
         socket->Send(bytes, count, IPAddress::Broadcast());
     }
     catch (const Exception& exception)
     {
+        socket = nullptr;
+        if (isKept)
+        {
+            SendFrom(address, socket, bytes, count); // a new one knows the address as it is now
+            return;
+        }
         log.Write("Exception caught while sending message from address " + address.ToString() + " !", exception);
     }
 }

@@ -77,6 +77,11 @@ void DiscoveryTaskProcessor::Stop()
         RequestStop();
     }
     DiscoveryWorker::Stop();
+    const SmartPointer<IBroadcastProvider> current = BroadcastProvider();
+    if (!current.IsNull())
+    {
+        current->Release(); // a restart keeps the provider, but the port is free until it is there
+    }
 }
 
 SmartPointer<IBroadcastProvider> DiscoveryTaskProcessor::BroadcastProvider() const
