@@ -5,6 +5,7 @@
 #include "system/Threading/Lock.h"
 
 #include <algorithm>
+#include <cxxabi.h>
 
 namespace Zent::Discovery::Server
 {
@@ -129,9 +130,18 @@ void DiscoveryTaskProcessor::Run()
 {
     const ServiceThread mark;
     Log().Write("---Waiting for tasks...", LogStreamLevel::Critical);
-    while (!IsStopRequested())
+    try
     {
-        Log().Guard("Error while processing task", [this] { ProcessNext(); });
+        while (!IsStopRequested())
+        {
+            Log().Guard("Error while processing task", [this] { ProcessNext(); });
+        }
+    }
+    catch (abi::__forced_unwind&)
+    {
+        Log().Write("A callback has ended the thread that it was called on.", LogStreamLevel::Critical);
+        RaiseSocketClosed(); // the restart comes with a new thread
+        throw;
     }
 }
 

@@ -5,6 +5,7 @@
 #include "system/LogStreams/LogStreamLevel.h"
 #include "system/String.h"
 
+#include <cxxabi.h>
 #include <new>
 #include <utility>
 
@@ -25,9 +26,9 @@ public:
     void Write(const Nfx::System::String& message, const Nfx::System::Exception& exception) const;
 
     /// Runs a body for a place that nothing may leave, such as the outermost function of a thread: what the body throws
-    /// becomes a line, if there is memory for one. False when it threw.
+    /// becomes a line, if there is memory for one. False when it threw. Only the end of the thread itself gets through.
     template <class TBody>
-    bool Guard(const char* failure, TBody&& body) const noexcept
+    bool Guard(const char* failure, TBody&& body) const
     {
         try
         {
@@ -41,6 +42,10 @@ public:
         catch (const std::bad_alloc&)
         {
             Write(failure, Nfx::System::OutOfMemoryException(SourceName, __LINE__));
+        }
+        catch (abi::__forced_unwind&)
+        {
+            throw; // the platform ends the thread, and the process if somebody stops it
         }
         catch (...) // a callback of the host threw what only the host knows
         {
