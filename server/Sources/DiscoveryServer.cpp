@@ -23,6 +23,7 @@ using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Net::IPAddress;
+using Nfx::System::Net::Sockets::Socket;
 using Nfx::System::Threading::Lock;
 
 namespace
@@ -107,6 +108,7 @@ void DiscoveryServer::StartWorkers()
 
 void DiscoveryServer::CreateComponents(const HostRegistrations& registrations)
 {
+    WarnOfOtherReceiver();
     const SmartPointer<IDiscoverySocket> newSocket = OpenSocket();
     const SmartPointer<DiscoveryServerTaskProcessor> newTaskProcessor(new DiscoveryServerTaskProcessor(newSocket));
     const SmartPointer<DiscoveryServerMessageParser> newParser(new DiscoveryServerMessageParser());
@@ -128,6 +130,17 @@ void DiscoveryServer::CreateComponents(const HostRegistrations& registrations)
     taskProcessor = newTaskProcessor;
     parser = newParser;
     receiver = newReceiver;
+}
+
+void DiscoveryServer::WarnOfOtherReceiver() const
+{
+    const Int32 port = DiscoveryPorts::GetInstance()->ServerPort();
+    if (Socket::IsPortUsed(port))
+    {
+        log.Write("Another socket on this machine is bound to port " + port.ToString() +
+                      " : answers of devices go to only one of them.",
+                  LogStreamLevel::Critical);
+    }
 }
 
 void DiscoveryServer::Stop()

@@ -89,6 +89,7 @@ private:
     void StartLocked(const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     void StartWorkers() NFX_REQUIRES(lifecycleLock);
     void CreateComponents(const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
+    void WarnOfOtherReceiver() const;
     void StopLocked() NFX_REQUIRES(lifecycleLock);
     void ReleaseComponents() NFX_REQUIRES(lifecycleLock);
     void LogDiscarded(std::int32_t tasks, std::int32_t datagrams) const;
