@@ -3,6 +3,7 @@
 #include "Device.h"
 #include "DiscoveryServerExtCFacade.h"
 #include "Os/Faults.h"
+#include "Server/DiscoveryServerFacade.h"
 #include "support/DeviceDatagram.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
@@ -20,7 +21,11 @@ namespace Tests
 class FaultTest : public testing::Test
 {
 protected:
-    FaultTest() { hellos = 0; }
+    FaultTest()
+    {
+        hellos = 0;
+        callbackBody = nullptr;
+    }
 
     ~FaultTest() override
     {
@@ -30,15 +35,15 @@ protected:
     }
 
     /// Initializes the library and starts the server.
-    void Serve()
+    void Serve(DiscoveryLogLevel level = DiscoveryLogDebug)
     {
-        ASSERT_EQ(0, Initialize());
+        ASSERT_EQ(0, Initialize(level));
         ASSERT_EQ(0, Zent::Discovery::ExtC::StartServer());
     }
 
-    int Initialize() const
+    int Initialize(DiscoveryLogLevel level = DiscoveryLogDebug) const
     {
-        const int code = Zent::Discovery::ExtC::Initialize(folder.PathOf("test.log").c_str(), DiscoveryLogDebug);
+        const int code = Zent::Discovery::ExtC::Initialize(folder.PathOf("logs/test.log").c_str(), level);
         return code != 0 ? code : Zent::Discovery::ExtC::SetHelloMessageReceivedEventCallBack(&OnHello);
     }
 
@@ -67,10 +72,11 @@ protected:
     static void ExpectNothingLeft()
     {
         ExpectStopped();
+        Zent::Discovery::Server::DiscoveryServerFacade::Destroy(); // a second Terminate leaves an idle one
         EXPECT_EQ(0, Faults::OpenHandles());
     }
 
-    std::string Log() const { return folder.Read("test.log"); }
+    std::string Log() const { return folder.Read("logs/test.log"); }
 
     /// How often a text is in the log.
     int Count(std::string_view text) const
@@ -97,11 +103,16 @@ protected:
         {
             gate->Pass();
         }
+        if (void (*const body)() = callbackBody.exchange(nullptr))
+        {
+            body();
+        }
     }
 
     const TemporaryFolder folder;
     Device device;
     static inline std::atomic<int> hellos{0};
-    static inline std::atomic<Gate*> callbackGate{nullptr}; // holds the callback when there is one
+    static inline std::atomic<Gate*> callbackGate{nullptr};      // holds the callback when there is one
+    static inline std::atomic<void (*)()> callbackBody{nullptr}; // then runs on its thread, once
 };
 } // namespace Tests

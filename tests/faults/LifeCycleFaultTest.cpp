@@ -1,6 +1,7 @@
 #include "FaultTest.h"
 #include "system/Net/Sockets/SocketError.h"
 
+#include <atomic>
 #include <thread>
 
 namespace Tests
@@ -59,6 +60,94 @@ TEST_F(LifeCycleFaultTest, NothingRestartsAServerThatIsAboutToCloseItsSocket)
 TEST_F(LifeCycleFaultTest, NothingRestartsAServerThatHasJustClosedItsSocket)
 {
     StopHeldAt(Call::AfterClose);
+}
+
+TEST_F(LifeCycleFaultTest, LongTwoThousandStopsUnderTrafficAreFinal)
+{
+    constexpr int Rounds = 2000;
+    std::atomic<bool> isOver{false};
+    std::thread traffic([&] {
+        while (!isOver)
+        {
+            device.Send(DeviceDatagram("Hello", "1.0.18", "press-4"));
+            std::this_thread::sleep_for(std::chrono::microseconds(50));
+        }
+    });
+    EXPECT_EQ(0, Initialize(DiscoveryLogCritical));
+    for (int round = 0; round < Rounds && !HasFailure(); ++round)
+    {
+        EXPECT_EQ(0, ExtC::StartServer());
+        EXPECT_EQ(0, ExtC::InitBroadcastProvider("[\"127.0.0.1\"]"));
+        EXPECT_EQ(0, ExtC::Discover());
+        std::this_thread::sleep_for(std::chrono::microseconds(round % 16 * 100)); // to stop at every moment of a start
+        EXPECT_EQ(0, ExtC::StopServer());
+        ExpectStopped();
+    }
+    isOver = true;
+    traffic.join();
+    std::this_thread::sleep_for(std::chrono::milliseconds(200)); // nobody tells of what must not come
+    ExpectStopped();
+    EXPECT_EQ(Rounds, Count("Starting Discovery Server service"));
+    EXPECT_EQ(0, Count(Restart));
+    EXPECT_EQ(0, Count("Unexpected socket error"));
+}
+
+TEST_F(LifeCycleFaultTest, LongNoMomentOfARestartOutlastsAStop)
+{
+    for (int round = 0; round < 500 && !HasFailure(); ++round)
+    {
+        SCOPED_TRACE(round);
+        ASSERT_NO_FATAL_FAILURE(Serve(DiscoveryLogCritical));
+        ASSERT_TRUE(HelloArrives());
+        LoseSocket();
+        std::this_thread::sleep_for(std::chrono::milliseconds(round % 51));
+        if (round % 2 == 0)
+        {
+            EXPECT_EQ(0, ExtC::StopServer());
+            ExpectStopped();
+        }
+        EXPECT_EQ(0, ExtC::Terminate());
+        ExpectNothingLeft();
+        Faults::Clear();
+    }
+}
+
+TEST_F(LifeCycleFaultTest, ACallbackIsRefusedWhatWouldWaitForARestartThatWaitsForIt)
+{
+    static std::atomic<int> refusals;
+    Gate callback;
+    refusals = 0;
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    callbackGate = &callback;
+    callbackBody = [] {
+        constexpr int InvalidOperation = 30;
+        refusals += ExtC::StartServer() == InvalidOperation ? 1 : 0;
+        refusals += ExtC::StopServer() == InvalidOperation ? 1 : 0;
+        refusals += ExtC::Terminate() == InvalidOperation ? 1 : 0;
+        refusals += ExtC::Initialize("unused.log", DiscoveryLogNone) == InvalidOperation ? 1 : 0;
+    };
+    ASSERT_TRUE(HelloArrives());
+    LoseSocket();
+    EXPECT_TRUE(WaitForLine("Stopping Task Processor"));
+    callbackGate = nullptr;
+    callback.Open();
+    EXPECT_TRUE(HelloArrives());
+    EXPECT_EQ(4, refusals);
+    EXPECT_EQ(1, Count(Restart));
+}
+
+TEST_F(LifeCycleFaultTest, LongAStopSaysThatItWaitsForACallback)
+{
+    Gate callback;
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    callbackGate = &callback;
+    ASSERT_TRUE(HelloArrives());
+    std::thread stop([] { EXPECT_EQ(0, ExtC::StopServer()); });
+    EXPECT_TRUE(WaitForLine("Still waiting for the worker, or for a callback that it called, to return"));
+    callbackGate = nullptr;
+    callback.Open();
+    stop.join();
+    ExpectStopped();
 }
 
 TEST_F(LifeCycleFaultTest, ALossWhileARestartIsNotYetThroughIsAnsweredToo)

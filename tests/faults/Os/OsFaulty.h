@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Os/DirectoryFaulty.h"
+#include "Os/EventFaulty.h"
 #include "Os/FileFaulty.h"
 #include "Os/IOs.h"
 #include "Os/SemaphoreFaulty.h"
@@ -20,6 +22,8 @@ class OsFaulty final : public Nfx::Os::IOs
 public:
     explicit OsFaulty(Nfx::Os::IOs& real)
         : real(real)
+        , directory(real.Directory())
+        , event(real.Event())
         , file(real.File())
         , semaphore(real.Semaphore())
         , socket(real.Socket())
@@ -29,9 +33,9 @@ public:
 
     Nfx::Os::IDateTime& DateTime() override { return real.DateTime(); }
 
-    Nfx::Os::IDirectory& Directory() override { return real.Directory(); }
+    Nfx::Os::IDirectory& Directory() override { return directory; }
 
-    Nfx::Os::IEvent& Event() override { return real.Event(); }
+    Nfx::Os::IEvent& Event() override { return event; }
 
     Nfx::Os::IFile& File() override { return file; }
 
@@ -51,6 +55,8 @@ public:
 
 private:
     Nfx::Os::IOs& real;
+    DirectoryFaulty directory;
+    EventFaulty event;
     FileFaulty file;
     SemaphoreFaulty semaphore;
     SocketFaulty socket;
