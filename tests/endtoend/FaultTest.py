@@ -64,6 +64,15 @@ class FaultTest(TestCase):
         ip("address", "add", "10.3.0.1/24", "dev", self.namespace.cable)
         self.assert_served("Discover")
 
+    def test_a_line_tells_of_another_server_on_this_machine(self):
+        self.assertNotIn("Another socket on this machine", self.host.log_text())
+        self.host.must("StopServer")
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as other:
+            other.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+            other.bind(("", SERVER_PORT))
+            self.host.must("StartServer")
+        self.assertEqual(self.host.log_text().count("Another socket on this machine is bound to port 12001"), 1)
+
     def test_a_taken_port_is_a_code_and_a_line_and_the_next_start_works(self):
         self.host.must("Terminate")
         with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as other:

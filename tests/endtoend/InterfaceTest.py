@@ -2,7 +2,7 @@
 
 import json
 
-from endtoend import INVALID_FORMAT, NOT_FOUND, Host, Peer, Simulator, TestCase, main, message
+from endtoend import INVALID_FORMAT, NOT_FOUND, Host, Peer, Simulator, TestCase, main, message, setting
 
 ARGUMENT_NULL = 9
 INVALID_OPERATION = 30
@@ -56,6 +56,18 @@ class LifeCycleTest(TestCase):
             host.must("Terminate")
             self.assertEqual(host.log_text().count("Discovery Server stopped"), 4)
             self.assertEqual(host.log_text().count("Close Log"), 2)
+
+    def test_a_thread_priority_that_the_system_refuses_costs_a_line(self):
+        right_to_raise = 1 << 23
+        with open("/proc/self/status", encoding="ascii") as status:
+            rights = next(int(line.split()[1], 16) for line in status if line.startswith("CapEff:"))
+        with Host(self.folder / "log.txt") as host:
+            host.initialize()
+            host.start()
+            host.must("Terminate")
+            refusals = host.log_text().count("Thread priority Highest refused by the system.")
+        is_granted = rights & right_to_raise or setting("suffix")  # Wine grants it in any case
+        self.assertEqual(refusals, 0 if is_granted else 1)
 
     def test_the_host_may_end_without_stopping_the_server(self):
         with Host(self.folder / "log.txt") as host:

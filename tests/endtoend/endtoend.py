@@ -37,6 +37,8 @@ def main():
     parser.add_argument("--compiler", help="the C compiler")
     parser.add_argument("--toolchain", help="CMake's file of the cross compiler")
     parser.add_argument("--import-library", help="what programs for Windows link to")
+    parser.add_argument("--rounds", type=int, default=1, help="how often to repeat what goes wrong rarely")
+    parser.add_argument("--sanitized", action="store_true", help="the build is one whose speed means nothing")
     global _settings
     _settings, rest = parser.parse_known_args()
     unittest.main(module="__main__", argv=sys.argv[:1] + rest, verbosity=2)

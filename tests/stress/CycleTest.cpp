@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -65,10 +66,7 @@ protected:
         hellos = 0;
         probes = 0;
         signatures = 0;
-        ASSERT_EQ(0, Server().Initialize(folder.PathOf("log.txt").c_str(), DiscoveryLogCritical));
-        ASSERT_EQ(0, Server().SetHelloMessageReceivedEventCallBack(&OnHello));
-        ASSERT_EQ(0, Server().SetClientSignatureReceivedEventCallBack(&OnSignature));
-        Start();
+        Open();
     }
 
     void TearDown() override
@@ -77,6 +75,24 @@ protected:
         delay = 0;
         EXPECT_EQ(0, Server().Terminate());
         EXPECT_TRUE(Tests::IsServerPortFree());
+    }
+
+    void Open()
+    {
+        ASSERT_EQ(0, Server().Initialize(folder.PathOf("log.txt").c_str(), DiscoveryLogCritical));
+        ASSERT_EQ(0, Server().SetHelloMessageReceivedEventCallBack(&OnHello));
+        ASSERT_EQ(0, Server().SetClientSignatureReceivedEventCallBack(&OnSignature));
+        Start();
+    }
+
+    /// Takes the server's socket away, and waits until it has another one and serves.
+    template <class TLoss>
+    void LoseSocket(TLoss&& loss)
+    {
+        const std::uint64_t lost = Tests::SocketOn(ServerPort);
+        ASSERT_TRUE(loss(ServerPort));
+        ASSERT_TRUE(Tests::WaitUntil([&] { return IsAnotherSocketThan(lost); }));
+        ASSERT_TRUE(IsServedWithin(seconds(10)));
     }
 
     void Start()
@@ -215,18 +231,92 @@ TEST_F(CycleTest, LongEveryLostSocketIsReplacedOnceAndTheHostNeedNotKnow)
     constexpr int Losses = 15;
     for (int loss = 0; loss < Losses; ++loss)
     {
-        const std::uint64_t lost = Tests::SocketOn(ServerPort);
-        ASSERT_TRUE(Tests::ShutDownSocketOn(ServerPort));
-        ASSERT_TRUE(Tests::WaitUntil([&] { return IsAnotherSocketThan(lost); })) << loss;
-        ASSERT_TRUE(IsServedWithin(seconds(10))) << loss;
+        ASSERT_NO_FATAL_FAILURE(LoseSocket(&Tests::ShutDownSocketOn)) << loss;
     }
     const int before = hellos;
     SendHello("single");
     ASSERT_TRUE(Tests::WaitUntil([&] { return hellos > before; }));
     EXPECT_EQ(descriptors, Tests::OpenDescriptors());
     EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::RunningThreads() == threads; }));
-
     EXPECT_EQ(Losses, CountInLog("restart triggered"));
+}
+
+TEST_F(CycleTest, LongAThousandRestartsUseNothingUp)
+{
+    constexpr int Rounds = 1000;
+    constexpr int Warm = 200;
+    std::int64_t descriptors = 0;
+    std::int64_t threads = 0;
+    std::int64_t memory = 0;
+    for (int round = 1; round <= Rounds; ++round)
+    {
+        // A server restarts once a second at most; a new one does at once.
+        ASSERT_EQ(0, Server().Terminate());
+        ASSERT_NO_FATAL_FAILURE(Open());
+        ASSERT_EQ(0, Server().Discover());
+        ASSERT_TRUE(IsServedWithin(seconds(10)));
+        ASSERT_NO_FATAL_FAILURE(LoseSocket(&Tests::ShutDownSocketOn)) << round;
+        ASSERT_EQ(0, Server().StopServer());
+        if (round == Warm)
+        {
+            descriptors = Tests::OpenDescriptors();
+            threads = Tests::RunningThreads();
+            memory = Tests::ResidentKiB();
+        }
+    }
+    EXPECT_EQ(Rounds, CountInLog("restart triggered"));
+    EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::RunningThreads() == threads; }));
+    EXPECT_EQ(descriptors, Tests::OpenDescriptors());
+    EXPECT_LE(Tests::ResidentKiB(), memory + 512);
+}
+
+TEST_F(CycleTest, ASocketThatSomebodyClosesIsReplaced)
+{
+    ASSERT_TRUE(IsServedWithin(seconds(10)));
+    const std::int64_t descriptors = Tests::OpenDescriptors();
+    ASSERT_NO_FATAL_FAILURE(LoseSocket(&Tests::CloseSocketOn));
+    EXPECT_EQ(1, CountInLog("restart triggered"));
+    EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::OpenDescriptors() == descriptors; }));
+}
+
+TEST_F(CycleTest, LongBroadcastsFromDeadAddressesUseNothingUp)
+{
+    std::string addresses = "[\"127.0.0.1\"";
+    for (int number = 1; number <= 50; ++number)
+    {
+        addresses += ",\"192.0.2." + std::to_string(number) + "\"";
+    }
+    ASSERT_EQ(0, Server().InitBroadcastProvider((addresses + "]").c_str()));
+    Tests::RequestListener listener;
+    std::int64_t descriptors = 0;
+    std::int64_t memory = 0;
+    for (int request = 0; request < 1000; ++request)
+    {
+        ASSERT_EQ(0, Server().Discover());
+        ASSERT_TRUE(Tests::WaitUntil([&] { return listener.HasHeard("AllSendYourSignature"); })) << request;
+        if (request == 200)
+        {
+            descriptors = Tests::OpenDescriptors();
+            memory = Tests::ResidentKiB();
+        }
+    }
+    EXPECT_TRUE(IsServedWithin(seconds(10))); // the last request is through
+    EXPECT_EQ(descriptors, Tests::OpenDescriptors());
+    EXPECT_LE(Tests::ResidentKiB(), memory + 512);
+}
+
+TEST_F(CycleTest, SignalsOfTheHostDisturbNothing)
+{
+    struct sigaction handled = {};
+    handled.sa_handler = [](int) {}; // and without SA_RESTART: system calls that it interrupts fail
+    struct sigaction before = {};
+    ASSERT_EQ(0, sigaction(SIGUSR1, &handled, &before));
+    ASSERT_TRUE(IsServedWithin(seconds(10)));
+    const std::string log = folder.Read("log.txt");
+    Tests::SignalOtherThreads(SIGUSR1, 10000);
+    EXPECT_TRUE(IsServedWithin(seconds(1)));
+    EXPECT_EQ(log, folder.Read("log.txt"));
+    sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST_F(CycleTest, AQueueThatOverflowedBehindASlowCallbackAcceptsAgain)

@@ -1,7 +1,9 @@
 #include "ProcessState.h"
 
 #include <arpa/inet.h>
+#include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -84,6 +86,30 @@ bool ShutDownSocketOn(std::uint16_t port)
     }
     close(self);
     return isDone;
+}
+
+bool CloseSocketOn(std::uint16_t port)
+{
+    const int other = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    bool isDone = false;
+    for (const int socket : Sockets())
+    {
+        isDone = (IsBoundToEveryAddress(socket, port) && dup2(other, socket) == socket) || isDone;
+    }
+    close(other);
+    return isDone;
+}
+
+void SignalOtherThreads(int signal, int times)
+{
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/task"))
+    {
+        const pid_t thread = std::stoi(entry.path().filename().string());
+        for (int time = 0; thread != gettid() && time < times; ++time)
+        {
+            tgkill(getpid(), thread, signal);
+        }
+    }
 }
 
 std::uint64_t SocketOn(std::uint16_t port)

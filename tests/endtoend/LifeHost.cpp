@@ -1,0 +1,98 @@
+// A host program that is done with the library in one of several ways: life-host LIBRARY LOG WAY
+//   exit    calls exit() after the first Hello, while the server runs
+//   return  returns from main then
+//   unload  terminates the library then, and unloads it
+//   first   makes the first calls of the process on many threads at once, without a server
+// Ends with 0 when the library did as it should.
+
+#include "support/ExtCLoader.h"
+#include "support/WaitUntil.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace
+{
+ExtCFunctions library{};
+std::atomic<int> hellos{0};
+
+void DISCOVERY_EXTC_CALL OnHello(const char*)
+{
+    ++hellos;
+}
+
+bool Serve(const char* log)
+{
+    return library.Initialize(log, DiscoveryLogDebug) == 0 &&
+           library.SetHelloMessageReceivedEventCallBack(&OnHello) == 0 && library.StartServer() == 0 &&
+           library.InitBroadcastProvider("[\"127.0.0.1\"]") == 0 && library.Discover() == 0 &&
+           Tests::WaitUntil([] { return hellos > 0; });
+}
+
+bool IsFirstUseRight()
+{
+    constexpr int NullPointer = 41;
+    char* const text = library.GetErrorMessage(58);
+    const bool isRight = text != nullptr && std::strcmp(text, "IO") == 0;
+    FreeErrorMessage(text);
+    return isRight && library.SetMinCompatibleVersion("1.0.18") == 0 && library.Discover() == NullPointer;
+}
+
+bool UseFirst()
+{
+    constexpr int Users = 16;
+    std::atomic<int> waiting{Users};
+    std::atomic<int> right{0};
+    std::vector<std::thread> users;
+    for (int number = 0; number < Users; ++number)
+    {
+        users.emplace_back([&] {
+            --waiting;
+            while (waiting > 0) // not on a lock, which would let one go first
+            {
+            }
+            right += IsFirstUseRight() ? 1 : 0;
+        });
+    }
+    for (std::thread& user : users)
+    {
+        user.join();
+    }
+    return right == Users;
+}
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    if (argc != 4 || LoadExtC(argv[1], &library) == 0)
+    {
+        std::fputs("usage: life-host LIBRARY LOG WAY\n", stderr);
+        return 2;
+    }
+    const std::string_view way = argv[3];
+    if (way == "first")
+    {
+        return UseFirst() ? 0 : 1;
+    }
+    if (!Serve(argv[2]))
+    {
+        std::fputs("life-host: the library does not serve\n", stderr);
+        return 1;
+    }
+    if (way == "exit")
+    {
+        std::exit(0);
+    }
+    if (way == "unload")
+    {
+        const int code = library.Terminate();
+        UnloadExtC();
+        return code;
+    }
+    return 0;
+}
