@@ -120,15 +120,15 @@ TEST(HostileDatagramTest, DepthIsReadUpToALimitAndRefusedBeyondItOnASmallStack)
         {",\"x\":" + std::string(60000, '['), false},
         {",\"x\":" + objects(12000), false},
     };
-    for (const auto& [rest, isAccepted] : cases)
+    for (const auto& one : cases)
     {
-        SCOPED_TRACE(Tests::BeginningOf(rest));
-        const auto read = [&rest] {
-            const auto message = DiscoveryMessageDeserializer().Deserialize(String(HelloBegin + rest));
+        SCOPED_TRACE(Tests::BeginningOf(one.first));
+        const auto read = [&one] {
+            const auto message = DiscoveryMessageDeserializer().Deserialize(String(HelloBegin + one.first));
             EXPECT_EQ(DiscoveryMessageDeserializer().Deserialize(message->ToJson())->ToJson(), message->ToJson());
         };
-        Tests::RunOnSmallStack([&, isExpected = isAccepted] {
-            if (isExpected)
+        Tests::RunOnSmallStack([&] {
+            if (one.second)
             {
                 EXPECT_NO_THROW(read());
                 return;
