@@ -11,6 +11,9 @@ from endtoend import TIMEOUT, TestCase, main, setting  # noqa: E402
 
 
 class SampleTest(TestCase):
+    def test_the_c_sample(self):
+        self.check("samples/c", "c", "discover.c", '"HostName":"{name}"')
+
     def test_the_python_sample(self):
         self.check("bindings/python", "python", "sample.py", "(?m)^signature: {name}, a \\w+ at {address}$")
 
