@@ -25,6 +25,8 @@ class OperatingTest(TestCase):
             last.event("signature", is_called(device.name))
         first.event("bye", is_called(device.name))
         self.assertNotIn("SignatureBroadcast", first.log_text())
+        for host, warnings in ((first, 0), (last, 1)):
+            self.assertEqual(host.log_text().count("Another socket on this machine is bound to port 12001"), warnings)
 
     def test_no_rights_are_needed(self):
         rights = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"]
