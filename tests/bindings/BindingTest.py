@@ -37,9 +37,10 @@ options, sys.argv[1:] = parser.parse_known_args()
 class Host(Process):
     """A host program that calls a binding as it is told to, and notes its events."""
 
-    def __init__(self, folder, library=None):
-        arguments = [] if options.language == "cpp" else [library or library_path()]
-        super().__init__(*launcher(), *options.host, *arguments)
+    def __init__(self, folder, library=None, environment=None):
+        arguments = [] if options.language == "cpp" else [library_path() if library is None else library]
+        settings = [f"{name}={value}" for name, value in (environment or {}).items()]
+        super().__init__(*(["env", *settings] if settings else []), *launcher(), *options.host, *arguments)
         # The first program under Wine starts Wine's services, which keep its output open until all programs have ended.
         self.line_with("ready")
         self.log = folder / "log.txt"
@@ -260,6 +261,11 @@ if options.language != "cpp":  # there the linker finds the library, and memory 
             with Host(self.folder, "/lib/x86_64-linux-gnu/libm.so.6") as host:
                 failure = host.call("open", str(host.log))
             self.assertIn("libm.so.6 lacks the function Initialize", failure)
+
+        def test_without_a_path_the_system_finds_the_installed_library(self):
+            (self.folder / "libDiscoveryServer.ExtC.so.1").symlink_to(pathlib.Path(library_path()).resolve())
+            with Host(self.folder, "", {"LD_LIBRARY_PATH": str(self.folder)}) as host:
+                host.open()
 
     class MemoryTest(TestCase):
         def test_collections_take_nothing_that_the_library_still_calls(self):

@@ -1,4 +1,4 @@
-// A host program in C# for BindingTest.py: CSharpHost.exe [LIBRARY]
+// A host program in C# for BindingTest.py: CSharpHost.exe LIBRARY, which is empty for the system to find it
 
 using System;
 using System.Collections.Generic;

@@ -1,4 +1,4 @@
-"""A host program in Python for BindingTest.py: PythonHost.py [LIBRARY]"""
+"""A host program in Python for BindingTest.py: PythonHost.py LIBRARY, which is empty for the system to find it"""
 
 import gc
 import json
@@ -9,7 +9,7 @@ import discovery_server
 
 NIC_MEMBERS = ("FriendlyName", "MACAddress", "IPAddress", "SubNetMask", "DefaultGateway", "MTU")
 
-library = sys.argv[1] if len(sys.argv) > 1 else None
+library = sys.argv[1] or None
 session = None
 actions = {}
 release = threading.Event()

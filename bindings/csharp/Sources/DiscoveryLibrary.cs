@@ -37,7 +37,7 @@ namespace Zent.Discovery
             {
                 path = Environment.GetEnvironmentVariable(DiscoverySession.LibraryVariable);
             }
-            name = string.IsNullOrEmpty(path) ? Beside(AppDomain.CurrentDomain.BaseDirectory) : Path.GetFullPath(path);
+            name = string.IsNullOrEmpty(path) ? DefaultName() : Path.GetFullPath(path);
             Handle = SystemLoader.Load(name, out string reason);
             if (Handle == IntPtr.Zero)
             {
@@ -119,9 +119,10 @@ namespace Zent.Discovery
             return Encoding.UTF8.GetBytes(text + "\0");
         }
 
-        /// <summary>The library of a package that lies in the folder of the program, else a name for the system.</summary>
-        private static string Beside(string folder)
+        /// <summary>Where NuGet puts the library for a program, else its name for the system.</summary>
+        private static string DefaultName()
         {
+            string folder = AppDomain.CurrentDomain.BaseDirectory;
             string file = SystemLoader.IsWindows ? "DiscoveryServer.ExtC.dll" : "libDiscoveryServer.ExtC.so";
             string platform = (SystemLoader.IsWindows ? "win-" : "linux-") + (IntPtr.Size == 4 ? "x86" : "x64");
             foreach (string path in new[] { Path.Combine(folder, file),
@@ -132,7 +133,7 @@ namespace Zent.Discovery
                     return path;
                 }
             }
-            return SystemLoader.IsWindows ? file : file + ".1"; // an installed one has its binary interface in its name
+            return SystemLoader.IsWindows ? file : file + ".1"; // its binary interface
         }
 
         private void Bind<T>(out T function, string functionName, int argumentBytes)
