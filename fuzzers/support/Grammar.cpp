@@ -10,19 +10,20 @@ namespace Fuzzing
 {
 namespace
 {
-constexpr std::size_t LongestText = 1000; // a regular expression takes stack for each character
+constexpr std::size_t LongestText = 100; // none that matches is longer, and each character takes stack
 
 bool IsMatch(std::string_view text, const std::regex& pattern)
 {
     return text.size() <= LongestText && std::regex_match(text.begin(), text.end(), pattern);
 }
 
-/// Whether a number of any length is at most 2147483647.
-bool IsInRange(std::string_view digits)
+/// Whether a text of any length is a number of at most 2147483647; zeros may go before it.
+bool IsNumber(std::string_view text)
 {
     constexpr std::string_view Largest = "2147483647";
-    digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
-    return digits.size() < Largest.size() || (digits.size() == Largest.size() && digits <= Largest);
+    const bool hasDigitsOnly = !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+    text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+    return hasDigitsOnly && (text.size() < Largest.size() || (text.size() == Largest.size() && text <= Largest));
 }
 } // namespace
 
@@ -43,19 +44,16 @@ bool Grammar::IsIPAddress(std::string_view text)
 
 bool Grammar::IsVersion(std::string_view text)
 {
-    const AllocationFaults::Pause pause;
-    static const std::regex pattern("[0-9]+(\\.[0-9]+){1,3}");
-    if (!IsMatch(text, pattern))
+    std::size_t numbers = 1;
+    for (std::size_t dot = text.find('.'); dot != std::string_view::npos; dot = text.find('.'))
     {
-        return false;
+        if (!IsNumber(text.substr(0, dot)))
+        {
+            return false;
+        }
+        text.remove_prefix(dot + 1);
+        ++numbers;
     }
-    bool isInRange = true;
-    while (!text.empty())
-    {
-        const std::size_t dot = std::min(text.find('.'), text.size());
-        isInRange = isInRange && IsInRange(text.substr(0, dot));
-        text.remove_prefix(std::min(dot + 1, text.size()));
-    }
-    return isInRange;
+    return IsNumber(text) && numbers >= 2 && numbers <= 4;
 }
 } // namespace Fuzzing
