@@ -88,6 +88,9 @@ class Process:
 
     def _read(self):
         for line in self.process.stdout:
+            # Wine's own services write here when they fault; a fault of the program shows in its exit status.
+            if line.startswith(b"wine: "):
+                continue
             self.lines.put(line.decode(errors="replace").rstrip("\r\n"))
         self.lines.put(None)
 
