@@ -203,6 +203,7 @@ class SessionTest(TestCase):
             self.host.process.stdin.close()
             self.host.process.wait(TIMEOUT)
         self.assertEqual(self.host.wait(), 0)
+        self.assertIn("Close Log", self.host.log.read_text(errors="replace"))
 
 
 class LifeCycleTest(TestCase):
