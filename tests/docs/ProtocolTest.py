@@ -52,6 +52,25 @@ class ProtocolTest(TestCase):
             if key in place(self.message) and key != "Broadcast":
                 self.assertEqual(place(received)[key], json.loads(codes(default)[0]))
 
+    def test_documents_are_read_as_described(self):
+        text = json.dumps(self.message)
+        name = '"HostName": "oven-07"'
+        self.assertIn(name, text)
+        for written, expected in (
+            ('"HOSTNAME": "first", "hostname": "second"', "first"),
+            (r'"HostName": "a\u0000b\uD800c"', "abc"),
+            (r'"HostName": "a\u00e9", "unknown": [1, null]', "aé"),
+        ):
+            with self.subTest(written):
+                self.rules.send(text.replace(name, written).encode() + b" and more")
+                self.assertEqual(self.rules.host.event("hello")["Host"]["HostName"], expected)
+
+    def test_file_transfer_infos_keep_their_order_and_end_where_one_is_no_text(self):
+        message = copy.deepcopy(self.message)
+        message["Host"]["FileTransferInfos"] = {"z": "1", "a": "2", "number": 3, "b": "4"}
+        infos = self.rules.receive(message)["Host"]["FileTransferInfos"]
+        self.assertEqual(list(infos.items()), [("z", "1"), ("a", "2")])
+
     def test_texts_are_accepted_and_refused_as_shown(self):
         functions = {"MAC address": "RefreshClient", "IP address": "ReachClient", "version": "SetMinCompatibleVersion"}
         for kind, _, accepted, refused in self.document.table("Texts"):
