@@ -2,6 +2,7 @@
 
 #include "JSONEscapes.h"
 #include "system/Exceptions.h"
+#include "system/Immortal.h"
 #include "system/Threading/Lock.h"
 #include "system/UInt64.h"
 
@@ -10,6 +11,7 @@
 namespace Zent::Utils::Json
 {
 using Nfx::System::Exception;
+using Nfx::System::Immortal;
 using Nfx::System::String;
 using Nfx::System::UInt64;
 using Nfx::System::Threading::Lock;
@@ -25,8 +27,8 @@ constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 /// which document they allocate.
 Monitor& ParserTurn()
 {
-    static Monitor& turn = *new Monitor();
-    return turn;
+    static const Immortal<Monitor> turn;
+    return turn.Get();
 }
 
 JSONArena* arena = nullptr; // of the document being parsed, if any; used only by the thread whose turn it is

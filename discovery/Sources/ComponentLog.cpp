@@ -18,16 +18,20 @@ ComponentLog::ComponentLog(const String& name)
 {
 }
 
+// What is never enabled is never asked for: there may be no memory to make a logger of.
 void ComponentLog::Write(const String& message, const LogStreamLevel& level) const
 {
-    DiscoveryLogger::GetInstance().Log(channel, message, level);
+    if (IsEnabled(level))
+    {
+        DiscoveryLogger::GetInstance().Log(channel, message, level);
+    }
 }
 
 void ComponentLog::Write(const char* message, const LogStreamLevel& level) const
 {
     if (!IsEnabled(level))
     {
-        return;
+        return; // makes no text
     }
     try
     {
@@ -41,7 +45,10 @@ void ComponentLog::Write(const char* message, const LogStreamLevel& level) const
 
 void ComponentLog::Write(const String& message, const Exception& exception) const
 {
-    DiscoveryLogger::GetInstance().Log(channel, message, exception);
+    if (IsEnabled(LogStreamLevel::Critical))
+    {
+        DiscoveryLogger::GetInstance().Log(channel, message, exception);
+    }
 }
 
 void ComponentLog::Write(const char* message, const Exception& exception) const
@@ -58,6 +65,6 @@ void ComponentLog::Write(const char* message, const Exception& exception) const
 
 bool ComponentLog::IsEnabled(const LogStreamLevel& level) noexcept
 {
-    return DiscoveryLogger::GetInstance().IsEnabled(level);
+    return DiscoveryLogger::IsEnabled(level);
 }
 } // namespace Zent::Discovery

@@ -6,9 +6,11 @@
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
 #include "system/Exceptions.h"
+#include "system/Immortal.h"
 
 #include <utility>
 
+using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::Collections::Generic::List;
@@ -35,8 +37,8 @@ const char FileTransferInfosKey[] = "FileTransferInfos";
 
 const LogStreamChannel& Channel()
 {
-    static const LogStreamChannel& channel = *new LogStreamChannel("DiscoveryMessage");
-    return channel;
+    static const Immortal<LogStreamChannel> channel("DiscoveryMessage");
+    return channel.Get();
 }
 
 template <class T>

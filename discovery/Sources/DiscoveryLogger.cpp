@@ -8,6 +8,7 @@
 
 using Nfx::System::ArgumentOutOfRangeException;
 using Nfx::System::Exception;
+using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::IO::DirectoryInfo;
@@ -30,8 +31,8 @@ constexpr std::int32_t DebugMaximumSize = 1024; // KiB: at Debug the files fill 
 
 DiscoveryLogger& DiscoveryLogger::GetInstance()
 {
-    static DiscoveryLogger& logger = *new DiscoveryLogger();
-    return logger;
+    static const Immortal<DiscoveryLogger> logger;
+    return logger.Get();
 }
 
 void DiscoveryLogger::Init(const String& newFilePath, const LogStreamLevel& newLevel)

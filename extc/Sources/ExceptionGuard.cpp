@@ -6,6 +6,7 @@
 namespace Zent::Discovery::ExtC
 {
 using Nfx::System::Exception;
+using Nfx::System::OutOfMemoryException;
 using Nfx::System::LogStreams::LogStreamChannel;
 
 std::int32_t ExceptionGuard::Report(const Exception& exception) noexcept
@@ -18,6 +19,10 @@ std::int32_t ExceptionGuard::Report(const Exception& exception) noexcept
     catch (const std::bad_alloc&)
     {
         // Without memory there is no line; the code still says what happened.
+    }
+    catch (const OutOfMemoryException&)
+    {
+        // Nor without the locks of a log that was never opened.
     }
     return exception.GetError().Code();
 }

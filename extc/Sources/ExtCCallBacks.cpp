@@ -1,9 +1,11 @@
 #include "ExtCCallBacks.h"
 
+#include "system/Immortal.h"
 #include "system/Threading/Lock.h"
 
 namespace Zent::Discovery::ExtC
 {
+using Nfx::System::Immortal;
 using Nfx::System::InvalidOperationException;
 using Nfx::System::SmartPointer;
 using Nfx::System::Threading::Lock;
@@ -19,8 +21,8 @@ struct Block final
 
 Block& TheBlock()
 {
-    static Block& block = *new Block(); // never destroyed: an event may still be on its way while the process exits
-    return block;
+    static const Immortal<Block> block;
+    return block.Get();
 }
 } // namespace
 

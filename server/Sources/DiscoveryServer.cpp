@@ -9,7 +9,6 @@
 #include "system/Threading/Lock.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace Zent::Discovery::Server
@@ -39,21 +38,37 @@ SmartPointer<IDiscoverySocket> OpenSocket()
 }
 } // namespace
 
+/// The components of a server that is gone, whose threads could not be ended.
+struct DiscoveryServer::Leftovers final
+{
+    SmartPointer<DiscoveryServerMessageParser> Parser;
+    SmartPointer<DiscoveryReceiver> Receiver;
+    SmartPointer<DiscoveryServerTaskProcessor> TaskProcessor;
+};
+
 DiscoveryServer::DiscoveryServer()
     : log("Discovery Server")
+    , leftovers(new Leftovers())
     , background(MakeDelegate(*this, &DiscoveryServer::RunBackground))
 {
 }
 
 DiscoveryServer::~DiscoveryServer()
 {
-    log.Guard("Failed to stop what was still running", [this] {
+    bool isStopped = false;
+    log.Guard("Failed to stop what was still running", [&] {
         const RestartBarrier barrier(*this);
         const Lock lock(lifecycleLock);
-        StopLeftover(receiver);
-        StopLeftover(parser);
-        StopLeftover(taskProcessor);
+        isStopped = StopLeftover(receiver);
+        isStopped = StopLeftover(parser) && isStopped;
+        isStopped = StopLeftover(taskProcessor) && isStopped;
     });
+    if (!isStopped)
+    {
+        log.Guard("Failed to part from what still runs", [this] { DisconnectComponents(); });
+        *leftovers = {parser, receiver, taskProcessor};
+        leftovers.release(); // their threads may still use them: a leak is the lesser evil
+    }
 }
 
 void DiscoveryServer::Start(const HostRegistrations& registrations)
@@ -169,13 +184,18 @@ void DiscoveryServer::StopLocked()
     log.Write("Discovery Server stopped", LogStreamLevel::Critical);
 }
 
-void DiscoveryServer::ReleaseComponents()
+void DiscoveryServer::DisconnectComponents()
 {
     parser->ActionReady().Clear();
     receiver->SocketClosed().Clear();
     receiver->StopAsked().Clear();
     taskProcessor->SocketClosed().Clear();
     taskProcessor->StopAsked().Clear();
+}
+
+void DiscoveryServer::ReleaseComponents()
+{
+    DisconnectComponents();
 
     // They go at the end of this function, without the lock: their queues may be long.
     const SmartPointer<DiscoveryReceiver> formerReceiver = receiver;
@@ -207,16 +227,9 @@ void DiscoveryServer::LogDiscarded(std::int32_t tasks, std::int32_t datagrams) c
 }
 
 template <class TWorker>
-void DiscoveryServer::StopLeftover(const SmartPointer<TWorker>& worker)
+bool DiscoveryServer::StopLeftover(const SmartPointer<TWorker>& worker)
 {
-    if (worker.IsNull())
-    {
-        return;
-    }
-    if (!log.Guard("Failed to stop what was still running", [&] { worker->Stop(); }))
-    {
-        new (std::nothrow) SmartPointer<TWorker>(worker); // its thread may still run: a leak is the lesser evil
-    }
+    return worker.IsNull() || log.Guard("Failed to stop what was still running", [&] { worker->Stop(); });
 }
 
 bool DiscoveryServer::IsRunning() const noexcept
@@ -302,37 +315,46 @@ void DiscoveryServer::AsynchronousStop(Object*, const EventArgs&)
 
 void DiscoveryServer::TriggerAsynchronous(BackgroundOperation::Kind kind)
 {
-    if (state != DiscoveryServiceState::Starting && state != DiscoveryServiceState::Running)
+    if (!BeginAsynchronous(kind))
     {
-        return; // what a worker notices while it is being stopped is no loss
+        return;
     }
-    {
-        const Lock lock(asyncLock);
-        if (asyncOperationPending)
-        {
-            return;
-        }
-        asyncOperationPending = true;
-    }
-    log.Write(kind == BackgroundOperation::Kind::Restart ? "Asynchronous restart triggered"
-                                                         : "Asynchronous stop triggered",
-              LogStreamLevel::Critical);
-    PostAsynchronous(kind);
-}
-
-void DiscoveryServer::PostAsynchronous(BackgroundOperation::Kind kind)
-{
     // Nobody else would tell of this loss again. So a thread that cannot be had now is asked for until it is there, or
     // until a stop makes it superfluous.
     while (!TryPostAsynchronous(kind))
     {
         if (background.IsCancelledWithin(RetryDelayMilliseconds))
         {
-            const Lock lock(asyncLock);
-            asyncOperationPending = false;
+            GiveUpAsynchronous();
             return;
         }
     }
+}
+
+bool DiscoveryServer::BeginAsynchronous(BackgroundOperation::Kind kind)
+{
+    if (state != DiscoveryServiceState::Starting && state != DiscoveryServiceState::Running)
+    {
+        return false; // what a worker notices while it is being stopped is no loss
+    }
+    {
+        const Lock lock(asyncLock);
+        if (asyncOperationPending)
+        {
+            return false;
+        }
+        asyncOperationPending = true;
+    }
+    log.Write(kind == BackgroundOperation::Kind::Restart ? "Asynchronous restart triggered"
+                                                         : "Asynchronous stop triggered",
+              LogStreamLevel::Critical);
+    return true;
+}
+
+void DiscoveryServer::GiveUpAsynchronous()
+{
+    const Lock lock(asyncLock);
+    asyncOperationPending = false;
 }
 
 bool DiscoveryServer::TryPostAsynchronous(BackgroundOperation::Kind kind)
@@ -349,9 +371,11 @@ void DiscoveryServer::RestartIfLost()
         const Lock lock(componentsLock);
         current = receiver;
     }
-    if (IsRunning() && !current.IsNull() && current->HasLostSocket())
+    constexpr auto restart = BackgroundOperation::Kind::Restart;
+    if (IsRunning() && !current.IsNull() && current->HasLostSocket() && BeginAsynchronous(restart) &&
+        !TryPostAsynchronous(restart))
     {
-        TriggerAsynchronous(BackgroundOperation::Kind::Restart);
+        GiveUpAsynchronous(); // the host application's thread does not wait; its next start or stop looks again
     }
 }
 

@@ -1,9 +1,11 @@
 #include "Server/DiscoveryServerFacade.h"
 
+#include "system/Immortal.h"
 #include "system/Threading/Lock.h"
 
 namespace Zent::Discovery::Server
 {
+using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::Threading::Lock;
 using Nfx::System::Threading::Monitor;
@@ -18,8 +20,8 @@ struct Singleton final
 
 Singleton& TheSingleton()
 {
-    static Singleton& singleton = *new Singleton(); // never destroyed: a server that still runs outlives the exit
-    return singleton;
+    static const Immortal<Singleton> singleton;
+    return singleton.Get();
 }
 } // namespace
 

@@ -1,9 +1,11 @@
 #include "Server/MinimumCompatibleVersion.h"
 
+#include "system/Immortal.h"
 #include "system/Threading/Lock.h"
 
 namespace Zent::Discovery::Server
 {
+using Nfx::System::Immortal;
 using Nfx::System::Version;
 using Nfx::System::Threading::Lock;
 using Nfx::System::Threading::Monitor;
@@ -19,8 +21,8 @@ struct State final
 
 State& Instance()
 {
-    static State& state = *new State(); // never destroyed: the parser may still run while the process exits
-    return state;
+    static const Immortal<State> state;
+    return state.Get();
 }
 } // namespace
 
@@ -39,7 +41,7 @@ void MinimumCompatibleVersion::Set(const Version& version)
     state.IsSet = true;
 }
 
-bool MinimumCompatibleVersion::IsSet() noexcept
+bool MinimumCompatibleVersion::IsSet()
 {
     State& state = Instance();
     const Lock lock(state.Guard);

@@ -68,6 +68,10 @@ TEST(NumberTest, WritesAndReadsTheWholeRange)
     EXPECT_EQ("18446744073709551615", UInt64(std::numeric_limits<std::uint64_t>::max()).ToString());
     EXPECT_EQ("255", Byte::Parse("255").ToString());
     EXPECT_EQ("0.1", Double(0.1).ToString());
+    for (const char* const text : {"nan", "inf", "1e999"})
+    {
+        EXPECT_ERROR(Double::Parse(text), ErrorCodes::InvalidFormat);
+    }
     EXPECT_EQ(sizeof(void*) == 4 ? "0x0000BEEF" : "0x000000000000BEEF", IntPtr(0xBEEF).ToString());
     for (const char* text : {"", " 1", "1 ", "+1", "0x1", "1.0", "2147483648"})
     {

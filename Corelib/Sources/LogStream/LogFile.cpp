@@ -8,6 +8,7 @@
 #include "system/IO/DirectoryInfo.h"
 #include "system/IO/FileInfo.h"
 #include "system/IO/Path.h"
+#include "system/Immortal.h"
 #include "system/LogStreams/LogStreamChannel.h"
 #include "system/UInt64.h"
 
@@ -34,8 +35,8 @@ constexpr std::int64_t RetriesPerMaximum = 16;
 /// The channel of what the log says about itself.
 const LogStreamChannel& OwnChannel()
 {
-    static const LogStreamChannel& channel = *new LogStreamChannel("LogStream");
-    return channel;
+    static const Immortal<LogStreamChannel> channel("LogStream");
+    return channel.Get();
 }
 
 SmartPointer<FileStream> OpenStream(const String& path)

@@ -204,9 +204,9 @@ void LogStream::SetMaximumSize(std::int32_t size)
 template <class TAdd>
 void LogStream::WriteLines(const TAdd& add)
 {
+    LogLines lines;
     try
     {
-        LogLines lines;
         add(lines); // without the lock: most of the work is here
         const Lock guard(lock);
         file->Append(lines);
@@ -214,7 +214,7 @@ void LogStream::WriteLines(const TAdd& add)
     catch (const std::bad_alloc&)
     {
         const Lock guard(lock);
-        file->CountLost(1);
+        file->CountLost(std::max<std::size_t>(lines.Count(), 1));
     }
 }
 } // namespace Nfx::System::LogStreams

@@ -12,10 +12,25 @@
 #include "system/UInt64.h"
 
 #include <charconv>
+#include <cmath>
 #include <functional>
+#include <type_traits>
 
 namespace Nfx::System
 {
+namespace
+{
+template <class TValue>
+bool IsFinite(TValue value)
+{
+    if constexpr (std::is_floating_point_v<TValue>)
+    {
+        return std::isfinite(value);
+    }
+    return true;
+}
+} // namespace
+
 template <class TDerived, class TValue>
 Boolean Number<TDerived, TValue>::Equals(const Object* object) const
 {
@@ -44,7 +59,7 @@ TDerived Number<TDerived, TValue>::Parse(const String& text)
     const char* const last = first + text.Length();
     TValue result{};
     const std::from_chars_result end = std::from_chars(first, last, result);
-    if (end.ec != std::errc() || end.ptr != last)
+    if (end.ec != std::errc() || end.ptr != last || !IsFinite(result))
     {
         throw Exception(ErrorCodes::InvalidFormat, "no number : " + text.Quoted(), "Corelib/Sources/System/Number",
                         __LINE__);

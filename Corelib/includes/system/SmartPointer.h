@@ -139,7 +139,7 @@ public:
         }
     }
 
-    /// The hash of the address that is held.
+    /// The hash of the address that is held: objects that are equal by their values have different ones.
     Int32 GetHashCode() const override { return Int32(static_cast<std::int32_t>(std::hash<const void*>{}(pointer))); }
 
     String ToString() const override

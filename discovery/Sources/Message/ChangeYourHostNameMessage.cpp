@@ -3,7 +3,9 @@
 #include "DefectLog.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
+#include "system/Immortal.h"
 
+using Nfx::System::Immortal;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Zent::Utils::Json::JSONObject;
@@ -19,8 +21,8 @@ const char TargetedMACAddressKey[] = "TargetedMACAddress";
 
 const LogStreamChannel& Channel()
 {
-    static const LogStreamChannel& channel = *new LogStreamChannel("ChangeYourHostNameMessage");
-    return channel;
+    static const Immortal<LogStreamChannel> channel("ChangeYourHostNameMessage");
+    return channel.Get();
 }
 } // namespace
 

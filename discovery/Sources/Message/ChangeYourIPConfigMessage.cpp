@@ -5,10 +5,12 @@
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
 #include "system/Exceptions.h"
+#include "system/Immortal.h"
 #include "system/Int32.h"
 
 #include <utility>
 
+using Nfx::System::Immortal;
 using Nfx::System::Int32;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
@@ -28,8 +30,8 @@ constexpr std::int32_t MaximumDefectLines = 64; // of one message, so that 64 Ki
 
 const LogStreamChannel& Channel()
 {
-    static const LogStreamChannel& channel = *new LogStreamChannel("ChangeYourIPConfigMessage");
-    return channel;
+    static const Immortal<LogStreamChannel> channel("ChangeYourIPConfigMessage");
+    return channel.Get();
 }
 
 /// Empty when the element is no good settings.

@@ -3,8 +3,10 @@
 #include "DefectLog.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
+#include "system/Immortal.h"
 
 using Nfx::System::Boolean;
+using Nfx::System::Immortal;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
@@ -22,8 +24,8 @@ const char BroadcastKey[] = "Broadcast";
 
 const LogStreamChannel& Channel()
 {
-    static const LogStreamChannel& channel = *new LogStreamChannel("DiscoveryMessage");
-    return channel;
+    static const Immortal<LogStreamChannel> channel("DiscoveryMessage");
+    return channel.Get();
 }
 
 String ReadTypeName(const JSONObject& json)
@@ -72,9 +74,8 @@ DiscoveryMessage::DiscoveryMessage(const Nfx::System::Version& version, const Bo
 
 const Nfx::System::Version& DiscoveryMessage::ProtocolVersion()
 {
-    static const Nfx::System::Version& version =
-        *new Nfx::System::Version(Nfx::System::Version::Parse(ProtocolVersionText));
-    return version;
+    static const Immortal<Nfx::System::Version> version(Nfx::System::Version::Parse(ProtocolVersionText));
+    return version.Get();
 }
 
 void DiscoveryMessage::Serialize(JSONStringer& stringer) const

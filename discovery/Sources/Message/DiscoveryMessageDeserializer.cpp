@@ -10,7 +10,9 @@
 #include "Discovery/Message/SignatureBroadcastMessage.h"
 #include "Json/JSONObject.h"
 #include "system/Exceptions.h"
+#include "system/Immortal.h"
 
+using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamChannel;
@@ -23,8 +25,8 @@ namespace
 {
 const LogStreamChannel& Channel()
 {
-    static const LogStreamChannel& channel = *new LogStreamChannel("DiscoveryMessageDeserializer");
-    return channel;
+    static const Immortal<LogStreamChannel> channel("DiscoveryMessageDeserializer");
+    return channel.Get();
 }
 
 template <class T>

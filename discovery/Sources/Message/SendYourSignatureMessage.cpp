@@ -3,7 +3,9 @@
 #include "DefectLog.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
+#include "system/Immortal.h"
 
+using Nfx::System::Immortal;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Zent::Utils::Json::JSONObject;
@@ -18,8 +20,8 @@ const char TargetedMACAddressKey[] = "TargetedMACAddress";
 
 const LogStreamChannel& Channel()
 {
-    static const LogStreamChannel& channel = *new LogStreamChannel("SendYourSignatureMessage");
-    return channel;
+    static const Immortal<LogStreamChannel> channel("SendYourSignatureMessage");
+    return channel.Get();
 }
 } // namespace
 

@@ -4,9 +4,11 @@
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
 #include "system/Exceptions.h"
+#include "system/Immortal.h"
 
 #include <utility>
 
+using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
@@ -23,8 +25,8 @@ const char SourceNICKey[] = "SourceNIC";
 
 const LogStreamChannel& Channel()
 {
-    static const LogStreamChannel& channel = *new LogStreamChannel("SignatureBroadcastMessage");
-    return channel;
+    static const Immortal<LogStreamChannel> channel("SignatureBroadcastMessage");
+    return channel.Get();
 }
 } // namespace
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/Immortal.h"
 #include "system/LogStreams/ILogStream.h"
 #include "system/LogStreams/LogStreamChannel.h"
 #include "system/LogStreams/LogStreamLevel.h"
@@ -40,7 +41,7 @@ public:
              const Nfx::System::Exception& exception);
 
     /// True when a line of this level would be written. Costs one load: ask before building a text that may be off.
-    bool IsEnabled(const Nfx::System::LogStreams::LogStreamLevel& level) const noexcept
+    static bool IsEnabled(const Nfx::System::LogStreams::LogStreamLevel& level) noexcept
     {
         return level <= highestLevel.load(std::memory_order_relaxed);
     }
@@ -49,6 +50,7 @@ public:
     void Close();
 
 private:
+    friend class Nfx::System::Immortal<DiscoveryLogger>;
     using Stream = Nfx::System::SmartPointer<Nfx::System::LogStreams::ILogStream>;
 
     DiscoveryLogger() = default;
@@ -63,6 +65,9 @@ private:
     Nfx::System::LogStreams::LogStreamLevel level NFX_GUARDED_BY(initLock){
         Nfx::System::LogStreams::LogStreamLevel::None};
     Stream stream NFX_GUARDED_BY(streamLock);
-    std::atomic<std::int32_t> highestLevel{0}; // of what the open log writes; 0 is below every level
+
+    // Of what the open log writes; 0 is below every level. There before the logger, which may find no memory to be
+    // made.
+    static constinit inline std::atomic<std::int32_t> highestLevel{0};
 };
 } // namespace Zent::Discovery

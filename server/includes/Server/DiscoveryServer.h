@@ -13,6 +13,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace Zent::Discovery::Server
@@ -86,19 +87,23 @@ public:
     };
 
 private:
+    struct Leftovers;
+
     void StartLocked(const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     void StartWorkers() NFX_REQUIRES(lifecycleLock);
     void CreateComponents(const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     void WarnOfOtherReceiver() const;
     void StopLocked() NFX_REQUIRES(lifecycleLock);
+    void DisconnectComponents();
     void ReleaseComponents() NFX_REQUIRES(lifecycleLock);
     void LogDiscarded(std::int32_t tasks, std::int32_t datagrams) const;
 
     template <class TWorker>
-    void StopLeftover(const Nfx::System::SmartPointer<TWorker>& worker);
+    bool StopLeftover(const Nfx::System::SmartPointer<TWorker>& worker);
 
     void TriggerAsynchronous(BackgroundOperation::Kind kind);
-    void PostAsynchronous(BackgroundOperation::Kind kind);
+    bool BeginAsynchronous(BackgroundOperation::Kind kind);
+    void GiveUpAsynchronous();
     bool TryPostAsynchronous(BackgroundOperation::Kind kind);
     void RestartIfLost();
     void RunBackground(const BackgroundOperation::Request& request);
@@ -111,6 +116,7 @@ private:
     void Queue(const Nfx::System::SmartPointer<ServerAction>& action);
 
     const ComponentLog log;
+    std::unique_ptr<Leftovers> leftovers; // reserved: when they are needed there may be no memory
 
     // Written under both lifecycleLock and componentsLock, read under either.
     Nfx::System::SmartPointer<IDiscoverySocket> socket;

@@ -15,6 +15,6 @@ public:
     static void Set(const Nfx::System::Version& version);
 
     /// True from the first Set on.
-    static bool IsSet() noexcept;
+    static bool IsSet();
 };
 } // namespace Zent::Discovery::Server

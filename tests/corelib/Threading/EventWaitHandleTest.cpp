@@ -31,6 +31,11 @@ TEST(EventWaitHandleTest, AutomaticOneLetsOneWaitThrough)
     EXPECT_FALSE(event.WaitOne(0));
 }
 
+TEST(EventWaitHandleTest, HasOneOfTheTwoModes)
+{
+    EXPECT_ERROR(EventWaitHandle(false, EventResetMode(2)), ErrorCodes::Argument);
+}
+
 TEST(EventWaitHandleTest, ManualOneLetsAllThroughUntilItIsReset)
 {
     EventWaitHandle event(false, EventResetMode::ManualReset);

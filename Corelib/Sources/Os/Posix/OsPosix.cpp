@@ -10,6 +10,7 @@
 #include "Os/Posix/SocketPosix.h"
 #include "Os/Posix/StringPosix.h"
 #include "Os/Posix/ThreadPosix.h"
+#include "system/Immortal.h"
 
 namespace Nfx::Os
 {
@@ -57,7 +58,7 @@ private:
 
 IOs& Platform()
 {
-    static OsPosix& platform = *new OsPosix();
-    return platform;
+    static const System::Immortal<OsPosix> platform;
+    return platform.Get();
 }
 } // namespace Nfx::Os

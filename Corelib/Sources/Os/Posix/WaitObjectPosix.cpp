@@ -1,5 +1,7 @@
 #include "Os/Posix/WaitObjectPosix.h"
 
+#include "system/Immortal.h"
+
 #include <map>
 #include <new>
 #include <typeinfo>
@@ -16,8 +18,8 @@ struct NamedObjects
 
 NamedObjects& Named()
 {
-    static NamedObjects& named = *new NamedObjects(); // threads may still close objects while the process exits
-    return named;
+    static const System::Immortal<NamedObjects> named;
+    return named.Get();
 }
 
 ObjectHandle HandleOf(WaitObjectPosix& object)

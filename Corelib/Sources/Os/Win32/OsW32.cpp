@@ -10,6 +10,7 @@
 #include "Os/Win32/SocketW32.h"
 #include "Os/Win32/StringW32.h"
 #include "Os/Win32/ThreadW32.h"
+#include "system/Immortal.h"
 
 namespace Nfx::Os
 {
@@ -57,7 +58,7 @@ private:
 
 IOs& Platform()
 {
-    static OsW32& platform = *new OsW32();
-    return platform;
+    static const System::Immortal<OsW32> platform;
+    return platform.Get();
 }
 } // namespace Nfx::Os

@@ -1,6 +1,7 @@
 #include "system/Net/IPAddress.h"
 
 #include "system/Exceptions.h"
+#include "system/Immortal.h"
 
 #include <algorithm>
 #include <charconv>
@@ -59,20 +60,20 @@ IPAddress::IPAddress(std::int64_t value) noexcept
 
 const IPAddress& IPAddress::Any()
 {
-    static const IPAddress& any = *new IPAddress(0);
-    return any;
+    static const Immortal<IPAddress> any(0);
+    return any.Get();
 }
 
 const IPAddress& IPAddress::Broadcast()
 {
-    static const IPAddress& broadcast = *new IPAddress(0xFFFFFFFF);
-    return broadcast;
+    static const Immortal<IPAddress> broadcast(0xFFFFFFFF);
+    return broadcast.Get();
 }
 
 const IPAddress& IPAddress::Empty()
 {
-    static const IPAddress& empty = *new IPAddress(0);
-    return empty;
+    static const Immortal<IPAddress> empty(0);
+    return empty.Get();
 }
 
 IPAddress IPAddress::Parse(const String& text)

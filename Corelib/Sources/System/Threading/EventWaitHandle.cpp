@@ -24,10 +24,19 @@ Os::ObjectHandle CreateHandle(bool signalled, bool manualReset, const String& na
     }
     return handle;
 }
+
+bool IsManualReset(const EventResetMode& mode)
+{
+    if (!EventResetMode::IsDefined(mode))
+    {
+        throw ArgumentException(SourceName, __LINE__);
+    }
+    return mode == EventResetMode::ManualReset;
+}
 } // namespace
 
 EventWaitHandle::EventWaitHandle(Boolean signalled, const EventResetMode& mode, const String& name)
-    : EventWaitHandle(NewHandle{CreateHandle(signalled, mode == EventResetMode::ManualReset, name)})
+    : EventWaitHandle(NewHandle{CreateHandle(signalled, IsManualReset(mode), name)})
 {
 }
 

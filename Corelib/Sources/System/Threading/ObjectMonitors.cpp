@@ -6,8 +6,8 @@ namespace Nfx::System::Threading
 {
 ObjectMonitors& ObjectMonitors::Instance()
 {
-    static ObjectMonitors& instance = *new ObjectMonitors(); // threads may hold locks while the process exits
-    return instance;
+    static const Immortal<ObjectMonitors> instance;
+    return instance.Get();
 }
 
 void ObjectMonitors::Enter(const Object& object)

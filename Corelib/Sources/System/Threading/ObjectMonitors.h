@@ -1,6 +1,7 @@
 #pragma once
 
 #include "System/Threading/MonitorData.h"
+#include "system/Immortal.h"
 
 #include <map>
 #include <memory>
@@ -26,6 +27,8 @@ public:
     bool Exit(const Object& object);
 
 private:
+    friend class Immortal<ObjectMonitors>;
+
     struct Entry
     {
         Monitor::MonitorData Data;

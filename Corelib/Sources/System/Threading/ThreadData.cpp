@@ -88,6 +88,7 @@ Thread::ThreadData::ThreadData(const SmartPointer<Delegate<>>& start,
     : start(start)
     , startWithParameter(startWithParameter)
 {
+    ThreadRegistry::Prepare();
 }
 
 Thread::ThreadData::~ThreadData()

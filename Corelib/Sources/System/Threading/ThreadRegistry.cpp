@@ -1,6 +1,8 @@
 #include "System/Threading/ThreadRegistry.h"
 
 #include "system/Collections/Generic/Dictionary.h"
+#include "system/Exceptions.h"
+#include "system/Immortal.h"
 #include "system/Threading/Lock.h"
 
 #include <new>
@@ -14,8 +16,8 @@ class Table final
 public:
     static Table& Instance()
     {
-        static Table& table = *new Table(); // threads may still end while the process exits
-        return table;
+        static const Immortal<Table> table;
+        return table.Get();
     }
 
     void Add(const UInt64& id, const SmartPointer<Thread::ThreadData>& data)
@@ -60,6 +62,11 @@ private:
 };
 } // namespace
 
+void ThreadRegistry::Prepare()
+{
+    Table::Instance();
+}
+
 void ThreadRegistry::Add(const UInt64& id, const SmartPointer<Thread::ThreadData>& data) noexcept
 {
     try
@@ -69,6 +76,10 @@ void ThreadRegistry::Add(const UInt64& id, const SmartPointer<Thread::ThreadData
     catch (const std::bad_alloc&)
     {
         // the thread runs already, and keeps its data itself
+    }
+    catch (const ArgumentException&)
+    {
+        // nor does it matter when one of this id was ended by somebody else and has not been removed
     }
 }
 

@@ -12,6 +12,10 @@ class ThreadRegistry final
 public:
     ThreadRegistry() = delete;
 
+    /// Before the first thread is started: makes the table, so that nothing else can fail for want of it.
+    /// @throws OutOfMemoryException when it cannot be made.
+    static void Prepare();
+
     /// A thread that finds no place for lack of memory runs all the same.
     static void Add(const UInt64& id, const SmartPointer<Thread::ThreadData>& data) noexcept;
 

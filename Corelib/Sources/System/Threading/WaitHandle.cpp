@@ -2,6 +2,7 @@
 
 #include "System/Threading/ThreadData.h"
 #include "system/Exceptions.h"
+#include "system/Immortal.h"
 
 namespace Nfx::System::Threading
 {
@@ -12,8 +13,8 @@ const char SourceName[] = "Corelib/Sources/System/Threading/WaitHandle";
 
 const IntPtr& WaitHandle::InvalidHandle()
 {
-    static const IntPtr& handle = *new IntPtr(std::intptr_t{-1});
-    return handle;
+    static const Immortal<IntPtr> handle(std::intptr_t{-1});
+    return handle.Get();
 }
 
 WaitHandle::WaitHandle(const NewHandle& handle)

@@ -11,7 +11,7 @@ class EventWaitHandle : public WaitHandle
 {
 public:
     /// The name has at most 128 bytes; an empty one is none. An existing event of that name keeps its state and mode.
-    /// @throws ArgumentException when the name is too long.
+    /// @throws ArgumentException when the name is too long, or the mode none of the named ones.
     /// @throws IOException when the platform refuses, also because a semaphore or a mutex has the name.
     EventWaitHandle(Boolean signalled, const EventResetMode& mode, const String& name = String());
 

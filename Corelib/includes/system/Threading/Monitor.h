@@ -60,6 +60,9 @@ public:
     static void Pulse(const Object& object);
     static void PulseAll(const Object& object);
 
+    static void Enter(const Monitor& monitor) = delete; // would lock the object instead of the monitor
+    static bool TryEnter(const Monitor& monitor, Int32 timeout = 0) = delete;
+
 private:
     const std::unique_ptr<MonitorData> data;
 };

@@ -16,7 +16,8 @@ namespace Nfx::System::Threading
 ///
 /// Waiting means Join, Sleep, WaitHandle::WaitOne and Monitor::Wait; entering a Monitor does not count. What the
 /// delegate throws ends the thread and nothing else: see GetFailure. On POSIX the thread gets no signals of the
-/// process, except real-time ones, SIGPWR and SIGXCPU, which it takes when the thread that starts it does.
+/// process but those of its own faults, and real-time ones, SIGPWR and SIGXCPU, which it takes when the thread that
+/// starts it does. A body that catches everything must let an abort go on.
 class Thread final : public Object
 {
 public:

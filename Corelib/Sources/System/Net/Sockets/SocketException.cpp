@@ -11,13 +11,13 @@ SocketException::SocketException(const SocketError& error, const char* sourceFil
 
 const String& SocketException::GetDefaultMessage() const
 {
-    static const String& text = *new String("The Socket operation failed.");
-    return text;
+    static const Immortal<String> text("The Socket operation failed.");
+    return text.Get();
 }
 
 const Error& SocketException::GetDefaultError() const
 {
-    static const Error& error = *new Error(ErrorCodes::Socket);
-    return error;
+    static const Immortal<Error> error(ErrorCodes::Socket);
+    return error.Get();
 }
 } // namespace Nfx::System::Net::Sockets

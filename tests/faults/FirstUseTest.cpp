@@ -1,0 +1,69 @@
+#include "DiscoveryServerExtCFacade.h"
+#include "MemoryFaults.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+
+namespace Tests
+{
+namespace ExtC = Zent::Discovery::ExtC;
+
+/// Processes that use the library for the first time while they have no memory left: then its tables are made.
+class FirstUseDeathTest : public testing::Test
+{
+protected:
+    FirstUseDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); } // each in a process of its own
+
+    void Sweep(int step, int count)
+    {
+        constexpr int EnoughForALife = 600;
+        for (int number = 1; number < EnoughForALife; number += step)
+        {
+            EXPECT_EXIT(Live(number, count), testing::ExitedWithCode(0), "") << "allocation " << number;
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+
+private:
+    [[noreturn]] void Live(int first, int count) const
+    {
+        alarm(30); // a call that never returns is no better than one that ends the process
+        const std::string path = folder.PathOf("test.log");
+        MemoryFaults::Fail(first, count);
+        ExtC::Initialize(path.c_str(), DiscoveryLogDebug);
+        ExtC::StartServer();
+        ExtC::InitBroadcastProvider("[\"127.0.0.1\"]");
+        ExtC::Discover();
+        ExtC::StopServer();
+        ExtC::Terminate();
+        ExtC::Discover();
+        std::_Exit(0);
+    }
+
+    const TemporaryFolder folder;
+};
+
+TEST_F(FirstUseDeathTest, EndsNoProcessForWantOfOneAllocation)
+{
+    Sweep(7, 1);
+}
+
+TEST_F(FirstUseDeathTest, EndsNoProcessForWantOfMemory)
+{
+    Sweep(7, MemoryFaults::Always);
+}
+
+TEST_F(FirstUseDeathTest, LongEndsNoProcessForWantOfOneAllocation)
+{
+    Sweep(1, 1);
+}
+
+TEST_F(FirstUseDeathTest, LongEndsNoProcessForWantOfMemory)
+{
+    Sweep(1, MemoryFaults::Always);
+}
+} // namespace Tests
