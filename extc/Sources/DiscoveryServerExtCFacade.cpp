@@ -26,9 +26,7 @@ using Nfx::System::String;
 using Nfx::System::Version;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Net::IPAddress;
-using Server::DiscoveryServer;
 using Server::DiscoveryServerFacade;
-using Server::DiscoveryServerTaskProcessor;
 using Server::MinimumCompatibleVersion;
 using Server::NICsConfigsListJsonSerializer;
 using Zent::Utils::Json::JSONArray;
@@ -65,15 +63,7 @@ void RefuseOnServiceThread(const char* operation)
 
 void StopBody()
 {
-    const SmartPointer<DiscoveryServerFacade> facade = DiscoveryServerFacade::Instance();
-    DiscoveryServer& server = facade->Server();
-    const DiscoveryServer::RestartBarrier barrier(server);
-    const SmartPointer<DiscoveryServerTaskProcessor> taskProcessor = server.TaskProcessor();
-    if (server.IsRunning() && !taskProcessor.IsNull())
-    {
-        HostEventRelay::Unsubscribe(*taskProcessor);
-        server.Stop();
-    }
+    DiscoveryServerFacade::Instance()->Server().StopIfRunning(&HostEventRelay::Unsubscribe);
 }
 
 SmartPointer<BroadcastProviderWin32::AddressList> ParseAddresses(const String& text)

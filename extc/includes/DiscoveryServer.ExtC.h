@@ -31,10 +31,11 @@
  *
  * @par Threads
  *     Requests, the callback setters, InitBroadcastProvider, SetMinCompatibleVersion and GetErrorMessage may be called
- *     from any thread, also from a callback. Initialize and Terminate must not run at the same time as any other
- *     function, and neither must the first call of a process. Callbacks run one at a time on a thread of the library,
- *     which sends nothing while a callback runs: return soon. From within a callback Initialize, StartServer,
- *     StopServer and Terminate are refused with code 30. No exception may leave a callback.
+ *     from any thread, also from a callback. StartServer and StopServer may be called from any thread of the host; one
+ *     that finds the server being started or stopped waits for that. Initialize and Terminate must not run at the same
+ *     time as any other function, and neither must the first call of a process. Callbacks run one at a time on a thread
+ *     of the library, which sends nothing while a callback runs: return soon. From within a callback Initialize,
+ *     StartServer, StopServer and Terminate are refused with code 30. No exception may leave a callback.
  *
  * @par Result codes
  *     0 is success. Everything else is the code of the failure; GetErrorMessage has its text, and the log has a line
@@ -126,8 +127,9 @@ extern "C"
      *
      * @param logPath  path of the log file.
      * @param logLevel one of DiscoveryLogLevel.
-     * @return 0; 30 when the library is initialized already, which leaves it as it is; another code when the level is
-     *         unknown or the log cannot be opened, and then a later Initialize may succeed.
+     * @return 0; 30 when the library is initialized already, which leaves it as it is, and within a callback; 9 when
+     *         logPath is null, 10 when the level is unknown, another code when the log cannot be opened. After any of
+     *         these but the first a later Initialize may succeed.
      */
     DISCOVERY_EXTC_API int DISCOVERY_EXTC_CALL Initialize(const char* logPath, int logLevel);
 

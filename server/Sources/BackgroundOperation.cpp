@@ -46,7 +46,9 @@ bool BackgroundOperation::Post(const Request& newRequest)
 
 bool BackgroundOperation::IsCancelledWithin(std::int32_t milliseconds)
 {
-    return cancelled.WaitOne(milliseconds);
+    cancelled.WaitOne(milliseconds);
+    const Lock guard(lock);
+    return suspensions > 0;
 }
 
 void BackgroundOperation::Run()

@@ -59,6 +59,7 @@ DiscoveryServer::~DiscoveryServer()
     log.Guard("Failed to stop what was still running", [&] {
         const RestartBarrier barrier(*this);
         const Lock lock(lifecycleLock);
+        state = DiscoveryServiceState::Stopping; // a loss from here on is none to restart for
         isStopped = StopLeftover(receiver);
         isStopped = StopLeftover(parser) && isStopped;
         isStopped = StopLeftover(taskProcessor) && isStopped;
@@ -165,6 +166,17 @@ void DiscoveryServer::Stop()
     StopLocked();
 }
 
+void DiscoveryServer::StopIfRunning(void (*prepare)(DiscoveryServerTaskProcessor&))
+{
+    const RestartBarrier barrier(*this);
+    const Lock lock(lifecycleLock); // when another thread stops the server, this one returns after it, too
+    if (state == DiscoveryServiceState::Running)
+    {
+        prepare(*taskProcessor);
+        StopLocked();
+    }
+}
+
 void DiscoveryServer::StopLocked()
 {
     log.Write("Stopping Discovery Server service", LogStreamLevel::Critical);
@@ -198,10 +210,10 @@ void DiscoveryServer::ReleaseComponents()
     DisconnectComponents();
 
     // They go at the end of this function, without the lock: their queues may be long.
-    const SmartPointer<DiscoveryReceiver> formerReceiver = receiver;
-    const SmartPointer<DiscoveryServerMessageParser> formerParser = parser;
-    const SmartPointer<DiscoveryServerTaskProcessor> formerTaskProcessor = taskProcessor;
     const SmartPointer<IDiscoverySocket> formerSocket = socket;
+    const SmartPointer<DiscoveryServerTaskProcessor> formerTaskProcessor = taskProcessor;
+    const SmartPointer<DiscoveryServerMessageParser> formerParser = parser;
+    const SmartPointer<DiscoveryReceiver> formerReceiver = receiver;
     {
         const Lock lock(componentsLock);
         if (isCarryingOver)
@@ -366,14 +378,13 @@ bool DiscoveryServer::TryPostAsynchronous(BackgroundOperation::Kind kind)
 
 void DiscoveryServer::RestartIfLost()
 {
-    SmartPointer<DiscoveryReceiver> current;
+    bool isLost = false;
     {
         const Lock lock(componentsLock);
-        current = receiver;
+        isLost = !receiver.IsNull() && (receiver->HasLostSocket() || taskProcessor->HasLostSocket());
     }
     constexpr auto restart = BackgroundOperation::Kind::Restart;
-    if (IsRunning() && !current.IsNull() && current->HasLostSocket() && BeginAsynchronous(restart) &&
-        !TryPostAsynchronous(restart))
+    if (isLost && IsRunning() && BeginAsynchronous(restart) && !TryPostAsynchronous(restart))
     {
         GiveUpAsynchronous(); // the host application's thread does not wait; its next start or stop looks again
     }
@@ -397,7 +408,7 @@ void DiscoveryServer::RunBackground(const BackgroundOperation::Request& request)
 
 void DiscoveryServer::Restart(std::int64_t lostRun)
 {
-    if (run != lostRun || !WaitForPace() || !StopForRestart(lostRun) || !WaitUntilSocketCanBeBound())
+    if (run != lostRun || !WaitForPace() || !StopForRestart(lostRun) || !WaitUntilSocketCanBeBound(lostRun))
     {
         return;
     }
@@ -436,29 +447,50 @@ bool DiscoveryServer::WaitForPace()
     return true;
 }
 
-bool DiscoveryServer::WaitUntilSocketCanBeBound()
+bool DiscoveryServer::WaitUntilSocketCanBeBound(std::int64_t lostRun)
 {
-    for (std::int32_t delay = RetryDelayMilliseconds;; delay = std::min(2 * delay, LongestRetryDelayMilliseconds))
+    constexpr std::int32_t LongestPauses = LongestRetryDelayMilliseconds / RetryDelayMilliseconds;
+    for (std::int32_t pauses = 1;; pauses = std::min(2 * pauses, LongestPauses))
     {
-        if (background.IsCancelledWithin(0))
+        if (IsRestartSuperfluous(lostRun, 0))
         {
             return false;
         }
+        if (CanBindSocket(pauses * RetryDelayMilliseconds / 1000))
+        {
+            return true;
+        }
+        for (std::int32_t pause = 0; pause < pauses; ++pause)
+        {
+            if (IsRestartSuperfluous(lostRun, RetryDelayMilliseconds))
+            {
+                return false;
+            }
+        }
+    }
+}
+
+bool DiscoveryServer::IsRestartSuperfluous(std::int64_t lostRun, std::int32_t milliseconds)
+{
+    return background.IsCancelledWithin(milliseconds) || run != lostRun;
+}
+
+bool DiscoveryServer::CanBindSocket(std::int32_t secondsToNextTry) const
+{
+    bool isBound = false;
+    log.Guard("No socket for the restart yet", [&] {
         try
         {
             OpenSocket();
-            return true;
+            isBound = true;
         }
         catch (const Exception& exception)
         {
-            log.Write("No socket for the restart yet, trying again in " + Int32(delay / 1000).ToString() + " s",
+            log.Write("No socket for the restart yet, trying again in " + Int32(secondsToNextTry).ToString() + " s",
                       exception);
         }
-        if (background.IsCancelledWithin(delay))
-        {
-            return false;
-        }
-    }
+    });
+    return isBound;
 }
 
 void DiscoveryServer::ForgetCarriedOver()
@@ -473,6 +505,7 @@ DiscoveryServer::RestartBarrier::RestartBarrier(DiscoveryServer& server)
     , suspension(std::in_place, server.background)
 {
     server.ForgetCarriedOver();
+    server.GiveUpAsynchronous(); // what was pending is gone
 }
 
 DiscoveryServer::RestartBarrier::~RestartBarrier()

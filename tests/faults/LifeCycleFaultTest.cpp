@@ -150,6 +150,28 @@ TEST_F(LifeCycleFaultTest, LongAStopSaysThatItWaitsForACallback)
     ExpectStopped();
 }
 
+TEST_F(LifeCycleFaultTest, ASecondStopReturnsNoEarlierThanTheFirst)
+{
+    Gate callback;
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    callbackGate = &callback;
+    ASSERT_TRUE(HelloArrives());
+    std::atomic<int> returned{0};
+    const auto stop = [&] {
+        EXPECT_EQ(0, ExtC::StopServer());
+        ++returned;
+    };
+    std::thread first(stop);
+    EXPECT_TRUE(WaitForLine("Stopping Task Processor")); // which waits for the callback
+    std::thread second(stop);
+    EXPECT_FALSE(WaitUntil([&] { return returned > 0; }, std::chrono::milliseconds(200)));
+    callbackGate = nullptr;
+    callback.Open();
+    first.join();
+    second.join();
+    EXPECT_EQ(1, Count("Discovery Server stopped"));
+}
+
 TEST_F(LifeCycleFaultTest, ALossWhileARestartIsNotYetThroughIsAnsweredToo)
 {
     Gate starter;

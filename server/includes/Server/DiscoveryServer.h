@@ -46,6 +46,9 @@ public:
     /// server is not running. Waits for a callback that is running.
     void Stop();
 
+    /// Stop without a word when the server is not running. Calls prepare before; a failure of prepare stops nothing.
+    void StopIfRunning(void (*prepare)(DiscoveryServerTaskProcessor&));
+
     bool IsRunning() const noexcept;
 
     // Requests: each is queued with the task processor and leaves later; the result says nothing about delivery.
@@ -110,7 +113,9 @@ private:
     void Restart(std::int64_t lostRun);
     bool StopForRestart(std::int64_t lostRun);
     bool WaitForPace();
-    bool WaitUntilSocketCanBeBound();
+    bool WaitUntilSocketCanBeBound(std::int64_t lostRun);
+    bool IsRestartSuperfluous(std::int64_t lostRun, std::int32_t milliseconds);
+    bool CanBindSocket(std::int32_t secondsToNextTry) const;
     void ForgetCarriedOver();
 
     void Queue(const Nfx::System::SmartPointer<ServerAction>& action);
