@@ -52,27 +52,20 @@ BroadcastProviderWin32::BroadcastProviderWin32(const SmartPointer<AddressList>& 
 
 void BroadcastProviderWin32::Send(const std::uint8_t* bytes, Int32 count)
 {
-    sockets.resize(static_cast<std::size_t>(addresses->Count()));
-    auto socket = sockets.begin();
     for (const SmartPointer<IPAddress>& address : *addresses)
     {
-        SendFrom(*address, *socket++, bytes, count);
+        SendFrom(*address, bytes, count);
     }
 }
 
-void BroadcastProviderWin32::Release()
-{
-    sockets.clear();
-}
-
-BroadcastProviderWin32::SocketPointer BroadcastProviderWin32::OpenSocket(const IPAddress& address) const
+SmartPointer<IDiscoverySocket> BroadcastProviderWin32::OpenSocket(const IPAddress& address) const
 {
     const SmartPointer<DiscoveryPorts>& ports = DiscoveryPorts::GetInstance();
     try
     {
-        SocketPointer socket(new DiscoverySocketUdpClient(ports->ServerPort(), ports->ClientPort(), address));
+        const SmartPointer<IDiscoverySocket> socket(
+            new DiscoverySocketUdpClient(ports->ServerPort(), ports->ClientPort(), address));
         LeaveAnswersToTheMainSocket(*socket);
-        PassOnStrays(*socket, address);
         return socket;
     }
     catch (const Exception& exception)
@@ -82,16 +75,9 @@ BroadcastProviderWin32::SocketPointer BroadcastProviderWin32::OpenSocket(const I
     }
 }
 
-void BroadcastProviderWin32::SendFrom(const IPAddress& address,
-                                      SocketPointer& socket,
-                                      const std::uint8_t* bytes,
-                                      Int32 count) const
+void BroadcastProviderWin32::SendFrom(const IPAddress& address, const std::uint8_t* bytes, Int32 count) const
 {
-    const bool isKept = !socket.IsNull();
-    if (!isKept)
-    {
-        socket = OpenSocket(address);
-    }
+    const SmartPointer<IDiscoverySocket> socket = OpenSocket(address);
     if (socket.IsNull())
     {
         return;
@@ -103,13 +89,8 @@ void BroadcastProviderWin32::SendFrom(const IPAddress& address,
     }
     catch (const Exception& exception)
     {
-        socket = nullptr;
-        if (isKept)
-        {
-            SendFrom(address, socket, bytes, count); // a new one knows the address as it is now
-            return;
-        }
         log.Write("Exception caught while sending message from address " + address.ToString() + " !", exception);
     }
+    log.Guard("Answer lost on the way to the main socket", [&] { PassOnStrays(*socket, address); });
 }
 } // namespace Zent::Discovery

@@ -78,11 +78,6 @@ void DiscoveryTaskProcessor::Stop()
         RequestStop();
     }
     DiscoveryWorker::Stop();
-    const SmartPointer<IBroadcastProvider> current = BroadcastProvider();
-    if (!current.IsNull())
-    {
-        current->Release(); // a restart keeps the provider, but the port is free until it is there
-    }
 }
 
 SmartPointer<IBroadcastProvider> DiscoveryTaskProcessor::BroadcastProvider() const

@@ -14,8 +14,5 @@ class IBroadcastProvider : public Nfx::System::Object, public Nfx::System::Inter
 public:
     /// Broadcasts the first count bytes through every local address. A failing address is logged and skipped.
     virtual void Send(const std::uint8_t* bytes, Nfx::System::Int32 count) = 0;
-
-    /// Gives back what was kept for the next Send, which takes it anew. Not while Send runs.
-    virtual void Release() {}
 };
 } // namespace Zent::Discovery
