@@ -2,7 +2,6 @@
 
 #include "Discovery/ServiceThread.h"
 #include "system/DelegateImpl.h"
-#include "system/Threading/Lock.h"
 #include "system/Threading/ThreadState.h"
 
 namespace Zent::Discovery
@@ -14,14 +13,12 @@ using Nfx::System::MakeDelegate;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
-using Nfx::System::Threading::Lock;
 using Nfx::System::Threading::Thread;
 using Nfx::System::Threading::ThreadState;
 
 DiscoveryMessageParser::DiscoveryMessageParser(const String& name)
     : name(name)
     , log(name)
-    , semaphore(0, MaximumPending + 1) // one place more than datagrams, for the permit of Stop
     , thread(new Thread(MakeDelegate(*this, &DiscoveryMessageParser::Run)))
 {
 }
@@ -36,18 +33,14 @@ void DiscoveryMessageParser::Stop()
 {
     Log().Write("Stopping message parser", LogStreamLevel::Critical);
     stopRequested = true;
-    if (!isStopPermitGiven.exchange(true))
+    try
     {
-        try
-        {
-            semaphore.Release();
-        }
-        catch (const Exception& exception)
-        {
-            isStopPermitGiven = false;
-            Log().Write("Semaphore error", exception);
-            throw;
-        }
+        pending.Close();
+    }
+    catch (const Exception& exception)
+    {
+        Log().Write("Semaphore error", exception);
+        throw;
     }
     if (thread->GetThreadState() != ThreadState::Unstarted)
     {
@@ -58,23 +51,16 @@ void DiscoveryMessageParser::Stop()
 
 void DiscoveryMessageParser::Enqueue(const SmartPointer<Datagram>& datagram)
 {
+    if (!pending.TryAdd(datagram))
     {
-        const Lock lock(pending.SyncRoot());
-        if (pending.Count() < MaximumPending)
-        {
-            pending.Enqueue(datagram);
-            semaphore.Release();
-            return;
-        }
+        Log().Write("Semaphore is full (" + Int32(MaximumPending + 1).ToString() + ") !!! Ignoring this datagram...",
+                    LogStreamLevel::Critical);
     }
-    Log().Write("Semaphore is full (" + Int32(MaximumPending + 1).ToString() + ") !!! Ignoring this datagram...",
-                LogStreamLevel::Critical);
 }
 
 std::int32_t DiscoveryMessageParser::PendingCount() const
 {
-    const Lock lock(pending.SyncRoot());
-    return static_cast<std::int32_t>(pending.Count());
+    return pending.Count();
 }
 
 void DiscoveryMessageParser::Run()
@@ -89,12 +75,19 @@ void DiscoveryMessageParser::Run()
 
 void DiscoveryMessageParser::ProcessNext()
 {
-    semaphore.WaitOne();
-    const SmartPointer<Datagram> datagram = TakeNext();
-    if (datagram.IsNull())
+    SmartPointer<Datagram> datagram;
+    if (pending.TryTake(datagram))
     {
-        return;
+        Process(datagram);
     }
+    else
+    {
+        pending.Await();
+    }
+}
+
+void DiscoveryMessageParser::Process(const SmartPointer<Datagram>& datagram)
+{
     try
     {
         ProcessDatagram(datagram);
@@ -107,11 +100,5 @@ void DiscoveryMessageParser::ProcessNext()
         }
         Log().Write("Invalid format : message dropped", LogStreamLevel::Critical);
     }
-}
-
-SmartPointer<Datagram> DiscoveryMessageParser::TakeNext()
-{
-    const Lock lock(pending.SyncRoot());
-    return pending.Count() == 0 ? SmartPointer<Datagram>() : pending.Dequeue();
 }
 } // namespace Zent::Discovery

@@ -76,17 +76,9 @@ void DiscoveryServerTaskProcessor::Install(const HostRegistrations& registration
     registrations.ByeMessageReceived.ForEach([this](const auto& handler) { byeMessageReceived.Add(handler); });
 }
 
-void DiscoveryServerTaskProcessor::ProcessTask()
+void DiscoveryServerTaskProcessor::ProcessTask(const ServerActionArgs& task)
 {
-    const SmartPointer<ServerActionArgs> task = TakeTask();
-    if (!task.IsNull())
-    {
-        Process(*task->Action());
-    }
-}
-
-void DiscoveryServerTaskProcessor::Process(const ServerAction& action)
-{
+    const ServerAction& action = *task.Action();
     switch (action.Type())
     {
     case ServerActionType::SendSendYourSignatureMessage:

@@ -32,51 +32,27 @@ constexpr std::int32_t RushEndMilliseconds = 500;
 
 DiscoveryTaskProcessor::DiscoveryTaskProcessor(const SmartPointer<IDiscoverySocket>& socket, const String& name)
     : DiscoveryWorker(socket, name, MakeDelegate(*this, &DiscoveryTaskProcessor::Run), ThreadPriority::Normal)
-    , semaphore(0, MaximumPending)
 {
 }
 
 void DiscoveryTaskProcessor::Enqueue(Object*, const ServerActionArgs& task)
 {
-    const SmartPointer<ServerActionArgs> queued(new ServerActionArgs(task.Action()));
+    if (!tasks.TryAdd(SmartPointer<ServerActionArgs>(new ServerActionArgs(task.Action()))))
     {
-        const Lock lock(tasks.SyncRoot());
-        if (tasks.Count() < MaximumPending)
-        {
-            tasks.Enqueue(queued);
-            Wake();
-            return;
-        }
-    }
-    Log().Write("Semaphore is full (" + Int32(MaximumPending).ToString() + ") !!! Ignoring this task...",
-                LogStreamLevel::Critical);
-}
-
-void DiscoveryTaskProcessor::Wake()
-{
-    // Once a stop is requested the thread has its last permit: what is queued from then on only waits to be counted.
-    if (!IsStopRequested())
-    {
-        semaphore.Release();
+        Log().Write("Semaphore is full (" + Int32(MaximumPending).ToString() + ") !!! Ignoring this task...",
+                    LogStreamLevel::Critical);
     }
 }
 
 std::int32_t DiscoveryTaskProcessor::PendingCount() const
 {
-    const Lock lock(tasks.SyncRoot());
-    return static_cast<std::int32_t>(tasks.Count());
+    return tasks.Count();
 }
 
 void DiscoveryTaskProcessor::Stop()
 {
-    {
-        const Lock lock(tasks.SyncRoot());
-        if (tasks.Count() < MaximumPending)
-        {
-            Wake();
-        }
-        RequestStop();
-    }
+    RequestStop();
+    tasks.Close();
     DiscoveryWorker::Stop();
 }
 
@@ -90,12 +66,6 @@ void DiscoveryTaskProcessor::SetBroadcastProvider(const SmartPointer<IBroadcastP
 {
     const Lock lock(providerLock);
     provider = newProvider;
-}
-
-SmartPointer<ServerActionArgs> DiscoveryTaskProcessor::TakeTask()
-{
-    const Lock lock(tasks.SyncRoot());
-    return tasks.Count() == 0 ? SmartPointer<ServerActionArgs>() : tasks.Dequeue();
 }
 
 void DiscoveryTaskProcessor::Send(const DiscoveryMessage& message, const IPAddress& destination)
@@ -142,17 +112,18 @@ void DiscoveryTaskProcessor::Run()
 
 void DiscoveryTaskProcessor::ProcessNext()
 {
+    SmartPointer<ServerActionArgs> task;
+    if (tasks.TryTake(task))
+    {
+        ProcessTask(*task);
+        longestQueue = std::max(longestQueue, PendingCount());
+        return;
+    }
     const bool isRush = longestQueue >= RushLength;
-    if (!semaphore.WaitOne(isRush ? RushEndMilliseconds : -1))
+    if (!tasks.Await(isRush ? RushEndMilliseconds : -1))
     {
         longestQueue = 0;
         Nfx::System::Memory::GiveBack();
-        return;
-    }
-    if (!IsStopRequested())
-    {
-        ProcessTask();
-        longestQueue = std::max(longestQueue, PendingCount());
     }
 }
 

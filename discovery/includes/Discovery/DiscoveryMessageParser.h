@@ -2,8 +2,7 @@
 
 #include "Discovery/ComponentLog.h"
 #include "Discovery/Datagram.h"
-#include "system/Collections/Generic/Queue.h"
-#include "system/Threading/Semaphore.h"
+#include "Discovery/HandOver.h"
 #include "system/Threading/Thread.h"
 
 #include <atomic>
@@ -47,14 +46,12 @@ protected:
 private:
     void Run();
     void ProcessNext();
-    Nfx::System::SmartPointer<Datagram> TakeNext();
+    void Process(const Nfx::System::SmartPointer<Datagram>& datagram);
 
     const Nfx::System::String name;
     const ComponentLog log;
-    Nfx::System::Collections::Generic::Queue<Nfx::System::SmartPointer<Datagram>> pending; // guarded by its SyncRoot
-    Nfx::System::Threading::Semaphore semaphore;
-    std::atomic<bool> stopRequested{false};     // set by Stop, read by the parser thread
-    std::atomic<bool> isStopPermitGiven{false}; // set by Stop: a second one needs no other permit
+    HandOver<Nfx::System::SmartPointer<Datagram>> pending{MaximumPending};
+    std::atomic<bool> stopRequested{false}; // set by Stop, read by the parser thread
     const Nfx::System::SmartPointer<Nfx::System::Threading::Thread> thread;
 };
 } // namespace Zent::Discovery

@@ -25,11 +25,9 @@ public:
     void Install(const HostRegistrations& registrations);
 
 protected:
-    void ProcessTask() override;
+    void ProcessTask(const ServerActionArgs& task) override;
 
 private:
-    void Process(const ServerAction& action);
-
     template <class TAction, class TEventArgs>
     void Notify(const ServerAction& action, const char* what, Nfx::System::Event<TEventArgs>& event);
 

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "Discovery/DiscoveryWorker.h"
+#include "Discovery/HandOver.h"
 #include "Discovery/IBroadcastProvider.h"
 #include "Discovery/Message/DiscoveryMessage.h"
 #include "Server/ServerActionArgs.h"
-#include "system/Collections/Generic/Queue.h"
 #include "system/Net/Sockets/SocketException.h"
-#include "system/Threading/Semaphore.h"
 
 namespace Zent::Discovery::Server
 {
@@ -35,26 +34,21 @@ public:
 protected:
     DiscoveryTaskProcessor(const Nfx::System::SmartPointer<IDiscoverySocket>& socket, const Nfx::System::String& name);
 
-    /// Processes the task at the head of the queue; nothing when there is none.
-    virtual void ProcessTask() = 0;
-
-    /// Null when no task waits.
-    Nfx::System::SmartPointer<ServerActionArgs> TakeTask();
+    /// Processes one task, on the processor's thread. What it throws is logged and costs this task alone.
+    virtual void ProcessTask(const ServerActionArgs& task) = 0;
 
     /// Sends a message: through the broadcast provider when there is one and the destination is the broadcast address,
     /// else through the socket. A failing send is logged and costs this message; a lost socket raises SocketClosed.
     void Send(const DiscoveryMessage& message, const Nfx::System::Net::IPAddress& destination);
 
 private:
-    void Wake();
     void Run();
     void ProcessNext();
     void Transmit(const Nfx::System::String& text, const Nfx::System::Net::IPAddress& destination);
     void HandleSendError(const Nfx::System::Net::Sockets::SocketException& exception);
     void CheckSocket();
 
-    Nfx::System::Threading::Semaphore semaphore;
-    Nfx::System::Collections::Generic::Queue<Nfx::System::SmartPointer<ServerActionArgs>> tasks; // guarded by SyncRoot
+    HandOver<Nfx::System::SmartPointer<ServerActionArgs>> tasks{MaximumPending};
     std::int32_t longestQueue = 0; // since memory was given back; used by the processor's thread only
     mutable Nfx::System::Threading::Monitor providerLock;
     Nfx::System::SmartPointer<IBroadcastProvider> provider NFX_GUARDED_BY(providerLock);

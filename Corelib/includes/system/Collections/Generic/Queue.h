@@ -46,6 +46,9 @@ public:
         }
     }
 
+    /// Exchanges the values of two queues; each keeps its lock.
+    void Swap(Queue& other) noexcept { elements.swap(other.elements); }
+
 private:
     mutable Threading::Monitor syncRoot;
     std::deque<T> elements;
