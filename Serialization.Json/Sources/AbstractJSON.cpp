@@ -5,6 +5,8 @@
 
 namespace Zent::Utils::Json
 {
+using Nfx::System::SmartPointer;
+
 AbstractJSON::AbstractJSON()
 {
     JSONDocument::InstallHooks();
@@ -13,7 +15,7 @@ AbstractJSON::AbstractJSON()
 AbstractJSON::AbstractJSON(const Nfx::System::String& text)
     : AbstractJSON()
 {
-    document = new JSONDocument(text.View());
+    document = SmartPointer<JSONDocument>::Create(text.View());
     item = document->Root();
 }
 

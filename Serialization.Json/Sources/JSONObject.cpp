@@ -59,12 +59,23 @@ Boolean JSONObject::TryGetBoolean(const TextView& key, Boolean& value) const
 
 Boolean JSONObject::TryGetString(const TextView& key, String& value) const
 {
+    std::string_view text;
+    if (!TryGetText(key, text))
+    {
+        return false;
+    }
+    value = String(text);
+    return true;
+}
+
+bool JSONObject::TryGetText(const TextView& key, std::string_view& value) const noexcept
+{
     const cJSON* const member = JSONMembers::Find(Item(), key);
     if (cJSON_IsString(member) == 0)
     {
         return false;
     }
-    value = String(member->valuestring);
+    value = member->valuestring;
     return true;
 }
 
@@ -97,8 +108,13 @@ bool JSONObject::HasString(const TextView& key) const noexcept
 
 String JSONObject::GetString(const TextView& key) const
 {
-    String value;
-    if (!TryGetString(key, value))
+    return String(GetText(key));
+}
+
+std::string_view JSONObject::GetText(const TextView& key) const
+{
+    std::string_view value;
+    if (!TryGetText(key, value))
     {
         ThrowNotFound("String ", key, __LINE__);
     }
@@ -137,15 +153,13 @@ List<String> JSONObject::Keys() const
 
 void JSONObject::ForEachString(const StringAction& action) const
 {
-    const JSONMembers members(Item());
-    for (const JSONMembers::Member& member : members.Different())
-    {
+    JSONMembers::ForEachDifferent(Item(), [&action](const JSONMembers::Member& member) {
         if (cJSON_IsString(member.Match) == 0)
         {
             ThrowNotFound("String ", member.Key, __LINE__);
         }
         action(member.Key, member.Match->valuestring, member.Match != member.Item);
-    }
+    });
 }
 
 String JSONObject::ToString() const

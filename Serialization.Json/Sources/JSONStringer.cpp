@@ -15,6 +15,7 @@ namespace ErrorCodes = Nfx::System::ErrorCodes;
 namespace
 {
 constexpr std::size_t TypicalLength = 1024; // of a device's description
+constexpr std::size_t TypicalDepth = 8;
 
 [[noreturn]] void ThrowMisuse(const String& message, std::int32_t line)
 {
@@ -46,18 +47,16 @@ void JSONStringer::EndArray()
 
 void JSONStringer::Key(const TextView& key)
 {
-    if (open.empty() || open.back().What != Kind::Object)
-    {
-        String message("Key ");
-        message.Append(std::string_view(key)).Append(" outside of an object");
-        ThrowMisuse(message, __LINE__);
-    }
-    DropPendingKey();
-    keyWasFirst = !open.back().HasMembers;
-    keyStart = text.size();
-    Separate();
+    BeginKey(key);
     JSONWriter::AppendString(text, key);
     text.push_back(':');
+}
+
+void JSONStringer::Key(const JSONKey& key)
+{
+    BeginKey(key.Text());
+    text.push_back('"');
+    text.append(key.Text()).append("\":");
 }
 
 void JSONStringer::Value(const TextView& value)
@@ -110,6 +109,20 @@ void JSONStringer::RollBack(const Mark& mark)
     complete = mark.complete;
 }
 
+void JSONStringer::BeginKey(std::string_view key)
+{
+    if (open.empty() || open.back().What != Kind::Object)
+    {
+        String message("Key ");
+        message.Append(key).Append(" outside of an object");
+        ThrowMisuse(message, __LINE__);
+    }
+    DropPendingKey();
+    keyWasFirst = !open.back().HasMembers;
+    keyStart = text.size();
+    Separate();
+}
+
 void JSONStringer::BeginValue()
 {
     if (open.empty())
@@ -140,6 +153,7 @@ void JSONStringer::Open(Kind kind, char bracket)
     else
     {
         text.reserve(TypicalLength);
+        open.reserve(TypicalDepth);
     }
     text.push_back(bracket);
     open.push_back({kind, false});

@@ -36,17 +36,26 @@ constexpr bool HasControl(std::uint64_t bytes)
     return ((bytes - 32 * EveryByte) & ~bytes & EveryTopBit) != 0;
 }
 
+bool IsPlain(const char* text)
+{
+    std::uint64_t bytes;
+    std::memcpy(&bytes, text, sizeof bytes);
+    return !HasControl(bytes) && !HasZero(bytes ^ '"' * EveryByte) && !HasZero(bytes ^ '\\' * EveryByte);
+}
+
 /// How many characters at the start of the text need no escape.
 std::size_t PlainLength(std::string_view text)
 {
+    constexpr std::size_t step = sizeof(std::uint64_t);
     std::size_t length = 0;
-    for (std::uint64_t bytes; text.size() - length >= sizeof bytes; length += sizeof bytes)
+    while (text.size() - length >= step && IsPlain(text.data() + length))
     {
-        std::memcpy(&bytes, text.data() + length, sizeof bytes);
-        if (HasControl(bytes) || HasZero(bytes ^ '"' * EveryByte) || HasZero(bytes ^ '\\' * EveryByte))
-        {
-            break;
-        }
+        length += step;
+    }
+    // The end, together with characters that were looked at already: most texts have some that fill no word.
+    if (length != 0 && text.size() - length < step && IsPlain(text.data() + text.size() - step))
+    {
+        return text.size();
     }
     while (length != text.size() && !NeedsEscape(text[length]))
     {

@@ -80,6 +80,8 @@ bool Limit::Handle(std::string_view datagram)
 
 std::string Limit::Request()
 {
+    Log("Discovery Server", "Discover");
+    Log("ServerTaskProcessor", "Sending message of type AllSendYourSignature");
     cJSON* const json = cJSON_CreateObject();
     Add(json, "DiscoveryMessageType", std::string("AllSendYourSignature"));
     Add(json, "DiscoveryVersion", std::string(Version));

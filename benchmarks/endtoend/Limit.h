@@ -28,8 +28,9 @@ public:
     /// False when the datagram is no signature of this version.
     bool Handle(std::string_view datagram);
 
-    /// The datagram that asks all devices for their signatures.
-    static std::string Request();
+    /// The datagram that asks all devices for their signatures; its lines, where the log is on, are those that the
+    /// library writes before it sends one.
+    std::string Request();
 
 private:
     struct NIC

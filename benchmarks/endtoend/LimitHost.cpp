@@ -45,7 +45,7 @@ protected:
 
     void Discover() override
     {
-        const std::string text = Limit::Request();
+        const std::string text = limit->Request();
         const sockaddr_in all = Address(INADDR_BROADCAST, 12000);
         sendto(descriptor, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&all), sizeof all);
     }

@@ -8,7 +8,7 @@ using Nfx::System::Net::IPEndPoint;
 
 Datagram::Datagram(const SmartPointer<String>& message, const IPEndPoint& remoteEndPoint)
     : Message(message)
-    , RemoteEndPoint(new IPEndPoint(remoteEndPoint))
+    , RemoteEndPoint(SmartPointer<IPEndPoint>::Create(remoteEndPoint))
 {
 }
 } // namespace Zent::Discovery

@@ -17,6 +17,7 @@ using Nfx::System::Collections::Generic::List;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Zent::Utils::Json::JSONArray;
+using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
 
@@ -24,16 +25,16 @@ namespace Zent::Discovery
 {
 namespace
 {
-const char HostNameKey[] = "HostName";
-const char IsHostNameReadOnlyKey[] = "IsHostNameReadOnly";
-const char RebootRequiredForIPConfigChangeKey[] = "RebootRequiredForIPConfigChange";
-const char RebootRequiredForHostNameChangeKey[] = "RebootRequiredForHostNameChange";
-const char DeviceTypeKey[] = "DeviceType";
-const char DeviceFamilyKey[] = "DeviceFamily";
-const char SerialNumberKey[] = "SerialNumber";
-const char NICsKey[] = "NICs";
-const char ProductsKey[] = "Products";
-const char FileTransferInfosKey[] = "FileTransferInfos";
+constexpr JSONKey HostNameKey("HostName");
+constexpr JSONKey IsHostNameReadOnlyKey("IsHostNameReadOnly");
+constexpr JSONKey RebootRequiredForIPConfigChangeKey("RebootRequiredForIPConfigChange");
+constexpr JSONKey RebootRequiredForHostNameChangeKey("RebootRequiredForHostNameChange");
+constexpr JSONKey DeviceTypeKey("DeviceType");
+constexpr JSONKey DeviceFamilyKey("DeviceFamily");
+constexpr JSONKey SerialNumberKey("SerialNumber");
+constexpr JSONKey NICsKey("NICs");
+constexpr JSONKey ProductsKey("Products");
+constexpr JSONKey FileTransferInfosKey("FileTransferInfos");
 
 const LogStreamChannel& Channel()
 {
@@ -48,14 +49,14 @@ void ReadList(const JSONArray& array, List<SmartPointer<T>>& list)
     list.Reserve(static_cast<std::size_t>(std::int32_t{array.Length()}));
     for (std::int32_t index = 0; index < array.Length(); ++index)
     {
-        SmartPointer<T> record(new T());
+        SmartPointer<T> record = SmartPointer<T>::Create();
         record->ReadFrom(array.GetJSONObject(index));
         list.Add(std::move(record));
     }
 }
 
 template <class T>
-void WriteList(JSONStringer& stringer, const char* key, const List<SmartPointer<T>>& list)
+void WriteList(JSONStringer& stringer, const JSONKey& key, const List<SmartPointer<T>>& list)
 {
     stringer.Key(key);
     stringer.Array();
@@ -122,7 +123,7 @@ void DiscoveryHost::ReadFrom(const JSONObject& json)
 
 void DiscoveryHost::ReadFileTransferInfos(const JSONObject& json)
 {
-    FileTransferInfos = new Zent::Discovery::FileTransferInfos();
+    FileTransferInfos = SmartPointer<Zent::Discovery::FileTransferInfos>::Create();
     try
     {
         FileTransferInfos->ReadFrom(json.GetJSONObject(FileTransferInfosKey));

@@ -4,6 +4,7 @@
 #include "Json/JSONStringer.h"
 
 using Nfx::System::String;
+using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
 
@@ -11,10 +12,10 @@ namespace Zent::Discovery
 {
 namespace
 {
-const char ProductTypeKey[] = "ProductType";
-const char ProductSerialNumberKey[] = "ProductSerialNumber";
-const char ProductVersionKey[] = "ProductVersion";
-const char ProductNameKey[] = "ProductName";
+constexpr JSONKey ProductTypeKey("ProductType");
+constexpr JSONKey ProductSerialNumberKey("ProductSerialNumber");
+constexpr JSONKey ProductVersionKey("ProductVersion");
+constexpr JSONKey ProductNameKey("ProductName");
 } // namespace
 
 void DiscoveryHostProduct::Serialize(JSONStringer& stringer) const

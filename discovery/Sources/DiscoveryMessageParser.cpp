@@ -2,6 +2,7 @@
 
 #include "Discovery/ServiceThread.h"
 #include "system/DelegateImpl.h"
+#include "system/Threading/ThreadPriority.h"
 #include "system/Threading/ThreadState.h"
 
 namespace Zent::Discovery
@@ -14,6 +15,7 @@ using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Threading::Thread;
+using Nfx::System::Threading::ThreadPriority;
 using Nfx::System::Threading::ThreadState;
 
 DiscoveryMessageParser::DiscoveryMessageParser(const String& name)
@@ -27,6 +29,8 @@ void DiscoveryMessageParser::Start()
 {
     thread->SetName(name);
     thread->Start();
+    // A burst of datagrams is lost to a full queue sooner than to slow callbacks. Best effort, as every priority is.
+    thread->SetPriority(ThreadPriority::AboveNormal);
 }
 
 void DiscoveryMessageParser::Stop()

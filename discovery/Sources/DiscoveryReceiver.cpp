@@ -114,8 +114,9 @@ bool DiscoveryReceiver::HandOver(const std::uint8_t* bytes, std::int32_t count, 
         return false;
     }
     Log().Write("Message received", LogStreamLevel::Debug);
-    const SmartPointer<String> text(new String(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)));
-    parser->Enqueue(SmartPointer<Datagram>(new Datagram(text, sender)));
+    const auto text =
+        SmartPointer<String>::Create(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count));
+    parser->Enqueue(SmartPointer<Datagram>::Create(text, sender));
     return !IsStopRequested();
 }
 

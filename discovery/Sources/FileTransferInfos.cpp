@@ -4,6 +4,8 @@
 #include "Json/JSONStringer.h"
 #include "system/Exceptions.h"
 
+#include <functional>
+
 using Nfx::System::String;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
@@ -59,7 +61,7 @@ void FileTransferInfos::AppendMembers(const JSONObject& json)
 {
     std::size_t ownLength = 0;
     std::size_t repeatedLength = 0;
-    json.ForEachString([&](std::string_view key, std::string_view value, bool repeated) {
+    const auto append = [&](std::string_view key, std::string_view value, bool repeated) {
         ownLength += key.size() + (repeated ? 0 : value.size());
         repeatedLength += repeated ? value.size() : 0;
         if (repeatedLength > MaximumGrowth * ownLength)
@@ -67,7 +69,8 @@ void FileTransferInfos::AppendMembers(const JSONObject& json)
             throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat, SourceName, __LINE__);
         }
         Append(key, value);
-    });
+    };
+    json.ForEachString(std::cref(append)); // by reference: an action of this size would be allocated
 }
 
 void FileTransferInfos::Trim() noexcept

@@ -41,7 +41,12 @@ bool TakeSeparator(std::string_view& text)
 
 MACAddress MACAddress::Parse(const String& text)
 {
-    std::string_view rest = text.View();
+    return ParseText(text.View());
+}
+
+MACAddress MACAddress::ParseText(std::string_view text)
+{
+    std::string_view rest = text;
     std::array<std::uint8_t, Length> parsed{};
     bool valid = true;
     for (std::size_t index = 0; valid && index < Length; ++index)
@@ -50,7 +55,7 @@ MACAddress MACAddress::Parse(const String& text)
     }
     if (!valid || !rest.empty())
     {
-        throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat, "no MAC address : " + text.Quoted(),
+        throw Nfx::System::Exception(Nfx::System::ErrorCodes::InvalidFormat, "no MAC address : " + String::Quoted(text),
                                      SourceName, __LINE__);
     }
     return MACAddress(parsed);
@@ -69,15 +74,19 @@ Int32 MACAddress::GetHashCode() const
 
 String MACAddress::ToString() const
 {
+    const auto text = ToText();
+    return String(text.data(), text.size());
+}
+
+std::array<char, 3 * MACAddress::Length - 1> MACAddress::ToText() const noexcept
+{
     constexpr std::string_view digits = "0123456789ABCDEF";
-    String text;
-    for (const std::uint8_t byte : bytes)
+    std::array<char, 3 * Length - 1> text;
+    text.fill(':');
+    for (std::size_t index = 0; index < Length; ++index)
     {
-        if (!text.IsEmpty())
-        {
-            text.Append(':');
-        }
-        text.Append(digits[byte >> 4]).Append(digits[byte & 15]);
+        text[3 * index] = digits[bytes[index] >> 4];
+        text[3 * index + 1] = digits[bytes[index] & 15];
     }
     return text;
 }

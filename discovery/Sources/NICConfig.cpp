@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 using Nfx::System::String;
+using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
 namespace Net = Nfx::System::Net; // the fields hide the class names
@@ -15,30 +17,35 @@ namespace Zent::Discovery
 {
 namespace
 {
-const char FriendlyNameKey[] = "FriendlyName";
-const char MACAddressKey[] = "MACAddress";
-const char IPAddressKey[] = "IPAddress";
-const char SubNetMaskKey[] = "SubNetMask";
-const char DefaultGatewayKey[] = "DefaultGateway";
-const char MTUKey[] = "MTU";
+constexpr JSONKey FriendlyNameKey("FriendlyName");
+constexpr JSONKey MACAddressKey("MACAddress");
+constexpr JSONKey IPAddressKey("IPAddress");
+constexpr JSONKey SubNetMaskKey("SubNetMask");
+constexpr JSONKey DefaultGatewayKey("DefaultGateway");
+constexpr JSONKey MTUKey("MTU");
 
-void ReadDefaultGateway(NICConfig& config, const String& text)
+Net::IPAddress ParseIPAddress(std::string_view text)
 {
-    config.HasDefaultGateway = !text.IsEmpty();
-    config.DefaultGateway = text.IsEmpty() ? Net::IPAddress::Empty() : Net::IPAddress::Parse(text);
+    return Net::IPAddress::Parse(String(text));
+}
+
+void ReadDefaultGateway(NICConfig& config, std::string_view text)
+{
+    config.HasDefaultGateway = !text.empty();
+    config.DefaultGateway = text.empty() ? Net::IPAddress::Empty() : ParseIPAddress(text);
 }
 
 struct RequiredMember
 {
-    const char* Key;
-    void (*Read)(NICConfig& config, const String& text);
+    JSONKey Key;
+    void (*Read)(NICConfig& config, std::string_view text);
 };
 
 constexpr RequiredMember RequiredMembers[] = {
-    {FriendlyNameKey, [](NICConfig& config, const String& text) { config.FriendlyName = text; }},
-    {MACAddressKey, [](NICConfig& config, const String& text) { config.MACAddress = MACAddress::Parse(text); }},
-    {IPAddressKey, [](NICConfig& config, const String& text) { config.IPAddress = Net::IPAddress::Parse(text); }},
-    {SubNetMaskKey, [](NICConfig& config, const String& text) { config.SubNetMask = Net::IPAddress::Parse(text); }},
+    {FriendlyNameKey, [](NICConfig& config, std::string_view text) { config.FriendlyName = String(text); }},
+    {MACAddressKey, [](NICConfig& config, std::string_view text) { config.MACAddress = MACAddress::ParseText(text); }},
+    {IPAddressKey, [](NICConfig& config, std::string_view text) { config.IPAddress = ParseIPAddress(text); }},
+    {SubNetMaskKey, [](NICConfig& config, std::string_view text) { config.SubNetMask = ParseIPAddress(text); }},
     {DefaultGatewayKey, &ReadDefaultGateway},
 };
 } // namespace
@@ -55,7 +62,8 @@ void NICConfig::Serialize(JSONStringer& stringer) const
     stringer.Key(FriendlyNameKey);
     stringer.Value(FriendlyName);
     stringer.Key(MACAddressKey);
-    stringer.Value(MACAddress.ToString());
+    const auto macAddress = MACAddress.ToText();
+    stringer.Value(std::string_view(macAddress.data(), macAddress.size()));
     stringer.Key(IPAddressKey);
     stringer.Value(IPAddress.ToString());
     stringer.Key(SubNetMaskKey);
@@ -81,7 +89,7 @@ void NICConfig::ReadFrom(const JSONObject& json)
 {
     for (const RequiredMember& member : RequiredMembers)
     {
-        member.Read(*this, json.GetString(member.Key));
+        member.Read(*this, json.GetText(member.Key));
     }
     MTU = "Unknown";
     json.TryGetString(MTUKey, MTU);

@@ -7,8 +7,15 @@ namespace Zent::Discovery::Server
 {
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
+using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
+
+namespace
+{
+constexpr JSONKey HostKey("Host");
+constexpr JSONKey SourceNICKey("SourceNIC");
+} // namespace
 
 String DiscoveryHostSerializer::Serialize(const DiscoveryHost& host) const
 {
@@ -19,11 +26,11 @@ String DiscoveryHostSerializer::Serialize(const DiscoveryHost& host, const Smart
 {
     JSONStringer stringer;
     stringer.Object();
-    stringer.Key("Host");
+    stringer.Key(HostKey);
     host.Serialize(stringer);
     if (!sourceNIC.IsNull())
     {
-        stringer.Key("SourceNIC");
+        stringer.Key(SourceNICKey);
         sourceNIC->Serialize(stringer);
     }
     stringer.EndObject();
@@ -33,7 +40,7 @@ String DiscoveryHostSerializer::Serialize(const DiscoveryHost& host, const Smart
 SmartPointer<DiscoveryHost> DiscoveryHostSerializer::Deserialize(const String& json) const
 {
     SmartPointer<DiscoveryHost> host(new DiscoveryHost());
-    host->ReadFrom(JSONObject(json).GetJSONObject("Host"));
+    host->ReadFrom(JSONObject(json).GetJSONObject(HostKey));
     return host;
 }
 } // namespace Zent::Discovery::Server

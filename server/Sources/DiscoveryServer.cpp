@@ -252,38 +252,38 @@ bool DiscoveryServer::IsRunning() const noexcept
 void DiscoveryServer::Discover()
 {
     log.Write("Discover", LogStreamLevel::Standard);
-    Queue(SmartPointer<ServerAction>(new SendAllSendYourSignatureAction()));
+    Queue(SmartPointer<SendAllSendYourSignatureAction>::Create());
 }
 
 void DiscoveryServer::ChangeIPConfigurations(
     const SmartPointer<SendChangeYourIPConfigAction::NICConfigList>& nicConfigs)
 {
     log.Write("Change IP configs", LogStreamLevel::Standard);
-    Queue(SmartPointer<ServerAction>(new SendChangeYourIPConfigAction(nicConfigs)));
+    Queue(SmartPointer<SendChangeYourIPConfigAction>::Create(nicConfigs));
 }
 
 void DiscoveryServer::ChangeHostName(const String& newHostName, const MACAddress& macAddress)
 {
     log.Write("Change HostName to " + newHostName + " (" + macAddress.ToString() + ")", LogStreamLevel::Standard);
-    Queue(SmartPointer<ServerAction>(new SendChangeYourHostNameAction(newHostName, macAddress)));
+    Queue(SmartPointer<SendChangeYourHostNameAction>::Create(newHostName, macAddress));
 }
 
 void DiscoveryServer::ChangeHostName(const String& newHostName, const IPAddress& ipAddress)
 {
     log.Write("Change HostName to " + newHostName + " (" + ipAddress.ToString() + ")", LogStreamLevel::Standard);
-    Queue(SmartPointer<ServerAction>(new SendChangeYourHostNameAction(newHostName, ipAddress)));
+    Queue(SmartPointer<SendChangeYourHostNameAction>::Create(newHostName, ipAddress));
 }
 
 void DiscoveryServer::RefreshClient(const MACAddress& macAddress)
 {
     log.Write("Refresh Client owning " + macAddress.ToString(), LogStreamLevel::Standard);
-    Queue(SmartPointer<ServerAction>(new SendSendYourSignatureAction(macAddress)));
+    Queue(SmartPointer<SendSendYourSignatureAction>::Create(macAddress));
 }
 
 void DiscoveryServer::ReachClient(const IPAddress& ipAddress)
 {
     log.Write("Reach Client " + ipAddress.ToString(), LogStreamLevel::Standard);
-    Queue(SmartPointer<ServerAction>(new SendSendYourSignatureAction(ipAddress)));
+    Queue(SmartPointer<SendSendYourSignatureAction>::Create(ipAddress));
 }
 
 void DiscoveryServer::Queue(const SmartPointer<ServerAction>& action)

@@ -14,6 +14,15 @@ using Nfx::System::String;
 using Nfx::System::Version;
 using Nfx::System::LogStreams::LogStreamLevel;
 
+namespace
+{
+template <class TAction, class TMessage>
+SmartPointer<ServerAction> Create(const SmartPointer<TMessage>& message)
+{
+    return SmartPointer<TAction>::Create(message);
+}
+} // namespace
+
 DiscoveryServerMessageParser::DiscoveryServerMessageParser()
     : DiscoveryMessageParser("MessageParser")
 {
@@ -81,14 +90,20 @@ void DiscoveryServerMessageParser::LogHandled(const DiscoveryMessage& message, c
     case DiscoveryMessageType::SignatureBroadcast:
     case DiscoveryMessageType::Hello:
     case DiscoveryMessageType::Bye:
-        Log().Write("Message type : " + type.ToString(), LogStreamLevel::Standard);
+        if (ComponentLog::IsEnabled(LogStreamLevel::Standard))
+        {
+            Log().Write("Message type : " + type.ToString(), LogStreamLevel::Standard);
+        }
         if (ComponentLog::IsEnabled(LogStreamLevel::Debug))
         {
             Log().Write("Message : " + text, LogStreamLevel::Debug);
         }
         break;
     default:
-        Log().Write("Message type : " + type.ToString(), LogStreamLevel::Debug);
+        if (ComponentLog::IsEnabled(LogStreamLevel::Debug))
+        {
+            Log().Write("Message type : " + type.ToString(), LogStreamLevel::Debug);
+        }
         break;
     }
 }
@@ -98,12 +113,11 @@ SmartPointer<ServerAction> DiscoveryServerMessageParser::ActionFor(const SmartPo
     switch (message->GetMessageType())
     {
     case DiscoveryMessageType::SignatureBroadcast:
-        return SmartPointer<ServerAction>(
-            new NotifyClientSignatureReceivedAction(message.As<SignatureBroadcastMessage>()));
+        return Create<NotifyClientSignatureReceivedAction>(message.As<SignatureBroadcastMessage>());
     case DiscoveryMessageType::Hello:
-        return SmartPointer<ServerAction>(new NotifyHelloMessageReceivedAction(message.As<HelloMessage>()));
+        return Create<NotifyHelloMessageReceivedAction>(message.As<HelloMessage>());
     case DiscoveryMessageType::Bye:
-        return SmartPointer<ServerAction>(new NotifyByeMessageReceivedAction(message.As<ByeMessage>()));
+        return Create<NotifyByeMessageReceivedAction>(message.As<ByeMessage>());
     default:
         return nullptr;
     }

@@ -112,8 +112,13 @@ template <class TAction, class TEventArgs>
 void DiscoveryServerTaskProcessor::Notify(const ServerAction& action, const char* what, Event<TEventArgs>& event)
 {
     const auto& message = *dynamic_cast<const TAction&>(action).Message();
-    Log().Write(String("Notifying receipt of ") + what + ". Client's host name : " + message.Host->HostName,
-                LogStreamLevel::Standard);
+    if (ComponentLog::IsEnabled(LogStreamLevel::Standard))
+    {
+        String line;
+        line.Reserve(80 + message.Host->HostName.Length());
+        line.Append("Notifying receipt of ").Append(what).Append(". Client's host name : ");
+        Log().Write(line += message.Host->HostName, LogStreamLevel::Standard);
+    }
     event.Raise(this, TEventArgs(message.Host, message.SourceNIC));
 }
 

@@ -37,7 +37,7 @@ DiscoveryTaskProcessor::DiscoveryTaskProcessor(const SmartPointer<IDiscoverySock
 
 void DiscoveryTaskProcessor::Enqueue(Object*, const ServerActionArgs& task)
 {
-    if (!tasks.TryAdd(SmartPointer<ServerActionArgs>(new ServerActionArgs(task.Action()))))
+    if (!tasks.TryAdd(SmartPointer<ServerActionArgs>::Create(task.Action())))
     {
         Log().Write("Semaphore is full (" + Int32(MaximumPending).ToString() + ") !!! Ignoring this task...",
                     LogStreamLevel::Critical);

@@ -26,18 +26,18 @@ public:
             throw ArgumentNullException("Corelib/includes/system/Event", __LINE__);
         }
         const Threading::Lock lock(handlersLock);
-        handlers.Add(handler);
+        Change().Add(handler);
     }
 
     /// Removes the first handler that equals the given one; false when there is none.
     bool Remove(const Handler& handler)
     {
         const Threading::Lock lock(handlersLock);
-        for (std::int32_t index = 0; index < handlers.Count(); ++index)
+        for (std::int32_t index = 0; index < handlers->Count(); ++index)
         {
-            if (handlers[index].Equals(&handler))
+            if ((*handlers)[index].Equals(&handler))
             {
-                handlers.RemoveAt(index);
+                Change().RemoveAt(index);
                 return true;
             }
         }
@@ -48,33 +48,45 @@ public:
     void Clear()
     {
         const Threading::Lock lock(handlersLock);
-        handlers.Clear();
+        Change().Clear();
     }
 
     Int32 Count() const
     {
         const Threading::Lock lock(handlersLock);
-        return handlers.Count();
+        return handlers->Count();
     }
 
     /// The handlers of this moment, in the order in which they were added.
-    Collections::Generic::List<Handler> Handlers() const
-    {
-        const Threading::Lock lock(handlersLock);
-        return handlers;
-    }
+    Collections::Generic::List<Handler> Handlers() const { return *Snapshot(); }
 
     /// Calls every handler on this thread; what a handler throws ends the round and goes to the caller.
     void Raise(Object* sender, const TEventArgs& args) const
     {
-        for (const Handler& handler : Handlers())
+        const SmartPointer<const HandlerList> current = Snapshot();
+        for (const Handler& handler : *current)
         {
             handler->Invoke(sender, args);
         }
     }
 
 private:
+    using HandlerList = Collections::Generic::List<Handler>;
+
+    SmartPointer<const HandlerList> Snapshot() const
+    {
+        const Threading::Lock lock(handlersLock);
+        return handlers;
+    }
+
+    /// A new list in place of the one that somebody may be going through.
+    HandlerList& Change() NFX_REQUIRES(handlersLock)
+    {
+        handlers = SmartPointer<HandlerList>::Create(*handlers);
+        return *handlers;
+    }
+
     mutable Threading::Monitor handlersLock;
-    Collections::Generic::List<Handler> handlers NFX_GUARDED_BY(handlersLock);
+    SmartPointer<HandlerList> handlers NFX_GUARDED_BY(handlersLock) = SmartPointer<HandlerList>::Create();
 };
 } // namespace Nfx::System

@@ -7,7 +7,7 @@
 namespace Nfx::System
 {
 /// Counts the SmartPointers that share one object. Changed from any thread, always atomically.
-class _RefCounter final : public Object
+class _RefCounter : public Object
 {
 public:
     _RefCounter() = default;
@@ -19,7 +19,34 @@ public:
 
     Int32 Count() const noexcept { return Threading::Interlocked::CompareExchange(&aliases, 0, 0); }
 
+    /// Whether the object is part of the counter's own memory.
+    bool HoldsObject() const noexcept { return holdsObject; }
+
+protected:
+    explicit _RefCounter(bool holdsObject) noexcept
+        : holdsObject(holdsObject)
+    {
+    }
+
 private:
     mutable Int32 aliases; // reading it atomically writes it
+    const bool holdsObject = false;
+};
+
+/// A counter with the memory of its object, so that both are one allocation. Whoever lets go last destroys the object,
+/// then the counter.
+template <class T>
+class _RefCounterWithObject final : public _RefCounter
+{
+public:
+    _RefCounterWithObject() noexcept
+        : _RefCounter(true)
+    {
+    }
+
+    void* Place() noexcept { return memory; }
+
+private:
+    alignas(T) unsigned char memory[sizeof(T)];
 };
 } // namespace Nfx::System

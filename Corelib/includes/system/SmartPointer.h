@@ -10,6 +10,8 @@
 #include <concepts>
 #include <cstddef>
 #include <functional>
+#include <memory>
+#include <new>
 #include <utility>
 
 namespace Nfx::System
@@ -31,6 +33,18 @@ public:
 
     /// Adopts the object; null gives an empty pointer. When there is no memory for the counter the object is deleted.
     explicit SmartPointer(T* object) { Adopt(object); }
+
+    /// Constructs an object and adopts it, with one allocation for the object and its counter.
+    template <class... TArguments>
+    static SmartPointer Create(TArguments&&... arguments)
+    {
+        auto holder = std::make_unique<_RefCounterWithObject<T>>();
+        SmartPointer created;
+        created.pointer = new (holder->Place()) T(std::forward<TArguments>(arguments)...);
+        created.counter = holder.release();
+        created.counter->Increment();
+        return created;
+    }
 
     SmartPointer(const SmartPointer& source) noexcept
         : Object()
@@ -54,6 +68,15 @@ public:
         , counter(source.counter)
     {
         Share();
+    }
+
+    /// Takes over what is held as a derived class, or as a class that implements this interface.
+    template <class U>
+    requires std::convertible_to<U*, T*> SmartPointer(SmartPointer<U>&& source)
+    noexcept
+        : pointer(std::exchange(source.pointer, nullptr))
+        , counter(std::exchange(source.counter, nullptr))
+    {
     }
 
     ~SmartPointer() override { Release(); }
@@ -196,7 +219,16 @@ private:
     {
         T* const releasedObject = std::exchange(pointer, nullptr);
         _RefCounter* const releasedCounter = std::exchange(counter, nullptr);
-        if (releasedCounter != nullptr && releasedCounter->Decrement() == 0)
+        if (releasedCounter == nullptr || releasedCounter->Decrement() != 0)
+        {
+            return;
+        }
+        if (releasedCounter->HoldsObject())
+        {
+            releasedObject->~T();
+            delete releasedCounter;
+        }
+        else
         {
             delete releasedCounter;
             delete releasedObject;

@@ -42,11 +42,18 @@ public:
     /// False, and value stays untouched, when there is no such member or it is no array.
     Nfx::System::Boolean TryGetJSONArray(const TextView& key, JSONArray& value) const;
 
+    /// TryGetString without a copy: the text lives as long as something holds the document.
+    bool TryGetText(const TextView& key, std::string_view& value) const noexcept;
+
     /// Whether TryGetString would succeed.
     bool HasString(const TextView& key) const noexcept;
 
     /// @throws Exception with ErrorCodes::ResourceNotFound when TryGetString fails.
     Nfx::System::String GetString(const TextView& key) const;
+
+    /// GetString without a copy: the text lives as long as something holds the document.
+    /// @throws Exception with ErrorCodes::ResourceNotFound when TryGetText fails.
+    std::string_view GetText(const TextView& key) const;
 
     /// @throws Exception with ErrorCodes::ResourceNotFound when TryGetJSONObject fails.
     JSONObject GetJSONObject(const TextView& key) const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Json/AbstractJSON.h"
+#include "Json/JSONKey.h"
 #include "Json/TextView.h"
 #include "system/Boolean.h"
 
@@ -32,6 +33,9 @@ public:
 
     /// Names the next value; only directly within an object. A second key in a row takes the place of the first.
     void Key(const TextView& key);
+
+    /// The same for a literal that needs no escape, which the compiler checks.
+    void Key(const JSONKey& key);
 
     /// Adds a string, within an object under the pending key.
     void Value(const TextView& value);
@@ -65,6 +69,7 @@ private:
 
     static constexpr std::size_t NoKey = static_cast<std::size_t>(-1);
 
+    void BeginKey(std::string_view key);
     void BeginValue();
     void Open(Kind kind, char bracket);
     void Close(Kind kind, char bracket);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Json/JSONKey.h"
 #include "system/Exceptions.h"
 #include "system/String.h"
 
@@ -25,6 +26,11 @@ public:
 
     TextView(std::string_view text) noexcept
         : text(text)
+    {
+    }
+
+    TextView(const JSONKey& key) noexcept
+        : text(key.Text())
     {
     }
 

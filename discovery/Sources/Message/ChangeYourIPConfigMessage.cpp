@@ -17,6 +17,7 @@ using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Zent::Utils::Json::JSONArray;
+using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
 
@@ -25,7 +26,7 @@ namespace Zent::Discovery
 namespace
 {
 const char SourceName[] = "Sources/Message/ChangeYourIPConfigMessage";
-const char NewNICConfigsKey[] = "NewNICConfigs";
+constexpr JSONKey NewNICConfigsKey("NewNICConfigs");
 constexpr std::int32_t MaximumDefectLines = 64; // of one message, so that 64 KiB do not write megabytes
 
 const LogStreamChannel& Channel()
@@ -43,7 +44,7 @@ SmartPointer<NICConfig> ReadNICConfig(const JSONArray& array, std::int32_t index
     {
         return nullptr;
     }
-    SmartPointer<NICConfig> config(new NICConfig());
+    SmartPointer<NICConfig> config = SmartPointer<NICConfig>::Create();
     try
     {
         config->ReadFrom(element);

@@ -10,6 +10,7 @@ using Nfx::System::Immortal;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
+using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
 
@@ -18,9 +19,9 @@ namespace Zent::Discovery
 namespace
 {
 const char SourceName[] = "Sources/Message/DiscoveryMessage";
-const char TypeKey[] = "DiscoveryMessageType";
-const char VersionKey[] = "DiscoveryVersion";
-const char BroadcastKey[] = "Broadcast";
+constexpr JSONKey TypeKey("DiscoveryMessageType");
+constexpr JSONKey VersionKey("DiscoveryVersion");
+constexpr JSONKey BroadcastKey("Broadcast");
 
 const LogStreamChannel& Channel()
 {
@@ -28,14 +29,12 @@ const LogStreamChannel& Channel()
     return channel.Get();
 }
 
-String ReadTypeName(const JSONObject& json)
+void RequireTypeName(const JSONObject& json)
 {
-    String name;
-    if (!json.TryGetString(TypeKey, name))
+    if (!json.HasString(TypeKey))
     {
         DefectLog::Reject(Channel(), "No message type key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
-    return name;
 }
 
 Boolean ReadBroadcast(const JSONObject& json)
@@ -104,7 +103,7 @@ void DiscoveryMessage::Deserialize(const String& json)
 
 void DiscoveryMessage::ReadFrom(const JSONObject& json)
 {
-    ReadTypeName(json);
+    RequireTypeName(json);
     String version;
     if (!json.TryGetString(VersionKey, version))
     {
@@ -121,6 +120,7 @@ DiscoveryMessageType DiscoveryMessage::GetMessageType(const String& json)
 
 DiscoveryMessageType DiscoveryMessage::GetMessageType(const JSONObject& json)
 {
-    return DiscoveryMessageType::Parse(ReadTypeName(json));
+    RequireTypeName(json);
+    return DiscoveryMessageType::Parse(json.GetString(TypeKey));
 }
 } // namespace Zent::Discovery

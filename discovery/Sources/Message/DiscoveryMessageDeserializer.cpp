@@ -32,7 +32,7 @@ const LogStreamChannel& Channel()
 template <class T>
 SmartPointer<DiscoveryMessage> Create()
 {
-    return SmartPointer<DiscoveryMessage>(new T());
+    return SmartPointer<T>::Create();
 }
 
 struct Creator

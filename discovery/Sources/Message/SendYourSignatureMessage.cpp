@@ -8,6 +8,7 @@
 using Nfx::System::Immortal;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamChannel;
+using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
 
@@ -16,7 +17,7 @@ namespace Zent::Discovery
 namespace
 {
 const char SourceName[] = "Sources/Message/SendYourSignatureMessage";
-const char TargetedMACAddressKey[] = "TargetedMACAddress";
+constexpr JSONKey TargetedMACAddressKey("TargetedMACAddress");
 
 const LogStreamChannel& Channel()
 {

@@ -12,6 +12,7 @@ using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
+using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
 
@@ -20,8 +21,8 @@ namespace Zent::Discovery
 namespace
 {
 const char SourceName[] = "Sources/Message/SignatureBroadcastMessage";
-const char HostKey[] = "Host";
-const char SourceNICKey[] = "SourceNIC";
+constexpr JSONKey HostKey("Host");
+constexpr JSONKey SourceNICKey("SourceNIC");
 
 const LogStreamChannel& Channel()
 {
@@ -67,7 +68,7 @@ void SignatureBroadcastMessage::ReadFrom(const JSONObject& json)
     {
         DefectLog::Reject(Channel(), "No Host key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
-    SmartPointer<DiscoveryHost> host(new DiscoveryHost());
+    SmartPointer<DiscoveryHost> host = SmartPointer<DiscoveryHost>::Create();
     try
     {
         host->ReadFrom(hostJson);
@@ -89,7 +90,7 @@ void SignatureBroadcastMessage::ReadSourceNIC(const JSONObject& json)
         DefectLog::Write(Channel(), "No Source NIC key. Ignoring.", LogStreamLevel::Standard);
         return;
     }
-    SmartPointer<NICConfig> source(new NICConfig());
+    SmartPointer<NICConfig> source = SmartPointer<NICConfig>::Create();
     try
     {
         source->ReadFrom(sourceJson);

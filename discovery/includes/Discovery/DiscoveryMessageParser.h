@@ -19,7 +19,7 @@ public:
     /// So many datagrams may wait; one more is refused.
     static constexpr std::int32_t MaximumPending = 511;
 
-    /// Starts the thread, at normal priority.
+    /// Starts the thread, above normal priority where the system allows it.
     /// @throws OutOfMemoryException when the thread cannot be created.
     void Start();
 

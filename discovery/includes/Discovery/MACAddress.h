@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace Zent::Discovery
 {
@@ -28,12 +29,18 @@ public:
     /// @throws Exception with ErrorCodes::InvalidFormat for any other text.
     static MACAddress Parse(const Nfx::System::String& text);
 
+    /// Parse for text that is part of another.
+    static MACAddress ParseText(std::string_view text);
+
     /// True for another MACAddress of the same bytes.
     Nfx::System::Boolean Equals(const Nfx::System::Object* object) const override;
     Nfx::System::Int32 GetHashCode() const override;
 
     /// Two uppercase hexadecimal digits for each byte, joined by ":".
     Nfx::System::String ToString() const override;
+
+    /// The characters of ToString.
+    std::array<char, 3 * Length - 1> ToText() const noexcept;
 
     /// Compares the texts.
     /// @throws ArgumentNullException when object is null; ArgumentException when it is no MACAddress.

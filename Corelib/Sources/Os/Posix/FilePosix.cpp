@@ -24,26 +24,25 @@ class WriteSignals final
 public:
     WriteSignals()
     {
+        sigemptyset(&pendingBefore);
+        if (isOurThread)
+        {
+            return;
+        }
         sigset_t signals;
         sigemptyset(&signals);
         sigaddset(&signals, SIGXFSZ);
         sigaddset(&signals, SIGPIPE);
         pthread_sigmask(SIG_BLOCK, &signals, &previous);
-        // Of what a thread of ours has pending nothing is the host's, and only what is blocked can be pending.
-        if (ThreadBlockPosix::Current() == nullptr && (WasBlocked(SIGXFSZ) || WasBlocked(SIGPIPE)))
+        if (WasBlocked(SIGXFSZ) || WasBlocked(SIGPIPE)) // only what is blocked can be pending
         {
             sigpending(&pendingBefore);
-        }
-        else
-        {
-            sigemptyset(&pendingBefore);
         }
     }
 
     ~WriteSignals()
     {
-        // The library's own threads block both for good: for them the call is spared.
-        if (!WasBlocked(SIGXFSZ) || !WasBlocked(SIGPIPE))
+        if (!isOurThread && (!WasBlocked(SIGXFSZ) || !WasBlocked(SIGPIPE)))
         {
             pthread_sigmask(SIG_SETMASK, &previous, nullptr);
         }
@@ -72,6 +71,9 @@ public:
 private:
     bool WasBlocked(int signal) const { return sigismember(&previous, signal) == 1; }
 
+    // The library's own threads block both for good, which saves them a system call a line, and of what they have
+    // pending nothing is the host's.
+    const bool isOurThread = ThreadBlockPosix::Current() != nullptr;
     sigset_t previous;
     sigset_t pendingBefore;
 };

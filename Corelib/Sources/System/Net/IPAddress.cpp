@@ -100,18 +100,13 @@ Int32 IPAddress::GetHashCode() const
 
 String IPAddress::ToString() const
 {
-    String text;
+    char text[OctetCount * (MaxDigits + 1)];
+    char* end = text;
     for (std::size_t index = 0; index < OctetCount; ++index)
     {
-        char digits[MaxDigits];
-        const std::to_chars_result end =
-            std::to_chars(digits, digits + MaxDigits, static_cast<std::uint8_t>(address >> (8 * index)));
-        if (index > 0)
-        {
-            text.Append('.');
-        }
-        text.Append(std::string_view(digits, static_cast<std::size_t>(end.ptr - digits)));
+        end = std::to_chars(end, end + MaxDigits, static_cast<std::uint8_t>(address >> (8 * index))).ptr;
+        *end++ = '.';
     }
-    return text;
+    return String(text, static_cast<std::size_t>(end - text - 1));
 }
 } // namespace Nfx::System::Net
