@@ -26,9 +26,13 @@ void ConditionPosix::Enter()
     pthread_mutex_lock(&mutex);
 }
 
-void ConditionPosix::Exit()
+void ConditionPosix::Exit(bool wakesOne)
 {
     pthread_mutex_unlock(&mutex);
+    if (wakesOne)
+    {
+        pthread_cond_signal(&condition); // before this thread may be suspended
+    }
     SuspensionPosix::Allow();
 }
 

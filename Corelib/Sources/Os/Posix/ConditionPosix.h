@@ -27,13 +27,18 @@ public:
             condition.Enter();
         }
 
-        ~Guard() NFX_RELEASE() { condition.Exit(); }
+        ~Guard() NFX_RELEASE() { condition.Exit(wakesOne); }
+
+        /// Wakes one sleeper at the end of the scope, who then finds the lock free instead of waiting for it at once.
+        /// Somebody else must keep the condition alive until then: it is used once the lock is free.
+        void WakeOneAfterwards() { wakesOne = true; }
 
         Guard(const Guard&) = delete;
         Guard& operator=(const Guard&) = delete;
 
     private:
         ConditionPosix& condition;
+        bool wakesOne = false;
     };
 
     /// Lets go of the lock, sleeps, and takes it again; may wake without a reason.
@@ -47,7 +52,7 @@ public:
 
 private:
     void Enter() NFX_ACQUIRE();
-    void Exit() NFX_RELEASE();
+    void Exit(bool wakesOne) NFX_RELEASE();
 
     pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
     pthread_cond_t condition{};

@@ -21,22 +21,10 @@ public:
     // The system is called only when there is a sleeper to wake.
     ReleaseStatus Release(std::int32_t released, std::int32_t& previousCount)
     {
-        const ConditionPosix::Guard lock(condition);
-        if (released > maximumCount - count)
-        {
-            return ReleaseStatus::Refused;
-        }
-        previousCount = count;
-        count += released;
-        if (released == 1)
-        {
-            condition.WakeOne();
-        }
-        else
-        {
-            condition.WakeAll();
-        }
-        return ReleaseStatus::Released;
+        Share(); // whoever is woken may close the last handle
+        const ReleaseStatus status = AddPermits(released, previousCount);
+        Drop();
+        return status;
     }
 
 protected:
@@ -51,6 +39,26 @@ protected:
     }
 
 private:
+    ReleaseStatus AddPermits(std::int32_t released, std::int32_t& previousCount)
+    {
+        ConditionPosix::Guard lock(condition);
+        if (released > maximumCount - count)
+        {
+            return ReleaseStatus::Refused;
+        }
+        previousCount = count;
+        count += released;
+        if (released == 1)
+        {
+            lock.WakeOneAfterwards();
+        }
+        else
+        {
+            condition.WakeAll();
+        }
+        return ReleaseStatus::Released;
+    }
+
     const std::int32_t maximumCount;
     std::int32_t count NFX_GUARDED_BY(condition);
 };
