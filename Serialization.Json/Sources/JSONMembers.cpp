@@ -27,12 +27,14 @@ bool IsEqualFolded(char left, char right) noexcept
 /// Most names are told apart by their first letter or their length, and those that match mostly match in case, too.
 bool IsKey(const char* name, std::string_view key) noexcept
 {
-    if (!key.empty() && !IsEqualFolded(*name, key.front()))
+    constexpr int caseBit = 'a' ^ 'A'; // all that two cases of a letter differ in
+    if (!key.empty() && ((*name ^ key.front()) & ~caseBit) != 0)
     {
         return false;
     }
     const std::string_view view(name);
-    return view == key || std::equal(view.begin(), view.end(), key.begin(), key.end(), IsEqualFolded);
+    return view == key ||
+           (view.size() == key.size() && std::equal(view.begin(), view.end(), key.begin(), IsEqualFolded));
 }
 
 const cJSON* FirstMember(const cJSON* object) noexcept
