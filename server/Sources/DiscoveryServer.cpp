@@ -28,6 +28,7 @@ using Nfx::System::Threading::Lock;
 namespace
 {
 constexpr std::chrono::milliseconds RestartPace{1000};
+constexpr std::int32_t FirstRetryDelayMilliseconds = 20; // most shortages are short
 constexpr std::int32_t RetryDelayMilliseconds = 1000;
 constexpr std::int32_t LongestRetryDelayMilliseconds = 10000;
 
@@ -333,9 +334,10 @@ void DiscoveryServer::TriggerAsynchronous(BackgroundOperation::Kind kind)
     }
     // Nobody else would tell of this loss again. So a thread that cannot be had now is asked for until it is there, or
     // until a stop makes it superfluous.
-    while (!TryPostAsynchronous(kind))
+    for (std::int32_t delay = FirstRetryDelayMilliseconds; !TryPostAsynchronous(kind);
+         delay = std::min(2 * delay, RetryDelayMilliseconds))
     {
-        if (background.IsCancelledWithin(RetryDelayMilliseconds))
+        if (background.IsCancelledWithin(delay))
         {
             GiveUpAsynchronous();
             return;

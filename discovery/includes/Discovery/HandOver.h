@@ -70,8 +70,8 @@ public:
         return true;
     }
 
-    /// Sleeps until something waits or Close is called; may return earlier. False when the timeout, in milliseconds, was
-    /// over first; -1 waits without limit. The consumer.
+    /// Sleeps until something waits or Close is called; may return earlier. False when the timeout, in milliseconds,
+    /// was over first; -1 waits without limit. The consumer.
     bool Await(std::int32_t timeout = -1)
     {
         {
