@@ -28,8 +28,10 @@ void Growth::Measure(const Contender& library, const std::string& folder, bool i
         const Signature signature(products, products);
         const auto generator = std::make_unique<LoadGenerator>(host, signature);
         const std::size_t size = signature.Text().size();
+        const std::int64_t before = host.CpuTime();
         const Run run = generator->InWindow(bytes / size, WindowFor(size));
-        TimeBySize.emplace_back(size, run.Seconds * 1e6 / static_cast<double>(run.CallBacks));
+        const auto used = static_cast<double>(host.CpuTime() - before);
+        TimeBySize.emplace_back(size, used / 1e3 / static_cast<double>(run.CallBacks));
     }
     HostProcess host(library, Level::None, folder);
     const auto generator = std::make_unique<LoadGenerator>(host, Signature());

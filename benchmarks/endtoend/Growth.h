@@ -14,7 +14,8 @@ class Growth final
 public:
     using Points = std::vector<std::pair<double, double>>;
 
-    /// Microseconds a message in the window over the bytes of a message.
+    /// Microseconds of CPU a message over the bytes of a message. Of the time that passes, much is the sender's: few
+    /// large datagrams fit the receive buffer at once.
     Points TimeBySize;
 
     /// Resident bytes over the tasks that wait because a callback does not return.

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <exception>
 #include <fstream>
+#include <memory>
 #include <sched.h>
 #include <sys/utsname.h>
 #include <thread>
@@ -22,6 +23,7 @@ struct Arguments
     std::string Folder;
     Scale Plan = Scale::Short();
     bool IsQuick = false;
+    bool IsLoad = false;
 };
 
 void Progress(const char* what)
@@ -64,6 +66,16 @@ void MeasureRound(const Arguments& arguments, int round, Report& report)
     }
 }
 
+/// Something to do for a library that is looked at while it works, however slow that makes it.
+void Load(const Arguments& arguments)
+{
+    constexpr std::uint64_t Count = 5'000;
+    HostProcess host(arguments.Library, Level::Standard, arguments.Folder);
+    const auto generator = std::make_unique<LoadGenerator>(host, Signature());
+    generator->InWindow(Count, 20);
+    std::printf("%llu\n", static_cast<unsigned long long>(host.CallBacks()));
+}
+
 void Bench(const Arguments& arguments)
 {
     const std::int64_t start = Now();
@@ -91,12 +103,13 @@ int main(int argc, char** argv)
     using namespace Benchmarks;
     if (argc < 5)
     {
-        std::fprintf(stderr, "usage: endtoend-bench LIMIT-HOST LIBRARY-HOST LIBRARY FOLDER [--quick|--full]\n");
+        std::fprintf(stderr, "usage: endtoend-bench LIMIT-HOST LIBRARY-HOST LIBRARY FOLDER [--quick|--full|--load]\n");
         return EXIT_FAILURE;
     }
     Arguments arguments{{argv[1], ""}, {argv[2], argv[3]}, argv[4]};
     const char* const extent = argc > 5 ? argv[5] : "";
     arguments.IsQuick = std::strcmp(extent, "--quick") == 0;
+    arguments.IsLoad = std::strcmp(extent, "--load") == 0;
     if (arguments.IsQuick)
     {
         arguments.Plan = Scale::Quick();
@@ -107,7 +120,7 @@ int main(int argc, char** argv)
     }
     try
     {
-        Bench(arguments);
+        arguments.IsLoad ? Load(arguments) : Bench(arguments);
     }
     catch (const std::exception& failure)
     {
