@@ -43,9 +43,9 @@ void Round::Measure()
     MeasureBursts();
     MeasureLatency();
     MeasureDiscover();
-    MeasureMemory();
-    if (!contender.Library.empty()) // the limit program has no server to start, nor defences
+    if (!contender.Library.empty()) // the limit program has no server to start, nor defences, and keeps nothing
     {
+        MeasureMemory();
         MeasureCycles();
         MeasureLargeDatagrams();
     }

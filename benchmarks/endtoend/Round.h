@@ -25,7 +25,7 @@ struct Scale
 
     static Scale Short() { return {3, 40'000, 10'000, 110'000, 0.4, 2, 200, 3}; }
 
-    static Scale Full() { return {5, 100'000, 10'000, 1'000'000, 0.8, 5, 500, 5}; }
+    static Scale Full() { return {5, 100'000, 10'000, 1'000'000, 0.8, 4, 500, 5}; }
 };
 
 /// Measures all figures of one contender at one level once.

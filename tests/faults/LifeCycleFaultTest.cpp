@@ -356,4 +356,18 @@ TEST_F(LifeCycleFaultTest, FullQueuesDoNotKeepAServerFromStopping)
     EXPECT_EQ(0, ExtC::StartServer());
     EXPECT_TRUE(HelloArrives());
 }
+
+TEST_F(LifeCycleFaultTest, ATaskWhoseWakeUpFailsIsDoneWithTheNext)
+{
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    std::string mac;
+    int number = 10;
+    ASSERT_TRUE(WaitUntil([&] { // the task processor has to sleep
+        mac = "02:00:00:00:00:" + std::to_string(number++);
+        Faults::Fail(Call::ReleaseSemaphore, 1);
+        return ExtC::RefreshClient(mac.c_str()) != 0;
+    }));
+    EXPECT_EQ(0, ExtC::Discover());
+    EXPECT_TRUE(device.Hears(mac));
+}
 } // namespace Tests
