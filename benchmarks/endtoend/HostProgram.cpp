@@ -23,7 +23,9 @@ int HostProgram::Run(int argc, char** argv)
     {
         return EXIT_FAILURE;
     }
-    void* const memory = mmap(nullptr, sizeof(SharedState), PROT_READ | PROT_WRITE, MAP_SHARED, std::atoi(argv[1]), 0);
+    // All of it at once: else its pages would seem to be memory that the host takes while it works.
+    void* const memory =
+        mmap(nullptr, sizeof(SharedState), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE, std::atoi(argv[1]), 0);
     if (memory == MAP_FAILED)
     {
         return EXIT_FAILURE;
