@@ -1,5 +1,5 @@
 # NFX_SANITIZE=address builds everything, third-party sources included, with AddressSanitizer, LeakSanitizer and
-# UndefinedBehaviorSanitizer; NFX_SANITIZE=fuzzer does so too, and lets fuzzers see which code an input reaches;
+# UndefinedBehaviorSanitizer and finds objects that are adopted twice; NFX_SANITIZE=fuzzer does so too, and lets fuzzers see which code an input reaches;
 # NFX_SANITIZE=thread builds with ThreadSanitizer. The first finding ends the program.
 
 set(NFX_SANITIZE "" CACHE STRING "Empty, address, fuzzer or thread")
@@ -7,6 +7,7 @@ set_property(CACHE NFX_SANITIZE PROPERTY STRINGS "" address fuzzer thread)
 
 if(NFX_SANITIZE STREQUAL "address")
   set(nfx_sanitizers address,undefined,float-cast-overflow)
+  add_compile_definitions(NFX_CHECK_ADOPTION) # its lock would hide races from the thread sanitizer
 elseif(NFX_SANITIZE STREQUAL "fuzzer")
   set(nfx_sanitizers address,undefined,float-cast-overflow,fuzzer-no-link)
 elseif(NFX_SANITIZE STREQUAL "thread")

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/AdoptionCheck.h"
 #include "system/Boolean.h"
 #include "system/Exceptions.h"
 #include "system/Int32.h"
@@ -20,7 +21,8 @@ namespace Nfx::System
 /// destructor. Copies may be made and dropped on different threads; one SmartPointer variable must not be assigned on
 /// one thread while another reads it.
 ///
-/// A raw pointer is adopted once, in the expression that allocates it: a second adoption would delete it twice.
+/// A raw pointer is adopted once, in the expression that allocates it: a second adoption would delete it twice. Builds
+/// with NFX_CHECK_ADOPTION raise InvalidOperationException there.
 /// Assignment releases before it takes: assigning a SmartPointer to itself leaves it empty, and assigning from
 /// something that only the target keeps alive is a fault of the caller.
 template <class T>
@@ -194,13 +196,16 @@ private:
         {
             return;
         }
+#if defined(NFX_CHECK_ADOPTION)
+        AdoptionCheck::Adopt(object);
+#endif
         try
         {
             counter = new _RefCounter();
         }
         catch (...) // whatever stops the counter must not leak the object that was handed over
         {
-            delete object;
+            Delete(object);
             throw;
         }
         pointer = object;
@@ -231,8 +236,16 @@ private:
         else
         {
             delete releasedCounter;
-            delete releasedObject;
+            Delete(releasedObject);
         }
+    }
+
+    static void Delete(T* object) noexcept
+    {
+#if defined(NFX_CHECK_ADOPTION)
+        AdoptionCheck::Release(object);
+#endif
+        delete object;
     }
 
     T* pointer = nullptr;

@@ -3,6 +3,7 @@
 #include "system/Collections/Generic/Queue.h"
 #include "system/Threading/Lock.h"
 #include "system/Threading/Semaphore.h"
+#include "system/Threading/Thread.h"
 
 #include <atomic>
 #include <cstdint>
@@ -72,6 +73,7 @@ public:
 
     /// Sleeps until something waits or Close is called; may return earlier. False when the timeout, in milliseconds,
     /// was over first; -1 waits without limit. The consumer.
+    /// @throws IOException when the platform cannot wait; after a pause, so that a loop around it does not spin.
     bool Await(std::int32_t timeout = -1)
     {
         {
@@ -82,7 +84,16 @@ public:
             }
             isConsumerAsleep = true;
         }
-        return wakeUps.WaitOne(timeout);
+        try
+        {
+            return wakeUps.WaitOne(timeout);
+        }
+        catch (const Nfx::System::IO::IOException&)
+        {
+            constexpr std::int32_t PauseMilliseconds = 1000;
+            Nfx::System::Threading::Thread::Sleep(PauseMilliseconds);
+            throw;
+        }
     }
 
     /// Wakes the consumer, and does not let it sleep any more. May be called twice. Any thread.

@@ -1,0 +1,52 @@
+#include "system/AdoptionCheck.h"
+
+#include "system/Exceptions.h"
+#include "system/Immortal.h"
+#include "system/Threading/Lock.h"
+
+#include <new>
+#include <set>
+
+namespace Nfx::System
+{
+namespace
+{
+struct Adoptions final
+{
+    Threading::Monitor Guard;
+    std::set<const void*> Addresses NFX_GUARDED_BY(Guard);
+};
+
+Adoptions& TheAdoptions()
+{
+    static const Immortal<Adoptions> adoptions;
+    return adoptions.Get();
+}
+} // namespace
+
+void AdoptionCheck::Add(const void* address)
+{
+    try
+    {
+        Adoptions& adoptions = TheAdoptions();
+        const Threading::Lock lock(adoptions.Guard);
+        if (adoptions.Addresses.insert(address).second)
+        {
+            return;
+        }
+    }
+    catch (const std::bad_alloc&)
+    {
+        return; // an object that there is no memory to note goes unchecked
+    }
+    throw InvalidOperationException("Object adopted by a second SmartPointer.", "Corelib/Sources/System/AdoptionCheck",
+                                    __LINE__);
+}
+
+void AdoptionCheck::Remove(const void* address) noexcept
+{
+    Adoptions& adoptions = TheAdoptions();
+    const Threading::Lock lock(adoptions.Guard);
+    adoptions.Addresses.erase(address);
+}
+} // namespace Nfx::System
