@@ -1,9 +1,6 @@
 #include "MemoryFaults.h"
 
 #include <atomic>
-#include <cstddef>
-#include <cstdlib>
-#include <new>
 #include <utility>
 
 namespace Tests
@@ -16,16 +13,6 @@ constinit std::atomic<int> firstFailing{MemoryFaults::Always};
 constinit std::atomic<int> lastFailing{MemoryFaults::Always};
 constinit std::atomic<int> failed{0};
 constinit std::atomic<bool> isActive{false};
-
-void* Allocate(std::size_t size) noexcept
-{
-    if (MemoryFaults::Strikes())
-    {
-        return nullptr;
-    }
-    const MemoryFaults::Scope spared(false); // one allocation strikes once, here or in malloc
-    return std::malloc(size);
-}
 } // namespace
 
 void MemoryFaults::Fail(int first, int count)
@@ -65,29 +52,3 @@ MemoryFaults::Scope::~Scope()
     isShortHere = wasShort;
 }
 } // namespace Tests
-
-// All that the program and the C++ library allocate for objects, strings and containers.
-void* operator new(std::size_t size)
-{
-    void* const memory = Tests::Allocate(size);
-    if (memory == nullptr)
-    {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return Tests::Allocate(size);
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
