@@ -124,5 +124,5 @@ int main(int argc, char* argv[])
         const Arguments arguments = Split(line);
         Print("= " + calls.at(arguments.at(0))(arguments));
     }
-    return 0;
+    return library.Terminate(); // takes its leave as hosts should
 }

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <latch>
 #include <string_view>
 #include <thread>
 #include <vector>
@@ -46,16 +47,13 @@ bool IsFirstUseRight()
 bool UseFirst()
 {
     constexpr int Users = 16;
-    std::atomic<int> waiting{Users};
+    std::latch start(Users);
     std::atomic<int> right{0};
     std::vector<std::thread> users;
     for (int number = 0; number < Users; ++number)
     {
         users.emplace_back([&] {
-            --waiting;
-            while (waiting > 0) // not on a lock, which would let one go first
-            {
-            }
+            start.arrive_and_wait();
             right += IsFirstUseRight() ? 1 : 0;
         });
     }

@@ -1,6 +1,6 @@
-"""Five hundred devices that answer one request at once. What the receive buffer cannot hold is lost for good, so the
-share that arrives measures how fast the server takes datagrams in. The processors of a machine that runs tests are not
-always free at that moment, so that one good round of several has to do; all are shown."""
+"""Five hundred devices that answer one request at once. What the receive buffer cannot hold while the receiver is on its
+way is lost for good, so the share that arrives tells most of how fast the system wakes a thread: it is shown, not judged.
+No answer may do harm, and none may be lost behind the receive buffer."""
 
 import statistics
 import time
@@ -9,13 +9,8 @@ from endtoend import Host, Namespace, Simulator, TestCase, ip, main, setting
 
 DEVICES = 500
 ROUNDS = 5
-REQUIRED_SHARE = 0.99
-PATIENCE = 120  # seconds
+BUFFERED = 50  # of such answers the receive buffer holds at least so many
 QUIET = 1  # seconds without an answer, after which no more will come
-
-
-def is_good(counts):
-    return max(counts) >= REQUIRED_SHARE * DEVICES
 
 
 class StormTest(TestCase):
@@ -26,7 +21,7 @@ class StormTest(TestCase):
         self.enterContext(
             Simulator("--count", str(DEVICES), "--network", "10.4.4.10/16", "--no-hello", namespace=namespace)
         )
-        self.host = self.enterContext(Host(self.folder / "log.txt", level=1))
+        self.host = self.enterContext(Host(self.folder / "log.txt", level=2))
         self.host.initialize()
         self.host.start("10.4.0.1")
 
@@ -45,18 +40,14 @@ class StormTest(TestCase):
             self.host.events.clear()
         return count
 
-    def test_nearly_all_answers_of_a_storm_are_reported(self):
-        deadline = time.monotonic() + PATIENCE
+    def test_what_is_received_of_a_storm_is_reported(self):
         counts = [self.answers() for _ in range(ROUNDS)]
-        if setting("sanitized"):
-            self.assertGreater(min(counts), 0)
-        else:
-            while not is_good(counts) and time.monotonic() < deadline:
-                counts.append(self.answers())
-            self.assertTrue(is_good(counts), counts)
         print(f"\nreported of {DEVICES}: median {statistics.median(counts)}, {counts}")
-        self.assertNotIn("Semaphore is full", self.host.log_text())
-        self.assertNotIn("Asynchronous restart", self.host.log_text())
+        log = self.host.log_text()
+        self.assertGreater(min(counts), 0 if setting("sanitized") else BUFFERED)
+        self.assertEqual(log.count("Message type : SignatureBroadcast"), sum(counts))
+        self.assertNotIn("Semaphore is full", log)
+        self.assertNotIn("Asynchronous restart", log)
 
 
 if __name__ == "__main__":

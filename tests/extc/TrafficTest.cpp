@@ -12,6 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <random>
@@ -31,7 +32,10 @@ using Nfx::System::Net::Sockets::SocketType;
 using std::chrono::milliseconds;
 using Tests::Server;
 
-std::atomic<int> probes{0};
+constexpr std::string_view ProbeName = "probe-";
+
+std::atomic<int> lastProbe{0}; // the number in the name of the probe that was heard last
+std::atomic<bool> hasGrown{false};
 std::atomic<bool> hasBadText{false};
 std::atomic<Tests::Gate*> gate{nullptr};
 
@@ -39,7 +43,12 @@ void DISCOVERY_EXTC_CALL OnHello(const char* hostJson)
 {
     const std::string_view document(hostJson);
     hasBadText = hasBadText || document.find("bad \xFF\xC3( text") != std::string_view::npos;
-    probes += document.find("\"probe\"") != std::string_view::npos ? 1 : 0;
+    hasGrown = hasGrown || document.find("\"large\"") != std::string_view::npos;
+    const std::size_t probe = document.find(ProbeName);
+    if (probe != std::string_view::npos)
+    {
+        lastProbe = std::atoi(hostJson + probe + ProbeName.size());
+    }
     if (Tests::Gate* const closed = gate)
     {
         closed->Pass();
@@ -54,6 +63,8 @@ protected:
     {
         gate = nullptr;
         EXPECT_EQ(0, Server().Terminate());
+        lastProbe = 0;
+        hasGrown = false;
     }
 
     void Start(int logLevel)
@@ -77,13 +88,13 @@ protected:
         }
     }
 
-    /// Whether a Hello that is sent now, and now and then again, is reported.
+    /// Whether a Hello that is sent now, and now and then again, is reported. What was sent before it is done then.
     bool IsServed()
     {
-        const int before = probes;
+        const int number = ++sentProbes;
         return Tests::WaitUntil([&] {
-            Send(Tests::DeviceDatagram("Hello", "1.0.18", "probe"));
-            return Tests::WaitUntil([&] { return probes > before; }, milliseconds(20));
+            Send(Tests::DeviceDatagram("Hello", "1.0.18", std::string(ProbeName) + std::to_string(number)));
+            return Tests::WaitUntil([&] { return lastProbe == number; }, milliseconds(20));
         });
     }
 
@@ -137,17 +148,19 @@ protected:
     const Tests::TemporaryFolder folder;
 
 private:
+    int sentProbes = 0;
     Socket socket{AddressFamily::InterNetwork, SocketType::Dgram, ProtocolType::Udp};
 };
 
 TEST_F(TrafficTest, NoDatagramEndsHangsOrDeafensTheServer)
 {
     ASSERT_NO_FATAL_FAILURE(Start(DiscoveryLogDebug));
-    const std::string large = Tests::DeviceDatagram("Hello", "1.0.18", "probe");
+    const std::string large = Tests::DeviceDatagram("Hello", "1.0.18", "large");
     ASSERT_TRUE(Tests::WaitUntil([&] { // until the library's buffer has grown
         Send(std::string(Tests::LargestDatagram - large.size(), ' ') + large);
-        return Tests::WaitUntil([] { return probes > 0; }, milliseconds(20));
+        return Tests::WaitUntil([] { return hasGrown.load(); }, milliseconds(20));
     }));
+    ASSERT_TRUE(IsServed());
     for (const std::string& datagram : Tests::LargestHostileDatagrams())
     {
         SCOPED_TRACE(Tests::BeginningOf(datagram));

@@ -300,8 +300,8 @@ TEST_F(CycleTest, LongBroadcastsFromDeadAddressesUseNothingUp)
             memory = Tests::ResidentKiB();
         }
     }
-    EXPECT_TRUE(IsServedWithin(seconds(10))); // the last request is through
-    EXPECT_EQ(descriptors, Tests::OpenDescriptors());
+    EXPECT_TRUE(IsServedWithin(seconds(10)));         // the last request is through
+    EXPECT_GE(descriptors, Tests::OpenDescriptors()); // then there was also the socket of a send, or none
     EXPECT_LE(Tests::ResidentKiB(), memory + 512);
 }
 
