@@ -43,7 +43,8 @@ class LogFloodTest(TestCase):
         self.assertLessEqual(largest, (1 + KEPT_FILES) * (LARGEST_FILE + LONGEST_LINE))
         for file in files:
             lines = whole_lines(file.read_text())
-            self.assertGreater(len(lines), 1000)
+            if file != log:  # which may have begun just now
+                self.assertGreater(len(lines), 1000)
 
 
 if __name__ == "__main__":

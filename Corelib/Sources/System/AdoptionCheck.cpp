@@ -39,14 +39,29 @@ void AdoptionCheck::Add(const void* address)
     {
         return; // an object that there is no memory to note goes unchecked
     }
+    catch (const OutOfMemoryException&)
+    {
+        return; // there is not even a lock for the notes
+    }
     throw InvalidOperationException("Object adopted by a second SmartPointer.", "Corelib/Sources/System/AdoptionCheck",
                                     __LINE__);
 }
 
 void AdoptionCheck::Remove(const void* address) noexcept
 {
-    Adoptions& adoptions = TheAdoptions();
-    const Threading::Lock lock(adoptions.Guard);
-    adoptions.Addresses.erase(address);
+    try
+    {
+        Adoptions& adoptions = TheAdoptions();
+        const Threading::Lock lock(adoptions.Guard);
+        adoptions.Addresses.erase(address);
+    }
+    catch (const std::bad_alloc&)
+    {
+        // nothing has been noted yet
+    }
+    catch (const OutOfMemoryException&)
+    {
+        // likewise
+    }
 }
 } // namespace Nfx::System
