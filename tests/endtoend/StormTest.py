@@ -1,6 +1,6 @@
-"""Five hundred devices that answer one request at once. What the receive buffer cannot hold while the receiver is on its
-way is lost for good, so the share that arrives tells most of how fast the system wakes a thread: it is shown, not judged.
-No answer may do harm, and none may be lost behind the receive buffer."""
+"""Five hundred devices that answer one request at once, faster than any network carries it. What the receive buffer
+cannot hold is lost for good, so the receiver has to be there after a tenth of a millisecond and go before all else. No
+answer may do harm, and none may be lost behind the receive buffer."""
 
 import statistics
 import time
@@ -9,7 +9,7 @@ from endtoend import Host, Namespace, Simulator, TestCase, ip, main, setting
 
 DEVICES = 500
 ROUNDS = 5
-BUFFERED = 50  # of such answers the receive buffer holds at least so many
+ENOUGH = 495  # reports, in most rounds
 QUIET = 1  # seconds without an answer, after which no more will come
 
 
@@ -42,9 +42,10 @@ class StormTest(TestCase):
 
     def test_what_is_received_of_a_storm_is_reported(self):
         counts = [self.answers() for _ in range(ROUNDS)]
-        print(f"\nreported of {DEVICES}: median {statistics.median(counts)}, {counts}")
+        median = statistics.median(counts)
+        print(f"\nreported of {DEVICES}: median {median}, {counts}")
         log = self.host.log_text()
-        self.assertGreater(min(counts), 0 if setting("sanitized") else BUFFERED)
+        self.assertGreaterEqual(median, 1 if setting("sanitized") else ENOUGH)
         self.assertEqual(log.count("Message type : SignatureBroadcast"), sum(counts))
         self.assertNotIn("Semaphore is full", log)
         self.assertNotIn("Asynchronous restart", log)

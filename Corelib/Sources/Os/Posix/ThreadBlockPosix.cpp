@@ -4,6 +4,7 @@
 #include <climits>
 #include <csignal>
 #include <cstring>
+#include <sched.h>
 #include <string>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -15,6 +16,7 @@ namespace
 constinit thread_local ThreadBlockPosix* current = nullptr;
 
 constexpr std::int32_t NicePerPriority = -5; // five steps a priority make a difference that shows
+constexpr std::int32_t HighestPriority = 2;
 
 // Signals sent to the process belong to the host's threads. A fault of the thread itself reaches the host's handler,
 // and the signal of Suspend must come through. Managed run-time systems halt every thread that has called into them by
@@ -59,6 +61,28 @@ int NiceOf(std::int32_t priority) noexcept
 bool SetNice(pid_t thread, int nice) noexcept
 {
     return setpriority(PRIO_PROCESS, static_cast<id_t>(thread), nice) == 0;
+}
+
+// However nice the others are, a thread of their class that wakes may wait for milliseconds until one of them has had
+// its turn, and what comes meanwhile is lost for good. The lowest real-time priority goes before all of them. A host
+// that runs in a class of its own choice stays there; and one whose real-time threads may run for so long only without
+// a rest would be ended by the kernel in a flood.
+bool EnterRealTimeClass(pid_t thread) noexcept
+{
+    rlimit longestRun = {};
+    if (sched_getscheduler(thread) != SCHED_OTHER || getrlimit(RLIMIT_RTTIME, &longestRun) != 0 ||
+        longestRun.rlim_cur != RLIM_INFINITY)
+    {
+        return false;
+    }
+    const sched_param lowest = {.sched_priority = sched_get_priority_min(SCHED_RR)};
+    return sched_setscheduler(thread, SCHED_RR | SCHED_RESET_ON_FORK, &lowest) == 0;
+}
+
+void LeaveRealTimeClass(pid_t thread) noexcept
+{
+    const sched_param none = {};
+    sched_setscheduler(thread, SCHED_OTHER | SCHED_RESET_ON_FORK, &none);
 }
 
 // A new thread has the value of the one that created it, which may just be given another priority.
@@ -233,7 +257,16 @@ bool ThreadBlockPosix::SetPriority(std::int32_t newPriority)
 {
     const ConditionPosix::Guard lock(condition);
     AwaitFirstStep();
-    if (hasEnded || !SetNice(kernelId, NiceOf(newPriority)))
+    if (hasEnded)
+    {
+        return false;
+    }
+    if (isRealTime)
+    {
+        LeaveRealTimeClass(kernelId);
+    }
+    isRealTime = newPriority == HighestPriority && EnterRealTimeClass(kernelId);
+    if (!SetNice(kernelId, NiceOf(newPriority)) && !isRealTime)
     {
         return false;
     }

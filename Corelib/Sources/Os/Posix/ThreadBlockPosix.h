@@ -53,6 +53,7 @@ private:
     pthread_t thread{};                           // constant after Start
     pid_t kernelId NFX_GUARDED_BY(condition) = 0; // 0 until the thread runs
     std::int32_t priority NFX_GUARDED_BY(condition) = 0;
+    bool isRealTime NFX_GUARDED_BY(condition) = false; // by its priority
     bool hasEnded NFX_GUARDED_BY(condition) = false;
     bool isJoined NFX_GUARDED_BY(condition) = false;
 };

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <pthread.h>
+#include <sched.h>
 #include <string>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -27,6 +28,11 @@ std::ptrdiff_t CountOf(const char* folder)
 int NiceOf(const Thread& thread)
 {
     return getpriority(PRIO_PROCESS, static_cast<id_t>(thread.GetThreadId()));
+}
+
+int ClassOf(const Thread& thread)
+{
+    return sched_getscheduler(static_cast<pid_t>(thread.GetThreadId()));
 }
 
 TEST(ThreadPosixTest, SignalsOfTheProcessAreLeftToItsOwnThreads)
@@ -120,6 +126,39 @@ TEST(ThreadPosixTest, PriorityIsTheThreadsAlone)
     thread.Start();
     EXPECT_EQ(NiceOf(thread), processNice + 10);
     EXPECT_EQ(getpriority(PRIO_PROCESS, 0), processNice);
+    end.Set();
+    thread.Join();
+    EXPECT_EQ(thread.GetFailure(), "");
+}
+
+TEST(ThreadPosixTest, TheHighestPriorityGoesBeforeTheHostsThreadsButNotInItsChildren)
+{
+    AutoResetEvent raised(false);
+    AutoResetEvent childEnded(false);
+    AutoResetEvent end(false);
+    Thread thread(MakeLambda([&] {
+        raised.WaitOne();
+        Thread child(MakeLambda([] { EXPECT_EQ(sched_getscheduler(0), SCHED_OTHER); }));
+        child.Start();
+        child.Join();
+        childEnded.Set();
+        end.WaitOne();
+    }));
+    thread.SetPriority(ThreadPriority::Highest);
+    thread.Start();
+    EXPECT_EQ(ClassOf(thread) & ~SCHED_RESET_ON_FORK, SCHED_RR);
+    raised.Set();
+    childEnded.WaitOne();
+    thread.SetPriority(ThreadPriority::Normal);
+    EXPECT_EQ(ClassOf(thread) & ~SCHED_RESET_ON_FORK, SCHED_OTHER);
+
+    // A kernel that is to end those that run for too long without a rest would end the host.
+    const rlimit unlimited = {RLIM_INFINITY, RLIM_INFINITY};
+    const rlimit limited = {200'000, RLIM_INFINITY};
+    ASSERT_EQ(setrlimit(RLIMIT_RTTIME, &limited), 0);
+    thread.SetPriority(ThreadPriority::Highest);
+    EXPECT_EQ(ClassOf(thread) & ~SCHED_RESET_ON_FORK, SCHED_OTHER);
+    ASSERT_EQ(setrlimit(RLIMIT_RTTIME, &unlimited), 0);
     end.Set();
     thread.Join();
     EXPECT_EQ(thread.GetFailure(), "");
