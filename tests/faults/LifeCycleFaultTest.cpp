@@ -2,6 +2,8 @@
 #include "system/Net/Sockets/SocketError.h"
 
 #include <atomic>
+#include <cstdint>
+#include <iterator>
 #include <thread>
 
 namespace Tests
@@ -60,6 +62,33 @@ TEST_F(LifeCycleFaultTest, NothingRestartsAServerThatIsAboutToCloseItsSocket)
 TEST_F(LifeCycleFaultTest, NothingRestartsAServerThatHasJustClosedItsSocket)
 {
     StopHeldAt(Call::AfterClose);
+}
+
+TEST_F(LifeCycleFaultTest, WhateverWakesTheReceiverOfAStoppingServerIsTheEndOfItsSocket)
+{
+    constexpr std::int32_t WakeUps[] = {SocketError::Interrupted, SocketError::InvalidArgument, SocketError::NotSocket,
+                                        SocketError::OperationAborted};
+    ASSERT_EQ(0, Initialize());
+    for (const std::int32_t wakeUp : WakeUps)
+    {
+        Gate receiver;
+        Gate stopper;
+        ASSERT_EQ(0, ExtC::StartServer());
+        ASSERT_TRUE(HelloArrives());
+        Faults::Hold(Call::Receive, receiver);
+        Faults::Fail(Call::Receive, 1, 1, wakeUp);
+        Faults::Hold(Call::AfterClose, stopper);
+        device.Send("{}");
+        EXPECT_TRUE(receiver.WaitForArrivals(1));
+        std::thread stop([] { EXPECT_EQ(0, ExtC::StopServer()); });
+        EXPECT_TRUE(stopper.WaitForArrivals(1));
+        receiver.Open();
+        stopper.Open();
+        stop.join();
+        Faults::Clear();
+    }
+    EXPECT_EQ(std::ssize(WakeUps), Count("The socket has been closed : ending worker."));
+    EXPECT_EQ(0, Count("Unexpected socket error") + Count("Operation attempted on a non-socket object"));
 }
 
 TEST_F(LifeCycleFaultTest, LongTwoThousandStopsUnderTrafficAreFinal)
