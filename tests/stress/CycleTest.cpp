@@ -138,6 +138,22 @@ protected:
             [&] { return Server().ReachClient("127.0.0.1") == 0 && listener.HasHeard("SendYourSignature"); }, deadline);
     }
 
+    /// Whether requests reach the device when each waits for the one before: nothing makes up for a lost wake-up.
+    static bool SingleRequestsArrive()
+    {
+        Tests::RequestListener listener;
+        for (int number = 10; number < 15; ++number)
+        {
+            const std::string macAddress = "02:00:00:00:00:" + std::to_string(number);
+            if (Server().RefreshClient(macAddress.c_str()) != 0 ||
+                !Tests::WaitUntil([&] { return listener.HasHeard(macAddress); }, seconds(1)))
+            {
+                return false;
+            }
+        }
+        return true;
+    }
+
     static std::string Signature(const std::string& members)
     {
         return R"({"DiscoveryMessageType":"SignatureBroadcast","DiscoveryVersion":"1.0.18","Host":{"HostName":"large",)"
@@ -343,6 +359,7 @@ TEST_F(CycleTest, LongAFloodEndsWhenItEnds)
     Flood(seconds(3));
     EXPECT_TRUE(IsServedWithin(seconds(1)));
     EXPECT_TRUE(RequestArrivesWithin(seconds(1)));
+    EXPECT_TRUE(SingleRequestsArrive());
 }
 
 TEST_F(CycleTest, LongAFloodOnASlowHostCostsWhatWaitsAndASecond)
@@ -353,6 +370,7 @@ TEST_F(CycleTest, LongAFloodOnASlowHostCostsWhatWaitsAndASecond)
     EXPECT_TRUE(RequestArrivesWithin(seconds(30)));
     EXPECT_LE(hellos - atEnd, TaskLimit + 20); // those that waited, and what runs while the request is on its way
     EXPECT_TRUE(IsServedWithin(seconds(1)));
+    EXPECT_TRUE(SingleRequestsArrive());
     EXPECT_LT(0, CountInLog("Semaphore is full (512) !!! Ignoring this task..."));
     EXPECT_EQ(0, CountInLog("restart"));
 }
