@@ -109,21 +109,6 @@ protected:
         return bytes;
     }
 
-    /// How often a text occurs in the files of the log.
-    int CountInLog(const std::string& text) const
-    {
-        int count = 0;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
-        {
-            const std::string log = folder.Read(entry.path().filename().string());
-            for (std::size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1))
-            {
-                ++count;
-            }
-        }
-        return count;
-    }
-
     /// Makes requests on many threads. Returns how many of them failed.
     static int Request(int threadCount, int requestsPerThread)
     {
@@ -170,7 +155,7 @@ TEST_F(TrafficTest, NoDatagramEndsHangsOrDeafensTheServer)
         // At level Debug the text is written, and the host's name once more, with four characters for a control one.
         EXPECT_LT(LoggedBytes(), before + 9 * datagram.size() + 64 * 1024);
     }
-    EXPECT_EQ(0, CountInLog("restart"));
+    EXPECT_EQ(0, folder.Count("restart"));
 }
 
 TEST_F(TrafficTest, NoRandomDamageEndsHangsOrDeafensTheServer)
@@ -189,7 +174,7 @@ TEST_F(TrafficTest, NoRandomDamageEndsHangsOrDeafensTheServer)
         Send(damaged);
     }
     EXPECT_TRUE(IsServed());
-    EXPECT_EQ(0, CountInLog("restart"));
+    EXPECT_EQ(0, folder.Count("restart"));
 }
 
 TEST_F(TrafficTest, TextThatIsNoUTF8ReachesTheCallbackAsItCame)
@@ -223,15 +208,15 @@ TEST_F(TrafficTest, ManyThreadsFillTheQueueAndWhatItAcceptedIsServed)
     hellos.join();
     EXPECT_TRUE(Tests::WaitUntil([&] { // what came before is parsed
         Send(Tests::DeviceDatagram("Bye", "1.0.18", "device"));
-        return CountInLog("|Message type : Bye") > 0;
+        return folder.Count("|Message type : Bye") > 0;
     }));
-    const auto served = [this] { return CountInLog("|Message sent") + CountInLog("|Notifying receipt of "); };
+    const auto served = [this] { return folder.Count("|Message sent") + folder.Count("|Notifying receipt of "); };
     EXPECT_EQ(1, served());
     gate = nullptr;
     closed.Open();
     EXPECT_TRUE(Tests::WaitUntil([&] { return served() == 1 + TaskLimit; })) << served();
-    const auto refused = [this] { return CountInLog("Semaphore is full (512) !!! Ignoring this task..."); };
-    const auto reported = [this] { return CountInLog("|Message type : "); };
+    const auto refused = [this] { return folder.Count("Semaphore is full (512) !!! Ignoring this task..."); };
+    const auto reported = [this] { return folder.Count("|Message type : "); };
     EXPECT_EQ(Threads * Requests + reported(), 1 + TaskLimit + refused());
 
     EXPECT_EQ(0, Request(Threads, Requests / 2)); // now for each place that becomes free
@@ -239,6 +224,6 @@ TEST_F(TrafficTest, ManyThreadsFillTheQueueAndWhatItAcceptedIsServed)
                                  std::chrono::seconds(20)))
         << served() << " served, " << refused() << " refused, " << reported() << " reported";
     EXPECT_TRUE(IsServed());
-    EXPECT_EQ(0, CountInLog("|E|"));
+    EXPECT_EQ(0, folder.Count("|E|"));
 }
 } // namespace

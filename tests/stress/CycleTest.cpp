@@ -169,28 +169,17 @@ protected:
         });
     }
 
-    int CountInLog(const std::string& text) const
-    {
-        const std::string log = folder.Read("log.txt");
-        int count = 0;
-        for (std::size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1))
-        {
-            ++count;
-        }
-        return count;
-    }
-
     /// Sends the same until a task is refused.
     void FillQueueWith(const std::string& signature)
     {
-        const int before = CountInLog("Ignoring this task");
+        const int before = folder.Count("Ignoring this task");
         ASSERT_TRUE(Tests::WaitUntil([&] {
             for (int count = 0; count < 50; ++count)
             {
                 device.Send(signature);
                 std::this_thread::sleep_for(milliseconds(1)); // the socket's own buffer holds one
             }
-            return CountInLog("Ignoring this task") > before;
+            return folder.Count("Ignoring this task") > before;
         }));
     }
 
@@ -254,7 +243,7 @@ TEST_F(CycleTest, LongEveryLostSocketIsReplacedOnceAndTheHostNeedNotKnow)
     ASSERT_TRUE(Tests::WaitUntil([&] { return hellos > before; }));
     EXPECT_EQ(descriptors, Tests::OpenDescriptors());
     EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::RunningThreads() == threads; }));
-    EXPECT_EQ(Losses, CountInLog("restart triggered"));
+    EXPECT_EQ(Losses, folder.Count("restart triggered"));
 }
 
 TEST_F(CycleTest, LongAThousandRestartsUseNothingUp)
@@ -280,7 +269,7 @@ TEST_F(CycleTest, LongAThousandRestartsUseNothingUp)
             memory = Tests::ResidentKiB();
         }
     }
-    EXPECT_EQ(Rounds, CountInLog("restart triggered"));
+    EXPECT_EQ(Rounds, folder.Count("restart triggered"));
     EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::RunningThreads() == threads; }));
     EXPECT_EQ(descriptors, Tests::OpenDescriptors());
     EXPECT_LE(Tests::ResidentKiB(), memory + 512);
@@ -291,7 +280,7 @@ TEST_F(CycleTest, ASocketThatSomebodyClosesIsReplaced)
     ASSERT_TRUE(IsServedWithin(seconds(10)));
     const std::int64_t descriptors = Tests::OpenDescriptors();
     ASSERT_NO_FATAL_FAILURE(LoseSocket(&Tests::CloseSocketOn));
-    EXPECT_EQ(1, CountInLog("restart triggered"));
+    EXPECT_EQ(1, folder.Count("restart triggered"));
     EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::OpenDescriptors() == descriptors; }));
 }
 
@@ -371,8 +360,8 @@ TEST_F(CycleTest, LongAFloodOnASlowHostCostsWhatWaitsAndASecond)
     EXPECT_LE(hellos - atEnd, TaskLimit + 20); // those that waited, and what runs while the request is on its way
     EXPECT_TRUE(IsServedWithin(seconds(1)));
     EXPECT_TRUE(SingleRequestsArrive());
-    EXPECT_LT(0, CountInLog("Semaphore is full (512) !!! Ignoring this task..."));
-    EXPECT_EQ(0, CountInLog("restart"));
+    EXPECT_LT(0, folder.Count("Semaphore is full (512) !!! Ignoring this task..."));
+    EXPECT_EQ(0, folder.Count("restart"));
 }
 
 TEST_F(CycleTest, WhatWaitsTakesLittleMoreThanItsDatagrams)

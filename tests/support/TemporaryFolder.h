@@ -54,6 +54,21 @@ public:
         return lines;
     }
 
+    /// How often a text occurs in the files.
+    int Count(const std::string& text) const
+    {
+        int count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(path))
+        {
+            const std::string file = Read(entry.path().filename().string());
+            for (std::size_t at = file.find(text); at != std::string::npos; at = file.find(text, at + 1))
+            {
+                ++count;
+            }
+        }
+        return count;
+    }
+
     void Write(const std::string& name, const std::string& text) const
     {
         std::ofstream(path / name, std::ios::binary) << text;
