@@ -2,6 +2,7 @@
 //   exit    calls exit() after the first Hello, while the server runs
 //   return  returns from main then
 //   unload  terminates the library then, and unloads it
+//   forget  unloads it then while the server runs; only Linux keeps it in memory
 //   first   makes the first calls of the process on many threads at once, without a server
 // Ends with 0 when the library did as it should.
 
@@ -91,6 +92,10 @@ int main(int argc, char* argv[])
         const int code = library.Terminate();
         UnloadExtC();
         return code;
+    }
+    if (way == "forget")
+    {
+        UnloadExtC();
     }
     return 0;
 }
