@@ -11,7 +11,6 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <iostream>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -41,15 +40,10 @@ void DISCOVERY_EXTC_CALL OnHello(const char* hostJson)
     std::this_thread::sleep_for(milliseconds(delay));
 }
 
-std::atomic<int> signatures{0};
-
-void DISCOVERY_EXTC_CALL OnSignature(const char*)
+/// KiB; always 0 in a build in which memory says nothing about the library.
+std::int64_t Resident()
 {
-    ++signatures;
-    if (Tests::Gate* const closed = gate)
-    {
-        closed->Pass();
-    }
+    return MEASURES_MEMORY ? Tests::ResidentKiB() : 0;
 }
 
 bool IsAnotherSocketThan(std::uint64_t lost)
@@ -65,7 +59,6 @@ protected:
     {
         hellos = 0;
         probes = 0;
-        signatures = 0;
         Open();
     }
 
@@ -81,7 +74,6 @@ protected:
     {
         ASSERT_EQ(0, Server().Initialize(folder.PathOf("log.txt").c_str(), DiscoveryLogCritical));
         ASSERT_EQ(0, Server().SetHelloMessageReceivedEventCallBack(&OnHello));
-        ASSERT_EQ(0, Server().SetClientSignatureReceivedEventCallBack(&OnSignature));
         Start();
     }
 
@@ -154,51 +146,6 @@ protected:
         return true;
     }
 
-    static std::string Signature(const std::string& members)
-    {
-        return R"({"DiscoveryMessageType":"SignatureBroadcast","DiscoveryVersion":"1.0.18","Host":{"HostName":"large",)"
-               R"("DeviceType":"",)" +
-               members + "}}";
-    }
-
-    bool IsReported(const std::string& signature)
-    {
-        return Tests::WaitUntil([&] {
-            device.Send(signature);
-            return Tests::WaitUntil([] { return signatures > 0; }, milliseconds(20));
-        });
-    }
-
-    /// Sends the same until a task is refused.
-    void FillQueueWith(const std::string& signature)
-    {
-        const int before = folder.Count("Ignoring this task");
-        ASSERT_TRUE(Tests::WaitUntil([&] {
-            for (int count = 0; count < 50; ++count)
-            {
-                device.Send(signature);
-                std::this_thread::sleep_for(milliseconds(1)); // the socket's own buffer holds one
-            }
-            return folder.Count("Ignoring this task") > before;
-        }));
-    }
-
-    /// Lets signatures wait behind a callback and be worked off. Returns the resident KiB when the queue was full.
-    std::int64_t RushWith(const std::string& signature)
-    {
-        Tests::Gate closed;
-        gate = &closed;
-        FillQueueWith(signature);
-        const std::int64_t full = Tests::ResidentKiB();
-        const int atOpening = signatures;
-        gate = nullptr;
-        closed.Open();
-        EXPECT_TRUE(Tests::WaitUntil([&] { return signatures >= atOpening + TaskLimit; }));
-        EXPECT_TRUE(IsServedWithin(seconds(10)));
-        EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::ResidentKiB() < full / 2; })) << "nothing is given back";
-        return full;
-    }
-
     const Tests::TemporaryFolder folder;
     Tests::Traffic device;
 };
@@ -217,7 +164,7 @@ TEST_F(CycleTest, LongThreeThousandStartsAndStopsUseNothingUp)
         {
             descriptors = Tests::OpenDescriptors();
             threads = Tests::RunningThreads();
-            memory = Tests::ResidentKiB();
+            memory = Resident();
         }
         ASSERT_NO_FATAL_FAILURE(Start());
     }
@@ -225,7 +172,7 @@ TEST_F(CycleTest, LongThreeThousandStartsAndStopsUseNothingUp)
     ASSERT_EQ(0, Server().StopServer());
     EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::RunningThreads() == threads; }));
     EXPECT_EQ(descriptors, Tests::OpenDescriptors());
-    EXPECT_LE(Tests::ResidentKiB(), memory + 512);
+    EXPECT_LE(Resident(), memory + 512);
 }
 
 TEST_F(CycleTest, LongEveryLostSocketIsReplacedOnceAndTheHostNeedNotKnow)
@@ -266,13 +213,13 @@ TEST_F(CycleTest, LongAThousandRestartsUseNothingUp)
         {
             descriptors = Tests::OpenDescriptors();
             threads = Tests::RunningThreads();
-            memory = Tests::ResidentKiB();
+            memory = Resident();
         }
     }
     EXPECT_EQ(Rounds, folder.Count("restart triggered"));
     EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::RunningThreads() == threads; }));
     EXPECT_EQ(descriptors, Tests::OpenDescriptors());
-    EXPECT_LE(Tests::ResidentKiB(), memory + 512);
+    EXPECT_LE(Resident(), memory + 512);
 }
 
 TEST_F(CycleTest, ASocketThatSomebodyClosesIsReplaced)
@@ -302,12 +249,12 @@ TEST_F(CycleTest, LongBroadcastsFromDeadAddressesUseNothingUp)
         if (request == 200)
         {
             descriptors = Tests::OpenDescriptors();
-            memory = Tests::ResidentKiB();
+            memory = Resident();
         }
     }
     EXPECT_TRUE(IsServedWithin(seconds(10)));         // the last request is through
     EXPECT_GE(descriptors, Tests::OpenDescriptors()); // then there was also the socket of a send, or none
-    EXPECT_LE(Tests::ResidentKiB(), memory + 512);
+    EXPECT_LE(Resident(), memory + 512);
 }
 
 TEST_F(CycleTest, SignalsOfTheHostDisturbNothing)
@@ -363,45 +310,4 @@ TEST_F(CycleTest, LongAFloodOnASlowHostCostsWhatWaitsAndASecond)
     EXPECT_LT(0, folder.Count("Semaphore is full (512) !!! Ignoring this task..."));
     EXPECT_EQ(0, folder.Count("restart"));
 }
-
-TEST_F(CycleTest, WhatWaitsTakesLittleMoreThanItsDatagrams)
-{
-    const auto list = [](const std::string& name, const std::string& element, int count) {
-        std::string text = "\"" + name + "\":[" + element;
-        for (int number = 1; number < count; ++number)
-        {
-            text += "," + element;
-        }
-        return text + "]";
-    };
-    std::string settings = "\"FileTransferInfos\":{\"0\":\"\"";
-    for (int number = 1; number < 6000; ++number)
-    {
-        settings += ",\"" + std::to_string(number) + "\":\"\"";
-    }
-    const std::string interface = R"({"FriendlyName":"","MACAddress":"0:0:0:0:0:0","IPAddress":"0.0.0.0",)"
-                                  R"("SubNetMask":"0.0.0.0","DefaultGateway":""})";
-    const std::string product = R"({"ProductType":"","ProductSerialNumber":"","ProductVersion":"","ProductName":""})";
-    const std::string datagrams[] = {
-        Signature("\"NICs\":[],\"Products\":[]," + settings + "}"),
-        Signature("\"Products\":[]," + list("NICs", interface, 570)),
-        Signature("\"NICs\":[]," + list("Products", product, 780)),
-    };
-    ASSERT_TRUE(IsReported(datagrams[0])); // the library's buffer has grown
-    RushWith(datagrams[0]);
-    RushWith(datagrams[2]);
-    for (const std::string& datagram : datagrams)
-    {
-        SCOPED_TRACE(datagram.substr(0, 160));
-        const std::int64_t before = Tests::ResidentKiB();
-        const std::int64_t full = RushWith(datagram);
-        const auto size = static_cast<std::int64_t>(datagram.size());
-        EXPECT_LT(full, 400 * 1024);
-        EXPECT_LT((full - before) * 1024, 10 * TaskLimit * size);
-        EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::ResidentKiB() <= before + before / 10; }));
-        std::cout << size << " bytes, " << (full - before) * 1024 / TaskLimit << " while waiting; " << before
-                  << " KiB before, " << full << " full, " << Tests::ResidentKiB() << " afterwards\n";
-    }
-}
-
 } // namespace
