@@ -168,7 +168,7 @@ TEST_F(LifeCycleFaultTest, ACallbackIsRefusedWhatWouldWaitForARestartThatWaitsFo
 TEST_F(LifeCycleFaultTest, LongAStopSaysThatItWaitsForACallback)
 {
     Gate callback;
-    ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_NO_FATAL_FAILURE(Serve(DiscoveryLogCritical));
     callbackGate = &callback;
     ASSERT_TRUE(HelloArrives());
     std::thread stop([] { EXPECT_EQ(0, ExtC::StopServer()); });
@@ -199,6 +199,27 @@ TEST_F(LifeCycleFaultTest, ASecondStopReturnsNoEarlierThanTheFirst)
     first.join();
     second.join();
     EXPECT_EQ(1, Count("Discovery Server stopped"));
+}
+
+TEST_F(LifeCycleFaultTest, AStopThatTheSocketResistsWaitsForTheReceiverAllTheSame)
+{
+    Gate receiver;
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_TRUE(HelloArrives());
+    Faults::Hold(Call::Receive, receiver);
+    device.Send("{}");
+    ASSERT_TRUE(receiver.WaitForArrivals(1));
+    Faults::Fail(Call::Shutdown, 1, 1, SocketError::NetworkDown);
+    std::atomic<bool> isOver{false};
+    std::thread stop([&] {
+        EXPECT_NE(0, ExtC::StopServer());
+        isOver = true;
+    });
+    EXPECT_TRUE(WaitUntil([] { return Faults::FailedCalls() > 0; }));
+    EXPECT_FALSE(WaitUntil([&] { return isOver.load(); }, std::chrono::milliseconds(200)));
+    receiver.Open();
+    stop.join();
+    Faults::Clear();
 }
 
 TEST_F(LifeCycleFaultTest, ALossWhileARestartIsNotYetThroughIsAnsweredToo)
