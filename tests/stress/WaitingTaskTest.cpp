@@ -89,7 +89,7 @@ protected:
         gate = nullptr;
         closed.Open();
         EXPECT_TRUE(Tests::WaitUntil([&] { return signatures >= atOpening + TaskLimit; }));
-        EXPECT_TRUE(IsReported(signature));
+        EXPECT_TRUE(IsReported(Signature("\"NICs\":[],\"Products\":[]")));
         EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::ResidentKiB() < full / 2; })) << "nothing is given back";
         return full;
     }
@@ -122,12 +122,10 @@ TEST_F(WaitingTaskTest, WhatWaitsTakesLittleMoreThanItsDatagrams)
         Signature("\"NICs\":[]," + list("Products", product, 780)),
     };
     ASSERT_TRUE(IsReported(datagrams[0])); // the library's buffer has grown
-    RushWith(datagrams[0]);
-    RushWith(datagrams[2]);
+    const std::int64_t before = Tests::ResidentKiB();
     for (const std::string& datagram : datagrams)
     {
         SCOPED_TRACE(datagram.substr(0, 160));
-        const std::int64_t before = Tests::ResidentKiB();
         const std::int64_t full = RushWith(datagram);
         const auto size = static_cast<std::int64_t>(datagram.size());
         EXPECT_LT(full, 400 * 1024);
