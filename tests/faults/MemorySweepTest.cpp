@@ -11,6 +11,16 @@ namespace ErrorCodes = Nfx::System::ErrorCodes;
 namespace ExtC = Zent::Discovery::ExtC;
 using Nfx::System::Net::Sockets::SocketError;
 
+namespace
+{
+// The check of adoptions does without its notes when there is no memory for them.
+#if defined(NFX_CHECK_ADOPTION)
+constexpr bool MayBeSilent = true;
+#else
+constexpr bool MayBeSilent = false;
+#endif
+} // namespace
+
 /// The lives of host applications in which memory runs out, once or for a while.
 class MemorySweepTest : public FaultTest
 {
@@ -34,7 +44,7 @@ protected:
     bool Live()
     {
         hasFailed = false;
-        const std::string path = folder.PathOf("test.log");
+        const std::string path = folder.PathOf("logs/test.log");
         if (!Succeeds([&] { return ExtC::Initialize(path.c_str(), DiscoveryLogDebug); }) ||
             !Succeeds([] { return ExtC::SetHelloMessageReceivedEventCallBack(&OnHello); }))
         {
@@ -65,14 +75,15 @@ protected:
 private:
     bool IsStruck(int number, int count)
     {
-        std::filesystem::remove(folder.PathOf("test.log"));
+        std::filesystem::remove_all(folder.PathOf("logs"));
         MemoryFaults::Fail(number, count);
         const bool isTold = Live();
         const bool isStruck = MemoryFaults::Clear() > 0;
         EXPECT_EQ(0, ExtC::Terminate()); // of what a failed one has left
         ExpectNothingLeft();
         // The last line of a log has no line after it to tell of its loss.
-        EXPECT_TRUE(isTold || !isStruck || LogTellsOfAFailure() || Count(" lost") > 0 || Count("Close Log") == 0)
+        EXPECT_TRUE(isTold || !isStruck || MayBeSilent || LogTellsOfAFailure() ||
+                    Count("|out of memory") + Count(" lost") > 0 || Count("Close Log") == 0)
             << Log();
         return isStruck;
     }

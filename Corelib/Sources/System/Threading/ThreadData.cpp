@@ -128,7 +128,7 @@ void Thread::ThreadData::Start(const SmartPointer<ThreadData>& alias, Object* st
         throw OutOfMemoryException(SourceName, __LINE__);
     }
     record.store(created);
-    ThreadRegistry::Add(id, self);
+    ThreadRegistry::Add(id);
     ApplyName();
     if (priority != ThreadPriority::Normal)
     {

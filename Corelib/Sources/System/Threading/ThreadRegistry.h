@@ -1,6 +1,5 @@
 #pragma once
 
-#include "System/Threading/ThreadData.h"
 #include "system/Collections/Generic/List.h"
 #include "system/UInt64.h"
 
@@ -12,12 +11,12 @@ class ThreadRegistry final
 public:
     ThreadRegistry() = delete;
 
-    /// Before the first thread is started: makes the table, so that nothing else can fail for want of it.
+    /// Before the first thread is started: makes the table with a place for each thread that there can be, so that
+    /// none lacks one for want of memory once it runs.
     /// @throws OutOfMemoryException when it cannot be made.
     static void Prepare();
 
-    /// A thread that finds no place for lack of memory runs all the same.
-    static void Add(const UInt64& id, const SmartPointer<Thread::ThreadData>& data) noexcept;
+    static void Add(const UInt64& id) noexcept;
 
     static void Remove(const UInt64& id) noexcept;
 
