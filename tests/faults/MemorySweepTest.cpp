@@ -143,7 +143,7 @@ TEST_F(MemorySweepTest, LongAFailureDuringARestartIsToldOrOutlived)
         Faults::Clear();
         EXPECT_EQ(0, ExtC::Terminate());
         ExpectNothingLeft();
-        std::filesystem::remove(folder.PathOf("test.log"));
+        std::filesystem::remove_all(folder.PathOf("logs"));
         ASSERT_FALSE(HasFailure());
     }
 }
