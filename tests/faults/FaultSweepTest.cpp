@@ -16,25 +16,24 @@ struct Kind
     const char* Name;
     Call What;
     std::int32_t Error;
-    int Step; // from one failing call to the next that is tried
 };
 
-constexpr Kind Kinds[] = {{"socket", Call::OpenSocket, SocketError::TooManyOpenSockets, 1},
-                          {"option", Call::SetOption, SocketError::NoBufferSpaceAvailable, 1},
-                          {"bind", Call::Bind, SocketError::AddressAlreadyInUse, 1},
-                          {"connect", Call::Connect, SocketError::NetworkUnreachable, 1},
-                          {"send", Call::Send, SocketError::HostUnreachable, 1},
-                          {"receive", Call::Receive, SocketError::NetworkDown, 1},
-                          {"shutdown", Call::Shutdown, SocketError::NetworkDown, 1},
-                          {"thread", Call::CreateThread, 0, 1},
-                          {"event", Call::CreateEvent, 0, 1},
-                          {"semaphore", Call::CreateSemaphore, 0, 1},
-                          {"release", Call::ReleaseSemaphore, 0, 1},
-                          {"wait", Call::WaitSemaphore, 0, 1},
-                          {"folder", Call::CreateFolder, 13, 1},
-                          {"open", Call::OpenFile, 28, 1},
-                          {"write", Call::WriteFile, 28, 3},
-                          {"rename", Call::RenameFile, 13, 1}};
+constexpr Kind Kinds[] = {{"socket", Call::OpenSocket, SocketError::TooManyOpenSockets},
+                          {"option", Call::SetOption, SocketError::NoBufferSpaceAvailable},
+                          {"bind", Call::Bind, SocketError::AddressAlreadyInUse},
+                          {"connect", Call::Connect, SocketError::NetworkUnreachable},
+                          {"send", Call::Send, SocketError::HostUnreachable},
+                          {"receive", Call::Receive, SocketError::NetworkDown},
+                          {"shutdown", Call::Shutdown, SocketError::NetworkDown},
+                          {"thread", Call::CreateThread, 0},
+                          {"event", Call::CreateEvent, 0},
+                          {"semaphore", Call::CreateSemaphore, 0},
+                          {"release", Call::ReleaseSemaphore, 0},
+                          {"wait", Call::WaitSemaphore, 0},
+                          {"folder", Call::CreateFolder, 13},
+                          {"open", Call::OpenFile, 28},
+                          {"write", Call::WriteFile, 28},
+                          {"rename", Call::RenameFile, 13}};
 
 std::ostream& operator<<(std::ostream& stream, const Kind& kind)
 {
@@ -60,9 +59,7 @@ protected:
         Faults::Clear();
         EXPECT_EQ(0, ExtC::Terminate()); // of what a failed one has left
         ExpectNothingLeft();
-        // A wait that ends early harms nobody, and the last line of a log has no line after it to tell of its loss.
-        const bool canBeSilent = kind.What == Call::WaitSemaphore || kind.What == Call::WriteFile;
-        EXPECT_TRUE(isTold || !isStruck || canBeSilent || LogTellsOfAFailure()) << Log();
+        EXPECT_TRUE(isTold || !isStruck || IsToldInLog(kind, number)) << Log();
         return isStruck;
     }
 
@@ -87,6 +84,24 @@ protected:
     }
 
 private:
+    bool IsToldInLog(const Kind& kind, int number) const
+    {
+        if (kind.What == Call::WaitSemaphore)
+        {
+            return true; // a wait that ends early harms nobody
+        }
+        if (kind.What != Call::WriteFile)
+        {
+            return LogTellsOfAFailure();
+        }
+        // The opening is kept until it can be written, and the last line has no line after it to tell of its loss.
+        const bool isHarmless = number <= OpeningWrites
+                                    ? Count("|Start Log") == 1
+                                    : Count("|Discovery Server stopped") == 1 && Count("|Close Log") == 0;
+        return isHarmless || Count("|1 line lost: ") == 1;
+    }
+
+    static constexpr int OpeningWrites = 2;
     static constexpr std::chrono::milliseconds Patience{100};
     static constexpr std::size_t FullLog = 1024 * 1024;
 };
@@ -95,7 +110,7 @@ TEST_P(FaultSweepTest, EveryFaultIsToldAndTheServerServesAfterIt)
 {
     const Kind& kind = GetParam();
     bool isStruck = true;
-    for (int number = 1; isStruck; number += kind.Step)
+    for (int number = 1; isStruck; ++number)
     {
         SCOPED_TRACE("call " + std::to_string(number));
         isStruck = IsStruck(kind, number);
