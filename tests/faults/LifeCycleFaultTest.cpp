@@ -407,6 +407,44 @@ TEST_F(LifeCycleFaultTest, FullQueuesDoNotKeepAServerFromStopping)
     EXPECT_TRUE(HelloArrives());
 }
 
+TEST_F(LifeCycleFaultTest, ARestartTellsHowMuchItDiscards)
+{
+    constexpr int Tasks = 5;
+    constexpr int Datagrams = 7;
+    Gate parser;
+    Gate callback;
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    callbackGate = &callback;
+    device.Send(DeviceDatagram("Hello", "1.0.18", "press-4"));
+    ASSERT_TRUE(WaitUntil([] { return hellos == 1; }));
+    Faults::Hold(Call::WaitSemaphore, parser);
+    device.Send("{}"); // wakes the parser, or waits already when that is not asleep yet
+    ASSERT_TRUE(parser.WaitForArrivals(1));
+    for (int number = 0; number < Datagrams; ++number)
+    {
+        device.Send("{}");
+    }
+    ASSERT_TRUE(WaitForLine("|Message received", 2 + Datagrams));
+    for (int number = 0; number < Tasks; ++number)
+    {
+        ASSERT_EQ(0, ExtC::RefreshClient("00:1A:2B:3C:4D:5E"));
+    }
+    LoseSocket();
+    EXPECT_TRUE(WaitForLine("Stopping message parser"));
+    parser.Open();
+    EXPECT_TRUE(WaitForLine("Stopping worker", 2)); // the task processor, after the receiver
+    callbackGate = nullptr;
+    callback.Open();
+    ASSERT_TRUE(WaitForLine("Starting Discovery Server service", 2));
+    const int left = Count("|Message received") - Count("|Message type") - Count("|Invalid format : message dropped");
+    EXPECT_LT(0, left);
+    EXPECT_EQ(1, Count("|Discarded what was still queued : " + std::to_string(Tasks) + " tasks, " +
+                       std::to_string(left) + " datagrams."))
+        << Log();
+    Faults::Clear();
+    EXPECT_TRUE(HelloArrives());
+}
+
 TEST_F(LifeCycleFaultTest, ATaskWhoseWakeUpFailsIsDoneWithTheNext)
 {
     ASSERT_NO_FATAL_FAILURE(Serve());
