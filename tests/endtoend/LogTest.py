@@ -5,6 +5,7 @@ import re
 
 from endtoend import Host, Peer, TestCase, main, message, wait_until
 
+IO = 58
 LINE = re.compile(
     r"\|\d\d/\d\d/\d{4} \d\d:\d\d:\d\d\.\d{3}\|[ \d]{11}\.\d{6}\|.{40,}\|[CSDE]\|(           |\$0x[0-9A-F]{8})\|.+"
 )
@@ -26,9 +27,13 @@ class LogTest(TestCase):
         self.peer = self.enterContext(Peer())
         self.number = 0
 
-    def start(self, *prefix):
+    def run_host(self, prefix):
         """A host behind a shell command that ends with exec "$@"."""
-        self.host = self.enterContext(Host(self.folder / "logs" / "log.txt", prefix=["sh", "-c", *prefix, "sh"]))
+        self.host = self.enterContext(Host(self.folder / "logs" / "log.txt", prefix=["sh", "-c", prefix, "sh"]))
+
+    def start(self, prefix):
+        """The same, and it serves."""
+        self.run_host(prefix)
         self.host.initialize()
         self.host.start()
 
@@ -79,6 +84,18 @@ class LogTest(TestCase):
         self.assert_served(20)
         self.host.must("Discover")
         wait_until(lambda: self.peer.receive()[0]["DiscoveryMessageType"] == "AllSendYourSignature", "request")
+        self.end()
+
+    def test_after_a_folder_that_cannot_be_written_a_host_may_choose_another(self):
+        folder = self.folder / "read-only"
+        folder.mkdir()
+        self.run_host(f'exec unshare --mount sh -c \'mount -t tmpfs -o ro tmpfs {folder} && exec "$@"\' sh "$@"')
+        for path in (folder / "log.txt", folder / "logs" / "log.txt"):
+            self.assertEqual(self.host.call("Initialize", path, 3), IO)
+        self.host.initialize()
+        self.host.start()
+        self.assert_served()
+        whole_lines(self.host.log_text())
         self.end()
 
 
