@@ -70,8 +70,8 @@ bool SetNice(pid_t thread, int nice) noexcept
 bool EnterRealTimeClass(pid_t thread) noexcept
 {
     rlimit longestRun = {};
-    if (sched_getscheduler(thread) != SCHED_OTHER || getrlimit(RLIMIT_RTTIME, &longestRun) != 0 ||
-        longestRun.rlim_cur != RLIM_INFINITY)
+    if ((sched_getscheduler(thread) & ~SCHED_RESET_ON_FORK) != SCHED_OTHER ||
+        getrlimit(RLIMIT_RTTIME, &longestRun) != 0 || longestRun.rlim_cur != RLIM_INFINITY)
     {
         return false;
     }
