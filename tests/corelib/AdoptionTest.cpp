@@ -23,6 +23,9 @@ TEST(AdoptionTest, ASecondOneIsRefusedAndHarmsNothing)
     EXPECT_ERROR(SmartPointer<Thing>{thing}, ErrorCodes::InvalidOperation);
     EXPECT_ERROR(SmartPointer<Named>{thing}, ErrorCodes::InvalidOperation);
     EXPECT_EQ(thing, &*owner);
+
+    const auto made = SmartPointer<Thing>::Create();
+    EXPECT_ERROR(SmartPointer<Thing>{&*made}, ErrorCodes::InvalidOperation);
 }
 
 TEST(AdoptionTest, WhatTakesThePlaceOfADeletedObjectIsAnother)

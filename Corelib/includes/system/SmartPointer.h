@@ -45,6 +45,7 @@ public:
         created.pointer = new (holder->Place()) T(std::forward<TArguments>(arguments)...);
         created.counter = holder.release();
         created.counter->Increment();
+        Note(created.pointer);
         return created;
     }
 
@@ -196,9 +197,7 @@ private:
         {
             return;
         }
-#if defined(NFX_CHECK_ADOPTION)
-        AdoptionCheck::Adopt(object);
-#endif
+        Note(object);
         try
         {
             counter = new _RefCounter();
@@ -230,6 +229,7 @@ private:
         }
         if (releasedCounter->HoldsObject())
         {
+            Forget(releasedObject);
             releasedObject->~T();
             delete releasedCounter;
         }
@@ -242,10 +242,22 @@ private:
 
     static void Delete(T* object) noexcept
     {
+        Forget(object);
+        delete object;
+    }
+
+    static void Note([[maybe_unused]] const T* object)
+    {
+#if defined(NFX_CHECK_ADOPTION)
+        AdoptionCheck::Adopt(object);
+#endif
+    }
+
+    static void Forget([[maybe_unused]] const T* object) noexcept
+    {
 #if defined(NFX_CHECK_ADOPTION)
         AdoptionCheck::Release(object);
 #endif
-        delete object;
     }
 
     T* pointer = nullptr;
