@@ -2,6 +2,7 @@
 
 #include "Discovery/ServiceThread.h"
 
+#include <algorithm>
 #include <atomic>
 
 namespace Zent::Discovery
@@ -24,7 +25,8 @@ namespace
 {
 const char SourceName[] = "Sources/DiscoveryReceiver";
 
-std::atomic<std::int32_t> messageSize{2048}; // bytes; doubled by receiver threads, read by any thread
+constexpr std::int32_t LargestMessageSize = 65536; // no datagram has more bytes
+std::atomic<std::int32_t> messageSize{2048};       // bytes; doubled by receiver threads, read by any thread
 
 const SmartPointer<DiscoveryMessageParser>& NotNull(const SmartPointer<DiscoveryMessageParser>& parser)
 {
@@ -126,7 +128,7 @@ bool DiscoveryReceiver::GoesOnAfter(const SocketException& exception)
     {
     case SocketError::MessageSize:
         Log().Write("MessageSize is too low : " + Int32(MessageSize()).ToString() + "! Doubling it...", exception);
-        messageSize = 2 * MessageSize();
+        messageSize = std::min(2 * MessageSize(), LargestMessageSize);
         return !IsStopRequested();
     case SocketError::ConnectionReset:
         Log().Write("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);

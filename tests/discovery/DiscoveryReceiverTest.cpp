@@ -153,6 +153,7 @@ INSTANTIATE_TEST_SUITE_P(Errors,
                                          std::pair(10004, "The socket has been closed : ending worker."),
                                          std::pair(10058, "The socket has been shut down : ending worker."),
                                          std::pair(10038, "Socket error : Operation attempted on a non-socket object."),
+                                         std::pair(10052, "Unexpected socket error  : NetworkReset !"),
                                          std::pair(10050, "Unexpected socket error  : NetworkDown !"),
                                          std::pair(19999, "Unexpected socket error  : 19999 !")));
 } // namespace
