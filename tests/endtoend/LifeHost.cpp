@@ -3,7 +3,7 @@
 //   return  returns from main then
 //   unload  terminates the library then, and unloads it
 //   forget  unloads it then while the server runs; only Linux keeps it in memory
-//   first   makes the first calls of the process on many threads at once, without a server
+//   first   loads it and makes the first calls of the process on many threads at once, without a server
 // Ends with 0 when the library did as it should.
 
 #include "support/ExtCLoader.h"
@@ -36,16 +36,21 @@ bool Serve(const char* log)
            Tests::WaitUntil([] { return hellos > 0; });
 }
 
-bool IsFirstUseRight()
+bool IsFirstUseRight(const char* path)
 {
     constexpr int NullPointer = 41;
-    char* const text = library.GetErrorMessage(58);
+    ExtCFunctions functions{};
+    if (LoadExtC(path, &functions) == 0)
+    {
+        return false;
+    }
+    char* const text = functions.GetErrorMessage(58);
     const bool isRight = text != nullptr && std::strcmp(text, "IO") == 0;
     FreeErrorMessage(text);
-    return isRight && library.SetMinCompatibleVersion("1.0.18") == 0 && library.Discover() == NullPointer;
+    return isRight && functions.SetMinCompatibleVersion("1.0.18") == 0 && functions.Discover() == NullPointer;
 }
 
-bool UseFirst()
+bool UseFirst(const char* path)
 {
     constexpr int Users = 16;
     std::latch start(Users);
@@ -55,7 +60,7 @@ bool UseFirst()
     {
         users.emplace_back([&] {
             start.arrive_and_wait();
-            right += IsFirstUseRight() ? 1 : 0;
+            right += IsFirstUseRight(path) ? 1 : 0;
         });
     }
     for (std::thread& user : users)
@@ -68,7 +73,7 @@ bool UseFirst()
 
 int main(int argc, char* argv[])
 {
-    if (argc != 4 || LoadExtC(argv[1], &library) == 0)
+    if (argc != 4)
     {
         std::fputs("usage: life-host LIBRARY LOG WAY\n", stderr);
         return 2;
@@ -76,7 +81,11 @@ int main(int argc, char* argv[])
     const std::string_view way = argv[3];
     if (way == "first")
     {
-        return UseFirst() ? 0 : 1;
+        return UseFirst(argv[1]) ? 0 : 1;
+    }
+    if (LoadExtC(argv[1], &library) == 0)
+    {
+        return 2;
     }
     if (!Serve(argv[2]))
     {

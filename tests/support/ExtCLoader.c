@@ -8,7 +8,7 @@
 #include <objbase.h>
 #include <windows.h>
 
-static HMODULE library;
+static _Atomic(HMODULE) library; // the same one, whoever loads it
 
 static int Open(const char* path)
 {
@@ -37,7 +37,7 @@ void FreeErrorMessage(char* message)
 #else
 #include <dlfcn.h>
 
-static void* library;
+static _Atomic(void*) library; // the same one, whoever loads it
 
 static int Open(const char* path)
 {
