@@ -64,7 +64,7 @@ private:
 #if defined(_WIN32)
         CoTaskMemFree(text);
 #else
-        std::free(text); // NOLINT(cppcoreguidelines-no-malloc): the library allocates with malloc
+        std::free(text);
 #endif
     }
 
