@@ -117,6 +117,7 @@ void Thread::ThreadData::Start(const SmartPointer<ThreadData>& alias, Object* st
     {
         throw ThreadStateException(SourceName, __LINE__);
     }
+    ThreadRegistry::Place place;
     self = alias;
     parameter = startParameter;
     Change(ThreadState::Unstarted, 0);
@@ -128,7 +129,7 @@ void Thread::ThreadData::Start(const SmartPointer<ThreadData>& alias, Object* st
         throw OutOfMemoryException(SourceName, __LINE__);
     }
     record.store(created);
-    ThreadRegistry::Add(id);
+    place.Take(id, self);
     ApplyName();
     if (priority != ThreadPriority::Normal)
     {

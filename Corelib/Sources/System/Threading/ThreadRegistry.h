@@ -1,5 +1,6 @@
 #pragma once
 
+#include "System/Threading/ThreadData.h"
 #include "system/Collections/Generic/List.h"
 #include "system/UInt64.h"
 
@@ -11,12 +12,24 @@ class ThreadRegistry final
 public:
     ThreadRegistry() = delete;
 
-    /// Before the first thread is started: makes the table with a place for each thread that there can be, so that
-    /// none lacks one for want of memory once it runs.
+    /// Before the first thread is started: makes the table, so that nothing else can fail for want of it.
     /// @throws OutOfMemoryException when it cannot be made.
     static void Prepare();
 
-    static void Add(const UInt64& id) noexcept;
+    /// The memory for a thread that is about to be started: once it runs, it cannot lack a place.
+    class Place final
+    {
+    public:
+        /// @throws OutOfMemoryException when there is none.
+        Place();
+        ~Place();
+
+        Place(const Place&) = delete;
+        Place& operator=(const Place&) = delete;
+
+        /// Once at the most.
+        void Take(const UInt64& id, const SmartPointer<Thread::ThreadData>& data) noexcept;
+    };
 
     static void Remove(const UInt64& id) noexcept;
 

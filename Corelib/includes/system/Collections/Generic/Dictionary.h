@@ -32,21 +32,33 @@ public:
     /// False, and nothing changes, when the key is there already.
     bool TryAdd(K key, V value)
     {
-        const auto [position, added] = index.try_emplace(key, entries.size());
-        if (!added)
+        if (index.find(key) != index.end())
         {
             return false;
         }
+        entries.emplace_back(key, std::move(value));
         try
         {
-            entries.emplace_back(std::move(key), std::move(value));
+            AddToIndex(std::move(key), entries.size() - 1);
         }
-        catch (...) // an entry that did not get its place must not stay in the index
+        catch (...) // nobody would find it
         {
-            index.erase(position);
+            entries.pop_back();
             throw;
         }
         return true;
+    }
+
+    /// Takes the memory for so many entries in all: none of them can then lack a place.
+    void Reserve(std::size_t count)
+    {
+        entries.reserve(count);
+        while (index.size() + spareNodes.size() < count)
+        {
+            Index node;
+            node.try_emplace(K(), 0);
+            spareNodes.push_back(node.extract(node.begin()));
+        }
     }
 
     /// Null when there is no such key.
@@ -98,7 +110,24 @@ public:
     auto end() const noexcept { return entries.end(); }
 
 private:
-    std::map<K, std::size_t> index; // key to place in entries
+    using Index = std::map<K, std::size_t>; // key to place in entries
+
+    void AddToIndex(K key, std::size_t place)
+    {
+        if (spareNodes.empty())
+        {
+            index.try_emplace(std::move(key), place);
+            return;
+        }
+        auto node = std::move(spareNodes.back());
+        spareNodes.pop_back();
+        node.key() = std::move(key);
+        node.mapped() = place;
+        index.insert(std::move(node));
+    }
+
+    Index index;
+    std::vector<typename Index::node_type> spareNodes;
     std::vector<Entry> entries;
 };
 } // namespace Nfx::System::Collections::Generic
