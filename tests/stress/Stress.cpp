@@ -34,7 +34,7 @@ std::atomic<bool> isOver{false};
 std::atomic<bool> mustBeSilent{false}; // from the return of StopServer to the next start
 std::atomic<std::int64_t> calls{0};
 std::atomic<std::int64_t> callbacks{0};
-std::atomic<std::int64_t> restarts{0};
+std::atomic<std::int64_t> losses{0};
 std::atomic<int> failures{0};
 
 // Initialize and Terminate must be alone. The turnstile lets a writer in although there is always some reader.
@@ -208,21 +208,24 @@ void SendAll(std::uint32_t seed)
 void Disturb(std::uint32_t seed, const std::string& logPath)
 {
     std::mt19937 random(seed);
+    bool isLoss = true;
     while (!isOver)
     {
         std::this_thread::sleep_for(milliseconds(random() % 600));
         Alone([&] {
-            if (random() % 4 == 0)
+            if (isLoss)
+            {
+                library.StartServer(); // somebody may have stopped it
+                losses += Tests::ShutDownSocketOn(ServerPort) ? 1 : 0;
+            }
+            else
             {
                 Close();
                 Open(logPath, static_cast<std::uint32_t>(random()));
                 Start();
             }
-            else if (Tests::ShutDownSocketOn(ServerPort))
-            {
-                ++restarts;
-            }
         });
+        isLoss = random() % 4 != 0;
     }
 }
 
@@ -256,10 +259,19 @@ void Load(int seconds, std::uint32_t seed, const std::string& logPath)
     }
 }
 
-void Run(int seconds, std::uint32_t seed, const std::string& logPath)
+/// Whether what Disturb does makes the server restart.
+void ExpectRestart(const Tests::TemporaryFolder& folder)
 {
+    Expect(Tests::ShutDownSocketOn(ServerPort), "no socket to lose");
+    Expect(Tests::WaitUntil([&] { return folder.Count("restart triggered") > 0; }), "no restart");
+}
+
+void Run(int seconds, std::uint32_t seed, const Tests::TemporaryFolder& folder)
+{
+    const std::string logPath = folder.PathOf("stress.log");
     Open(logPath, 0);
     Start();
+    ExpectRestart(folder);
     ExpectService();
     Close();
     const std::int64_t descriptors = Tests::OpenDescriptors();
@@ -267,6 +279,8 @@ void Run(int seconds, std::uint32_t seed, const std::string& logPath)
     Open(logPath, 0);
     Start();
     Load(seconds, seed, logPath);
+    Expect(calls > 0, "no calls");
+    Expect(losses > 0, "no lost sockets");
     Close();
     Open(logPath, 0);
     Start();
@@ -287,9 +301,9 @@ int main(int argc, char* argv[])
     const std::uint32_t seed = argc > 3 ? static_cast<std::uint32_t>(std::atoll(argv[3])) : std::random_device()();
     std::printf("seed %u\n", seed);
     const Tests::TemporaryFolder folder;
-    Run(std::atoi(argv[2]), seed, folder.PathOf("stress.log"));
+    Run(std::atoi(argv[2]), seed, folder);
     std::printf("%lld calls, %lld callbacks, %lld lost sockets, %d failures, %lld KiB resident\n",
-                static_cast<long long>(calls), static_cast<long long>(callbacks), static_cast<long long>(restarts),
+                static_cast<long long>(calls), static_cast<long long>(callbacks), static_cast<long long>(losses),
                 static_cast<int>(failures), static_cast<long long>(Tests::ResidentKiB()));
     return failures == 0 ? 0 : 1;
 }
