@@ -1,4 +1,5 @@
 #include "ProcessState.h"
+#include "StopTime.h"
 #include "Traffic.h"
 #include "support/DeviceDatagram.h"
 #include "support/Gate.h"
@@ -93,6 +94,14 @@ protected:
         ASSERT_EQ(0, Server().InitBroadcastProvider("[\"127.0.0.1\"]"));
     }
 
+    static void Stop()
+    {
+        int code = 0;
+        const milliseconds time = Tests::TimeOf([&] { code = Server().StopServer(); });
+        ASSERT_EQ(0, code);
+        EXPECT_GT(Tests::StopLimit.count(), time.count());
+    }
+
     void SendHello(const std::string& name) { device.Send(Tests::DeviceDatagram("Hello", "1.0.18", name)); }
 
     bool IsServedWithin(milliseconds deadline)
@@ -159,7 +168,7 @@ TEST_F(CycleTest, LongThreeThousandStartsAndStopsUseNothingUp)
     {
         SendHello("device");
         ASSERT_EQ(0, Server().Discover());
-        ASSERT_EQ(0, Server().StopServer());
+        ASSERT_NO_FATAL_FAILURE(Stop());
         if (round == 500)
         {
             descriptors = Tests::OpenDescriptors();
@@ -208,7 +217,7 @@ TEST_F(CycleTest, LongAThousandRestartsUseNothingUp)
         ASSERT_EQ(0, Server().Discover());
         ASSERT_TRUE(IsServedWithin(seconds(10)));
         ASSERT_NO_FATAL_FAILURE(LoseSocket(&Tests::ShutDownSocketOn)) << round;
-        ASSERT_EQ(0, Server().StopServer());
+        ASSERT_NO_FATAL_FAILURE(Stop());
         if (round == Warm)
         {
             descriptors = Tests::OpenDescriptors();
@@ -296,6 +305,22 @@ TEST_F(CycleTest, LongAFloodEndsWhenItEnds)
     EXPECT_TRUE(IsServedWithin(seconds(1)));
     EXPECT_TRUE(RequestArrivesWithin(seconds(1)));
     EXPECT_TRUE(SingleRequestsArrive());
+}
+
+TEST_F(CycleTest, LongAStopDuringAFloodWaitsForNothingThatWaits)
+{
+    delay = 5; // a full queue takes two and a half seconds
+    std::thread flood([this] { Flood(seconds(4)); });
+    for (int stop = 0; stop < 3 && !HasFailure(); ++stop)
+    {
+        const int before = hellos;
+        EXPECT_TRUE(Tests::WaitUntil([&] { return hellos >= before + 100; }));
+        Stop();
+        Start();
+    }
+    flood.join();
+    EXPECT_TRUE(IsServedWithin(seconds(4)));
+    EXPECT_LT(0, folder.Count("Semaphore is full (512) !!! Ignoring this task..."));
 }
 
 TEST_F(CycleTest, LongAFloodOnASlowHostCostsWhatWaitsAndASecond)

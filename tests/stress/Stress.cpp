@@ -3,6 +3,7 @@
 // Needs a network namespace of its own. Ends with 0 when nothing went wrong.
 
 #include "ProcessState.h"
+#include "StopTime.h"
 #include "Traffic.h"
 #include "support/DeviceDatagram.h"
 #include "support/ExtCLoader.h"
@@ -152,8 +153,10 @@ void Start()
 
 void Close()
 {
-    int code = library.StopServer();
+    int code = 0;
+    const milliseconds stopTime = Tests::TimeOf([&] { code = library.StopServer(); });
     Expect(code == 0, "StopServer: " + std::to_string(code));
+    Expect(stopTime < Tests::StopLimit, "StopServer took " + std::to_string(stopTime.count()) + " ms");
     mustBeSilent = true;
     Expect(Tests::IsServerPortFree(), "the port is taken after StopServer");
     code = library.Terminate();
