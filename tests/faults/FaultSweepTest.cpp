@@ -48,7 +48,7 @@ protected:
     bool IsStruck(const Kind& kind, int number)
     {
         std::filesystem::remove_all(folder.PathOf("logs"));
-        if (kind.What == Call::RenameFile)
+        if (kind.What == Call::RenameFile || kind.What == Call::OpenFile)
         {
             std::filesystem::create_directory(folder.PathOf("logs"));
             folder.Write("logs/test.log", std::string(FullLog, '\n')); // the first line makes it split
