@@ -15,7 +15,7 @@ namespace Zent::Utils::Json
 class JSONDocument final : public Nfx::System::Object
 {
 public:
-    static constexpr std::size_t LargestText = 16 * 1024 * 1024; // bytes, up to a NUL
+    static constexpr std::size_t LargestText = std::size_t{16} * 1024 * 1024; // bytes, up to a NUL
 
     /// Sends cJSON's allocations to the arena of the document that is being parsed. Any thread, any number of times.
     static void InstallHooks();

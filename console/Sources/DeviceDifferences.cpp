@@ -108,20 +108,25 @@ private:
             const auto same = elementsAfter.find(name);
             if (same == elementsAfter.end())
             {
-                Note(property + "[" + name + "]", Text(element.ToString()), std::nullopt);
+                Note(PathOf(property, name), Text(element.ToString()), std::nullopt);
             }
             else
             {
-                Objects(property + "[" + name + "].", element, same->second);
+                Objects(PathOf(property, name) + ".", element, same->second);
             }
         }
         for (const auto& [name, element] : elementsAfter)
         {
             if (!elementsBefore.contains(name))
             {
-                Note(property + "[" + name + "]", std::nullopt, Text(element.ToString()));
+                Note(PathOf(property, name), std::nullopt, Text(element.ToString()));
             }
         }
+    }
+
+    static std::string PathOf(const std::string& property, const std::string& element)
+    {
+        return property + "[" + element + "]";
     }
 
     static std::optional<std::string> ValueOf(const JSONObject& object, const std::string& key)

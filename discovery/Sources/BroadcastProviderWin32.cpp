@@ -63,7 +63,7 @@ SmartPointer<IDiscoverySocket> BroadcastProviderWin32::OpenSocket(const IPAddres
     const SmartPointer<DiscoveryPorts>& ports = DiscoveryPorts::GetInstance();
     try
     {
-        const SmartPointer<IDiscoverySocket> socket(
+        SmartPointer<IDiscoverySocket> socket(
             new DiscoverySocketUdpClient(ports->ServerPort(), ports->ClientPort(), address));
         LeaveAnswersToTheMainSocket(*socket);
         return socket;

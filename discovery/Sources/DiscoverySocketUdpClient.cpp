@@ -29,7 +29,7 @@ SmartPointer<UdpClient> OpenClient(const IPAddress& localAddress, const Int32& l
     socket->SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveBuffer, Int32(ReceiveBufferSize));
     socket->SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::Broadcast, Boolean(true));
     socket->Bind(SmartPointer<EndPoint>(new IPEndPoint(localAddress, localPort)));
-    const SmartPointer<UdpClient> client(new UdpClient());
+    SmartPointer<UdpClient> client(new UdpClient());
     client->SetClient(socket);
     return client;
 }

@@ -39,7 +39,7 @@ const char SourceName[] = "extc/Sources/DiscoveryServerExtCFacade";
 
 /// As long as a document may be. The host's texts are copied, logged and sent, so that a longer one takes memory for
 /// nothing.
-constexpr std::size_t LargestText = 16 * 1024 * 1024; // bytes
+constexpr std::size_t LargestText = std::size_t{16} * 1024 * 1024; // bytes
 
 /// A copy of an argument.
 String TextOf(const char* argument)

@@ -9,7 +9,6 @@ namespace Zent::Discovery::ExtC
 using Nfx::System::Event;
 using Nfx::System::MakeDelegate;
 using Nfx::System::Object;
-using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Server::ByeMessageReceivedEventArgs;
 using Server::ClientSignatureReceivedEventArgs;

@@ -17,7 +17,6 @@ using Nfx::System::EventArgs;
 using Nfx::System::Exception;
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
-using Nfx::System::Object;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::LogStreams::LogStreamLevel;
@@ -69,7 +68,7 @@ DiscoveryServer::~DiscoveryServer()
     {
         log.Guard("Failed to part from what still runs", [this] { DisconnectComponents(); });
         *leftovers = {parser, receiver, taskProcessor};
-        leftovers.release(); // their threads may still use them: a leak is the lesser evil
+        static_cast<void>(leftovers.release()); // their threads may still use them: a leak is the lesser evil
     }
 }
 

@@ -11,7 +11,6 @@ namespace Zent::Discovery::Server
 {
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
-using Nfx::System::Object;
 using Nfx::System::ObjectClosedException;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;

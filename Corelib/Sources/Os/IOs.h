@@ -31,11 +31,12 @@ public:
     virtual IString& String() = 0;
     virtual IThread& Thread() = 0;
 
+    IOs(const IOs&) = delete;
+    IOs& operator=(const IOs&) = delete;
+
 protected:
     IOs() = default;
     virtual ~IOs() = default; // lives as long as the process: threads may still run while it exits
-    IOs(const IOs&) = delete;
-    IOs& operator=(const IOs&) = delete;
 };
 
 /// The services of the platform that this build is for.

@@ -84,7 +84,11 @@ public:
 
     ~SmartPointer() override { Release(); }
 
-    SmartPointer& operator=(const SmartPointer& source) { return Assign(&source); }
+    SmartPointer& operator=(const SmartPointer& source)
+    {
+        Assign(&source);
+        return *this;
+    }
 
     SmartPointer& operator=(SmartPointer&& source) noexcept
     {

@@ -57,7 +57,7 @@ std::int32_t Result(bool succeeded) noexcept
 /// asked.
 std::int32_t AwaitReady(int descriptor, short event) noexcept
 {
-    const short events = event == POLLIN ? POLLIN | POLLRDHUP : event;
+    const auto events = static_cast<short>(event == POLLIN ? POLLIN | POLLRDHUP : event);
     pollfd wait = {.fd = descriptor, .events = events, .revents = 0};
     const bool shutDown =
         ::poll(&wait, 1, SocketOptionPosix::HeartBeatMilliseconds) > 0 && (wait.revents & POLLRDHUP) != 0;

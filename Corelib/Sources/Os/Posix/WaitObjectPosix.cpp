@@ -65,7 +65,7 @@ CreateStatus WaitObjectPosix::Publish(std::unique_ptr<WaitObjectPosix> object,
         handle = HandleOf(published);
         if (isNew)
         {
-            object.release();
+            static_cast<void>(object.release()); // is published
             return CreateStatus::Created;
         }
         ++published.handles;
