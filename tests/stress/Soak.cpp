@@ -46,6 +46,7 @@ ExtCFunctions library{};
 std::atomic<std::int64_t> reported{0};
 std::atomic<std::int64_t> answers{0};
 std::atomic<std::int64_t> probes{0};
+std::atomic<bool> isListening{false};
 std::atomic<bool> isOver{false};
 int failures = 0;
 
@@ -82,6 +83,7 @@ void AnswerRequests()
     socket.SetSocketOption(Nfx::System::Net::Sockets::SocketOptionLevel::Socket,
                            Nfx::System::Net::Sockets::SocketOptionName::ReceiveTimeout, 200);
     socket.Bind(SmartPointer<EndPoint>(new IPEndPoint(IPAddress::Parse("127.0.0.10"), DevicePort)));
+    isListening = true;
     Tests::Traffic device;
     std::vector<std::uint8_t> buffer(65536);
     while (!isOver)
@@ -272,6 +274,7 @@ int main(int argc, char* argv[])
     Expect(library.StartServer() == 0, "StartServer");
     Expect(library.InitBroadcastProvider("[\"127.0.0.1\"]") == 0, "InitBroadcastProvider");
     std::thread device(&AnswerRequests);
+    Expect(Tests::WaitUntil([] { return isListening.load(); }), "the device does not listen");
     Soak(std::atoi(argv[2])).Run();
     isOver = true;
     device.join();
