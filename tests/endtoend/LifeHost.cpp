@@ -13,7 +13,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <latch>
 #include <string_view>
 #include <thread>
 #include <vector>
@@ -53,13 +52,17 @@ bool IsFirstUseRight(const char* path)
 bool UseFirst(const char* path)
 {
     constexpr int Users = 16;
-    std::latch start(Users);
+    std::atomic<int> started{0}; // no std::latch: MinGW's may miss its last wake-up
     std::atomic<int> right{0};
     std::vector<std::thread> users;
     for (int number = 0; number < Users; ++number)
     {
         users.emplace_back([&] {
-            start.arrive_and_wait();
+            ++started;
+            while (started < Users)
+            {
+                std::this_thread::yield();
+            }
             right += IsFirstUseRight(path) ? 1 : 0;
         });
     }
