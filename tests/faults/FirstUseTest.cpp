@@ -36,9 +36,16 @@ protected:
 private:
     static constexpr int Struck = 77; // the exit code of a process in which memory was short
 
-    [[noreturn]] void Live(int first, int count) const
+    [[noreturn]] static void Live(int first, int count)
     {
         alarm(30); // a call that never returns is no better than one that ends the process
+        const bool isStruck = UseLibrary(first, count);
+        std::_Exit(isStruck ? Struck : 0);
+    }
+
+    static bool UseLibrary(int first, int count)
+    {
+        const TemporaryFolder folder;
         const std::string path = folder.PathOf("test.log");
         MemoryFaults::Fail(first, count);
         ExtC::Initialize(path.c_str(), DiscoveryLogDebug);
@@ -48,10 +55,8 @@ private:
         ExtC::StopServer();
         ExtC::Terminate();
         ExtC::Discover();
-        std::_Exit(MemoryFaults::Clear() > 0 ? Struck : 0);
+        return MemoryFaults::Clear() > 0;
     }
-
-    const TemporaryFolder folder;
 };
 
 TEST_F(FirstUseDeathTest, EndsNoProcessForWantOfOneAllocation)
