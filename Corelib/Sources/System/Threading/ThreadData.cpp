@@ -88,7 +88,6 @@ Thread::ThreadData::ThreadData(const SmartPointer<Delegate<>>& start,
     : start(start)
     , startWithParameter(startWithParameter)
 {
-    ThreadRegistry::Prepare();
 }
 
 Thread::ThreadData::~ThreadData()

@@ -72,11 +72,6 @@ private:
 };
 } // namespace
 
-void ThreadRegistry::Prepare()
-{
-    Table::Instance();
-}
-
 ThreadRegistry::Place::Place()
 {
     try

@@ -12,10 +12,6 @@ class ThreadRegistry final
 public:
     ThreadRegistry() = delete;
 
-    /// Before the first thread is started: makes the table, so that nothing else can fail for want of it.
-    /// @throws OutOfMemoryException when it cannot be made.
-    static void Prepare();
-
     /// The memory for a thread that is about to be started: once it runs, it cannot lack a place.
     class Place final
     {
