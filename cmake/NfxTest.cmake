@@ -15,6 +15,12 @@ set(NFX_TEST_LAUNCHER ${CMAKE_CROSSCOMPILING_EMULATOR})
 # What goes before that to give the program a network of its own.
 set(NFX_TEST_ISOLATED ${PROJECT_SOURCE_DIR}/cmake/isolated)
 
+# How many times as long as a native build without sanitizers a program may take.
+set(NFX_TEST_TIME_SCALE 1)
+if(NFX_SANITIZE OR WIN32)
+  set(NFX_TEST_TIME_SCALE 8)
+endif()
+
 set(NFX_TEST_ENVIRONMENT
   ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1
   UBSAN_OPTIONS=print_stacktrace=1
