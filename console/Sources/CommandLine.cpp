@@ -1,8 +1,8 @@
 #include "CommandLine.h"
 
-#include "AddressText.h"
 #include "DiscoveryServer.ExtC.h"
 #include "HostPlatform.h"
+#include "Inventory/AddressText.h"
 #include "Programs/ProgramVersion.h"
 
 #include <CLI/CLI.hpp>
@@ -12,6 +12,10 @@
 #include <limits>
 #include <map>
 #include <stdexcept>
+
+using Zent::Discovery::Inventory::AddressText;
+using Zent::Discovery::Inventory::DeviceColumn;
+using Zent::Discovery::Inventory::DeviceSelection;
 
 namespace Zent::Discovery::Console
 {

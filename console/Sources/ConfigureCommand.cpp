@@ -1,9 +1,9 @@
 #include "ConfigureCommand.h"
 
-#include "AddressText.h"
 #include "DeviceReader.h"
-#include "DeviceSelection.h"
-#include "Inventory.h"
+#include "Inventory/AddressText.h"
+#include "Inventory/DeviceList.h"
+#include "Inventory/DeviceSelection.h"
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "Output.h"
@@ -15,6 +15,11 @@
 #include <utility>
 
 using Nfx::System::String;
+using Zent::Discovery::Inventory::AddressText;
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Inventory::DeviceSelection;
 using Zent::Utils::Json::JSONArray;
 using Zent::Utils::Json::JSONObject;
 
@@ -57,7 +62,7 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
         session.RefreshClient(interface.MACAddress); // a device need not announce its new settings by itself
     }
 
-    Inventory done;
+    DeviceList done;
     DeviceReader reader(
         session.Messages(), [&output](const std::string& text) { output.Complain(text); }, wait);
     while (!missing.empty())
@@ -80,7 +85,7 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
     }
     if (!done.Devices().empty())
     {
-        output.Show(DeviceSelection().Of(done.Devices()));
+        output.Show(DeviceSelection().Of(done.Devices(), {}));
     }
     for (const Settings& interface : missing)
     {

@@ -1,10 +1,12 @@
 #include "DeviceReader.h"
 
-#include "system/Exception.h"
-
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <utility>
+
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceMessage;
 
 namespace Zent::Discovery::Console
 {
@@ -39,9 +41,9 @@ std::optional<Device> DeviceReader::Next(std::optional<MessageQueue::TimePoint> 
         {
             return Device(std::move(*message));
         }
-        catch (const Nfx::System::Exception& exception)
+        catch (const std::invalid_argument& exception)
         {
-            complain("unreadable message left out: " + std::string(exception.GetMessage().View()));
+            complain("unreadable message left out: " + std::string(exception.what()));
         }
     }
     return std::nullopt;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Device.h"
+#include "Inventory/Device.h"
 #include "MessageQueue.h"
 
 #include <chrono>
@@ -22,7 +22,7 @@ public:
 
     /// Waits for the next message and reads it, until then at the latest. Nothing when that moment has come, the time
     /// is over or the user has interrupted.
-    std::optional<Device> Next(std::optional<MessageQueue::TimePoint> until = std::nullopt);
+    std::optional<Inventory::Device> Next(std::optional<MessageQueue::TimePoint> until = std::nullopt);
 
     /// True when no message is taken any more.
     bool IsOver() const;

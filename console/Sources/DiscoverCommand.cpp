@@ -1,13 +1,17 @@
 #include "DiscoverCommand.h"
 
 #include "DeviceReader.h"
-#include "Inventory.h"
+#include "Inventory/DeviceList.h"
 #include "Output.h"
 #include "ServerSession.h"
 
 #include <cstdio>
 #include <string>
 #include <utility>
+
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceSelection;
 
 namespace Zent::Discovery::Console
 {
@@ -44,7 +48,7 @@ DiscoverCommand::DiscoverCommand(std::chrono::milliseconds wait,
 ExitStatus DiscoverCommand::Run(ServerSession& session, Output& output)
 {
     session.Discover();
-    Inventory inventory;
+    DeviceList inventory;
     DeviceReader reader(
         session.Messages(), [&output](const std::string& text) { output.Complain(text); }, wait);
     const MessageQueue::TimePoint start = std::chrono::steady_clock::now();
@@ -55,13 +59,13 @@ ExitStatus DiscoverCommand::Run(ServerSession& session, Output& output)
         output.ShowStatus(StatusText(inventory.Devices().size(), now - start, wait));
         if (std::optional<Device> device = reader.Next(now + StatusInterval))
         {
-            const bool isAccepted = selection.Accepts(*device);
+            const bool isAccepted = selection.Accepts(*device, std::chrono::system_clock::now());
             const std::optional<Device> before = inventory.Add(std::move(*device));
             accepted += isAccepted ? 1u : 0u;
-            accepted -= before && selection.Accepts(*before) ? 1u : 0u;
+            accepted -= before && selection.Accepts(*before, std::chrono::system_clock::now()) ? 1u : 0u;
         }
     }
-    const std::vector<const Device*> devices = selection.Of(inventory.Devices());
+    const std::vector<const Device*> devices = selection.Of(inventory.Devices(), std::chrono::system_clock::now());
     if (!devices.empty())
     {
         output.Show(devices);
@@ -69,7 +73,7 @@ ExitStatus DiscoverCommand::Run(ServerSession& session, Output& output)
     return reader.IsInterrupted() ? ExitStatus::Interrupted : Conclude(inventory, devices.size(), output);
 }
 
-ExitStatus DiscoverCommand::Conclude(const Inventory& inventory, std::size_t shown, Output& output) const
+ExitStatus DiscoverCommand::Conclude(const DeviceList& inventory, std::size_t shown, Output& output) const
 {
     const std::size_t found = inventory.Devices().size();
     if (found == 0)

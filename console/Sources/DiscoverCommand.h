@@ -1,16 +1,19 @@
 #pragma once
 
-#include "DeviceSelection.h"
 #include "ICommand.h"
+#include "Inventory/DeviceSelection.h"
 
 #include <chrono>
 #include <cstddef>
 #include <string>
 
+namespace Zent::Discovery::Inventory
+{
+class DeviceList;
+}
+
 namespace Zent::Discovery::Console
 {
-class Inventory;
-
 /// Asks all devices for their signatures and shows who was heard of.
 class DiscoverCommand final : public ICommand
 {
@@ -19,17 +22,17 @@ public:
     /// unknown. logFile is where to look when none answers.
     DiscoverCommand(std::chrono::milliseconds wait,
                     std::size_t expectedDevices,
-                    DeviceSelection selection,
+                    Inventory::DeviceSelection selection,
                     std::string logFile);
 
     ExitStatus Run(ServerSession& session, Output& output) override;
 
 private:
-    ExitStatus Conclude(const Inventory& inventory, std::size_t shown, Output& output) const;
+    ExitStatus Conclude(const Inventory::DeviceList& inventory, std::size_t shown, Output& output) const;
 
     const std::chrono::milliseconds wait;
     const std::size_t expectedDevices;
-    const DeviceSelection selection;
+    const Inventory::DeviceSelection selection;
     const std::string logFile;
 };
 } // namespace Zent::Discovery::Console

@@ -1,15 +1,20 @@
 #include "InventoryDiffCommand.h"
 
-#include "DeviceDifferences.h"
-#include "DeviceTable.h"
+#include "DeviceTextTable.h"
+#include "Inventory/DeviceDifferences.h"
 #include "InventoryReader.h"
 #include "Json/JSONStringer.h"
 #include "Output.h"
 #include "TerminalText.h"
 
+#include <chrono>
 #include <utility>
 #include <vector>
 
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceDifferences;
+using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceSelection;
 using Zent::Utils::Json::JSONStringer;
 
 namespace Zent::Discovery::Console
@@ -57,8 +62,11 @@ constexpr Change Changed = {"changed", "Changed", Style::Changed};
 constexpr Change Left = {"left", "Left", Style::Left};
 
 /// Puts what has become of a device into the table or, for scripts, prints it.
-void Report(
-    Output& output, DeviceTable& table, const Device& device, const Change& change, const Differences& differences = {})
+void Report(Output& output,
+            DeviceTextTable& table,
+            const Device& device,
+            const Change& change,
+            const Differences& differences = {})
 {
     if (output.IsJson())
     {
@@ -84,9 +92,9 @@ InventoryDiffCommand::InventoryDiffCommand(std::string before, std::string after
 
 ExitStatus InventoryDiffCommand::Run(Output& output) const
 {
-    const Inventory before = InventoryReader::Read(beforeFile);
-    const Inventory after = InventoryReader::Read(afterFile);
-    DeviceTable table = DeviceTable::Changes();
+    const DeviceList before = InventoryReader::Read(beforeFile);
+    const DeviceList after = InventoryReader::Read(afterFile);
+    DeviceTextTable table = DeviceTextTable::Changes();
     const Counts counts = Compare(before, after, table, output);
     const bool differs = counts.Appeared + counts.Left + counts.Changed > 0;
     if (differs && !output.IsJson())
@@ -98,13 +106,13 @@ ExitStatus InventoryDiffCommand::Run(Output& output) const
     return differs ? ExitStatus::Different : ExitStatus::Success;
 }
 
-InventoryDiffCommand::Counts InventoryDiffCommand::Compare(const Inventory& before,
-                                                           const Inventory& after,
-                                                           DeviceTable& table,
+InventoryDiffCommand::Counts InventoryDiffCommand::Compare(const DeviceList& before,
+                                                           const DeviceList& after,
+                                                           DeviceTextTable& table,
                                                            Output& output) const
 {
     Counts counts;
-    for (const Device* device : selection.Of(after.Devices()))
+    for (const Device* device : selection.Of(after.Devices(), std::chrono::system_clock::now()))
     {
         const Device* const former = before.Find(*device);
         if (former == nullptr)
@@ -120,7 +128,7 @@ InventoryDiffCommand::Counts InventoryDiffCommand::Compare(const Inventory& befo
             Report(output, table, *device, Changed, differences);
         }
     }
-    for (const Device* device : selection.Of(before.Devices()))
+    for (const Device* device : selection.Of(before.Devices(), std::chrono::system_clock::now()))
     {
         if (after.Find(*device) == nullptr)
         {

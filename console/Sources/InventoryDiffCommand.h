@@ -1,15 +1,15 @@
 #pragma once
 
-#include "DeviceSelection.h"
 #include "ExitStatus.h"
-#include "Inventory.h"
+#include "Inventory/DeviceList.h"
+#include "Inventory/DeviceSelection.h"
 
 #include <cstddef>
 #include <string>
 
 namespace Zent::Discovery::Console
 {
-class DeviceTable;
+class DeviceTextTable;
 class Output;
 
 /// Tells which devices have appeared, left or changed between two saved results. Needs no library.
@@ -17,7 +17,7 @@ class InventoryDiffCommand final
 {
 public:
     /// The files are UTF-8 paths of what the program has printed with --json.
-    InventoryDiffCommand(std::string before, std::string after, DeviceSelection selection);
+    InventoryDiffCommand(std::string before, std::string after, Inventory::DeviceSelection selection);
 
     /// Success when nothing differs, else Different.
     /// @throws std::runtime_error when a file cannot be read or holds something else.
@@ -32,10 +32,13 @@ private:
         std::size_t Same = 0;
     };
 
-    Counts Compare(const Inventory& before, const Inventory& after, DeviceTable& table, Output& output) const;
+    Counts Compare(const Inventory::DeviceList& before,
+                   const Inventory::DeviceList& after,
+                   DeviceTextTable& table,
+                   Output& output) const;
 
     const std::string beforeFile;
     const std::string afterFile;
-    const DeviceSelection selection;
+    const Inventory::DeviceSelection selection;
 };
 } // namespace Zent::Discovery::Console

@@ -5,20 +5,29 @@
 #include "system/Exception.h"
 
 #include <algorithm>
+#include <chrono>
 #include <stdexcept>
 #include <utility>
 
 using Nfx::System::String;
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Utils::Json::JSONObject;
 
 namespace Zent::Discovery::Console
 {
-Inventory InventoryReader::Read(const std::string& path)
+namespace
+{
+const char NoDocument[] = "the document is malformed or has no \"Host\"";
+} // namespace
+
+DeviceList InventoryReader::Read(const std::string& path)
 {
     return ReadText(TextFile::Read(path), path);
 }
 
-Inventory InventoryReader::ReadText(std::string_view text, const std::string& name)
+DeviceList InventoryReader::ReadText(std::string_view text, const std::string& name)
 {
     return InventoryReader(text, name).ReadAll();
 }
@@ -29,16 +38,16 @@ InventoryReader::InventoryReader(std::string_view text, const std::string& name)
 {
 }
 
-Inventory InventoryReader::ReadAll()
+DeviceList InventoryReader::ReadAll()
 {
-    Inventory all;
+    DeviceList all;
     for (SkipSeparators(); position < text.size(); SkipSeparators())
     {
         const std::size_t end = EndOfDocument();
         all.Add(ReadDocument(text.substr(position, end - position)));
         position = end;
     }
-    Inventory present;
+    DeviceList present;
     for (const Device& device : all.Devices())
     {
         if (device.Message.Kind != DeviceMessage::MessageKind::Bye)
@@ -110,11 +119,15 @@ Device InventoryReader::ReadDocument(std::string_view document) const
         return Device({kind.View() == "Bye"     ? DeviceMessage::MessageKind::Bye
                        : kind.View() == "Hello" ? DeviceMessage::MessageKind::Hello
                                                 : DeviceMessage::MessageKind::Signature,
-                       rest + "}"});
+                       rest + "}", std::chrono::system_clock::now()});
     }
     catch (const Nfx::System::Exception&)
     {
-        Refuse("the document is malformed or has no \"Host\"");
+        Refuse(NoDocument);
+    }
+    catch (const std::invalid_argument&)
+    {
+        Refuse(NoDocument);
     }
 }
 

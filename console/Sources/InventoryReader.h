@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Inventory.h"
+#include "Inventory/DeviceList.h"
 
 #include <cstddef>
 #include <string>
@@ -15,18 +15,18 @@ class InventoryReader final
 public:
     /// The devices of the file, without those that have said Bye. path is UTF-8.
     /// @throws std::runtime_error that names the place when the file cannot be read or holds something else.
-    static Inventory Read(const std::string& path);
+    static Inventory::DeviceList Read(const std::string& path);
 
     /// The same of a text; name stands for it in messages.
-    static Inventory ReadText(std::string_view text, const std::string& name);
+    static Inventory::DeviceList ReadText(std::string_view text, const std::string& name);
 
 private:
     InventoryReader(std::string_view text, const std::string& name);
 
-    Inventory ReadAll();
+    Inventory::DeviceList ReadAll();
     void SkipSeparators();
     std::size_t EndOfDocument() const;
-    Device ReadDocument(std::string_view document) const;
+    Inventory::Device ReadDocument(std::string_view document) const;
     [[noreturn]] void Refuse(const std::string& reason) const;
 
     const std::string_view text;

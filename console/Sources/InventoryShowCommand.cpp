@@ -3,7 +3,11 @@
 #include "InventoryReader.h"
 #include "Output.h"
 
+#include <chrono>
 #include <utility>
+
+using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceSelection;
 
 namespace Zent::Discovery::Console
 {
@@ -15,8 +19,8 @@ InventoryShowCommand::InventoryShowCommand(std::string file, DeviceSelection sel
 
 ExitStatus InventoryShowCommand::Run(Output& output) const
 {
-    const Inventory inventory = InventoryReader::Read(file);
-    output.Show(selection.Of(inventory.Devices()));
+    const DeviceList inventory = InventoryReader::Read(file);
+    output.Show(selection.Of(inventory.Devices(), std::chrono::system_clock::now()));
     return ExitStatus::Success;
 }
 } // namespace Zent::Discovery::Console

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DeviceSelection.h"
 #include "ExitStatus.h"
+#include "Inventory/DeviceSelection.h"
 
 #include <string>
 
@@ -14,13 +14,13 @@ class InventoryShowCommand final
 {
 public:
     /// file is the UTF-8 path of what the program has printed with --json.
-    InventoryShowCommand(std::string file, DeviceSelection selection);
+    InventoryShowCommand(std::string file, Inventory::DeviceSelection selection);
 
     /// @throws std::runtime_error when the file cannot be read or holds something else.
     ExitStatus Run(Output& output) const;
 
 private:
     const std::string file;
-    const DeviceSelection selection;
+    const Inventory::DeviceSelection selection;
 };
 } // namespace Zent::Discovery::Console

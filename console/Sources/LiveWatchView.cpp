@@ -1,12 +1,18 @@
 #include "LiveWatchView.h"
 
-#include "DeviceDifferences.h"
 #include "HostPlatform.h"
+#include "Inventory/DeviceDifferences.h"
 #include "TerminalText.h"
 
 #include <algorithm>
 #include <ostream>
 #include <utility>
+
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceDifferences;
+using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Inventory::DeviceSelection;
 
 namespace Zent::Discovery::Console
 {
@@ -51,7 +57,7 @@ LiveWatchView::~LiveWatchView()
 
 bool LiveWatchView::Show(const Device& device, const Device* before)
 {
-    if (!selection.Accepts(device))
+    if (!selection.Accepts(device, device.Message.Received))
     {
         return out.good();
     }
@@ -76,9 +82,9 @@ bool LiveWatchView::Show(const Device& device, const Device* before)
     return out.good();
 }
 
-void LiveWatchView::Refresh(const Inventory& inventory)
+void LiveWatchView::Refresh(const DeviceList& inventory)
 {
-    const TimePoint now = DeviceMessage::Clock::now();
+    const TimePoint now = std::chrono::system_clock::now();
     std::erase_if(latest, [now](const auto& each) { return each.second.Time + HighlightTime < now; });
 
     const Terminal::Dimensions size = terminal.Size();
@@ -86,7 +92,7 @@ void LiveWatchView::Refresh(const Inventory& inventory)
     const std::size_t newsCount = std::min(news.size(), size.Height / 4);
     const std::size_t space = std::max(size.Height, LinesAroundRows + newsCount + 1) - LinesAroundRows - newsCount;
 
-    const std::vector<const Device*> devices = selection.Of(inventory.Devices());
+    const std::vector<const Device*> devices = selection.Of(inventory.Devices(), now);
     std::vector<std::string> lines = {TerminalText::Shorten(Headline(inventory, devices.size(), now), width), ""};
     std::ranges::move(TableLines(devices, space, width, now), std::back_inserter(lines));
     if (devices.empty())
@@ -101,16 +107,17 @@ void LiveWatchView::Refresh(const Inventory& inventory)
 
 void LiveWatchView::Complain(const std::string& text)
 {
-    Note({DeviceMessage::Clock::now(), text, Style::Left});
+    Note({std::chrono::system_clock::now(), text, Style::Left});
 }
 
-void LiveWatchView::End(const Inventory& inventory)
+void LiveWatchView::End(const DeviceList& inventory)
 {
     LeaveScreen();
-    const std::vector<const Device*> devices = selection.Of(inventory.Devices());
+    const TimePoint now = std::chrono::system_clock::now();
+    const std::vector<const Device*> devices = selection.Of(inventory.Devices(), now);
     if (!devices.empty())
     {
-        output.Show(TableOf(devices, DeviceMessage::Clock::now()));
+        output.Show(TableOf(devices, now));
     }
 }
 
@@ -140,9 +147,9 @@ Style LiveWatchView::LookOf(const Device& device, TimePoint now) const
     return found == latest.end() || found->second.Time + HighlightTime < now ? Style::Plain : found->second.Look;
 }
 
-DeviceTable LiveWatchView::TableOf(const std::vector<const Device*>& devices, TimePoint now) const
+DeviceTextTable LiveWatchView::TableOf(const std::vector<const Device*>& devices, TimePoint now) const
 {
-    DeviceTable table = DeviceTable::WithAges(now);
+    DeviceTextTable table = DeviceTextTable::WithAges(now);
     for (const Device* device : devices)
     {
         table.Add(*device, LookOf(*device, now));
@@ -178,7 +185,7 @@ std::vector<std::string> LiveWatchView::NewsLines(std::size_t count, std::size_t
     return lines;
 }
 
-std::string LiveWatchView::Headline(const Inventory& inventory, std::size_t shown, TimePoint now) const
+std::string LiveWatchView::Headline(const DeviceList& inventory, std::size_t shown, TimePoint now) const
 {
     const std::size_t known = inventory.Devices().size();
     const auto left = std::ranges::count_if(inventory.Devices(), &HasLeft);
@@ -188,7 +195,7 @@ std::string LiveWatchView::Headline(const Inventory& inventory, std::size_t show
     return text + "  (Ctrl-C ends)";
 }
 
-std::string LiveWatchView::NothingText(const Inventory& inventory) const
+std::string LiveWatchView::NothingText(const DeviceList& inventory) const
 {
     if (!inventory.Devices().empty())
     {

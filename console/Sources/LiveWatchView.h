@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DeviceSelection.h"
 #include "IWatchView.h"
+#include "Inventory/DeviceSelection.h"
 #include "Output.h"
 #include "Terminal.h"
 
@@ -21,8 +21,11 @@ class LiveWatchView final : public IWatchView
 {
 public:
     /// asks tells whether devices are asked for their signatures again and again. All others must outlive the view.
-    LiveWatchView(
-        std::ostream& out, const Terminal& terminal, Output& output, const DeviceSelection& selection, bool asks);
+    LiveWatchView(std::ostream& out,
+                  const Terminal& terminal,
+                  Output& output,
+                  const Inventory::DeviceSelection& selection,
+                  bool asks);
 
     /// Leaves the other screen.
     ~LiveWatchView() override;
@@ -30,13 +33,13 @@ public:
     LiveWatchView(const LiveWatchView&) = delete;
     LiveWatchView& operator=(const LiveWatchView&) = delete;
 
-    bool Show(const Device& device, const Device* before) override;
-    void Refresh(const Inventory& inventory) override;
+    bool Show(const Inventory::Device& device, const Inventory::Device* before) override;
+    void Refresh(const Inventory::DeviceList& inventory) override;
     void Complain(const std::string& text) override;
-    void End(const Inventory& inventory) override;
+    void End(const Inventory::DeviceList& inventory) override;
 
 private:
-    using TimePoint = DeviceMessage::Clock::time_point;
+    using TimePoint = Inventory::DeviceMessage::TimePoint;
 
     /// A line about something that happened.
     struct News
@@ -55,12 +58,12 @@ private:
 
     /// The text may come from outside.
     void Note(News item);
-    void NoteDevice(const Device& device, const std::string& what, Style look);
-    Style LookOf(const Device& device, TimePoint now) const;
-    DeviceTable TableOf(const std::vector<const Device*>& devices, TimePoint now) const;
-    std::string Headline(const Inventory& inventory, std::size_t shown, TimePoint now) const;
-    std::string NothingText(const Inventory& inventory) const;
-    std::vector<std::string> TableLines(const std::vector<const Device*>& devices,
+    void NoteDevice(const Inventory::Device& device, const std::string& what, Style look);
+    Style LookOf(const Inventory::Device& device, TimePoint now) const;
+    DeviceTextTable TableOf(const std::vector<const Inventory::Device*>& devices, TimePoint now) const;
+    std::string Headline(const Inventory::DeviceList& inventory, std::size_t shown, TimePoint now) const;
+    std::string NothingText(const Inventory::DeviceList& inventory) const;
+    std::vector<std::string> TableLines(const std::vector<const Inventory::Device*>& devices,
                                         std::size_t space,
                                         std::size_t width,
                                         TimePoint now) const;
@@ -71,7 +74,7 @@ private:
     std::ostream& out;
     const Terminal& terminal;
     Output& output;
-    const DeviceSelection& selection;
+    const Inventory::DeviceSelection& selection;
     const bool asks;
     std::deque<News> news;               // the latest last
     std::map<std::string, Event> latest; // of the devices that something has just happened to, by their MAC addresses

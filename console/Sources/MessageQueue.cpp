@@ -2,6 +2,8 @@
 
 #include <utility>
 
+using Zent::Discovery::Inventory::DeviceMessage;
+
 namespace Zent::Discovery::Console
 {
 void MessageQueue::Push(DeviceMessage message)

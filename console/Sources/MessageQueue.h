@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DeviceMessage.h"
+#include "Inventory/DeviceMessage.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -19,11 +19,11 @@ public:
     using TimePoint = std::chrono::steady_clock::time_point;
 
     /// Never waits. When the reader is so far behind that MaximumBytes wait, the message is counted as lost.
-    void Push(DeviceMessage message);
+    void Push(Inventory::DeviceMessage message);
 
     /// The oldest message, waiting for one until the deadline, or without limit when there is none.
     /// Nothing when the deadline has passed or Interrupt was called.
-    std::optional<DeviceMessage> Take(const std::optional<TimePoint>& deadline);
+    std::optional<Inventory::DeviceMessage> Take(const std::optional<TimePoint>& deadline);
 
     /// Ends a waiting Take and makes every further one return nothing.
     void Interrupt();
@@ -38,7 +38,7 @@ public:
 private:
     mutable std::mutex lock;
     std::condition_variable changed;
-    std::deque<DeviceMessage> messages; // guarded by lock, and so is all below
+    std::deque<Inventory::DeviceMessage> messages; // guarded by lock, and so is all below
     std::size_t bytes = 0;
     std::size_t lost = 0;
     bool interrupted = false;

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "DeviceSelection.h"
+#include "Inventory/DeviceSelection.h"
+#include "TerminalText.h"
 
 #include <chrono>
 #include <cstddef>
@@ -36,10 +37,10 @@ struct Options
     std::optional<std::chrono::milliseconds> Wait;
     bool Json = false;
 
-    DeviceSelection Selection;                         // of the devices to show
-    std::size_t ExpectedDevices = 0;                   // 0 when their number is unknown
-    std::optional<std::chrono::milliseconds> Interval; // from one question to the next while watching
-    std::string MACAddress;                            // of the device meant; empty when IPAddress is set
+    Inventory::DeviceSelection Selection{&TerminalText::Plain}; // of the devices to show
+    std::size_t ExpectedDevices = 0;                            // 0 when their number is unknown
+    std::optional<std::chrono::milliseconds> Interval;          // from one question to the next while watching
+    std::string MACAddress;                                     // of the device meant; empty when IPAddress is set
     std::string IPAddress;
     std::string NewHostName;
     std::string File; // with settings, or a saved result

@@ -7,6 +7,8 @@
 #include <ostream>
 #include <utility>
 
+using Zent::Discovery::Inventory::Device;
+
 namespace Zent::Discovery::Console
 {
 namespace
@@ -41,7 +43,7 @@ const Colours& Output::OutColours() const
 
 void Output::Show(const std::vector<const Device*>& devices)
 {
-    DeviceTable table = DeviceTable::Snapshot();
+    DeviceTextTable table = DeviceTextTable::Snapshot();
     for (const Device* device : devices)
     {
         if (settings.Json)
@@ -61,7 +63,7 @@ void Output::Show(const Device& device)
     Show(std::vector{&device});
 }
 
-void Output::Show(const DeviceTable& table)
+void Output::Show(const DeviceTextTable& table)
 {
     for (const std::string& line : table.Lines(outColours, settings.Width))
     {
@@ -77,7 +79,7 @@ bool Output::ShowNow(const Device& device)
     }
     else
     {
-        DeviceTable table = DeviceTable::Stream();
+        DeviceTextTable table = DeviceTextTable::Stream();
         table.Add(device, Style::Plain, HostPlatform::TimeOfDay(device.Message.Received));
         const std::vector<std::string> lines = table.Lines(outColours);
         if (!std::exchange(hasTitles, true))

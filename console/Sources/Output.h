@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Colours.h"
-#include "Device.h"
-#include "DeviceTable.h"
+#include "DeviceTextTable.h"
+#include "Inventory/Device.h"
 #include "StatusLine.h"
 
 #include <iosfwd>
@@ -34,16 +34,16 @@ public:
     const Colours& OutColours() const;
 
     /// Shows devices, with titles above them even if there are none.
-    void Show(const std::vector<const Device*>& devices);
-    void Show(const Device& device);
-    void Show(const DeviceTable& table);
+    void Show(const std::vector<const Inventory::Device*>& devices);
+    void Show(const Inventory::Device& device);
+    void Show(const DeviceTextTable& table);
 
     /// Shows a message at the moment it comes.
     /// False when the stream takes no more, because its reader has gone.
-    bool ShowNow(const Device& device);
+    bool ShowNow(const Inventory::Device& device);
 
     /// One document for scripts: members, such as "Change":"Left", and then those of the library's document.
-    void PrintDocument(const std::string& members, const Device& device);
+    void PrintDocument(const std::string& members, const Inventory::Device& device);
 
     /// One line, as it is.
     void PrintLine(const std::string& line);

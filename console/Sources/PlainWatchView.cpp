@@ -1,5 +1,9 @@
 #include "PlainWatchView.h"
 
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceSelection;
+
 namespace Zent::Discovery::Console
 {
 PlainWatchView::PlainWatchView(Output& output, const DeviceSelection& selection)
@@ -10,10 +14,10 @@ PlainWatchView::PlainWatchView(Output& output, const DeviceSelection& selection)
 
 bool PlainWatchView::Show(const Device& device, const Device* /*before*/)
 {
-    return !selection.Accepts(device) || output.ShowNow(device);
+    return !selection.Accepts(device, device.Message.Received) || output.ShowNow(device);
 }
 
-void PlainWatchView::Refresh(const Inventory& /*inventory*/)
+void PlainWatchView::Refresh(const DeviceList& /*inventory*/)
 {
     // What was printed stays.
 }
@@ -23,7 +27,7 @@ void PlainWatchView::Complain(const std::string& text)
     output.Complain(text);
 }
 
-void PlainWatchView::End(const Inventory& /*inventory*/)
+void PlainWatchView::End(const DeviceList& /*inventory*/)
 {
     // The last line has been printed already.
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DeviceSelection.h"
 #include "IWatchView.h"
+#include "Inventory/DeviceSelection.h"
 #include "Output.h"
 
 namespace Zent::Discovery::Console
@@ -11,15 +11,15 @@ class PlainWatchView final : public IWatchView
 {
 public:
     /// Both must outlive the view.
-    PlainWatchView(Output& output, const DeviceSelection& selection);
+    PlainWatchView(Output& output, const Inventory::DeviceSelection& selection);
 
-    bool Show(const Device& device, const Device* before) override;
-    void Refresh(const Inventory& inventory) override;
+    bool Show(const Inventory::Device& device, const Inventory::Device* before) override;
+    void Refresh(const Inventory::DeviceList& inventory) override;
     void Complain(const std::string& text) override;
-    void End(const Inventory& inventory) override;
+    void End(const Inventory::DeviceList& inventory) override;
 
 private:
     Output& output;
-    const DeviceSelection& selection;
+    const Inventory::DeviceSelection& selection;
 };
 } // namespace Zent::Discovery::Console

@@ -1,11 +1,15 @@
 #include "RequestCommand.h"
 
-#include "AddressText.h"
 #include "DeviceReader.h"
+#include "Inventory/AddressText.h"
 #include "Output.h"
 #include "ServerSession.h"
 
 #include <utility>
+
+using Zent::Discovery::Inventory::AddressText;
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceMessage;
 
 namespace Zent::Discovery::Console
 {

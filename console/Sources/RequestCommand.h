@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Device.h"
 #include "ICommand.h"
+#include "Inventory/Device.h"
 
 #include <chrono>
 #include <functional>
@@ -14,7 +14,7 @@ class RequestCommand final : public ICommand
 {
 public:
     using Request = std::function<void(ServerSession& session)>;
-    using Condition = std::function<bool(const Device& device)>;
+    using Condition = std::function<bool(const Inventory::Device& device)>;
 
     /// Waits for a signature that isFromDevice and isDone accept. failure is the complaint about a device that answers
     /// but is not done.

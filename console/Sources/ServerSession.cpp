@@ -4,9 +4,11 @@
 #include "Json/JSONStringer.h"
 
 #include <atomic>
+#include <chrono>
 #include <new>
 
 using Nfx::System::String;
+using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Utils::Json::JSONStringer;
 
 namespace Zent::Discovery::Console
@@ -21,7 +23,7 @@ void DISCOVERY_EXTC_CALL Receive(const char* hostJson) noexcept
 {
     try
     {
-        receivingQueue.load()->Push({Kind, hostJson});
+        receivingQueue.load()->Push({Kind, hostJson, std::chrono::system_clock::now()});
     }
     catch (const std::bad_alloc&)
     {

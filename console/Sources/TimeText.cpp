@@ -18,18 +18,4 @@ std::string TimeText::Utc(std::chrono::system_clock::time_point time)
                       static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
     return {text, static_cast<std::size_t>(length)};
 }
-
-std::string TimeText::Age(std::chrono::system_clock::duration age)
-{
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(age).count();
-    if (seconds < 60)
-    {
-        return std::to_string(seconds < 0 ? 0 : seconds) + " s";
-    }
-    if (seconds < 3600)
-    {
-        return std::to_string(seconds / 60) + " min";
-    }
-    return seconds < 86400 ? std::to_string(seconds / 3600) + " h" : std::to_string(seconds / 86400) + " d";
-}
 } // namespace Zent::Discovery::Console

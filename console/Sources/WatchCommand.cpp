@@ -1,7 +1,7 @@
 #include "WatchCommand.h"
 
 #include "DeviceReader.h"
-#include "Inventory.h"
+#include "Inventory/DeviceList.h"
 #include "LiveWatchView.h"
 #include "Output.h"
 #include "PlainWatchView.h"
@@ -10,6 +10,11 @@
 #include <algorithm>
 #include <iostream>
 #include <utility>
+
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Inventory::DeviceSelection;
 
 namespace Zent::Discovery::Console
 {
@@ -37,7 +42,7 @@ ExitStatus WatchCommand::Run(ServerSession& session, Output& output)
 
 ExitStatus WatchCommand::Watch(ServerSession& session, IWatchView& view) const
 {
-    Inventory inventory;
+    DeviceList inventory;
     DeviceReader reader(
         session.Messages(), [&view](const std::string& text) { view.Complain(text); }, time);
     MessageQueue::TimePoint nextRefresh = std::chrono::steady_clock::now();
@@ -52,7 +57,7 @@ ExitStatus WatchCommand::Watch(ServerSession& session, IWatchView& view) const
         }
         if (now >= nextRefresh)
         {
-            inventory.Forget(DeviceMessage::Clock::now() - TimeAfterBye, MaximumDevices);
+            inventory.Forget(std::chrono::system_clock::now() - TimeAfterBye, MaximumDevices);
             view.Refresh(inventory);
             nextRefresh = now + RefreshInterval;
         }

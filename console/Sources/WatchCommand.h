@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DeviceSelection.h"
 #include "ICommand.h"
+#include "Inventory/DeviceSelection.h"
 #include "Terminal.h"
 
 #include <chrono>
@@ -20,7 +20,7 @@ public:
     /// and every so often when an interval is given.
     WatchCommand(std::optional<std::chrono::milliseconds> time,
                  std::optional<std::chrono::milliseconds> interval,
-                 DeviceSelection selection);
+                 Inventory::DeviceSelection selection);
 
     ExitStatus Run(ServerSession& session, Output& output) override;
 
@@ -30,6 +30,6 @@ private:
 
     const std::optional<std::chrono::milliseconds> time;
     const std::optional<std::chrono::milliseconds> interval;
-    const DeviceSelection selection;
+    const Inventory::DeviceSelection selection;
 };
 } // namespace Zent::Discovery::Console

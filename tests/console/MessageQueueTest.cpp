@@ -5,6 +5,7 @@
 #include <thread>
 
 using namespace Zent::Discovery::Console;
+using Zent::Discovery::Inventory::DeviceMessage;
 using namespace std::chrono_literals;
 
 namespace

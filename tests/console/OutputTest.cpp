@@ -1,14 +1,15 @@
 #include "Output.h"
 
-#include "DeviceDocuments.h"
 #include "TextFile.h"
-#include "TimeText.h"
+#include "support/DeviceDocuments.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
 using namespace Zent::Discovery::Console;
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceMessage;
 
 namespace
 {
@@ -49,25 +50,11 @@ TEST(OutputTest, ScriptsReadDocumentsAlone)
     std::ostringstream errors;
     Output output(out, errors, {.Json = true});
     Device device(DeviceDocuments::Message(DeviceMessage::MessageKind::Bye, "press"));
-    device.Message.Received = DeviceMessage::Clock::time_point(std::chrono::milliseconds(1078928589007));
+    device.Message.Received = DeviceMessage::TimePoint(std::chrono::milliseconds(1078928589007));
     output.Show(device);
     output.Conclude("1 device found");
     EXPECT_EQ(out.str(),
               R"({"Message":"Bye","Time":"2004-03-10T14:23:09.007Z",)" + device.Message.Document.substr(1) + "\n");
     EXPECT_EQ(errors.str(), "");
-}
-
-TEST(TimeTextTest, AgesHaveOneUnit)
-{
-    using namespace std::chrono_literals;
-    for (const auto& [age, text] : {std::pair<std::chrono::milliseconds, const char*>(-5s, "0 s"),
-                                    {59999ms, "59 s"},
-                                    {60s, "1 min"},
-                                    {3599s, "59 min"},
-                                    {24h - 1s, "23 h"},
-                                    {240h, "10 d"}})
-    {
-        EXPECT_EQ(TimeText::Age(age), text);
-    }
 }
 } // namespace

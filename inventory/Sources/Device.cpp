@@ -1,16 +1,19 @@
-#include "Device.h"
+#include "Inventory/Device.h"
 
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
+#include "system/Exception.h"
 
 #include <algorithm>
+#include <new>
+#include <stdexcept>
 #include <utility>
 
 using Nfx::System::String;
 using Zent::Utils::Json::JSONArray;
 using Zent::Utils::Json::JSONObject;
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 namespace
 {
@@ -47,6 +50,22 @@ void ForEachObject(const JSONObject& object, const char* key, TAction&& action)
 
 Device::Device(DeviceMessage message)
     : Message(std::move(message))
+{
+    try
+    {
+        Read();
+    }
+    catch (const Nfx::System::OutOfMemoryException&)
+    {
+        throw std::bad_alloc();
+    }
+    catch (const Nfx::System::Exception& exception)
+    {
+        throw std::invalid_argument(std::string(exception.GetMessage().View()));
+    }
+}
+
+void Device::Read()
 {
     const JSONObject document{String(std::string_view(Message.Document))};
     JSONObject source;
@@ -90,4 +109,4 @@ bool Device::IsSameAs(const Device& other) const
     }
     return FindMAC(other.MainInterface().MACAddress) != nullptr;
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

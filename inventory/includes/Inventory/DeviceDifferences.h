@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Device.h"
+#include "Inventory/Device.h"
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// What one message of a device tells about its host otherwise than another. All texts are as the device sent them.
 class DeviceDifferences final
@@ -27,4 +27,4 @@ public:
     /// In the order of the members; empty when both tell the same.
     static std::vector<Difference> Between(const Device& before, const Device& after);
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// Letters of ASCII; the standard library's operations depend on the locale.
 class AsciiCase final
@@ -13,4 +13,4 @@ public:
         return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
     }
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

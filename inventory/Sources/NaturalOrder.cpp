@@ -1,11 +1,11 @@
-#include "NaturalOrder.h"
+#include "Inventory/NaturalOrder.h"
 
 #include "AsciiCase.h"
 
 #include <algorithm>
 #include <cstddef>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 namespace
 {
@@ -51,4 +51,4 @@ bool NaturalOrder::IsBefore(std::string_view left, std::string_view right)
     }
     return left.size() < right.size();
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

@@ -1,8 +1,8 @@
-#include "AddressText.h"
+#include "Inventory/AddressText.h"
 
 #include <cstddef>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 namespace
 {
@@ -43,4 +43,4 @@ std::string AddressText::IP(std::string_view text)
         return start == std::string::npos ? "0" : part.substr(start);
     });
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

@@ -1,13 +1,13 @@
-#include "DeviceSelection.h"
+#include "Inventory/DeviceSelection.h"
 
-#include "DeviceDocuments.h"
-#include "NaturalOrder.h"
+#include "Inventory/NaturalOrder.h"
+#include "support/DeviceDocuments.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
-using namespace Zent::Discovery::Console;
+using namespace Zent::Discovery::Inventory;
 using DeviceDocuments::Document;
 
 namespace
@@ -39,7 +39,7 @@ std::string Selected(const std::vector<std::string>& filters, const std::vector<
     }
     std::string result;
     const std::vector<Device> devices = Devices();
-    for (const Device* device : selection.Of(devices))
+    for (const Device* device : selection.Of(devices, {}))
     {
         result += device->HostName.back();
     }
@@ -70,18 +70,41 @@ TEST(DeviceSelectionTest, FilterPatternsMatchWholeTextsInEitherCase)
     EXPECT_EQ(Selected({"type=panel", "name=press*"}, {}), "0");
 }
 
+TEST(DeviceSelectionTest, PatternsAreHeldAgainstWhatIsShown)
+{
+    DeviceSelection selection([](std::string_view text) { return "<" + std::string(text) + ">"; });
+    selection.AddFilter("name=<Press-?>");
+    const std::vector<Device> devices = Devices();
+    EXPECT_EQ(selection.Of(devices, {}), (std::vector<const Device*>{&devices[1]}));
+}
+
+TEST(DeviceColumnTest, AgesHaveOneUnit)
+{
+    using namespace std::chrono_literals;
+    const Device device = Devices()[0];
+    for (const auto& [age, text] : {std::pair<std::chrono::milliseconds, const char*>(-5s, "0 s"),
+                                    {59999ms, "59 s"},
+                                    {60s, "1 min"},
+                                    {3599s, "59 min"},
+                                    {24h - 1s, "23 h"},
+                                    {240h, "10 d"}})
+    {
+        EXPECT_EQ(DeviceColumn::Find("age")->Text(device, device.Message.Received + age), text);
+    }
+}
+
 TEST(DeviceSelectionTest, AgesAreSortedByTimeNotByText)
 {
     std::vector<Device> devices = Devices();
-    const DeviceMessage::Clock::time_point now = DeviceMessage::Clock::now();
+    const DeviceMessage::TimePoint now{std::chrono::hours(1000)};
     devices[0].Message.Received = now - std::chrono::seconds(30);
     devices[1].Message.Received = now - std::chrono::hours(2);
     devices[2].Message.Received = now - std::chrono::minutes(5);
     DeviceSelection selection;
     selection.AddOrder("age:desc");
-    EXPECT_EQ(selection.Of(devices), (std::vector<const Device*>{&devices[1], &devices[2], &devices[0]}));
+    EXPECT_EQ(selection.Of(devices, now), (std::vector<const Device*>{&devices[1], &devices[2], &devices[0]}));
     selection.AddFilter("age=* min");
-    EXPECT_EQ(selection.Of(devices), (std::vector<const Device*>{&devices[2]}));
+    EXPECT_EQ(selection.Of(devices, now), (std::vector<const Device*>{&devices[2]}));
 }
 
 TEST(DeviceSelectionTest, RefusalsNameTheColumns)

@@ -1,12 +1,14 @@
-#include "DeviceTable.h"
+#include "DeviceTextTable.h"
 
-#include "DeviceDocuments.h"
 #include "TerminalText.h"
+#include "support/DeviceDocuments.h"
 
 #include <gtest/gtest.h>
 
 using namespace Zent::Discovery::Console;
 using DeviceDocuments::Message;
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceMessage;
 using Kind = DeviceMessage::MessageKind;
 using Lines = std::vector<std::string>;
 
@@ -18,9 +20,9 @@ const char Details[] = R"("DeviceType":"Panel","DeviceFamily":"P300","SerialNumb
                        R"({"ProductName":"Runtime","ProductVersion":"2.4"},)"
                        R"({"ProductName":"Visu","ProductVersion":"1.0"}],)";
 
-TEST(DeviceTableTest, ColumnsAreAsWideAsTheirWidestText)
+TEST(DeviceTextTableTest, ColumnsAreAsWideAsTheirWidestText)
 {
-    DeviceTable table = DeviceTable::Snapshot();
+    DeviceTextTable table = DeviceTextTable::Snapshot();
     table.Add(Device(Message(Kind::Hello, "\u30D7\u30EC\u30B9e\u0301-12", Details)));
     table.Add(Device(Message(Kind::Bye, "Pr\u00FCfstand-12", Details)));
     EXPECT_EQ(table.Lines(None),
@@ -32,9 +34,9 @@ TEST(DeviceTableTest, ColumnsAreAsWideAsTheirWidestText)
                      "Bye"}));
 }
 
-TEST(DeviceTableTest, NarrowTerminalsLoseDetailsBeforeAddresses)
+TEST(DeviceTextTableTest, NarrowTerminalsLoseDetailsBeforeAddresses)
 {
-    DeviceTable table = DeviceTable::WithAges({});
+    DeviceTextTable table = DeviceTextTable::WithAges({});
     table.Add(Device(Message(Kind::Hello, "a name of a device that is rather long", Details)));
     for (const std::size_t width : {70u, 90u, 120u})
     {
@@ -50,9 +52,9 @@ TEST(DeviceTableTest, NarrowTerminalsLoseDetailsBeforeAddresses)
     EXPECT_EQ(table.Lines(None, 3)[1], "...");
 }
 
-TEST(DeviceTableTest, TextsOfADeviceBreakNeitherLinesNorColumns)
+TEST(DeviceTextTableTest, TextsOfADeviceBreakNeitherLinesNorColumns)
 {
-    DeviceTable table = DeviceTable::Changes();
+    DeviceTextTable table = DeviceTextTable::Changes();
     table.Add(Device(Message(Kind::Signature, "a\\nb\\u001b[2J" + std::string(500, 'x'))), Style::Plain, "changed");
     table.AddNote("HostName: \x1B[2J" + std::string(5000, 'x'));
     for (const std::string& line : table.Lines(None))
@@ -62,9 +64,9 @@ TEST(DeviceTableTest, TextsOfADeviceBreakNeitherLinesNorColumns)
     }
 }
 
-TEST(DeviceTableTest, OnlyColoursTheWholeOfARow)
+TEST(DeviceTextTableTest, OnlyColoursTheWholeOfARow)
 {
-    DeviceTable table = DeviceTable::Snapshot();
+    DeviceTextTable table = DeviceTextTable::Snapshot();
     table.Add(Device(Message(Kind::Bye, "press")), Style::Left);
     const Lines plain = table.Lines(None);
     const Lines coloured = table.Lines(Colours(true));

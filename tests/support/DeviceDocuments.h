@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DeviceMessage.h"
+#include "Inventory/DeviceMessage.h"
 
 #include <string>
 
@@ -22,9 +22,9 @@ inline std::string Document(const std::string& name,
 }
 
 /// A device with the interfaces 02:..:01 at 10.0.0.1 and 02:..:02 at 10.0.0.2.
-inline Zent::Discovery::Console::DeviceMessage Message(Zent::Discovery::Console::DeviceMessage::MessageKind kind,
-                                                       const std::string& name,
-                                                       const std::string& members = "")
+inline Zent::Discovery::Inventory::DeviceMessage Message(Zent::Discovery::Inventory::DeviceMessage::MessageKind kind,
+                                                         const std::string& name,
+                                                         const std::string& members = "")
 {
     return {kind, R"({"Host":{"HostName":")" + name + R"(",)" + members + R"("NICs":[)" +
                       Nic("02:00:00:00:00:01", "10.0.0.1") + "," + Nic("02:00:00:00:00:02", "10.0.0.2") + "]}}"};

@@ -1,11 +1,11 @@
-#include "Wildcard.h"
+#include "Inventory/Wildcard.h"
 
 #include "AsciiCase.h"
 
 #include <cstddef>
 #include <utility>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 namespace
 {
@@ -67,4 +67,4 @@ bool Wildcard::Matches(std::string_view text) const
     }
     return pattern.find_first_not_of('*', inPattern) == std::string::npos;
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

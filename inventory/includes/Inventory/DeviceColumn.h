@@ -1,24 +1,19 @@
 #pragma once
 
-#include "Device.h"
+#include "Inventory/Device.h"
 
-#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// One of the columns in which devices are shown, and by which they are sorted and filtered.
 struct DeviceColumn
 {
-    using TimePoint = DeviceMessage::Clock::time_point;
+    using TimePoint = DeviceMessage::TimePoint;
 
-    const char* Name;  // as users write it
-    const char* Title; // above the column
-    std::size_t UsualWidth;
-    std::size_t MaximumWidth; // a device with endless texts must not break the table of the others
-    int LeftOutAs;            // where a terminal is narrow: the first, the second; 0 when it always stays
+    const char* Name; // as users write it
 
     /// As the device sent it, unfit for a terminal. Ages count up to now.
     std::string (*Text)(const Device& device, TimePoint now);
@@ -34,4 +29,4 @@ struct DeviceColumn
     /// All names, for a message to the user.
     static std::string Names();
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "Device.h"
+#include "Inventory/Device.h"
 
 #include <cstddef>
 #include <optional>
 #include <vector>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// The devices heard of so far, in the order of their first message.
-class Inventory final
+class DeviceList final
 {
 public:
     /// Adds the device, or puts the newer knowledge in the place of the older, which is returned.
@@ -22,9 +22,9 @@ public:
 
     /// Forgets devices that said Bye before that time, and as many of those heard of least recently as are more than
     /// maximum.
-    void Forget(DeviceMessage::Clock::time_point byeBefore, std::size_t maximum);
+    void Forget(DeviceMessage::TimePoint byeBefore, std::size_t maximum);
 
 private:
     std::vector<Device> devices;
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

@@ -1,4 +1,4 @@
-#include "DeviceDifferences.h"
+#include "Inventory/DeviceDifferences.h"
 
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
@@ -12,7 +12,7 @@ using Nfx::System::String;
 using Zent::Utils::Json::JSONArray;
 using Zent::Utils::Json::JSONObject;
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 namespace
 {
@@ -183,4 +183,4 @@ std::vector<Difference> DeviceDifferences::Between(const Device& before, const D
     }
     return std::move(comparison.Found);
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

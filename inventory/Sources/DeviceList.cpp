@@ -1,11 +1,11 @@
-#include "Inventory.h"
+#include "Inventory/DeviceList.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
-std::optional<Device> Inventory::Add(Device device)
+std::optional<Device> DeviceList::Add(Device device)
 {
     const auto known = std::ranges::find_if(devices, [&device](const Device& each) { return each.IsSameAs(device); });
     if (known == devices.end())
@@ -16,18 +16,18 @@ std::optional<Device> Inventory::Add(Device device)
     return std::exchange(*known, std::move(device));
 }
 
-const std::vector<Device>& Inventory::Devices() const
+const std::vector<Device>& DeviceList::Devices() const
 {
     return devices;
 }
 
-const Device* Inventory::Find(const Device& device) const
+const Device* DeviceList::Find(const Device& device) const
 {
     const auto found = std::ranges::find_if(devices, [&device](const Device& each) { return each.IsSameAs(device); });
     return found == devices.end() ? nullptr : &*found;
 }
 
-void Inventory::Forget(DeviceMessage::Clock::time_point byeBefore, std::size_t maximum)
+void DeviceList::Forget(DeviceMessage::TimePoint byeBefore, std::size_t maximum)
 {
     std::erase_if(devices, [byeBefore](const Device& each) {
         return each.Message.Kind == DeviceMessage::MessageKind::Bye && each.Message.Received < byeBefore;
@@ -37,4 +37,4 @@ void Inventory::Forget(DeviceMessage::Clock::time_point byeBefore, std::size_t m
         devices.erase(std::ranges::min_element(devices, {}, [](const Device& each) { return each.Message.Received; }));
     }
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

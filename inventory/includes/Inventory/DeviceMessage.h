@@ -3,7 +3,7 @@
 #include <chrono>
 #include <string>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// What the library reported: a message from a device, as the library's JSON document.
 struct DeviceMessage
@@ -16,11 +16,11 @@ struct DeviceMessage
     };
 
     /// Of the wall, which unlike a steady clock goes on while the computer sleeps.
-    using Clock = std::chrono::system_clock;
+    using TimePoint = std::chrono::system_clock::time_point;
 
     MessageKind Kind;
     std::string Document;
-    Clock::time_point Received = Clock::now();
+    TimePoint Received = {};
 
     const char* KindName() const
     {
@@ -35,4 +35,4 @@ struct DeviceMessage
         }
     }
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

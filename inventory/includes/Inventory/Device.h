@@ -1,12 +1,12 @@
 #pragma once
 
-#include "DeviceMessage.h"
+#include "Inventory/DeviceMessage.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// What one message told about a device. All texts are as the device sent them, unfit for a terminal.
 class Device final
@@ -27,7 +27,7 @@ public:
         std::string Version;
     };
 
-    /// @throws Nfx::System::Exception when the document is not one of the library's.
+    /// @throws std::invalid_argument with the reason when the document is not one of the library's; std::bad_alloc.
     explicit Device(DeviceMessage message);
 
     /// The interface that the message came from, or else the first one; without text when there is none.
@@ -50,6 +50,8 @@ public:
     std::vector<Product> Products;
 
 private:
+    void Read();
+
     std::vector<Interface> interfaces; // the one that the message came from first
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// Brings an address that the user wrote, and the library has accepted, into the form of the library's documents, so
 /// that the two can be compared.
@@ -18,4 +18,4 @@ public:
     /// 192.168.001.020 becomes 192.168.1.20.
     static std::string IP(std::string_view text);
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

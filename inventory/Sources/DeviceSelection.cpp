@@ -1,11 +1,9 @@
-#include "DeviceSelection.h"
-
-#include "TerminalText.h"
+#include "Inventory/DeviceSelection.h"
 
 #include <algorithm>
 #include <stdexcept>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 namespace
 {
@@ -19,6 +17,11 @@ const DeviceColumn* ColumnNamed(const std::string& name)
     return column;
 }
 } // namespace
+
+DeviceSelection::DeviceSelection(Show show)
+    : show(show)
+{
+}
 
 void DeviceSelection::AddFilter(const std::string& text)
 {
@@ -45,17 +48,18 @@ void DeviceSelection::AddOrder(const std::string& text)
 
 bool DeviceSelection::Accepts(const Device& device, DeviceColumn::TimePoint now) const
 {
-    return std::ranges::all_of(filters, [&device, now](const Filter& each) {
-        return each.Pattern.Matches(TerminalText::Plain(each.Column->Text(device, now))) == each.Wanted;
+    return std::ranges::all_of(filters, [this, &device, now](const Filter& each) {
+        const std::string text = each.Column->Text(device, now);
+        return each.Pattern.Matches(show == nullptr ? text : show(text)) == each.Wanted;
     });
 }
 
-std::vector<const Device*> DeviceSelection::Of(const std::vector<Device>& devices) const
+std::vector<const Device*> DeviceSelection::Of(const std::vector<Device>& devices, DeviceColumn::TimePoint now) const
 {
     std::vector<const Device*> accepted;
     for (const Device& device : devices)
     {
-        if (Accepts(device))
+        if (Accepts(device, now))
         {
             accepted.push_back(&device);
         }
@@ -85,4 +89,4 @@ bool DeviceSelection::IsBefore(const Device& left, const Device& right) const
     }
     return false;
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

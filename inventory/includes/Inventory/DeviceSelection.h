@@ -1,17 +1,24 @@
 #pragma once
 
-#include "DeviceColumn.h"
-#include "Wildcard.h"
+#include "Inventory/DeviceColumn.h"
+#include "Inventory/Wildcard.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// Which devices the user wants to see, and in which order.
 class DeviceSelection final
 {
 public:
+    /// How the text of a column is shown.
+    using Show = std::string (*)(std::string_view text);
+
+    /// Patterns are held against what show makes of a text, or against the text as the device sent it without one.
+    explicit DeviceSelection(Show show = nullptr);
+
     /// Adds a condition: COLUMN=PATTERN or COLUMN!=PATTERN.
     /// @throws std::invalid_argument with what is wrong, for the user.
     void AddFilter(const std::string& text);
@@ -20,11 +27,11 @@ public:
     /// @throws std::invalid_argument with what is wrong, for the user.
     void AddOrder(const std::string& text);
 
-    /// Whether the device meets all conditions. Patterns are held against what a table without limits shows.
-    bool Accepts(const Device& device, DeviceColumn::TimePoint now = DeviceMessage::Clock::now()) const;
+    /// Whether the device meets all conditions; ages count up to now.
+    bool Accepts(const Device& device, DeviceColumn::TimePoint now) const;
 
     /// The accepted ones of the devices in the wanted order, as far as there is one. They must outlive the result.
-    std::vector<const Device*> Of(const std::vector<Device>& devices) const;
+    std::vector<const Device*> Of(const std::vector<Device>& devices, DeviceColumn::TimePoint now) const;
 
 private:
     struct Filter
@@ -42,7 +49,8 @@ private:
 
     bool IsBefore(const Device& left, const Device& right) const;
 
+    Show show;
     std::vector<Filter> filters;
     std::vector<Order> orders;
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

@@ -1,15 +1,29 @@
-#include "DeviceColumn.h"
+#include "Inventory/DeviceColumn.h"
 
-#include "NaturalOrder.h"
-#include "TimeText.h"
+#include "Inventory/NaturalOrder.h"
 
 #include <algorithm>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 namespace
 {
 using TimePoint = DeviceColumn::TimePoint;
+
+/// How long ago that was, in one unit: 59 s, 59 min, 23 h, 400 d. A time to come is 0 s ago.
+std::string AgeText(TimePoint::duration age)
+{
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(age).count();
+    if (seconds < 60)
+    {
+        return std::to_string(seconds < 0 ? 0 : seconds) + " s";
+    }
+    if (seconds < 3600)
+    {
+        return std::to_string(seconds / 60) + " min";
+    }
+    return seconds < 86400 ? std::to_string(seconds / 3600) + " h" : std::to_string(seconds / 86400) + " d";
+}
 
 std::string HostName(const Device& device, TimePoint /*now*/)
 {
@@ -58,7 +72,7 @@ std::string LastMessage(const Device& device, TimePoint /*now*/)
 
 std::string Age(const Device& device, TimePoint now)
 {
-    return TimeText::Age(now - device.Message.Received);
+    return AgeText(now - device.Message.Received);
 }
 
 template <std::string (*Text)(const Device&, TimePoint)>
@@ -79,15 +93,15 @@ bool IsYounger(const Device& left, const Device& right)
 }
 
 constexpr DeviceColumn Columns[] = {
-    {"name", "HOST NAME", 16, 40, 0, &HostName, &IsNaturallyBefore<&HostName>},
-    {"type", "TYPE", 10, 24, 4, &Type, &IsNaturallyBefore<&Type>},
-    {"family", "FAMILY", 8, 24, 2, &Family, &IsNaturallyBefore<&Family>},
-    {"serial", "SERIAL", 10, 24, 3, &SerialNumber, &IsNaturallyBefore<&SerialNumber>},
-    {"mac", "MAC", 17, 17, 5, &MACAddress, &IsBeforeByMAC},
-    {"ip", "IP", 15, 15, 0, &IPAddress, &IsNaturallyBefore<&IPAddress>},
-    {"products", "PRODUCTS", 30, 80, 1, &Products, &IsNaturallyBefore<&Products>},
-    {"message", "LAST MESSAGE", 12, 12, 0, &LastMessage, &IsNaturallyBefore<&LastMessage>},
-    {"age", "AGE", 6, 8, 0, &Age, &IsYounger},
+    {"name", &HostName, &IsNaturallyBefore<&HostName>},
+    {"type", &Type, &IsNaturallyBefore<&Type>},
+    {"family", &Family, &IsNaturallyBefore<&Family>},
+    {"serial", &SerialNumber, &IsNaturallyBefore<&SerialNumber>},
+    {"mac", &MACAddress, &IsBeforeByMAC},
+    {"ip", &IPAddress, &IsNaturallyBefore<&IPAddress>},
+    {"products", &Products, &IsNaturallyBefore<&Products>},
+    {"message", &LastMessage, &IsNaturallyBefore<&LastMessage>},
+    {"age", &Age, &IsYounger},
 };
 } // namespace
 
@@ -112,4 +126,4 @@ std::string DeviceColumn::Names()
     }
     return names;
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Inventory
 {
 /// A pattern for whole texts, in which * stands for any characters and ? for one. ASCII letters match in either case.
 class Wildcard final
@@ -16,4 +16,4 @@ public:
 private:
     std::string pattern;
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Inventory
