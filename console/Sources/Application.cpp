@@ -6,8 +6,9 @@
 #include "InventoryDiffCommand.h"
 #include "InventoryShowCommand.h"
 #include "RequestCommand.h"
-#include "ServerSession.h"
 #include "WatchCommand.h"
+
+using Zent::Discovery::Programs::HostSession;
 
 namespace Zent::Discovery::Console
 {
@@ -27,16 +28,22 @@ ExitStatus Application::Run()
     case Options::CommandName::InventoryShow:
         return InventoryShowCommand(options.File, options.Selection).Run(output);
     case Options::CommandName::Error:
-        return ErrorCommand(options.ErrorCode).Run(DiscoveryLibrary(options.Library), output);
+        return ErrorCommand(options.ErrorCode).Run(HostSession::Load(options.Session.Library), output);
     default:
-        return RunWithServer(DiscoveryLibrary(options.Library));
+        return RunWithServer();
     }
 }
 
-ExitStatus Application::RunWithServer(const DiscoveryLibrary& library)
+ExitStatus Application::RunWithServer()
 {
-    ServerSession session(library, options, messages);
-    const ExitStatus status = MakeCommand()->Run(session, output);
+    using Kind = Inventory::DeviceMessage::MessageKind;
+    const auto queue = [this](Kind kind) {
+        return [this, kind](const std::string& document) {
+            messages.Push({kind, document, std::chrono::system_clock::now()});
+        };
+    };
+    HostSession session(options.Session, {queue(Kind::Signature), queue(Kind::Hello), queue(Kind::Bye)});
+    const ExitStatus status = MakeCommand()->Run(session.Requests(), messages, output);
     session.Close();
     return status;
 }
@@ -59,7 +66,8 @@ std::unique_ptr<ICommand> Application::MakeCommand() const
     case Options::CommandName::Configure:
         return std::make_unique<ConfigureCommand>(wait, options.File);
     default:
-        return std::make_unique<DiscoverCommand>(wait, options.ExpectedDevices, options.Selection, options.LogFile);
+        return std::make_unique<DiscoverCommand>(wait, options.ExpectedDevices, options.Selection,
+                                                 options.Session.LogFile);
     }
 }
 } // namespace Zent::Discovery::Console

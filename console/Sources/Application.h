@@ -1,6 +1,5 @@
 #pragma once
 
-#include "DiscoveryLibrary.h"
 #include "ExitStatus.h"
 #include "ICommand.h"
 #include "MessageQueue.h"
@@ -22,7 +21,7 @@ public:
     ExitStatus Run();
 
 private:
-    ExitStatus RunWithServer(const DiscoveryLibrary& library);
+    ExitStatus RunWithServer();
     std::unique_ptr<ICommand> MakeCommand() const;
 
     const Options& options;

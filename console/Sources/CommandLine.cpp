@@ -39,12 +39,12 @@ std::string ReadErrorCode(const std::string& text, int& code)
     return "";
 }
 
-int ReadLogLevel(const std::string& text)
+DiscoveryLogLevel ReadLogLevel(const std::string& text)
 {
-    static const std::map<std::string, int> Levels = {{"critical", DiscoveryLogCritical},
-                                                      {"standard", DiscoveryLogStandard},
-                                                      {"debug", DiscoveryLogDebug},
-                                                      {"none", DiscoveryLogNone}};
+    static const std::map<std::string, DiscoveryLogLevel> Levels = {{"critical", DiscoveryLogCritical},
+                                                                    {"standard", DiscoveryLogStandard},
+                                                                    {"debug", DiscoveryLogDebug},
+                                                                    {"none", DiscoveryLogNone}};
     const auto found = Levels.find(CLI::detail::to_lower(text));
     if (found == Levels.end())
     {
@@ -73,20 +73,21 @@ public:
 private:
     void AddGlobalOptions()
     {
-        options.Library = HostPlatform::DefaultLibraryPath();
-        options.LogFile = HostPlatform::DefaultLogPath();
-        options.LogLevel = DiscoveryLogCritical;
-        app.add_option("--library", options.Library, "the library to load")->capture_default_str();
-        app.add_option("--log", options.LogFile, "the log file to continue")->capture_default_str();
+        options.Session.Library = HostPlatform::DefaultLibraryPath();
+        options.Session.LogFile = HostPlatform::DefaultLogPath();
+        options.Session.LogLevel = DiscoveryLogCritical;
+        app.add_option("--library", options.Session.Library, "the library to load")->capture_default_str();
+        app.add_option("--log", options.Session.LogFile, "the log file to continue")->capture_default_str();
         app.add_option_function<std::string>(
-               "--log-level", [this](const std::string& text) { options.LogLevel = ReadLogLevel(text); },
+               "--log-level", [this](const std::string& text) { options.Session.LogLevel = ReadLogLevel(text); },
                "critical, standard, debug or none; critical without it")
             ->type_name("LEVEL");
-        app.add_option("--from", options.LocalAddresses, "a local address to send broadcasts from; may be repeated")
+        app.add_option("--from", options.Session.LocalAddresses,
+                       "a local address to send broadcasts from; may be repeated")
             ->type_name("IP")
             ->allow_extra_args(false);
         app.add_option_function<std::string>(
-               "--min-version", [this](const std::string& text) { options.MinimumVersion = text; },
+               "--min-version", [this](const std::string& text) { options.Session.MinimumVersion = text; },
                "drop messages of older protocol versions")
             ->type_name("VERSION");
         AddSeconds(app, "--wait", options.Wait, "how long to wait for devices; 2 seconds without it, watch without end",

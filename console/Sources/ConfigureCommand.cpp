@@ -7,7 +7,6 @@
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "Output.h"
-#include "ServerSession.h"
 #include "TextFile.h"
 #include "system/Exception.h"
 
@@ -34,15 +33,35 @@ std::string Normal(const std::string& text)
     return result == "0.0.0.0" ? "" : result;
 }
 
-bool Agrees(const std::optional<std::string>& wanted, const std::string& shown)
+bool Agrees(const std::string& wanted, const std::string& shown)
 {
-    return !wanted || Normal(*wanted) == Normal(shown);
+    return Normal(wanted) == Normal(shown);
 }
 
-std::optional<std::string> OptionalText(const JSONObject& object, const char* key)
+std::string Text(const JSONObject& object, const char* key)
 {
+    return std::string(object.GetString(key).View());
+}
+
+NICSettings SettingsOf(const JSONObject& object)
+{
+    NICSettings settings{Text(object, "FriendlyName"), Text(object, "MACAddress"), Text(object, "IPAddress"),
+                         Text(object, "SubNetMask"), Text(object, "DefaultGateway")};
     String text;
-    return object.TryGetString(key, text) ? std::optional(std::string(text.View())) : std::nullopt;
+    if (object.TryGetString("MTU", text))
+    {
+        settings.MTU = std::string(text.View());
+    }
+    return settings;
+}
+
+/// An interface may keep an MTU that the settings do not tell.
+bool Shows(const Device& device, const NICSettings& settings)
+{
+    const Device::Interface* const found = device.FindMAC(AddressText::MAC(settings.MACAddress));
+    return found != nullptr && Agrees(settings.IPAddress, found->IPAddress) &&
+           Agrees(settings.SubNetMask, found->SubNetMask) && Agrees(settings.DefaultGateway, found->DefaultGateway) &&
+           (settings.MTU == NICSettings().MTU || settings.MTU == found->MTU);
 }
 } // namespace
 
@@ -52,19 +71,18 @@ ConfigureCommand::ConfigureCommand(std::chrono::milliseconds wait, std::string f
 {
 }
 
-ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
+ExitStatus ConfigureCommand::Run(DiscoverySession& session, MessageQueue& messages, Output& output)
 {
-    const std::string configurations = TextFile::Read(file);
-    AllSettings missing = Read(configurations);
-    session.ChangeIPConfigurations(configurations);
-    for (const Settings& interface : missing)
+    std::vector<NICSettings> missing = Read();
+    session.ChangeClientsIPConfigurations(missing);
+    for (const NICSettings& interface : missing)
     {
         session.RefreshClient(interface.MACAddress); // a device need not announce its new settings by itself
     }
 
     DeviceList done;
     DeviceReader reader(
-        session.Messages(), [&output](const std::string& text) { output.Complain(text); }, wait);
+        messages, [&output](const std::string& text) { output.Complain(text); }, wait);
     while (!missing.empty())
     {
         const std::optional<Device> device = reader.Next();
@@ -72,12 +90,7 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
         {
             break;
         }
-        const auto isShown = [&device](const Settings& interface) {
-            const Device::Interface* const found = device->FindMAC(interface.MACAddress);
-            return found != nullptr && found->IPAddress == interface.IPAddress &&
-                   Agrees(interface.SubNetMask, found->SubNetMask) &&
-                   Agrees(interface.DefaultGateway, found->DefaultGateway) && Agrees(interface.MTU, found->MTU);
-        };
+        const auto isShown = [&device](const NICSettings& interface) { return Shows(*device, interface); };
         if (device->Message.Kind == DeviceMessage::MessageKind::Signature && std::erase_if(missing, isShown) > 0)
         {
             done.Add(*device);
@@ -87,28 +100,25 @@ ExitStatus ConfigureCommand::Run(ServerSession& session, Output& output)
     {
         output.Show(DeviceSelection().Of(done.Devices(), {}));
     }
-    for (const Settings& interface : missing)
+    for (const NICSettings& interface : missing)
     {
-        output.Complain(interface.MACAddress + " has not taken the settings with the address " + interface.IPAddress);
+        output.Complain(AddressText::MAC(interface.MACAddress) + " has not taken the settings with the address " +
+                        AddressText::IP(interface.IPAddress));
     }
     return reader.IsInterrupted() ? ExitStatus::Interrupted
            : missing.empty()      ? ExitStatus::Success
                                   : ExitStatus::NoAnswer;
 }
 
-ConfigureCommand::AllSettings ConfigureCommand::Read(const std::string& configurations) const
+std::vector<NICSettings> ConfigureCommand::Read() const
 {
-    AllSettings interfaces;
+    std::vector<NICSettings> interfaces;
     try
     {
-        const JSONArray array{String(std::string_view(configurations))};
+        const JSONArray array{String(std::string_view(TextFile::Read(file)))};
         for (std::int32_t i = 0; i < array.Length(); ++i)
         {
-            const JSONObject object = array.GetJSONObject(i);
-            interfaces.push_back({AddressText::MAC(object.GetString("MACAddress").View()),
-                                  AddressText::IP(object.GetString("IPAddress").View()),
-                                  OptionalText(object, "SubNetMask"), OptionalText(object, "DefaultGateway"),
-                                  OptionalText(object, "MTU")});
+            interfaces.push_back(SettingsOf(array.GetJSONObject(i)));
         }
     }
     catch (const Nfx::System::Exception&)

@@ -3,7 +3,6 @@
 #include "ICommand.h"
 
 #include <chrono>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,22 +16,10 @@ public:
     ConfigureCommand(std::chrono::milliseconds wait, std::string file);
 
     /// @throws std::runtime_error when the file cannot be read or holds something else.
-    ExitStatus Run(ServerSession& session, Output& output) override;
+    ExitStatus Run(DiscoverySession& session, MessageQueue& messages, Output& output) override;
 
 private:
-    /// What an interface is to become; what is not given may stay as it is.
-    struct Settings
-    {
-        std::string MACAddress;
-        std::string IPAddress;
-        std::optional<std::string> SubNetMask;
-        std::optional<std::string> DefaultGateway;
-        std::optional<std::string> MTU;
-    };
-
-    using AllSettings = std::vector<Settings>;
-
-    AllSettings Read(const std::string& configurations) const;
+    std::vector<NICSettings> Read() const;
 
     const std::chrono::milliseconds wait;
     const std::string file;

@@ -3,7 +3,6 @@
 #include "DeviceReader.h"
 #include "Inventory/DeviceList.h"
 #include "Output.h"
-#include "ServerSession.h"
 
 #include <cstdio>
 #include <string>
@@ -45,12 +44,12 @@ DiscoverCommand::DiscoverCommand(std::chrono::milliseconds wait,
 {
 }
 
-ExitStatus DiscoverCommand::Run(ServerSession& session, Output& output)
+ExitStatus DiscoverCommand::Run(DiscoverySession& session, MessageQueue& messages, Output& output)
 {
     session.Discover();
     DeviceList inventory;
     DeviceReader reader(
-        session.Messages(), [&output](const std::string& text) { output.Complain(text); }, wait);
+        messages, [&output](const std::string& text) { output.Complain(text); }, wait);
     const MessageQueue::TimePoint start = std::chrono::steady_clock::now();
     std::size_t accepted = 0;
     while (!reader.IsOver() && (expectedDevices == 0 || accepted < expectedDevices))

@@ -25,7 +25,7 @@ public:
                     Inventory::DeviceSelection selection,
                     std::string logFile);
 
-    ExitStatus Run(ServerSession& session, Output& output) override;
+    ExitStatus Run(DiscoverySession& session, MessageQueue& messages, Output& output) override;
 
 private:
     ExitStatus Conclude(const Inventory::DeviceList& inventory, std::size_t shown, Output& output) const;

@@ -1,6 +1,5 @@
 #include "ErrorCommand.h"
 
-#include "DiscoveryLibrary.h"
 #include "Json/JSONStringer.h"
 #include "Output.h"
 
@@ -31,11 +30,11 @@ ErrorCommand::ErrorCommand(int code)
 {
 }
 
-ExitStatus ErrorCommand::Run(const DiscoveryLibrary& library, Output& output) const
+ExitStatus ErrorCommand::Run(const DiscoveryFunctions& library, Output& output) const
 {
     // The library's answer for a number that is none of its codes.
     static constexpr std::string_view Unknown = "Unable to retrieve error message!";
-    const std::string text = library.ErrorText(code);
+    const std::string text = library.TextOf(code);
     if (text == Unknown)
     {
         output.Complain(text);

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "DiscoverySession.h"
 #include "ExitStatus.h"
 
 namespace Zent::Discovery::Console
 {
-class DiscoveryLibrary;
 class Output;
 
 /// Prints the library's text of a result code.
@@ -13,7 +13,7 @@ class ErrorCommand final
 public:
     explicit ErrorCommand(int code);
 
-    ExitStatus Run(const DiscoveryLibrary& library, Output& output) const;
+    ExitStatus Run(const DiscoveryFunctions& library, Output& output) const;
 
 private:
     const int code;

@@ -22,8 +22,5 @@ public:
 
     /// Empty when it is not set.
     static std::string EnvironmentVariable(const char* name);
-
-    /// Frees a text of the library's GetErrorMessage; null is allowed.
-    static void FreeErrorText(char* text);
 };
 } // namespace Zent::Discovery::Console

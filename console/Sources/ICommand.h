@@ -1,11 +1,12 @@
 #pragma once
 
+#include "DiscoverySession.h"
 #include "ExitStatus.h"
 
 namespace Zent::Discovery::Console
 {
+class MessageQueue;
 class Output;
-class ServerSession;
 
 /// One of the program's commands, ready to run.
 class ICommand
@@ -13,7 +14,8 @@ class ICommand
 public:
     virtual ~ICommand() = default;
 
-    /// @throws CallFailure when the library refuses.
-    virtual ExitStatus Run(ServerSession& session, Output& output) = 0;
+    /// messages is where the session's messages come.
+    /// @throws DiscoveryError when the library refuses.
+    virtual ExitStatus Run(DiscoverySession& session, MessageQueue& messages, Output& output) = 0;
 };
 } // namespace Zent::Discovery::Console

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "Inventory/DeviceSelection.h"
+#include "Programs/HostSession.h"
 #include "TerminalText.h"
 
 #include <chrono>
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace Zent::Discovery::Console
 {
@@ -29,11 +29,7 @@ struct Options
 
     CommandName Command = CommandName::Discover;
 
-    std::string Library;
-    std::string LogFile;
-    int LogLevel = 0;
-    std::vector<std::string> LocalAddresses; // to send from; empty for the system's choice
-    std::optional<std::string> MinimumVersion;
+    Programs::HostSession::Settings Session;
     std::optional<std::chrono::milliseconds> Wait;
     bool Json = false;
 

@@ -3,7 +3,6 @@
 #include "DeviceReader.h"
 #include "Inventory/AddressText.h"
 #include "Output.h"
-#include "ServerSession.h"
 
 #include <utility>
 
@@ -51,12 +50,13 @@ RequestCommand::RequestCommand(
 
 RequestCommand RequestCommand::Refresh(std::chrono::milliseconds wait, const std::string& macAddress)
 {
-    return {wait, [=](ServerSession& session) { session.RefreshClient(macAddress); }, OwnsMAC(macAddress), &Always, ""};
+    return {wait, [=](DiscoverySession& session) { session.RefreshClient(macAddress); }, OwnsMAC(macAddress), &Always,
+            ""};
 }
 
 RequestCommand RequestCommand::Reach(std::chrono::milliseconds wait, const std::string& ipAddress)
 {
-    return {wait, [=](ServerSession& session) { session.ReachClient(ipAddress); }, OwnsIP(ipAddress), &Always, ""};
+    return {wait, [=](DiscoverySession& session) { session.ReachClient(ipAddress); }, OwnsIP(ipAddress), &Always, ""};
 }
 
 // A device need not announce its new name by itself, so each rename is followed by the question for it.
@@ -65,8 +65,8 @@ RequestCommand RequestCommand::RenameMAC(std::chrono::milliseconds wait,
                                          const std::string& newHostName,
                                          const std::string& macAddress)
 {
-    const Request send = [=](ServerSession& session) {
-        session.ChangeHostName(newHostName, macAddress);
+    const Request send = [=](DiscoverySession& session) {
+        session.ChangeClientsHostName(newHostName, macAddress);
         session.RefreshClient(macAddress);
     };
     return {wait, send, OwnsMAC(macAddress), IsNamed(newHostName), NameRefused};
@@ -76,19 +76,19 @@ RequestCommand RequestCommand::RenameIP(std::chrono::milliseconds wait,
                                         const std::string& newHostName,
                                         const std::string& ipAddress)
 {
-    const Request send = [=](ServerSession& session) {
-        session.ChangeHostNameWithIP(newHostName, ipAddress);
+    const Request send = [=](DiscoverySession& session) {
+        session.ChangeClientsHostNameWithIP(newHostName, ipAddress);
         session.ReachClient(ipAddress);
     };
     return {wait, send, OwnsIP(ipAddress), IsNamed(newHostName), NameRefused};
 }
 
-ExitStatus RequestCommand::Run(ServerSession& session, Output& output)
+ExitStatus RequestCommand::Run(DiscoverySession& session, MessageQueue& messages, Output& output)
 {
     send(session);
     bool hasAnswered = false;
     DeviceReader reader(
-        session.Messages(), [&output](const std::string& text) { output.Complain(text); }, wait);
+        messages, [&output](const std::string& text) { output.Complain(text); }, wait);
     while (const std::optional<Device> device = reader.Next())
     {
         if (device->Message.Kind != DeviceMessage::MessageKind::Signature || !isFromDevice(*device))

@@ -13,7 +13,7 @@ namespace Zent::Discovery::Console
 class RequestCommand final : public ICommand
 {
 public:
-    using Request = std::function<void(ServerSession& session)>;
+    using Request = std::function<void(DiscoverySession& session)>;
     using Condition = std::function<bool(const Inventory::Device& device)>;
 
     /// Waits for a signature that isFromDevice and isDone accept. failure is the complaint about a device that answers
@@ -32,7 +32,7 @@ public:
                                    const std::string& newHostName,
                                    const std::string& ipAddress);
 
-    ExitStatus Run(ServerSession& session, Output& output) override;
+    ExitStatus Run(DiscoverySession& session, MessageQueue& messages, Output& output) override;
 
 private:
     const std::chrono::milliseconds wait;

@@ -5,7 +5,6 @@
 #include "LiveWatchView.h"
 #include "Output.h"
 #include "PlainWatchView.h"
-#include "ServerSession.h"
 
 #include <algorithm>
 #include <iostream>
@@ -34,17 +33,17 @@ WatchCommand::WatchCommand(std::optional<std::chrono::milliseconds> time,
 {
 }
 
-ExitStatus WatchCommand::Run(ServerSession& session, Output& output)
+ExitStatus WatchCommand::Run(DiscoverySession& session, MessageQueue& messages, Output& output)
 {
     const Terminal terminal(Terminal::Stream::Output);
-    return Watch(session, *MakeView(terminal, output));
+    return Watch(session, messages, *MakeView(terminal, output));
 }
 
-ExitStatus WatchCommand::Watch(ServerSession& session, IWatchView& view) const
+ExitStatus WatchCommand::Watch(DiscoverySession& session, MessageQueue& messages, IWatchView& view) const
 {
     DeviceList inventory;
     DeviceReader reader(
-        session.Messages(), [&view](const std::string& text) { view.Complain(text); }, time);
+        messages, [&view](const std::string& text) { view.Complain(text); }, time);
     MessageQueue::TimePoint nextRefresh = std::chrono::steady_clock::now();
     MessageQueue::TimePoint nextQuestion = nextRefresh;
     while (!reader.IsOver())

@@ -22,10 +22,10 @@ public:
                  std::optional<std::chrono::milliseconds> interval,
                  Inventory::DeviceSelection selection);
 
-    ExitStatus Run(ServerSession& session, Output& output) override;
+    ExitStatus Run(DiscoverySession& session, MessageQueue& messages, Output& output) override;
 
 private:
-    ExitStatus Watch(ServerSession& session, IWatchView& view) const;
+    ExitStatus Watch(DiscoverySession& session, MessageQueue& messages, IWatchView& view) const;
     std::unique_ptr<IWatchView> MakeView(const Terminal& terminal, Output& output) const;
 
     const std::optional<std::chrono::milliseconds> time;

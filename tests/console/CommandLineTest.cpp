@@ -27,9 +27,9 @@ TEST(CommandLineTest, OptionsMayStandBeforeAndBehindTheCommand)
     EXPECT_EQ(options->Command, Options::CommandName::Rename);
     EXPECT_EQ(options->NewHostName, "press 4");
     EXPECT_EQ(options->MACAddress, "0:1:2:3:4:5");
-    EXPECT_EQ(options->LocalAddresses, (std::vector<std::string>{"10.0.0.1", "10.0.1.1"}));
+    EXPECT_EQ(options->Session.LocalAddresses, (std::vector<std::string>{"10.0.0.1", "10.0.1.1"}));
     EXPECT_EQ(options->Wait, 250ms);
-    EXPECT_EQ(options->LogLevel, 3);
+    EXPECT_EQ(options->Session.LogLevel, DiscoveryLogDebug);
     EXPECT_TRUE(options->Json);
 }
 

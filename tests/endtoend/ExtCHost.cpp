@@ -16,7 +16,8 @@
 namespace
 {
 using Arguments = std::vector<std::string>;
-using Zent::Discovery::Console::DiscoveryLibrary;
+using Zent::Discovery::DiscoveryFunctions;
+using Zent::Discovery::DiscoveryLibrary;
 
 void Print(const std::string& line)
 {
@@ -73,14 +74,14 @@ Call Setter(int(DISCOVERY_EXTC_CALL* function)(TCallback), TCallback callback)
     };
 }
 
-std::map<std::string, Call> Calls(const DiscoveryLibrary& library)
+std::map<std::string, Call> Calls(const DiscoveryFunctions& library)
 {
     return {{"Initialize",
              [&library](const Arguments& arguments) {
                  return std::to_string(library.Initialize(Text(arguments, 1), std::stoi(arguments.at(2))));
              }},
             {"GetErrorMessage",
-             [&library](const Arguments& arguments) { return library.ErrorText(std::stoi(arguments.at(1))); }},
+             [&library](const Arguments& arguments) { return library.TextOf(std::stoi(arguments.at(1))); }},
             {"Terminate", NoTexts(library.Terminate)},
             {"StartServer", NoTexts(library.StartServer)},
             {"StopServer", NoTexts(library.StopServer)},
@@ -117,7 +118,7 @@ int main(int argc, char* argv[])
         std::cerr << "usage: extc-host LIBRARY\n";
         return 2;
     }
-    const DiscoveryLibrary library(argv[1]);
+    const DiscoveryFunctions library = DiscoveryLibrary(argv[1]).Functions();
     const std::map<std::string, Call> calls = Calls(library);
     for (std::string line; std::getline(std::cin, line);)
     {

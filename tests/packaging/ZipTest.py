@@ -15,8 +15,8 @@ class ZipTest(TestCase):
             archive.extractall(self.folder)
         root = self.folder / package.stem
         for file in (
-            "include/DiscoveryServer.ExtC.h", "include/DiscoverySession.h", "lib/libDiscoveryServer.ExtC.dll.a",
-            "README.md", "copyright", "docs/getting-started.md", "samples/example.c", "bindings/python/sample.py",
+            "include/DiscoveryServer.ExtC.h", "include/DiscoveryLibrary.h", "include/DiscoverySession.h",
+            "lib/libDiscoveryServer.ExtC.dll.a", "README.md", "copyright", "docs/getting-started.md", "samples/example.c", "bindings/python/sample.py",
             "tools/wireshark/discovery.lua",
         ):  # fmt: skip
             self.assertTrue((root / file).is_file(), file)

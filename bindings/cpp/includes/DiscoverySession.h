@@ -23,14 +23,75 @@ extern "C" __declspec(dllimport) void __stdcall CoTaskMemFree(void* memory);
 /// The library DiscoveryServer.ExtC for C++17 and later: this header and the C header are all there is to it.
 namespace Zent::Discovery
 {
+/// The library's functions: those that the program is linked to, or those of a library loaded at run time.
+struct DiscoveryFunctions
+{
+    /// The functions that the program is linked to. Who does not call it need not be linked to the library.
+    static const DiscoveryFunctions& Linked()
+    {
+        static const DiscoveryFunctions functions = {&::Initialize,
+                                                     &::Terminate,
+                                                     &::StartServer,
+                                                     &::StopServer,
+                                                     &::GetErrorMessage,
+                                                     &::Discover,
+                                                     &::ChangeClientsIPConfigurations,
+                                                     &::ChangeClientsHostName,
+                                                     &::ChangeClientsHostNameWithIP,
+                                                     &::RefreshClient,
+                                                     &::ReachClient,
+                                                     &::SetClientSignatureReceivedEventCallBack,
+                                                     &::SetHelloMessageReceivedEventCallBack,
+                                                     &::SetByeMessageReceivedEventCallBack,
+                                                     &::InitBroadcastProvider,
+                                                     &::SetMinCompatibleVersion};
+        return functions;
+    }
+
+    /// The library's text of a code. Any thread.
+    std::string TextOf(int resultCode) const
+    {
+        const std::unique_ptr<char, void (*)(char*)> text(GetErrorMessage(resultCode), &Free);
+        return text == nullptr ? "no memory is left for the text" : text.get();
+    }
+
+    decltype(&::Initialize) Initialize;
+    decltype(&::Terminate) Terminate;
+    decltype(&::StartServer) StartServer;
+    decltype(&::StopServer) StopServer;
+    decltype(&::GetErrorMessage) GetErrorMessage;
+    decltype(&::Discover) Discover;
+    decltype(&::ChangeClientsIPConfigurations) ChangeClientsIPConfigurations;
+    decltype(&::ChangeClientsHostName) ChangeClientsHostName;
+    decltype(&::ChangeClientsHostNameWithIP) ChangeClientsHostNameWithIP;
+    decltype(&::RefreshClient) RefreshClient;
+    decltype(&::ReachClient) ReachClient;
+    decltype(&::SetClientSignatureReceivedEventCallBack) SetClientSignatureReceivedEventCallBack;
+    decltype(&::SetHelloMessageReceivedEventCallBack) SetHelloMessageReceivedEventCallBack;
+    decltype(&::SetByeMessageReceivedEventCallBack) SetByeMessageReceivedEventCallBack;
+    decltype(&::InitBroadcastProvider) InitBroadcastProvider;
+    decltype(&::SetMinCompatibleVersion) SetMinCompatibleVersion;
+
+private:
+    static void Free(char* text)
+    {
+#if defined(_WIN32)
+        CoTaskMemFree(text);
+#else
+        std::free(text);
+#endif
+    }
+};
+
 /// A call that the library has refused. Nothing has changed unless the call says otherwise.
 class DiscoveryError : public std::runtime_error
 {
 public:
     /// Takes the text of the code from the library.
-    DiscoveryError(const char* function, int resultCode)
-        : std::runtime_error(std::string(function) + " failed: " + TextOf(resultCode) + " (code " + Show(resultCode) +
-                             ")")
+    DiscoveryError(const std::string& function,
+                   int resultCode,
+                   const DiscoveryFunctions& library = DiscoveryFunctions::Linked())
+        : std::runtime_error(function + " failed: " + library.TextOf(resultCode) + " (code " + Show(resultCode) + ")")
         , code(resultCode)
     {
     }
@@ -38,12 +99,8 @@ public:
     /// The library's code, such as DiscoveryError::InvalidFormat.
     int Code() const noexcept { return code; }
 
-    /// The library's text of a code.
-    static std::string TextOf(int resultCode)
-    {
-        const std::unique_ptr<char, void (*)(char*)> text(GetErrorMessage(resultCode), &Free);
-        return text == nullptr ? "no memory is left for the text" : text.get();
-    }
+    /// The text of a code, of the library that the program is linked to.
+    static std::string TextOf(int resultCode) { return DiscoveryFunctions::Linked().TextOf(resultCode); }
 
     /// Codes that a host meets; there are others, too.
     enum : int
@@ -59,15 +116,6 @@ public:
     };
 
 private:
-    static void Free(char* text)
-    {
-#if defined(_WIN32)
-        CoTaskMemFree(text);
-#else
-        std::free(text);
-#endif
-    }
-
     static std::string Show(int resultCode)
     {
         char text[16];
@@ -106,15 +154,22 @@ public:
     /// Opens the log, which is continued; missing folders are created. The server is not started yet.
     /// @throws DiscoveryError when the log cannot be opened or another session is open.
     explicit DiscoverySession(const std::string& log, DiscoveryLogLevel level = DiscoveryLogStandard)
-        : logPath(Checked(log))
+        : DiscoverySession(DiscoveryFunctions::Linked(), log, level)
+    {
+    }
+
+    /// The same with the functions of a library loaded at run time, as DiscoveryLibrary.h loads it; it must stay
+    /// loaded.
+    DiscoverySession(const DiscoveryFunctions& functions,
+                     const std::string& log,
+                     DiscoveryLogLevel level = DiscoveryLogStandard)
+        : library(functions)
+        , logPath(Checked(log))
         , logLevel(level)
     {
         RefuseInHandler("Initialize");
         const std::lock_guard<std::mutex> lifeCycle(Shared().LifeCycle);
-        if (Shared().Current != nullptr)
-        {
-            throw DiscoveryError("Initialize", DiscoveryError::InvalidOperation);
-        }
+        Check("Initialize", Shared().Current == nullptr ? 0 : static_cast<int>(DiscoveryError::InvalidOperation));
         Open();
         Shared().Current = this;
     }
@@ -156,7 +211,7 @@ public:
         {
             return;
         }
-        ChangeOrReopen("StartServer", &StartServer);
+        ChangeOrReopen("StartServer", library.StartServer);
         isStarted = true;
     }
 
@@ -168,7 +223,7 @@ public:
         const std::lock_guard<std::mutex> lifeCycle(Shared().LifeCycle);
         CheckOpen("StopServer");
         isStarted = false;
-        ChangeOrReopen("StopServer", &StopServer);
+        ChangeOrReopen("StopServer", library.StopServer);
     }
 
     /// Stops the server and closes the log; does nothing when the session is closed. Returns after a running handler
@@ -181,37 +236,34 @@ public:
         {
             return;
         }
-        const int code = Terminate();
+        const int code = library.Terminate();
         if (code != 0)
         {
             SetOpen(true);
-            throw DiscoveryError("Terminate", code);
+            throw DiscoveryError("Terminate", code, library);
         }
         Forget();
     }
 
     /// Asks every device for its signature.
-    void Discover()
-    {
-        Request("Discover", [] { return ::Discover(); });
-    }
+    void Discover() { Request("Discover", library.Discover); }
 
     /// Asks the device that owns a MAC address, such as 00:1A:2B:3C:4D:5E, for its signature.
-    void RefreshClient(const std::string& macAddress) { Request("RefreshClient", &::RefreshClient, macAddress); }
+    void RefreshClient(const std::string& macAddress) { Request("RefreshClient", library.RefreshClient, macAddress); }
 
     /// Asks the device at an IP address for its signature.
-    void ReachClient(const std::string& ipAddress) { Request("ReachClient", &::ReachClient, ipAddress); }
+    void ReachClient(const std::string& ipAddress) { Request("ReachClient", library.ReachClient, ipAddress); }
 
     /// Tells the device that owns a MAC address to take a new host name.
     void ChangeClientsHostName(const std::string& newHostName, const std::string& macAddress)
     {
-        Request("ChangeClientsHostName", &::ChangeClientsHostName, newHostName, macAddress);
+        Request("ChangeClientsHostName", library.ChangeClientsHostName, newHostName, macAddress);
     }
 
     /// Tells the device at an IP address to take a new host name; at 255.255.255.255 every device takes it.
     void ChangeClientsHostNameWithIP(const std::string& newHostName, const std::string& ipAddress)
     {
-        Request("ChangeClientsHostNameWithIP", &::ChangeClientsHostNameWithIP, newHostName, ipAddress);
+        Request("ChangeClientsHostNameWithIP", library.ChangeClientsHostNameWithIP, newHostName, ipAddress);
     }
 
     /// Tells devices to configure their network interfaces anew: each takes what bears its MAC addresses.
@@ -225,7 +277,7 @@ public:
                 ",\"IPAddress\":" + Quoted(nic.IPAddress) + ",\"SubNetMask\":" + Quoted(nic.SubNetMask) +
                 ",\"DefaultGateway\":" + Quoted(nic.DefaultGateway) + ",\"MTU\":" + Quoted(nic.MTU) + "}");
         }
-        Request("ChangeClientsIPConfigurations", &::ChangeClientsIPConfigurations, Array(objects));
+        Request("ChangeClientsIPConfigurations", library.ChangeClientsIPConfigurations, Array(objects));
     }
 
     /// Makes every broadcast leave once from each of these IP addresses of this machine, until the next call or Stop.
@@ -237,14 +289,14 @@ public:
         {
             texts.push_back(Quoted(address));
         }
-        Request("InitBroadcastProvider", &::InitBroadcastProvider, Array(texts));
+        Request("InitBroadcastProvider", library.InitBroadcastProvider, Array(texts));
     }
 
     /// Drops messages of protocol versions older than this, such as 1.0.18; 0.0 takes all. Holds for the process, for
     /// later sessions too.
     void SetMinCompatibleVersion(const std::string& version)
     {
-        Request("SetMinCompatibleVersion", &::SetMinCompatibleVersion, version);
+        Request("SetMinCompatibleVersion", library.SetMinCompatibleVersion, version);
     }
 
 private:
@@ -351,11 +403,11 @@ private:
 
     void Open()
     {
-        Check("Initialize", Initialize(logPath.c_str(), logLevel));
+        Check("Initialize with the log " + logPath, library.Initialize(logPath.c_str(), logLevel));
         // Initialized, these cannot fail.
-        SetClientSignatureReceivedEventCallBack(&Receive<&Handlers::Signature>);
-        SetHelloMessageReceivedEventCallBack(&Receive<&Handlers::Hello>);
-        SetByeMessageReceivedEventCallBack(&Receive<&Handlers::Bye>);
+        library.SetClientSignatureReceivedEventCallBack(&Receive<&Handlers::Signature>);
+        library.SetHelloMessageReceivedEventCallBack(&Receive<&Handlers::Hello>);
+        library.SetByeMessageReceivedEventCallBack(&Receive<&Handlers::Bye>);
         SetOpen(true);
     }
 
@@ -374,9 +426,9 @@ private:
         {
             return;
         }
-        const DiscoveryError error(name, code);
+        const DiscoveryError error(name, code, library);
         SetOpen(false);
-        if (Terminate() != 0)
+        if (library.Terminate() != 0)
         {
             SetOpen(true);
             throw error;
@@ -402,10 +454,7 @@ private:
     void CheckOpen(const char* function)
     {
         const std::lock_guard<std::mutex> lock(requestLock);
-        if (!isOpen)
-        {
-            throw DiscoveryError(function, DiscoveryError::InvalidOperation);
-        }
+        Check(function, isOpen ? 0 : static_cast<int>(DiscoveryError::InvalidOperation));
     }
 
     template <class TFunction, class... TTexts>
@@ -416,21 +465,18 @@ private:
         Check(name, isOpen ? function(texts.c_str()...) : static_cast<int>(DiscoveryError::InvalidOperation));
     }
 
-    static void Check(const char* function, int code)
+    void Check(const std::string& function, int code) const
     {
         if (code != 0)
         {
-            throw DiscoveryError(function, code);
+            throw DiscoveryError(function, code, library);
         }
     }
 
     // The library refuses these, too, but not before our own lock is taken, whose owner may wait for the handler.
-    static void RefuseInHandler(const char* function)
+    void RefuseInHandler(const char* function) const
     {
-        if (IsInHandler())
-        {
-            throw DiscoveryError(function, DiscoveryError::InvalidOperation);
-        }
+        Check(function, IsInHandler() ? static_cast<int>(DiscoveryError::InvalidOperation) : 0);
     }
 
     static const std::string& Checked(const std::string& text)
@@ -473,6 +519,7 @@ private:
         return json + '"';
     }
 
+    const DiscoveryFunctions library; // constant after construction
     const std::string logPath;        // constant after construction
     const DiscoveryLogLevel logLevel; // constant after construction
     bool isStarted = false;           // guarded by State::LifeCycle

@@ -39,9 +39,4 @@ std::string HostPlatform::EnvironmentVariable(const char* name)
     const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing changes the environment
     return value == nullptr ? "" : value;
 }
-
-void HostPlatform::FreeErrorText(char* text)
-{
-    std::free(text);
-}
 } // namespace Zent::Discovery::Console

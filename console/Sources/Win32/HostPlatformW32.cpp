@@ -1,13 +1,9 @@
 #include "HostPlatform.h"
 
-// clang-format off
-#include <windows.h>
-#include <objbase.h>
-// clang-format on
-
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <windows.h>
 
 namespace Zent::Discovery::Console
 {
@@ -60,10 +56,5 @@ std::string HostPlatform::EnvironmentVariable(const char* name)
 {
     const char* const value = std::getenv(name);
     return value == nullptr ? "" : value;
-}
-
-void HostPlatform::FreeErrorText(char* text)
-{
-    CoTaskMemFree(text);
 }
 } // namespace Zent::Discovery::Console
