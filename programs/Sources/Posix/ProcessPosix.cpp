@@ -16,13 +16,14 @@ void Process::PrepareStreams()
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-void Process::WaitForEndOfInput()
+std::size_t Process::ReadSome(std::span<char> buffer)
 {
-    char buffer[256];
+    std::signal(SIGTTIN, SIG_IGN); // in the background of a terminal, reading fails instead of stopping the process
     ssize_t size = 0;
     do
     {
-        size = read(STDIN_FILENO, buffer, sizeof(buffer));
-    } while (size > 0 || (size < 0 && errno == EINTR));
+        size = read(STDIN_FILENO, buffer.data(), buffer.size());
+    } while (size < 0 && errno == EINTR);
+    return size > 0 ? static_cast<std::size_t>(size) : 0;
 }
 } // namespace Zent::Discovery::Programs

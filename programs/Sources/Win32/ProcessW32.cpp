@@ -45,13 +45,11 @@ void Process::PrepareStreams()
     SetConsoleOutputCP(CP_UTF8);
 }
 
-void Process::WaitForEndOfInput()
+std::size_t Process::ReadSome(std::span<char> buffer)
 {
-    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-    char buffer[256];
     DWORD size = 0;
-    while (ReadFile(input, buffer, sizeof(buffer), &size, nullptr) && size > 0)
-    {
-    }
+    const BOOL isRead =
+        ReadFile(GetStdHandle(STD_INPUT_HANDLE), buffer.data(), static_cast<DWORD>(buffer.size()), &size, nullptr);
+    return isRead ? size : 0;
 }
 } // namespace Zent::Discovery::Programs

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,8 +20,15 @@ public:
     /// Lets standard output show UTF-8, and makes writing to a closed pipe an error instead of the end of the program.
     static void PrepareStreams();
 
-    /// Returns when standard input has ended; what comes before is dropped. Does not hold the standard streams' locks,
-    /// so the process may end meanwhile. Any thread.
-    static void WaitForEndOfInput();
+    /// Calls take with each line of standard input, without its line end, until the input has ended. A program in the
+    /// background of a terminal has none. Does not hold the standard streams' locks, so the process may end meanwhile.
+    /// A line of more than MaximumLineBytes comes in pieces. Any thread, but one at a time.
+    static void ReadInput(const std::function<void(const std::string& line)>& take);
+
+    static constexpr std::size_t MaximumLineBytes = 4096;
+
+private:
+    /// Waits for more of standard input, and returns how much of the buffer it fills; 0 at the end.
+    static std::size_t ReadSome(std::span<char> buffer);
 };
 } // namespace Zent::Discovery::Programs
