@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include <charconv>
+#include <stdexcept>
 #include <string_view>
 
 namespace Zent::Discovery::Simulator
@@ -63,20 +64,40 @@ void AddDevices(CLI::App& app, SimulationOptions& options)
         ->capture_default_str();
 }
 
-void AddBehaviour(CLI::App& app, SimulationOptions& options)
+void AddBehaviour(CLI::App& app, Behaviour& behaviour)
+{
+    for (const Behaviour::Setting& setting : Behaviour::Settings())
+    {
+        const std::string option = std::string("--") + setting.Name;
+        const auto take = [&behaviour, &setting, option](const std::string& value) {
+            try
+            {
+                setting.Take(behaviour, value);
+            }
+            catch (const std::invalid_argument& error)
+            {
+                throw CLI::ValidationError(option, error.what());
+            }
+        };
+        if (*setting.Unit == '\0')
+        {
+            app.add_flag_callback(
+                option, [take] { take("on"); }, setting.Help);
+        }
+        else
+        {
+            app.add_option_function<std::string>(option, take, setting.Help)->type_name(setting.Unit);
+        }
+    }
+}
+
+void AddMessages(CLI::App& app, SimulationOptions& options)
 {
     app.add_option("--protocol-version", options.ProtocolVersion, "the version that the messages bear")
         ->type_name("VERSION")
         ->check(Readable("a version such as 1.0.18", [](const std::string& text) {
             Nfx::System::Version::Parse(Nfx::System::String(std::string_view(text)));
         }));
-    app.add_option_function<unsigned>(
-           "--delay", [&options](unsigned milliseconds) { options.Delay = std::chrono::milliseconds(milliseconds); },
-           "the time from a request to its answer")
-        ->type_name("MILLISECONDS")
-        ->check(CLI::Range(0, 600000).description(""));
-    app.add_flag_callback(
-        "--silent", [&options] { options.Answers = false; }, "answer nothing");
     app.add_flag_callback(
         "--no-hello", [&options] { options.SaysHello = false; }, "start without a Hello");
     app.add_flag_callback(
@@ -94,12 +115,15 @@ std::optional<SimulationOptions> CommandLine::Parse(const std::vector<std::strin
                                                     int& status)
 {
     CLI::App app("Simulates devices: answers requests on UDP port 12000 until it is interrupted.", "device-simulator");
+    app.footer("Lines on standard input change how the devices behave: \"loss 5%\", \"silent off\", \"kill 17\", "
+               "\"revive 17\".");
     app.allow_windows_style_options(false);
     app.failure_message(CLI::FailureMessage::simple);
     app.set_version_flag("--version", std::string("device-simulator ") + Programs::ProgramVersion);
     SimulationOptions options;
     AddDevices(app, options);
-    AddBehaviour(app, options);
+    AddMessages(app, options);
+    AddBehaviour(app, options.AtStart);
     app.add_flag("--until-eof", options.EndsWithInput, "end when standard input ends, too");
     app.add_flag("--share-port", options.SharesPort,
                  "share the port with other programs, of which one gets what is sent to a single address");

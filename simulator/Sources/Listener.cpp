@@ -9,9 +9,9 @@
 
 namespace Zent::Discovery::Simulator
 {
-Listener::Listener(DeviceNetwork& network, RequestQueue& requests)
+Listener::Listener(DeviceNetwork& network, Inbox& inbox)
     : network(network)
-    , requests(requests)
+    , inbox(inbox)
     , thread([this] { Listen(); })
 {
 }
@@ -30,7 +30,7 @@ void Listener::Listen()
         {
             if (std::optional<Request> request = network.Receive())
             {
-                requests.Push(std::move(*request));
+                inbox.Push(std::move(*request));
             }
         }
     }
@@ -47,6 +47,6 @@ void Listener::Listen()
 void Listener::Fail(std::string_view reason)
 {
     std::cerr << "device-simulator: " + std::string(reason) + "\n";
-    requests.Close();
+    inbox.Close();
 }
 } // namespace Zent::Discovery::Simulator

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "DeviceNetwork.h"
-#include "RequestQueue.h"
+#include "Inbox.h"
 
 #include <atomic>
 #include <string_view>
@@ -9,13 +9,13 @@
 
 namespace Zent::Discovery::Simulator
 {
-/// Moves what the network receives into the queue, on a thread of its own.
+/// Moves what the network receives into the inbox, on a thread of its own.
 class Listener final
 {
 public:
-    /// Listens at once. Network and queue must outlive the object. When the network fails it says so and closes the
-    /// queue.
-    Listener(DeviceNetwork& network, RequestQueue& requests);
+    /// Listens at once. Network and inbox must outlive the object. When the network fails it says so and closes the
+    /// inbox.
+    Listener(DeviceNetwork& network, Inbox& inbox);
 
     /// Waits for the thread.
     ~Listener();
@@ -28,7 +28,7 @@ private:
     void Fail(std::string_view reason);
 
     DeviceNetwork& network;
-    RequestQueue& requests;
+    Inbox& inbox;
     std::atomic<bool> stopRequested{false}; // set by the destructor, read by the thread
     std::thread thread;
 };

@@ -15,6 +15,7 @@ SimulatedDevice::SimulatedDevice(const SmartPointer<DiscoveryHost>& host,
     : host(host)
     , version(version)
     , namesSourceNIC(namesSourceNIC)
+    , signature(Say<SignatureBroadcastMessage>())
 {
 }
 
@@ -26,6 +27,11 @@ const DiscoveryHost& SimulatedDevice::Host() const
 const NICConfig& SimulatedDevice::MainInterface() const
 {
     return *host->NICs[0];
+}
+
+const Nfx::System::String& SimulatedDevice::Signature() const
+{
+    return signature;
 }
 
 bool SimulatedDevice::Obey(const DiscoveryMessage& message)
@@ -61,6 +67,7 @@ bool SimulatedDevice::TakeHostName(const ChangeYourHostNameMessage& message)
     if (!host->IsHostNameReadOnly)
     {
         host->HostName = message.NewHostName;
+        signature = Say<SignatureBroadcastMessage>();
     }
     return true;
 }
@@ -78,6 +85,10 @@ bool SimulatedDevice::TakeSettings(const ChangeYourIPConfigMessage& message)
                 isMeant = true;
             }
         }
+    }
+    if (isMeant)
+    {
+        signature = Say<SignatureBroadcastMessage>();
     }
     return isMeant;
 }

@@ -25,6 +25,9 @@ public:
     /// told to change something, because then it shows its new state.
     bool Obey(const DiscoveryMessage& message);
 
+    /// The text of its signature, as it is now; made anew only when the device changes.
+    const Nfx::System::String& Signature() const;
+
     /// The text of a message of the device, of the kind TMessage: SignatureBroadcastMessage, HelloMessage or
     /// ByeMessage.
     template <class TMessage>
@@ -43,5 +46,6 @@ private:
     const Nfx::System::SmartPointer<DiscoveryHost> host;
     const Nfx::System::Version version;
     const bool namesSourceNIC;
+    Nfx::System::String signature;
 };
 } // namespace Zent::Discovery::Simulator

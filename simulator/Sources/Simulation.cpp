@@ -8,9 +8,12 @@
 #include "Listener.h"
 #include "system/Exception.h"
 
+#include <algorithm>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 #include <system_error>
+#include <thread>
 
 using Nfx::System::Exception;
 using Nfx::System::SmartPointer;
@@ -31,12 +34,52 @@ void Complain(const std::string& text)
 {
     std::cerr << "device-simulator: " + text + "\n";
 }
+
+/// Closer to the time than a sleeping thread is woken. What is left of a wait is spent running.
+constexpr std::chrono::microseconds TimerSlack(200);
+
+void WaitUntil(std::chrono::steady_clock::time_point time)
+{
+    std::this_thread::sleep_until(time - TimerSlack);
+    while (std::chrono::steady_clock::now() < time)
+    {
+    }
+}
+
+/// The message, with a member that nobody reads, of at least so many bytes.
+String PaddedTo(std::size_t bytes, const String& text)
+{
+    static constexpr std::string_view Opening = ",\"Padding\":\"";
+    static constexpr std::string_view Closing = "\"}";
+    const std::string_view body = text.View().substr(0, text.View().size() - 1); // without the closing brace
+    const std::size_t size = body.size() + Opening.size() + Closing.size();
+    std::string padded(body);
+    padded.append(Opening).append(bytes > size ? bytes - size : 0, 'x').append(Closing);
+    return String(std::string_view(padded));
+}
+
+String Formed(const String& text, const Treatment& treatment)
+{
+    static constexpr std::size_t OversizeBytes = 60000;
+    switch (treatment.Form)
+    {
+    case Treatment::Forms::Cut:
+        return String(text.View().substr(
+            0, static_cast<std::size_t>(static_cast<double>(text.View().size()) * treatment.KeptShare)));
+    case Treatment::Forms::Padded:
+        return PaddedTo(OversizeBytes, text);
+    case Treatment::Forms::Whole:
+        break;
+    }
+    return text;
+}
 } // namespace
 
-Simulation::Simulation(const SimulationOptions& options, RequestQueue& requests, std::ostream& out)
+Simulation::Simulation(const SimulationOptions& options, Inbox& inbox, std::ostream& out)
     : options(options)
-    , requests(requests)
+    , inbox(inbox)
     , out(out)
+    , faults(options.Seed, static_cast<std::size_t>(options.Count), options.AtStart)
     , network(options.SharesPort)
 {
     const AddressPlan plan(options.Addresses, options.Network);
@@ -55,10 +98,10 @@ Simulation::Simulation(const SimulationOptions& options, RequestQueue& requests,
 
 void Simulation::Run()
 {
-    const Listener listener(network, requests);
+    const Listener listener(network, inbox);
     if (options.SaysHello)
     {
-        Announce<HelloMessage>();
+        AnnounceAll<HelloMessage>();
     }
     for (const Participant& participant : participants)
     {
@@ -67,17 +110,62 @@ void Simulation::Run()
             << Text(main.IPAddress) << '\n';
     }
     out << "ready" << std::endl;
-    while (const std::optional<Request> request = requests.Take())
-    {
-        Handle(*request);
-    }
+    Serve();
     if (options.SaysBye)
     {
-        Announce<ByeMessage>();
+        AnnounceAll<ByeMessage>();
     }
 }
 
-void Simulation::Handle(const Request& request)
+void Simulation::Serve()
+{
+    while (!inbox.IsClosed())
+    {
+        const std::optional<Clock::time_point> next = answers.Next();
+        if (const std::optional<Inbox::Entry> entry =
+                inbox.Take(next ? std::optional(*next - TimerSlack) : std::nullopt))
+        {
+            Handle(*entry);
+        }
+        if (next && *next <= Clock::now() + TimerSlack)
+        {
+            WaitUntil(*next);
+            const Delivery delivery = answers.Take();
+            Deliver(delivery, participants[delivery.Device].Device.Signature());
+        }
+    }
+}
+
+void Simulation::Handle(const Inbox::Entry& entry)
+{
+    if (const auto* const request = std::get_if<Request>(&entry))
+    {
+        Answer(*request);
+    }
+    else
+    {
+        Follow(std::get<std::string>(entry));
+    }
+}
+
+void Simulation::Follow(const std::string& line)
+{
+    try
+    {
+        const std::optional<std::size_t> revived = faults.Follow(line);
+        out << line << std::endl;
+        if (revived && options.SaysHello)
+        {
+            Announce<HelloMessage>(*revived);
+        }
+    }
+    catch (const std::invalid_argument& error)
+    {
+        Complain("standard input: " + std::string(error.what()));
+    }
+}
+
+void Simulation::Answer(const Request& request)
 {
     SmartPointer<DiscoveryMessage> message;
     try
@@ -89,11 +177,11 @@ void Simulation::Handle(const Request& request)
         Complain("unreadable message from " + Text(request.Sender) + ": " + Text(exception.GetError()));
         return;
     }
-    for (Participant& participant : participants)
+    for (std::size_t device = 0; device < participants.size(); ++device)
     {
-        if (Hears(participant, request.Destination))
+        if (Hears(participants[device], request.Destination) && IsAlive(device))
         {
-            Handle(participant, *message, request);
+            Answer(device, *message, request);
         }
     }
 }
@@ -104,9 +192,15 @@ bool Simulation::Hears(const Participant& participant, const IPAddress& destinat
            destination == participant.Device.MainInterface().IPAddress;
 }
 
-void Simulation::Handle(Participant& participant, const DiscoveryMessage& message, const Request& request)
+bool Simulation::IsAlive(std::size_t device) const
 {
-    if (!options.Answers || !participant.Device.Obey(message))
+    return faults.IsAlive(device, std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start));
+}
+
+void Simulation::Answer(std::size_t device, const DiscoveryMessage& message, const Request& request)
+{
+    Participant& participant = participants[device];
+    if (faults.Current().IsSilent || !participant.Device.Obey(message))
     {
         return;
     }
@@ -115,15 +209,42 @@ void Simulation::Handle(Participant& participant, const DiscoveryMessage& messag
         out << Text(participant.Device.MainInterface().MACAddress) << " answers " << Text(message.GetMessageType())
             << " to " << Text(request.Sender) << std::endl;
     }
-    Send(participant, participant.Device.Say<SignatureBroadcastMessage>(), request.Sender);
+    const Treatment treatment = faults.Treat(device, participant.Datagrams++);
+    answers.Add(Clock::now() + treatment.Delay,
+                {device, faults.Current().AnswersByBroadcast ? IPAddress::Broadcast() : request.Sender, treatment});
 }
 
 template <class TMessage>
-void Simulation::Announce()
+void Simulation::AnnounceAll()
 {
-    for (Participant& participant : participants)
+    for (std::size_t device = 0; device < participants.size(); ++device)
     {
-        Send(participant, participant.Device.Say<TMessage>(), IPAddress::Broadcast());
+        Announce<TMessage>(device);
+    }
+}
+
+template <class TMessage>
+void Simulation::Announce(std::size_t device)
+{
+    Participant& participant = participants[device];
+    const Treatment treatment = faults.Treat(device, participant.Datagrams++);
+    Deliver({device, IPAddress::Broadcast(), treatment}, participant.Device.Say<TMessage>());
+}
+
+void Simulation::Deliver(const Delivery& delivery, const String& text)
+{
+    const Behaviour& behaviour = faults.Current();
+    if (delivery.How.Copies == 0 || !IsAlive(delivery.Device))
+    {
+        return;
+    }
+    const bool needsPadding = text.View().size() < behaviour.SignatureBytes;
+    const String datagram = Formed(needsPadding ? PaddedTo(behaviour.SignatureBytes, text) : text, delivery.How);
+    for (unsigned copy = 0; copy < delivery.How.Copies; ++copy)
+    {
+        WaitUntil(cable.FreeAt());
+        cable.Occupy(Clock::now(), datagram.View().size(), behaviour.MegabitsPerSecond);
+        Send(participants[delivery.Device], datagram, delivery.Target);
     }
 }
 

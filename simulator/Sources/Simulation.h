@@ -1,13 +1,19 @@
 #pragma once
 
+#include "Cable.h"
 #include "DeviceNetwork.h"
-#include "RequestQueue.h"
+#include "FaultPlan.h"
+#include "Inbox.h"
 #include "SimulatedDevice.h"
 #include "SimulationOptions.h"
+#include "Timetable.h"
 #include "system/Net/IPAddress.h"
 #include "system/String.h"
 
+#include <chrono>
+#include <cstdint>
 #include <iosfwd>
+#include <string>
 #include <vector>
 
 namespace Zent::Discovery::Simulator
@@ -16,27 +22,39 @@ namespace Zent::Discovery::Simulator
 class Simulation final
 {
 public:
-    /// Options, queue and stream must outlive the simulation.
+    /// Options, inbox and stream must outlive the simulation.
     /// @throws Nfx::System::Exception when an address is malformed or the devices' port cannot be bound;
     /// std::runtime_error.
-    Simulation(const SimulationOptions& options, RequestQueue& requests, std::ostream& out);
+    Simulation(const SimulationOptions& options, Inbox& inbox, std::ostream& out);
 
-    /// Says Hello, lists the devices and a line "ready", answers requests until the queue is closed, and says Bye.
+    /// Says Hello, lists the devices and a line "ready", answers requests and follows lines until the inbox is closed,
+    /// and says Bye.
     void Run();
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     struct Participant
     {
         SimulatedDevice Device;
         Nfx::System::Net::IPAddress Address; // that it is known to be able to use
+        std::uint64_t Datagrams = 0;         // that it has sent, lost ones included
     };
 
-    void Handle(const Request& request);
-    void Handle(Participant& participant, const DiscoveryMessage& message, const Request& request);
+    void Serve();
+    void Handle(const Inbox::Entry& entry);
+    void Follow(const std::string& line);
+    void Answer(const Request& request);
+    void Answer(std::size_t device, const DiscoveryMessage& message, const Request& request);
     static bool Hears(const Participant& participant, const Nfx::System::Net::IPAddress& destination);
+    bool IsAlive(std::size_t device) const;
 
     template <class TMessage>
-    void Announce();
+    void AnnounceAll();
+    template <class TMessage>
+    void Announce(std::size_t device);
+
+    void Deliver(const Delivery& delivery, const Nfx::System::String& text);
 
     /// Sends from the address that the device was given, or from the one before when it is not one of this machine.
     void Send(Participant& participant, const Nfx::System::String& text, const Nfx::System::Net::IPAddress& target);
@@ -46,8 +64,12 @@ private:
                  const Nfx::System::Net::IPAddress& target);
 
     const SimulationOptions& options;
-    RequestQueue& requests;
+    Inbox& inbox;
     std::ostream& out;
+    const Clock::time_point start = Clock::now();
+    FaultPlan faults;
+    Timetable answers;
+    Cable cable;
     std::vector<Participant> participants;
     DeviceNetwork network;
 };

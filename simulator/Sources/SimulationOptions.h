@@ -1,6 +1,7 @@
 #pragma once
 
-#include <chrono>
+#include "Behaviour.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -16,9 +17,8 @@ struct SimulationOptions
     std::vector<std::string> Addresses;   // of the devices in order; those beyond get addresses of the network
     std::string Network = "127.0.0.10/8"; // the address of the first device, from which the others count on
 
-    std::string ProtocolVersion;        // of the messages; empty for the system's own
-    std::chrono::milliseconds Delay{0}; // from a request to its answer
-    bool Answers = true;
+    Behaviour AtStart;
+    std::string ProtocolVersion; // of the messages; empty for the system's own
     bool SaysHello = true;
     bool SaysBye = true;
     bool NamesSourceNIC = true;

@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "Inbox.h"
 #include "Programs/Interruption.h"
 #include "Programs/Process.h"
 #include "Simulation.h"
@@ -16,24 +17,31 @@ using Zent::Discovery::Programs::Process;
 namespace
 {
 /// Never destroyed: the thread that reads standard input may last until the process ends.
-RequestQueue& Requests(const SimulationOptions& options)
+Inbox& TheInbox()
 {
-    static RequestQueue& requests = *new RequestQueue(options.Delay);
-    return requests;
+    static Inbox& inbox = *new Inbox();
+    return inbox;
+}
+
+void ReadInput(bool endsWithInput)
+{
+    Process::ReadInput([](const std::string& line) {
+        if (!TheInbox().Push(line))
+        {
+            std::cerr << "device-simulator: standard input: too many lines wait, dropped \"" + line + "\"\n";
+        }
+    });
+    if (endsWithInput)
+    {
+        TheInbox().Close();
+    }
 }
 
 void Run(const SimulationOptions& options)
 {
-    RequestQueue& requests = Requests(options);
-    const Interruption interruption([&requests] { requests.Close(); });
-    Simulation simulation(options, requests, std::cout);
-    if (options.EndsWithInput)
-    {
-        std::thread([&requests] {
-            Process::WaitForEndOfInput();
-            requests.Close();
-        }).detach();
-    }
+    const Interruption interruption([] { TheInbox().Close(); });
+    Simulation simulation(options, TheInbox(), std::cout);
+    std::thread(ReadInput, options.EndsWithInput).detach();
     simulation.Run();
 }
 } // namespace

@@ -114,45 +114,6 @@ class InventoryTest(TestCase):
         self.assertIn(f"cannot read {missing}: ", errors)
 
 
-class SimulatorTest(TestCase):
-    def test_a_seed_gives_the_same_devices_however_many(self):
-        listings = []
-        for options in (["--count", "5", "--seed", "9"], ["--count", "2", "--seed", "9"], ["--seed", "10"]):
-            with Simulator("--no-hello", *options) as simulator:
-                listings.append([(device.name, device.mac, device.ip) for device in simulator.devices])
-        five, two, other = listings
-        self.assertEqual(five[:2], two)
-        self.assertEqual(len(set(five)), 5)
-        self.assertNotEqual(five[0], other[0])
-
-    def test_a_second_one_does_not_take_the_port(self):
-        with Simulator():
-            self.assert_refused(1, "port 12000 is in use by another program")
-
-    def test_wrong_arguments_are_named(self):
-        for option, value in (
-            ("--network", "foo"),
-            ("--network", "127.0.0.10"),
-            ("--network", "127.0.0.10/33"),
-            ("--address", "zz"),
-            ("--protocol-version", "1"),
-            ("--seed", "-1"),
-            ("--seed", "18446744073709551616"),
-        ):
-            with self.subTest(option, value=value):
-                self.assert_refused(2, f'{option}: "{value}" is not', option, value)
-
-    def assert_refused(self, status, text, *arguments):
-        result = subprocess.run(
-            command("device-simulator", "--until-eof", *arguments),
-            stdin=subprocess.DEVNULL,
-            capture_output=True,
-            check=False,
-        )
-        self.assertEqual((result.returncode, result.stdout), (status, b""))
-        self.assertIn(f"device-simulator: {text}", result.stderr.decode())
-
-
 class RequestTest(TestCase):
     def test_refresh_shows_the_device_that_owns_the_address(self):
         with Simulator("--count", "3") as simulator:

@@ -2,18 +2,12 @@
 
 import json
 
-from endtoend import Host, Namespace, Simulator, TestCase, main, setting
+from endtoend import Host, Simulator, TestCase, main, setting
+from networks import cabled
 
 
 class BroadcastProviderTest(TestCase):
     """Two networks of one device each."""
-
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.namespaces = [
-            cls.enterClassContext(Namespace(f"10.{number}.0.1/24", f"10.{number}.0.10/24")) for number in (1, 2)
-        ]
 
     def setUp(self):
         super().setUp()
@@ -22,10 +16,10 @@ class BroadcastProviderTest(TestCase):
                 Simulator(
                     "--count", "1", "--seed", str(number), "--network", f"10.{number}.0.10/24",
                     "--no-hello", "--verbose",
-                    namespace=namespace,
+                    machine=cabled(self, f"10.{number}.0.1/24", f"10.{number}.0.10/24"),
                 )
             )
-            for number, namespace in enumerate(self.namespaces, 1)
+            for number in (1, 2)
         ]  # fmt: skip
         self.host = self.enterContext(Host(self.folder / "log.txt"))
         self.host.initialize()

@@ -5,7 +5,8 @@ answer may do harm, and none may be lost behind the receive buffer."""
 import statistics
 import time
 
-from endtoend import Host, Namespace, Simulator, TestCase, ip, main, setting
+from endtoend import Host, Simulator, TestCase, main, setting
+from networks import cabled
 
 DEVICES = 500
 ROUNDS = 5
@@ -16,10 +17,10 @@ QUIET = 1  # seconds without an answer, after which no more will come
 class StormTest(TestCase):
     def setUp(self):
         super().setUp()
-        namespace = self.enterContext(Namespace("10.4.0.1/16", "10.4.4.10/16"))
-        ip("route", "add", "local", "10.4.4.0/22", "dev", "far", namespace=namespace)  # an address for each device
+        machine = cabled(self, "10.4.0.1/16", "10.4.4.10/16")
+        machine.own(["10.4.4.0/22"])  # an address for each device
         self.enterContext(
-            Simulator("--count", str(DEVICES), "--network", "10.4.4.10/16", "--no-hello", namespace=namespace)
+            Simulator("--count", str(DEVICES), "--network", "10.4.4.10/16", "--no-hello", machine=machine)
         )
         self.host = self.enterContext(Host(self.folder / "log.txt", level=2))
         self.host.initialize()

@@ -56,9 +56,9 @@ def launcher():
     return _settings.launcher
 
 
-def command(name, *arguments, namespace=None):
-    """The command line of one of the programs, in the network of a Namespace or in the tests' own."""
-    prefix = namespace.prefix() if namespace else []
+def command(name, *arguments, machine=None):
+    """The command line of one of the programs, on one of the machines of networks.py or in the tests' own network."""
+    prefix = machine.prefix() if machine else []
     program = str(_settings.bin / (name + _settings.suffix))
     return [*prefix, *_settings.launcher, program, *arguments]
 
@@ -149,14 +149,19 @@ class Simulator(Process):
         def __init__(self, line):
             self.name, self.mac, self.ip = line.split("\t")
 
-    def __init__(self, *arguments, namespace=None):
-        super().__init__(*command("device-simulator", "--until-eof", *arguments, namespace=namespace))
+    def __init__(self, *arguments, machine=None):
+        super().__init__(*command("device-simulator", "--until-eof", *arguments, machine=machine))
         self.devices = []
         while (line := self.line()) != "ready":
             if line is None or "\t" not in line:
                 self.end()
                 raise AssertionError(f"device-simulator: {line}")
             self.devices.append(self.Device(line))
+
+    def behave(self, line):
+        """Changes how the devices behave by a line such as "loss 5%", and waits until it holds."""
+        self.write(line)
+        self.line_with(line)
 
 
 class Host(Process):
@@ -214,41 +219,9 @@ class Host(Process):
         return self.log.read_text(errors="replace")
 
 
-class Namespace:
-    """Another network, joined to the tests' own by a cable: the tests' end has the address near, the other end far."""
-
-    _count = 0
-
-    def __init__(self, near, far):
-        Namespace._count += 1
-        self.cable = f"near{Namespace._count}"
-        self.process = subprocess.Popen(["unshare", "--net", "sleep", "infinity"])
-        own = os.readlink("/proc/self/ns/net")
-        wait_until(lambda: os.readlink(f"/proc/{self.process.pid}/ns/net") != own, "network namespace")
-        ip("link", "add", self.cable, "type", "veth", "peer", "name", "far", "netns", str(self.process.pid))
-        ip("address", "add", near, "dev", self.cable)
-        ip("link", "set", self.cable, "up")
-        for arguments in (
-            ("link", "set", "lo", "up"),
-            ("address", "add", far, "dev", "far"),
-            ("link", "set", "far", "up"),
-        ):
-            ip(*arguments, namespace=self)
-
-    def prefix(self):
-        return ["nsenter", f"--net=/proc/{self.process.pid}/ns/net"]
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        ip("link", "delete", self.cable)
-        self.process.kill()
-        self.process.wait()
-
-
-def ip(*arguments, namespace=None):
-    subprocess.run([*(namespace.prefix() if namespace else []), "ip", *arguments], check=True)
+def ip(*arguments):
+    """Changes the network that the tests run in."""
+    subprocess.run(["ip", *arguments], check=True)
 
 
 class Peer:
@@ -303,10 +276,10 @@ class TestCase(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
-    def console(self, *arguments, status=0, namespace=None):
+    def console(self, *arguments, status=0, machine=None):
         """Runs discovery-console on loopback to its end and checks its exit status."""
         result = subprocess.run(
-            command("discovery-console", *self.console_options(), *arguments, namespace=namespace),
+            command("discovery-console", *self.console_options(), *arguments, machine=machine),
             capture_output=True,
             timeout=3 * TIMEOUT,
             check=False,

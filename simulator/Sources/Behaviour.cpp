@@ -1,0 +1,119 @@
+#include "Behaviour.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+namespace Zent::Discovery::Simulator
+{
+namespace
+{
+using std::chrono::milliseconds;
+
+[[noreturn]] void Refuse(std::string_view text, const std::string& expected)
+{
+    throw std::invalid_argument('"' + std::string(text) + "\" is not " + expected);
+}
+
+template <class TNumber>
+bool TryRead(std::string_view text, TNumber& number)
+{
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end;
+}
+
+double ReadShare(std::string_view text)
+{
+    double percent = -1;
+    if (!text.ends_with('%') || !TryRead(text.substr(0, text.size() - 1), percent) || !(percent >= 0 && percent <= 100))
+    {
+        Refuse(text, "a share from 0% to 100%");
+    }
+    return percent / 100;
+}
+
+std::uint32_t ReadCount(std::string_view text, std::uint32_t maximum, const std::string& unit)
+{
+    std::uint32_t count = 0;
+    if (!TryRead(text, count) || count > maximum)
+    {
+        Refuse(text, "a number of " + unit + " from 0 to " + std::to_string(maximum));
+    }
+    return count;
+}
+
+milliseconds ReadMilliseconds(std::string_view text)
+{
+    return milliseconds(ReadCount(text, 600000, "milliseconds"));
+}
+
+milliseconds ReadSeconds(std::string_view text)
+{
+    constexpr double Maximum = 1e6;
+    double seconds = -1;
+    if (!TryRead(text, seconds) || !(seconds >= 0 && seconds <= Maximum))
+    {
+        Refuse(text, "a number of seconds from 0 to 1000000");
+    }
+    return std::chrono::round<milliseconds>(std::chrono::duration<double>(seconds));
+}
+
+std::uint32_t ReadBytes(std::string_view text)
+{
+    return ReadCount(text, 65507, "bytes");
+}
+
+std::uint32_t ReadMegabits(std::string_view text)
+{
+    return ReadCount(text, 1000000, "Mbit/s");
+}
+
+bool ReadSwitch(std::string_view text)
+{
+    if (text != "on" && text != "off")
+    {
+        Refuse(text, "on or off");
+    }
+    return text == "on";
+}
+
+template <auto Member, auto Read>
+void Take(Behaviour& behaviour, std::string_view value)
+{
+    behaviour.*Member = Read(value);
+}
+
+constexpr Behaviour::Setting AllSettings[] = {
+    {"silent", "", "answer nothing", Take<&Behaviour::IsSilent, ReadSwitch>},
+    {"by-broadcast", "", "answer by broadcast instead of to the host that asked",
+     Take<&Behaviour::AnswersByBroadcast, ReadSwitch>},
+    {"delay", "MILLISECONDS", "the time from a request to its answer", Take<&Behaviour::Delay, ReadMilliseconds>},
+    {"spread", "MILLISECONDS", "each answer comes up to this much later, by chance",
+     Take<&Behaviour::Spread, ReadMilliseconds>},
+    {"die", "SECONDS", "the devices fall silent for good so long after the start",
+     Take<&Behaviour::DiesAfter, ReadSeconds>},
+    {"size", "BYTES", "pad signatures to this size", Take<&Behaviour::SignatureBytes, ReadBytes>},
+    {"speed", "MBIT", "the speed of the cable that they all send through; 0 is no limit",
+     Take<&Behaviour::MegabitsPerSecond, ReadMegabits>},
+    {"loss", "SHARE", "the share of what they send that is lost, such as 5%", Take<&Behaviour::Loss, ReadShare>},
+    {"duplicate", "SHARE", "the share that is sent twice", Take<&Behaviour::Duplicate, ReadShare>},
+    {"malformed", "SHARE", "the share that breaks off before its end", Take<&Behaviour::Malformed, ReadShare>},
+    {"oversize", "SHARE", "the share that is larger than a host expects", Take<&Behaviour::Oversize, ReadShare>},
+};
+} // namespace
+
+std::span<const Behaviour::Setting> Behaviour::Settings()
+{
+    return AllSettings;
+}
+
+const Behaviour::Setting* Behaviour::FindSetting(std::string_view name)
+{
+    const auto* const found =
+        std::ranges::find(AllSettings, name, [](const Setting& setting) { return std::string_view(setting.Name); });
+    return found == std::end(AllSettings) ? nullptr : found;
+}
+} // namespace Zent::Discovery::Simulator

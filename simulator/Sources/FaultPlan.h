@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Behaviour.h"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace Zent::Discovery::Simulator
+{
+/// What happens to one datagram of a device.
+struct Treatment
+{
+    enum class Forms
+    {
+        Whole,
+        Cut,   // after KeptShare of its bytes
+        Padded // beyond what a host's first receive buffer holds
+    };
+
+    std::chrono::microseconds Delay{0}; // from the request
+    unsigned Copies = 1;                // 0 when it is lost
+    Forms Form = Forms::Whole;
+    double KeptShare = 1;
+};
+
+/// Decides what goes wrong, and when. Chance comes from the seed, the device's number and how many datagrams the device
+/// has sent before; so the same requests get the same answers, and a larger share loses what a smaller one did and
+/// more. It has no clock: times are passed in. Main thread only.
+class FaultPlan final
+{
+public:
+    FaultPlan(std::uint64_t seed, std::size_t deviceCount, const Behaviour& behaviour);
+
+    const Behaviour& Current() const;
+
+    /// Follows a line such as "loss 5%", a setting and its value, or "kill 17", where the first device has the
+    /// number 1. Returns the index of the device that it has revived, if any.
+    /// @throws std::invalid_argument with what is wrong with the line, which then changes nothing.
+    std::optional<std::size_t> Follow(std::string_view line);
+
+    /// Whether the device works, so long after the start.
+    bool IsAlive(std::size_t device, std::chrono::milliseconds sinceStart) const;
+
+    /// What happens to the datagram that the device sends after that many earlier ones.
+    Treatment Treat(std::size_t device, std::uint64_t earlierDatagrams) const;
+
+private:
+    enum class Fates
+    {
+        Open,
+        Killed,
+        Revived // and outlasts the time when all die
+    };
+
+    std::size_t ReadDevice(std::string_view text) const;
+
+    const std::uint64_t seed;
+    std::vector<Fates> fates; // by device
+    Behaviour behaviour;
+};
+} // namespace Zent::Discovery::Simulator

@@ -1,0 +1,157 @@
+"""What the simulated devices send, heard by nothing but a socket."""
+
+import json
+import socket
+import subprocess
+import time
+
+from endtoend import DEVICE_PORT, SERVER_PORT, Simulator, TestCase, command, main, setting, wait_until
+from networks import cabled
+
+QUESTION = json.dumps(
+    {"DiscoveryMessageType": "AllSendYourSignature", "DiscoveryVersion": "1.0.18", "Broadcast": "True"}
+).encode()
+SO_RCVBUFFORCE = 33
+PATIENCE = 3  # seconds to wait for the first answer
+QUIET = 0.5  # seconds without an answer, after which no more will come
+
+
+class Asker:
+    """A host that asks all devices, from a local address, and loses no answer."""
+
+    def __init__(self, address="127.0.0.1"):
+        self.receiving = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.receiving.setsockopt(socket.SOL_SOCKET, SO_RCVBUFFORCE, 64 * 2**20)
+        self.receiving.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        self.receiving.bind(("", SERVER_PORT))
+        self.sending = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.sending.setsockopt(socket.SOL_SOCKET, socket.SO_BROADCAST, 1)
+        self.sending.bind((address, 0))
+
+    def ask(self):
+        """Each answer with the address of its device; in seconds, how long after the first one the last one came."""
+        self.sending.sendto(QUESTION, ("255.255.255.255", DEVICE_PORT))
+        answers = []
+        first = last = time.monotonic()
+        self.receiving.settimeout(PATIENCE)
+        while True:
+            try:
+                data, (address, _) = self.receiving.recvfrom(65536)
+            except TimeoutError:
+                return answers, last - first
+            last = time.monotonic()
+            first = first if answers else last
+            answers.append((address, data))
+            self.receiving.settimeout(QUIET)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.receiving.close()
+        self.sending.close()
+
+
+class SimulatorTest(TestCase):
+    def test_a_seed_gives_the_same_devices_however_many(self):
+        listings = []
+        for options in (["--count", "5", "--seed", "9"], ["--count", "2", "--seed", "9"], ["--seed", "10"]):
+            with Simulator("--no-hello", *options) as simulator:
+                listings.append([(device.name, device.mac, device.ip) for device in simulator.devices])
+        five, two, other = listings
+        self.assertEqual(five[:2], two)
+        self.assertEqual(len(set(five)), 5)
+        self.assertNotEqual(five[0], other[0])
+
+    def test_a_second_one_does_not_take_the_port(self):
+        with Simulator():
+            self.assert_refused(1, "port 12000 is in use by another program")
+
+    def test_wrong_arguments_are_named(self):
+        for option, value in (
+            ("--network", "foo"),
+            ("--network", "127.0.0.10"),
+            ("--network", "127.0.0.10/33"),
+            ("--address", "zz"),
+            ("--protocol-version", "1"),
+            ("--seed", "-1"),
+            ("--seed", "18446744073709551616"),
+            ("--loss", "5"),
+            ("--malformed", "101%"),
+            ("--spread", "1e3"),
+            ("--die", "-1"),
+            ("--size", "65508"),
+            ("--speed", "fast"),
+        ):
+            with self.subTest(option, value=value):
+                self.assert_refused(2, f'{option}: "{value}" is not', option, value)
+
+    def assert_refused(self, status, text, *arguments):
+        result = subprocess.run(
+            command("device-simulator", "--until-eof", *arguments),
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            check=False,
+        )
+        self.assertEqual((result.returncode, result.stdout), (status, b""))
+        self.assertIn(f"device-simulator: {text}", result.stderr.decode())
+
+
+class FaultTest(TestCase):
+    def test_a_thousand_answers_come_at_the_pace_of_a_cable_and_a_seed_loses_the_same_again(self):
+        count = 100 if setting("suffix") else 1000  # Wine opens a socket for each address
+        machine = cabled(self, "10.4.0.1/16", "10.4.4.1/16")
+        machine.own(["10.4.4.0/22"])
+        options = ["--count", str(count), "--network", "10.4.4.1/16", "--no-hello", "--no-bye"]
+        options += ["--speed", "1000", "--size", "1100", "--loss", "20%"]
+        rounds = []
+        for _ in range(2):
+            with Simulator(*options, machine=machine) as simulator, Asker("10.4.0.1") as asker:
+                simulator.behave("loss 20%")
+                some, seconds = asker.ask()
+                simulator.behave("loss 0%")
+                everything, _ = asker.ask()
+            self.assertTrue(all(len(data) == 1100 for _, data in some))
+            self.assertAlmostEqual(len(some), 0.8 * count, delta=0.1 * count)
+            self.assertGreater(seconds, 0.9 * len(some) * 9.3e-6)
+            self.assertCountEqual({address for address, _ in everything}, {device.ip for device in simulator.devices})
+            rounds.append(some)
+        self.assertEqual(rounds[0], rounds[1])
+
+    def test_faults_are_switched_while_it_runs(self):
+        with Simulator("--count", "9", "--no-hello", "--no-bye") as simulator, Asker() as asker:
+            addresses = [device.ip for device in simulator.devices]
+
+            def answering():
+                return sorted(address for address, _ in asker.ask()[0])
+
+            simulator.behave("kill 2")
+            self.assertEqual(answering(), sorted(set(addresses) - {addresses[1]}))
+            simulator.behave("revive 2")
+            simulator.behave("duplicate 100%")
+            self.assertEqual(answering(), sorted(2 * addresses))
+            simulator.behave("duplicate 0%")
+            simulator.behave("malformed 100%")
+            for _, data in asker.ask()[0]:
+                self.assertRaises(ValueError, json.loads, data)
+            simulator.behave("malformed 0%")
+            simulator.behave("oversize 100%")
+            for _, data in asker.ask()[0]:
+                self.assertGreater(len(data), 2**15)
+                self.assertEqual(json.loads(data)["DiscoveryMessageType"], "SignatureBroadcast")
+            simulator.write("oversize 1")
+            simulator.line_with('standard input: "1" is not a share from 0% to 100%')
+            simulator.behave("silent on")
+            self.assertFalse(answering())
+
+    def test_devices_die_after_a_while_without_a_word(self):
+        with Simulator("--count", "3", "--no-hello", "--die", "3") as simulator, Asker() as asker:
+            self.assertEqual(len(asker.ask()[0]), 3)
+            wait_until(lambda: not asker.ask()[0], "silence")
+            simulator.end()
+            asker.receiving.settimeout(0)
+            self.assertRaises(BlockingIOError, asker.receiving.recv, 65536)
+
+
+if __name__ == "__main__":
+    main()
