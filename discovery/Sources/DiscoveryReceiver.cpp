@@ -61,20 +61,19 @@ std::int32_t DiscoveryReceiver::MessageSize() noexcept
 void DiscoveryReceiver::Run()
 {
     const ServiceThread mark;
-    if (!Log().Guard("Receiver failed : ending worker.", [this] { ReceiveUntilStopped(); }))
-    {
-        ReportEnd();
-    }
+    Log().Guard("Receiver failed : ending worker.", [this] { ReceiveUntilStopped(); });
+    ReportEnd();
 }
 
 void DiscoveryReceiver::ReportEnd()
 {
     // A service must not go on with a dead receiver, and nobody else would tell. So a report that fails, for want of
-    // memory mostly, is repeated until it succeeds or a stop makes it superfluous.
-    constexpr std::int32_t PauseMilliseconds = 100;
-    while (!Log().Guard("Receiver failed to report its end.", [this] { RaiseSocketClosed(); }))
+    // memory or of a thread, is repeated until it succeeds or a stop makes it superfluous. Most shortages are short.
+    constexpr std::int32_t LongestPauseMilliseconds = 500;
+    for (std::int32_t pause = 20; !Log().Guard("Receiver failed to report its end.", [this] { RaiseSocketClosed(); });
+         pause = std::min(2 * pause, LongestPauseMilliseconds))
     {
-        Thread::Sleep(PauseMilliseconds);
+        Thread::Sleep(pause);
     }
 }
 
@@ -103,7 +102,6 @@ bool DiscoveryReceiver::ReceiveOne(std::vector<std::uint8_t>& buffer, IPEndPoint
     catch (const ObjectClosedException& exception)
     {
         Log().Write("The socket has been closed : ending worker.", exception);
-        RaiseSocketClosed();
         return false;
     }
     return HandOver(buffer.data(), count, sender);
@@ -135,18 +133,16 @@ bool DiscoveryReceiver::GoesOnAfter(const SocketException& exception)
         return !IsStopRequested();
     case SocketError::Interrupted:
         Log().Write("The socket has been closed : ending worker.", exception);
-        break;
+        return false;
     case SocketError::Shutdown:
         Log().Write("The socket has been shut down : ending worker.", exception);
-        break;
+        return false;
     case SocketError::NotSocket:
         Log().Write("Socket error : Operation attempted on a non-socket object.", exception);
-        break;
+        return false;
     default:
         Log().Write("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
-        break;
+        return false;
     }
-    RaiseSocketClosed();
-    return false;
 }
 } // namespace Zent::Discovery

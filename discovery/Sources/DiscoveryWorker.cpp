@@ -114,11 +114,6 @@ Event<EventArgs>& DiscoveryWorker::StopAsked()
     return stopAsked;
 }
 
-bool DiscoveryWorker::HasLostSocket() const noexcept
-{
-    return lostSocket;
-}
-
 IDiscoverySocket& DiscoveryWorker::Socket() const
 {
     return *socket;
@@ -126,12 +121,10 @@ IDiscoverySocket& DiscoveryWorker::Socket() const
 
 void DiscoveryWorker::RaiseSocketClosed()
 {
-    if (stopRequested)
+    if (!stopRequested)
     {
-        return;
+        socketClosed.Raise(this, EventArgs::Empty());
     }
-    lostSocket = true;
-    socketClosed.Raise(this, EventArgs::Empty());
 }
 
 bool DiscoveryWorker::IsStopRequested() const noexcept

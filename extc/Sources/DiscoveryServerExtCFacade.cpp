@@ -63,7 +63,7 @@ void RefuseOnServiceThread(const char* operation)
 
 void StopBody()
 {
-    DiscoveryServerFacade::Instance()->Server().StopIfRunning(&HostEventRelay::Unsubscribe);
+    DiscoveryServerFacade::Instance()->Server().StopIfRunning();
 }
 
 SmartPointer<BroadcastProviderWin32::AddressList> ParseAddresses(const String& text)
@@ -103,7 +103,7 @@ std::int32_t Initialize(const char* logPath, std::int32_t logLevel)
         LogStreamLevel level(LogStreamLevel::None);
         level = logLevel;
         const SmartPointer<ExtCCallBacks> callBacks(new ExtCCallBacks());
-        DiscoveryServerFacade::Instance();
+        DiscoveryServerFacade::InstanceThatCanStart();
         DiscoveryLogger::GetInstance().Init(TextOf(logPath), level); // the last step that can fail
         ExtCCallBacks::Install(callBacks);
     });

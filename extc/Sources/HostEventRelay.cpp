@@ -6,14 +6,12 @@
 
 namespace Zent::Discovery::ExtC
 {
-using Nfx::System::Event;
 using Nfx::System::MakeDelegate;
 using Nfx::System::Object;
 using Nfx::System::String;
 using Server::ByeMessageReceivedEventArgs;
 using Server::ClientSignatureReceivedEventArgs;
 using Server::DiscoveryHostSerializer;
-using Server::DiscoveryServerTaskProcessor;
 using Server::HelloMessageReceivedEventArgs;
 using Server::HostEventArgs;
 using Server::HostRegistrations;
@@ -48,15 +46,6 @@ void OnByeMessageReceived(Object*, const ByeMessageReceivedEventArgs& args)
 {
     Relay(&ExtCCallBacks::ByeMessageReceived, args);
 }
-
-template <class TEventArgs>
-void RemoveAll(Event<TEventArgs>& event, void (*relay)(Object*, const TEventArgs&))
-{
-    const auto handler = MakeDelegate(relay);
-    while (event.Remove(handler))
-    {
-    }
-}
 } // namespace
 
 HostRegistrations HostEventRelay::Relays()
@@ -66,12 +55,5 @@ HostRegistrations HostEventRelay::Relays()
     relays.HelloMessageReceived.Add(MakeDelegate(&OnHelloMessageReceived));
     relays.ByeMessageReceived.Add(MakeDelegate(&OnByeMessageReceived));
     return relays;
-}
-
-void HostEventRelay::Unsubscribe(DiscoveryServerTaskProcessor& taskProcessor)
-{
-    RemoveAll(taskProcessor.ClientSignatureReceived(), &OnClientSignatureReceived);
-    RemoveAll(taskProcessor.HelloMessageReceived(), &OnHelloMessageReceived);
-    RemoveAll(taskProcessor.ByeMessageReceived(), &OnByeMessageReceived);
 }
 } // namespace Zent::Discovery::ExtC

@@ -12,8 +12,5 @@ public:
 
     /// One relay for each event.
     static Server::HostRegistrations Relays();
-
-    /// Removes every relay that was added.
-    static void Unsubscribe(Server::DiscoveryServerTaskProcessor& taskProcessor);
 };
 } // namespace Zent::Discovery::ExtC

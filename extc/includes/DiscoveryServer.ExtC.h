@@ -46,7 +46,8 @@
  *                 10  ArgumentOutOfRange
  *                 27  OutOfMemory
  *                 30  InvalidOperation    not initialized, already initialized, or not allowed within a callback
- *                 41  NullPointer         a request while the server is not started, or while it restarts itself
+ *                 41  NullPointer         a request while the server is not started, or while it restarts itself: then
+ *                                         repeat it later, without StartServer
  *                 73  Socket              the network refused, for instance because UDP port 12001 is taken
  *         0xC0090109  Resource not found  a JSON document lacks a required member
  *         0xC0090114  Invalid Format      a text is not the JSON, MAC address, IP address or version that it should
@@ -144,11 +145,13 @@ extern "C"
 
     /**
      * Binds UDP port 12001 and starts the threads of the server. When the network fails later on, the server restarts
-     * itself and keeps the callbacks and the broadcast provider.
+     * itself and keeps the callbacks and the broadcast provider. Requests return 41 meanwhile; the answer to that is to
+     * wait, not StartServer: the restart may be through at that moment.
      *
      * @return 0, also when the server runs already. Do not start a running server: each callback would then be called
-     *         twice for each message, until the next StopServer. 30 within a callback. After any other code call
-     *         Terminate and Initialize before the next StartServer.
+     *         twice for each message, until the next StopServer. 30 within a callback. While a restart waits for the
+     *         port, 0 means that the server has been started instead of it, and 73 that the restart goes on waiting.
+     *         After any other code, and otherwise after 73, call Terminate and Initialize before the next StartServer.
      */
     DISCOVERY_EXTC_API int DISCOVERY_EXTC_CALL StartServer(void);
 

@@ -8,13 +8,9 @@
 #include "Server/SendSendYourSignatureAction.h"
 #include "system/Threading/Lock.h"
 
-#include <algorithm>
-#include <utility>
-
 namespace Zent::Discovery::Server
 {
 using Nfx::System::EventArgs;
-using Nfx::System::Exception;
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
 using Nfx::System::SmartPointer;
@@ -23,20 +19,6 @@ using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Net::IPAddress;
 using Nfx::System::Net::Sockets::Socket;
 using Nfx::System::Threading::Lock;
-
-namespace
-{
-constexpr std::chrono::milliseconds RestartPace{1000};
-constexpr std::int32_t FirstRetryDelayMilliseconds = 20; // most shortages are short
-constexpr std::int32_t RetryDelayMilliseconds = 1000;
-constexpr std::int32_t LongestRetryDelayMilliseconds = 10000;
-
-SmartPointer<IDiscoverySocket> OpenSocket()
-{
-    const SmartPointer<DiscoveryPorts>& ports = DiscoveryPorts::GetInstance();
-    return SmartPointer<IDiscoverySocket>(new DiscoverySocketUdpClient(ports->ServerPort(), ports->ClientPort()));
-}
-} // namespace
 
 /// The components of a server that is gone, whose threads could not be ended.
 struct DiscoveryServer::Leftovers final
@@ -49,7 +31,7 @@ struct DiscoveryServer::Leftovers final
 DiscoveryServer::DiscoveryServer()
     : log("Discovery Server")
     , leftovers(new Leftovers())
-    , background(MakeDelegate(*this, &DiscoveryServer::RunBackground))
+    , restart(*this, log)
 {
 }
 
@@ -57,8 +39,9 @@ DiscoveryServer::~DiscoveryServer()
 {
     bool isStopped = false;
     log.Guard("Failed to stop what was still running", [&] {
-        const RestartBarrier barrier(*this);
+        AutomaticRestart::Cancellation cancellation(restart);
         const Lock lock(lifecycleLock);
+        cancellation.Cancel();
         state = DiscoveryServiceState::Stopping; // a loss from here on is none to restart for
         isStopped = StopLeftover(receiver);
         isStopped = StopLeftover(parser) && isStopped;
@@ -72,24 +55,16 @@ DiscoveryServer::~DiscoveryServer()
     }
 }
 
+void DiscoveryServer::Start()
+{
+    Start(HostRegistrations());
+}
+
 void DiscoveryServer::Start(const HostRegistrations& registrations)
 {
     const Lock lock(lifecycleLock);
-    {
-        // The caller brings its handlers along; of what an interrupted restart has kept only the provider is missing.
-        const Lock componentsGuard(componentsLock);
-        HostRegistrations kept;
-        kept.Provider = carriedOver.Provider;
-        carriedOver = kept;
-    }
-    StartLocked(registrations);
-}
-
-void DiscoveryServer::StartLocked(const HostRegistrations& registrations)
-{
-    log.Write(String("Starting Discovery Server service (") + DiscoveryMessage::ProtocolVersionText + ")",
-              LogStreamLevel::Critical);
-    if (state == DiscoveryServiceState::Starting || state == DiscoveryServiceState::Running)
+    LogStart();
+    if (IsStartingOrRunning())
     {
         log.Write("Server's current state : " + DiscoveryServiceState(state).ToString() + " ! -> Starting aborted.",
                   LogStreamLevel::Critical);
@@ -99,18 +74,53 @@ void DiscoveryServer::StartLocked(const HostRegistrations& registrations)
         }
         return;
     }
+    SmartPointer<IDiscoverySocket> openSocket;
+    if (restart.IsWaiting())
+    {
+        openSocket = OpenSocket(); // when it fails, the restart goes on waiting
+        restart.CarryOverProviderOnly();
+    }
+    StartLocked(openSocket, registrations);
+}
+
+bool DiscoveryServer::StartFor(const AutomaticRestart::Recovery& recovery, std::int32_t secondsToNextTry)
+{
+    const Lock lock(lifecycleLock);
+    if (recovery.IsOverWithin(0) || IsStartingOrRunning())
+    {
+        return true;
+    }
+    const SmartPointer<IDiscoverySocket> openSocket = TryOpenSocket(secondsToNextTry);
+    if (openSocket.IsNull())
+    {
+        return false;
+    }
+    LogStart();
+    StartLocked(openSocket, HostRegistrations());
+    return true;
+}
+
+void DiscoveryServer::LogStart() const
+{
+    log.Write(String("Starting Discovery Server service (") + DiscoveryMessage::ProtocolVersionText + ")",
+              LogStreamLevel::Critical);
+}
+
+bool DiscoveryServer::IsStartingOrRunning() const noexcept
+{
+    return state == DiscoveryServiceState::Starting || state == DiscoveryServiceState::Running;
+}
+
+void DiscoveryServer::StartLocked(const SmartPointer<IDiscoverySocket>& openSocket,
+                                  const HostRegistrations& registrations)
+{
     state = DiscoveryServiceState::Starting;
-    ++run;
     if (componentsMustBeCreated)
     {
-        CreateComponents(registrations);
+        CreateComponents(openSocket.IsNull() ? OpenSocket() : openSocket, registrations);
         componentsMustBeCreated = false;
     }
-    {
-        // Before the workers start: a loss while they do is one to answer, not part of the operation that ends here.
-        const Lock lock(asyncLock);
-        asyncOperationPending = false;
-    }
+    restart.Watch(); // before the threads start: a loss while they do is one to answer
     StartWorkers();
     state = DiscoveryServiceState::Running;
 }
@@ -122,10 +132,9 @@ void DiscoveryServer::StartWorkers()
     receiver->Start();
 }
 
-void DiscoveryServer::CreateComponents(const HostRegistrations& registrations)
+void DiscoveryServer::CreateComponents(const SmartPointer<IDiscoverySocket>& newSocket,
+                                       const HostRegistrations& registrations)
 {
-    WarnOfOtherReceiver();
-    const SmartPointer<IDiscoverySocket> newSocket = OpenSocket();
     const SmartPointer<DiscoveryServerTaskProcessor> newTaskProcessor(new DiscoveryServerTaskProcessor(newSocket));
     const SmartPointer<DiscoveryServerMessageParser> newParser(new DiscoveryServerMessageParser());
     const SmartPointer<DiscoveryReceiver> newReceiver(new DiscoveryReceiver(newSocket, newParser));
@@ -139,42 +148,68 @@ void DiscoveryServer::CreateComponents(const HostRegistrations& registrations)
     newTaskProcessor->Install(registrations);
 
     const Lock lock(componentsLock);
-    newTaskProcessor->Install(carriedOver);
-    carriedOver = HostRegistrations();
-    isCarryingOver = false;
+    newTaskProcessor->Install(restart.TakeCarriedOver());
     socket = newSocket;
     taskProcessor = newTaskProcessor;
     parser = newParser;
     receiver = newReceiver;
 }
 
-void DiscoveryServer::WarnOfOtherReceiver() const
+SmartPointer<IDiscoverySocket> DiscoveryServer::OpenSocket() const
 {
-    const Int32 port = DiscoveryPorts::GetInstance()->ServerPort();
-    if (Socket::IsPortUsed(port))
+    const SmartPointer<DiscoveryPorts>& ports = DiscoveryPorts::GetInstance();
+    const bool isShared = Socket::IsPortUsed(ports->ServerPort());
+    SmartPointer<IDiscoverySocket> opened(new DiscoverySocketUdpClient(ports->ServerPort(), ports->ClientPort()));
+    if (isShared)
     {
-        log.Write("Another socket on this machine is bound to port " + port.ToString() +
+        log.Write("Another socket on this machine is bound to port " + ports->ServerPort().ToString() +
                       " : answers of devices go to only one of them.",
                   LogStreamLevel::Critical);
     }
+    return opened;
+}
+
+SmartPointer<IDiscoverySocket> DiscoveryServer::TryOpenSocket(std::int32_t secondsToNextTry) const
+{
+    SmartPointer<IDiscoverySocket> opened;
+    log.Guard("No socket for the restart yet", [&] {
+        const String failure =
+            "No socket for the restart yet, trying again in " + Int32(secondsToNextTry).ToString() + " s";
+        log.Guard(failure.CString(), [&] { opened = OpenSocket(); });
+    });
+    return opened;
 }
 
 void DiscoveryServer::Stop()
 {
-    const RestartBarrier barrier(*this);
+    AutomaticRestart::Cancellation cancellation(restart);
     const Lock lock(lifecycleLock);
+    cancellation.Cancel();
     StopLocked();
 }
 
-void DiscoveryServer::StopIfRunning(void (*prepare)(DiscoveryServerTaskProcessor&))
+void DiscoveryServer::StopIfRunning()
 {
-    const RestartBarrier barrier(*this);
+    AutomaticRestart::Cancellation cancellation(restart);
     const Lock lock(lifecycleLock); // when another thread stops the server, this one returns after it, too
+    cancellation.Cancel();
     if (state == DiscoveryServiceState::Running)
     {
-        prepare(*taskProcessor);
+        taskProcessor->ClearHandlers();
         StopLocked();
     }
+}
+
+bool DiscoveryServer::StopFor(const AutomaticRestart::Recovery& recovery)
+{
+    const Lock lock(lifecycleLock);
+    if (recovery.IsOverWithin(0) || state != DiscoveryServiceState::Running)
+    {
+        return false;
+    }
+    restart.BeginWaiting(recovery);
+    StopLocked();
+    return true;
 }
 
 void DiscoveryServer::StopLocked()
@@ -216,9 +251,9 @@ void DiscoveryServer::ReleaseComponents()
     const SmartPointer<DiscoveryReceiver> formerReceiver = receiver;
     {
         const Lock lock(componentsLock);
-        if (isCarryingOver)
+        if (restart.IsWaiting())
         {
-            carriedOver = taskProcessor->Registrations();
+            restart.CarryOver(taskProcessor->Registrations());
         }
         receiver = nullptr;
         parser = nullptr;
@@ -242,6 +277,12 @@ template <class TWorker>
 bool DiscoveryServer::StopLeftover(const SmartPointer<TWorker>& worker)
 {
     return worker.IsNull() || log.Guard("Failed to stop what was still running", [&] { worker->Stop(); });
+}
+
+bool DiscoveryServer::HasFailed() const
+{
+    const Lock lock(lifecycleLock);
+    return state == DiscoveryServiceState::Starting || state == DiscoveryServiceState::Stopping;
 }
 
 bool DiscoveryServer::IsRunning() const noexcept
@@ -306,9 +347,8 @@ void DiscoveryServer::SetBroadcastProvider(const SmartPointer<IBroadcastProvider
             taskProcessor->SetBroadcastProvider(provider);
             return;
         }
-        if (isCarryingOver)
+        if (restart.TryCarryOver(provider))
         {
-            carriedOver.Provider = provider;
             return;
         }
     }
@@ -317,202 +357,11 @@ void DiscoveryServer::SetBroadcastProvider(const SmartPointer<IBroadcastProvider
 
 void DiscoveryServer::AsynchronousRestart(Object*, const EventArgs&)
 {
-    TriggerAsynchronous(BackgroundOperation::Kind::Restart);
+    restart.Report(AutomaticRestart::Kind::Restart);
 }
 
 void DiscoveryServer::AsynchronousStop(Object*, const EventArgs&)
 {
-    TriggerAsynchronous(BackgroundOperation::Kind::Stop);
-}
-
-void DiscoveryServer::TriggerAsynchronous(BackgroundOperation::Kind kind)
-{
-    if (!BeginAsynchronous(kind))
-    {
-        return;
-    }
-    // Nobody else would tell of this loss again. So a thread that cannot be had now is asked for until it is there, or
-    // until a stop makes it superfluous.
-    for (std::int32_t delay = FirstRetryDelayMilliseconds; !TryPostAsynchronous(kind);
-         delay = std::min(2 * delay, RetryDelayMilliseconds))
-    {
-        if (background.IsCancelledWithin(delay))
-        {
-            GiveUpAsynchronous();
-            return;
-        }
-    }
-}
-
-bool DiscoveryServer::BeginAsynchronous(BackgroundOperation::Kind kind)
-{
-    if (state != DiscoveryServiceState::Starting && state != DiscoveryServiceState::Running)
-    {
-        return false; // what a worker notices while it is being stopped is no loss
-    }
-    {
-        const Lock lock(asyncLock);
-        if (asyncOperationPending)
-        {
-            return false;
-        }
-        asyncOperationPending = true;
-    }
-    log.Write(kind == BackgroundOperation::Kind::Restart ? "Asynchronous restart triggered"
-                                                         : "Asynchronous stop triggered",
-              LogStreamLevel::Critical);
-    return true;
-}
-
-void DiscoveryServer::GiveUpAsynchronous()
-{
-    const Lock lock(asyncLock);
-    asyncOperationPending = false;
-}
-
-bool DiscoveryServer::TryPostAsynchronous(BackgroundOperation::Kind kind)
-{
-    bool isPosted = false;
-    log.Guard("Failed to start the background operation", [&] { isPosted = background.Post({kind, run}); });
-    return isPosted;
-}
-
-void DiscoveryServer::RestartIfLost()
-{
-    bool isLost = false;
-    {
-        const Lock lock(componentsLock);
-        isLost = !receiver.IsNull() && (receiver->HasLostSocket() || taskProcessor->HasLostSocket());
-    }
-    constexpr auto restart = BackgroundOperation::Kind::Restart;
-    if (isLost && IsRunning() && BeginAsynchronous(restart) && !TryPostAsynchronous(restart))
-    {
-        GiveUpAsynchronous(); // the host application's thread does not wait; its next start or stop looks again
-    }
-}
-
-void DiscoveryServer::RunBackground(const BackgroundOperation::Request& request)
-{
-    log.Guard("Background operation failed", [&] {
-        if (request.What == BackgroundOperation::Kind::Restart)
-        {
-            Restart(request.Run);
-            return;
-        }
-        const Lock lock(lifecycleLock);
-        if (run == request.Run)
-        {
-            StopLocked();
-        }
-    });
-}
-
-void DiscoveryServer::Restart(std::int64_t lostRun)
-{
-    if (run != lostRun || !WaitForPace() || !StopForRestart(lostRun) || !WaitUntilSocketCanBeBound(lostRun))
-    {
-        return;
-    }
-    const Lock lock(lifecycleLock);
-    if (run == lostRun && state == DiscoveryServiceState::Stopped)
-    {
-        StartLocked(HostRegistrations());
-    }
-}
-
-bool DiscoveryServer::StopForRestart(std::int64_t lostRun)
-{
-    const Lock lock(lifecycleLock);
-    if (run != lostRun || state != DiscoveryServiceState::Running)
-    {
-        return false;
-    }
-    {
-        const Lock componentsGuard(componentsLock);
-        isCarryingOver = true;
-    }
-    StopLocked();
-    return true;
-}
-
-bool DiscoveryServer::WaitForPace()
-{
-    const auto since = std::chrono::steady_clock::now() - lastRestart;
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(RestartPace - since);
-    const auto milliseconds = std::clamp<std::int64_t>(wait.count(), 0, RestartPace.count());
-    if (background.IsCancelledWithin(static_cast<std::int32_t>(milliseconds)))
-    {
-        return false;
-    }
-    lastRestart = std::chrono::steady_clock::now();
-    return true;
-}
-
-bool DiscoveryServer::WaitUntilSocketCanBeBound(std::int64_t lostRun)
-{
-    constexpr std::int32_t LongestPauses = LongestRetryDelayMilliseconds / RetryDelayMilliseconds;
-    for (std::int32_t pauses = 1;; pauses = std::min(2 * pauses, LongestPauses))
-    {
-        if (IsRestartSuperfluous(lostRun, 0))
-        {
-            return false;
-        }
-        if (CanBindSocket(pauses * RetryDelayMilliseconds / 1000))
-        {
-            return true;
-        }
-        for (std::int32_t pause = 0; pause < pauses; ++pause)
-        {
-            if (IsRestartSuperfluous(lostRun, RetryDelayMilliseconds))
-            {
-                return false;
-            }
-        }
-    }
-}
-
-bool DiscoveryServer::IsRestartSuperfluous(std::int64_t lostRun, std::int32_t milliseconds)
-{
-    return background.IsCancelledWithin(milliseconds) || run != lostRun;
-}
-
-bool DiscoveryServer::CanBindSocket(std::int32_t secondsToNextTry) const
-{
-    bool isBound = false;
-    log.Guard("No socket for the restart yet", [&] {
-        try
-        {
-            OpenSocket();
-            isBound = true;
-        }
-        catch (const Exception& exception)
-        {
-            log.Write("No socket for the restart yet, trying again in " + Int32(secondsToNextTry).ToString() + " s",
-                      exception);
-        }
-    });
-    return isBound;
-}
-
-void DiscoveryServer::ForgetCarriedOver()
-{
-    const Lock lock(componentsLock);
-    carriedOver = HostRegistrations();
-    isCarryingOver = false;
-}
-
-DiscoveryServer::RestartBarrier::RestartBarrier(DiscoveryServer& server)
-    : server(server)
-    , suspension(std::in_place, server.background)
-{
-    server.ForgetCarriedOver();
-    server.GiveUpAsynchronous(); // what was pending is gone
-}
-
-DiscoveryServer::RestartBarrier::~RestartBarrier()
-{
-    suspension.reset();
-    // What was refused meanwhile, when the server runs on all the same.
-    server.log.Guard("Failed to restart", [this] { server.RestartIfLost(); });
+    restart.Report(AutomaticRestart::Kind::Stop);
 }
 } // namespace Zent::Discovery::Server

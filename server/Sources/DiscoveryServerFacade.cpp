@@ -36,6 +36,15 @@ SmartPointer<DiscoveryServerFacade> DiscoveryServerFacade::Instance()
     return singleton.Instance;
 }
 
+SmartPointer<DiscoveryServerFacade> DiscoveryServerFacade::InstanceThatCanStart()
+{
+    if (Instance()->Server().HasFailed())
+    {
+        Destroy();
+    }
+    return Instance();
+}
+
 void DiscoveryServerFacade::Destroy()
 {
     Singleton& singleton = TheSingleton();

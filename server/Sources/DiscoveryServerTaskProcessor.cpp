@@ -76,6 +76,13 @@ void DiscoveryServerTaskProcessor::Install(const HostRegistrations& registration
     registrations.ByeMessageReceived.ForEach([this](const auto& handler) { byeMessageReceived.Add(handler); });
 }
 
+void DiscoveryServerTaskProcessor::ClearHandlers()
+{
+    clientSignatureReceived.Clear();
+    helloMessageReceived.Clear();
+    byeMessageReceived.Clear();
+}
+
 void DiscoveryServerTaskProcessor::ProcessTask(const ServerActionArgs& task)
 {
     const ServerAction& action = *task.Action();

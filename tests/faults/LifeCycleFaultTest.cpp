@@ -263,6 +263,54 @@ TEST_F(LifeCycleFaultTest, ARestartWaitsForThePort)
     EXPECT_EQ(1, Count("No socket for the restart yet, trying again in 1 s"));
 }
 
+TEST_F(LifeCycleFaultTest, ARestartStartsOnTheSocketThatItHasTriedThePortWith)
+{
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    Faults::Fail(Call::OpenSocket, 2, 1, SocketError::TooManyOpenSockets);
+    LoseSocket();
+    EXPECT_TRUE(WaitForLine("---Listening...", 2));
+    EXPECT_TRUE(HelloArrives());
+    EXPECT_EQ(1, Faults::FailedCalls()); // the receive
+}
+
+TEST_F(LifeCycleFaultTest, AStartWhileARestartWaitsTakesItsPlaceOrChangesNothing)
+{
+    for (const bool isPortFree : {false, true})
+    {
+        SCOPED_TRACE(isPortFree);
+        ASSERT_NO_FATAL_FAILURE(Serve());
+        ASSERT_TRUE(HelloArrives());
+        ASSERT_EQ(0, ExtC::InitBroadcastProvider("[\"127.0.0.1\"]"));
+        Faults::Fail(Call::Bind, 1, Faults::Always, SocketError::AddressAlreadyInUse);
+        LoseSocket();
+        ASSERT_TRUE(WaitForLine("trying again in 4 s"));
+        if (isPortFree)
+        {
+            Faults::Clear();
+        }
+        constexpr int SocketFailure = 73;
+        EXPECT_EQ(isPortFree ? 0 : SocketFailure, ExtC::StartServer());
+        constexpr int NullPointer = 41;
+        EXPECT_EQ(isPortFree ? 0 : NullPointer, ExtC::Discover());
+        Faults::Clear();
+        EXPECT_TRUE(HelloArrives());
+        EXPECT_TRUE(DiscoverArrives());
+        EXPECT_TRUE(WaitForLine("Sending from 127.0.0.1..."));
+        EXPECT_TRUE(WaitUntil([this] { return hellos == Count("Notifying receipt of Hello message"); })); // each once
+        EXPECT_EQ(0, ExtC::Terminate());
+        ExpectStopped();
+    }
+}
+
+TEST_F(LifeCycleFaultTest, InitializeGetsRidOfAServerThatFailedToStart)
+{
+    Faults::Fail(Call::Bind, 1, 1, SocketError::AddressAlreadyInUse);
+    EXPECT_NE(0, ExtC::StartServer());
+    EXPECT_EQ(0, ExtC::Terminate());
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    EXPECT_TRUE(HelloArrives());
+}
+
 TEST_F(LifeCycleFaultTest, LongWaitForThePortGetsLongerUpToTenSeconds)
 {
     ASSERT_NO_FATAL_FAILURE(Serve());
@@ -310,19 +358,17 @@ TEST_F(LifeCycleFaultTest, AHostGetsOutOfARestartThatFailed)
     {
         Call What;
         int Number;
-        std::int32_t Error;
     };
 
-    // The thread that restarts and the socket that tries the port come first.
-    for (const Case& failing : {Case{Call::CreateThread, 2, 0}, Case{Call::CreateThread, 3, 0},
-                                Case{Call::CreateThread, 4, 0}, Case{Call::CreateSemaphore, 1, 0},
-                                Case{Call::CreateSemaphore, 2, 0}, Case{Call::Bind, 2, SocketError::AccessDenied}})
+    // The thread that restarts comes first.
+    for (const Case& failing : {Case{Call::CreateThread, 2}, Case{Call::CreateThread, 3}, Case{Call::CreateThread, 4},
+                                Case{Call::CreateSemaphore, 1}, Case{Call::CreateSemaphore, 2}})
     {
         SCOPED_TRACE(testing::Message() << static_cast<int>(failing.What) << ", " << failing.Number);
         ASSERT_NO_FATAL_FAILURE(Serve());
         ASSERT_TRUE(HelloArrives());
         const int before = Count("Background operation failed");
-        Faults::Fail(failing.What, failing.Number, 1, failing.Error);
+        Faults::Fail(failing.What, failing.Number);
         LoseSocket();
         EXPECT_TRUE(WaitForLine("Background operation failed", before + 1));
         EXPECT_EQ(0, ExtC::StopServer());

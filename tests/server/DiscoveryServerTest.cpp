@@ -92,7 +92,7 @@ TEST_F(DiscoveryServerTest, RefusesAStopBeforeAStartAndASecondStart)
     EXPECT_TRUE(log.Has("Client's current state : Unstarted ! -> Stopping aborted."));
     EXPECT_THROW(server.Discover(), NullPointerException);
     server.Start(Registrations());
-    server.Start(HostRegistrations());
+    server.Start();
     EXPECT_TRUE(log.Has("Server's current state : Running ! -> Starting aborted."));
     EXPECT_TRUE(HearsHello());
     server.Stop();
@@ -151,7 +151,7 @@ TEST_F(DiscoveryServerTest, AHostsOwnStopAndStartForgetsTheProvider)
     server.Stop();
     server.SetBroadcastProvider(provider);
     EXPECT_TRUE(log.Has("Broadcast provider not installed"));
-    server.Start(HostRegistrations());
+    server.Start();
     EXPECT_TRUE(server.TaskProcessor()->BroadcastProvider().IsNull());
     server.Stop();
 }
@@ -160,7 +160,7 @@ TEST_F(DiscoveryServerTest, AStopWinsOverARestart)
 {
     for (int round = 0; round < 50; ++round)
     {
-        server.Start(HostRegistrations());
+        server.Start();
         LoseSocket();
         std::this_thread::sleep_for(std::chrono::milliseconds(round)); // every moment of the restart gets its turn
         server.Stop();
@@ -187,12 +187,12 @@ TEST_F(DiscoveryServerTest, AStopWaitsForTheCallbackAndSaysWhatItDiscards)
 
 TEST_F(DiscoveryServerTest, AnAsynchronousStopStops)
 {
-    server.Start(HostRegistrations());
+    server.Start();
     server.AsynchronousStop(nullptr, EventArgs::Empty());
     ASSERT_TRUE(log.WaitFor("Discovery Server stopped"));
     EXPECT_TRUE(log.HasInOrder({"Asynchronous stop triggered", "Stopping Discovery Server service"}));
     EXPECT_TRUE(WaitUntil([&] { return !server.IsRunning(); }));
-    server.Start(HostRegistrations());
+    server.Start();
     EXPECT_TRUE(server.IsRunning());
 }
 } // namespace

@@ -24,14 +24,12 @@ public:
     /// @throws SocketException when the socket could not be shut down; the thread has ended all the same.
     virtual void Stop();
 
-    /// Raised on the worker's thread when the socket is lost while nobody asked to stop.
+    /// Raised on the worker's thread when the socket is lost while nobody asked to stop. A handler that throws has not
+    /// dealt with it.
     Nfx::System::Event<Nfx::System::EventArgs>& SocketClosed();
 
     /// Raised by a worker that wants the whole service stopped.
     Nfx::System::Event<Nfx::System::EventArgs>& StopAsked();
-
-    /// True from the first loss of the socket on; for owners that were not yet listening when it was lost.
-    bool HasLostSocket() const noexcept;
 
 protected:
     /// @throws ArgumentNullException when the socket is null.
@@ -62,6 +60,5 @@ private:
     Nfx::System::Event<Nfx::System::EventArgs> socketClosed;
     Nfx::System::Event<Nfx::System::EventArgs> stopAsked;
     std::atomic<bool> stopRequested{false}; // set by Stop, read by the worker
-    std::atomic<bool> lostSocket{false};    // set by the worker, read by the owner
 };
 } // namespace Zent::Discovery

@@ -3,7 +3,7 @@
 #include "Discovery/ComponentLog.h"
 #include "Discovery/DiscoveryReceiver.h"
 #include "Discovery/IDiscoverySocket.h"
-#include "Server/BackgroundOperation.h"
+#include "Server/AutomaticRestart.h"
 #include "Server/DiscoveryServerMessageParser.h"
 #include "Server/DiscoveryServerTaskProcessor.h"
 #include "Server/DiscoveryServiceState.h"
@@ -11,24 +11,22 @@
 #include "Server/SendChangeYourIPConfigAction.h"
 
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 #include <memory>
-#include <optional>
 
 namespace Zent::Discovery::Server
 {
 /// The server: owns the discovery socket and the three workers, and turns requests into actions for the task processor.
 ///
 /// Any thread may call any operation, except that the service's own threads (those that run the host application's
-/// callbacks) must not call Start and Stop, which wait for them. Locks, in the order in which they are taken:
-/// lifecycleLock; then asyncLock or componentsLock, never both; then those within the components.
+/// callbacks) must not call Start and Stop, which wait for them. lifecycleLock is taken before componentsLock, and both
+/// before any lock of a component.
 ///
-/// A socket that is lost while nobody asked to stop is answered by an automatic restart on a background thread, at most
-/// one a second. It keeps what the host application has installed: the broadcast provider and the event handlers.
-/// Before it starts again it waits until a socket can be bound, trying after 1, 2, 4, 8 and then every 10 seconds. A
-/// stop cancels it.
-class DiscoveryServer final : public Nfx::System::Object
+/// A socket that is lost while nobody asked to stop, and a thread that somebody else has ended, are answered by an
+/// automatic restart, at most one a second. It keeps what the host application has installed: the broadcast provider
+/// and the event handlers. Before it starts again it waits until a socket can be bound, trying after 1, 2, 4, 8 and
+/// then every 10 seconds. A stop cancels it; a start while it waits takes its place.
+class DiscoveryServer final : public Nfx::System::Object, private AutomaticRestart::IServer
 {
 public:
     DiscoveryServer();
@@ -36,9 +34,13 @@ public:
     /// Stops what still runs, also what a failed start has left behind.
     ~DiscoveryServer() override;
 
+    /// Start without handlers of events.
+    void Start();
+
     /// Creates the components, installs the registrations and starts the threads. Refused with a log line when the
     /// server is starting or running; the registrations are added all the same. When it fails the state stays Starting
-    /// and only the destructor cleans up.
+    /// and only the destructor cleans up; but while an automatic restart waits for a socket, a start that cannot open
+    /// one either leaves everything as it is.
     /// @throws SocketException when the socket cannot be opened; OutOfMemoryException when a thread cannot be created.
     void Start(const HostRegistrations& registrations);
 
@@ -46,8 +48,11 @@ public:
     /// server is not running. Waits for a callback that is running.
     void Stop();
 
-    /// Stop without a word when the server is not running. Calls prepare before; a failure of prepare stops nothing.
-    void StopIfRunning(void (*prepare)(DiscoveryServerTaskProcessor&));
+    /// Stop without a word when the server is not running. From the beginning on no event reaches a handler.
+    void StopIfRunning();
+
+    /// True when a start or stop has failed, so that neither can succeed any more. Waits while one is under way.
+    bool HasFailed() const;
 
     bool IsRunning() const noexcept;
 
@@ -71,31 +76,25 @@ public:
 
     /// Handlers for the workers' events: restart or stop the server on the background thread. They do nothing while one
     /// is already pending, or while the server is being stopped.
+    /// @throws OutOfMemoryException when there is no thread for it; logged.
     void AsynchronousRestart(Nfx::System::Object* sender, const Nfx::System::EventArgs& args);
     void AsynchronousStop(Nfx::System::Object* sender, const Nfx::System::EventArgs& args);
-
-    /// Keeps automatic restarts away: cancels one that is pending or under way, with what it was to carry over, and
-    /// admits none until the result goes out of scope.
-    class RestartBarrier final
-    {
-    public:
-        explicit RestartBarrier(DiscoveryServer& server);
-        ~RestartBarrier();
-        RestartBarrier(const RestartBarrier&) = delete;
-        RestartBarrier& operator=(const RestartBarrier&) = delete;
-
-    private:
-        DiscoveryServer& server;
-        std::optional<BackgroundOperation::Suspension> suspension;
-    };
 
 private:
     struct Leftovers;
 
-    void StartLocked(const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
+    bool StopFor(const AutomaticRestart::Recovery& recovery) override;
+    bool StartFor(const AutomaticRestart::Recovery& recovery, std::int32_t secondsToNextTry) override;
+
+    bool IsStartingOrRunning() const noexcept;
+    void LogStart() const;
+    void StartLocked(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
+                     const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     void StartWorkers() NFX_REQUIRES(lifecycleLock);
-    void CreateComponents(const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
-    void WarnOfOtherReceiver() const;
+    void CreateComponents(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
+                          const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
+    Nfx::System::SmartPointer<IDiscoverySocket> OpenSocket() const;
+    Nfx::System::SmartPointer<IDiscoverySocket> TryOpenSocket(std::int32_t secondsToNextTry) const;
     void StopLocked() NFX_REQUIRES(lifecycleLock);
     void DisconnectComponents();
     void ReleaseComponents() NFX_REQUIRES(lifecycleLock);
@@ -103,20 +102,6 @@ private:
 
     template <class TWorker>
     bool StopLeftover(const Nfx::System::SmartPointer<TWorker>& worker);
-
-    void TriggerAsynchronous(BackgroundOperation::Kind kind);
-    bool BeginAsynchronous(BackgroundOperation::Kind kind);
-    void GiveUpAsynchronous();
-    bool TryPostAsynchronous(BackgroundOperation::Kind kind);
-    void RestartIfLost();
-    void RunBackground(const BackgroundOperation::Request& request);
-    void Restart(std::int64_t lostRun);
-    bool StopForRestart(std::int64_t lostRun);
-    bool WaitForPace();
-    bool WaitUntilSocketCanBeBound(std::int64_t lostRun);
-    bool IsRestartSuperfluous(std::int64_t lostRun, std::int32_t milliseconds);
-    bool CanBindSocket(std::int32_t secondsToNextTry) const;
-    void ForgetCarriedOver();
 
     void Queue(const Nfx::System::SmartPointer<ServerAction>& action);
 
@@ -130,19 +115,12 @@ private:
     Nfx::System::SmartPointer<DiscoveryServerTaskProcessor> taskProcessor;
 
     mutable Nfx::System::Threading::Monitor componentsLock;
-    bool isCarryingOver NFX_GUARDED_BY(componentsLock) = false; // between the stop and the start of a restart
-    HostRegistrations carriedOver NFX_GUARDED_BY(componentsLock);
 
     mutable Nfx::System::Threading::Monitor lifecycleLock;
     bool componentsMustBeCreated NFX_GUARDED_BY(lifecycleLock) = true;
 
-    mutable Nfx::System::Threading::Monitor asyncLock;
-    bool asyncOperationPending NFX_GUARDED_BY(asyncLock) = false;
-
     std::atomic<std::int32_t> state{DiscoveryServiceState::Unstarted}; // written under lifecycleLock
-    std::atomic<std::int64_t> run{0};                                  // counts the starts; written under lifecycleLock
-    std::chrono::steady_clock::time_point lastRestart;                 // background thread only
 
-    BackgroundOperation background; // last: its thread uses all of the above
+    AutomaticRestart restart; // last: its thread uses all of the above
 };
 } // namespace Zent::Discovery::Server

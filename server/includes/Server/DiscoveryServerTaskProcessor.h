@@ -24,6 +24,9 @@ public:
     /// Adds the handlers, and the provider unless it is null.
     void Install(const HostRegistrations& registrations);
 
+    /// Removes all handlers of the events for the host application. Needs no memory.
+    void ClearHandlers();
+
 protected:
     void ProcessTask(const ServerActionArgs& task) override;
 

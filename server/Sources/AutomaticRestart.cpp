@@ -1,0 +1,209 @@
+#include "Server/AutomaticRestart.h"
+
+#include "system/DelegateImpl.h"
+#include "system/Threading/Lock.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Zent::Discovery::Server
+{
+using Nfx::System::MakeDelegate;
+using Nfx::System::OutOfMemoryException;
+using Nfx::System::SmartPointer;
+using Nfx::System::LogStreams::LogStreamLevel;
+using Nfx::System::Threading::EventResetMode;
+using Nfx::System::Threading::Lock;
+using Nfx::System::Threading::Thread;
+
+namespace
+{
+constexpr std::chrono::milliseconds RestartPace{1000};
+constexpr std::int32_t LongestRetryDelaySeconds = 10;
+} // namespace
+
+AutomaticRestart::AutomaticRestart(IServer& server, const ComponentLog& log)
+    : server(server)
+    , log(log)
+{
+}
+
+void AutomaticRestart::Watch()
+{
+    const Lock guard(lock);
+    if (!recovery.IsNull())
+    {
+        recovery->End();
+    }
+    state = State::Watching;
+}
+
+void AutomaticRestart::Report(Kind kind)
+{
+    if (!log.Guard("Failed to start the background operation", [&] { Begin(kind); }))
+    {
+        throw OutOfMemoryException("server/Sources/AutomaticRestart", __LINE__);
+    }
+}
+
+void AutomaticRestart::Begin(Kind kind)
+{
+    const Lock guard(lock);
+    if (state == State::Watching)
+    {
+        const SmartPointer<Recovery> next(new Recovery(*this, kind, recovery));
+        next->Start();
+        recovery = next;
+        state = State::Called;
+    }
+}
+
+void AutomaticRestart::BeginWaiting(const Recovery& current)
+{
+    if (current.What == Kind::Restart)
+    {
+        const Lock guard(lock);
+        state = State::Waiting;
+    }
+}
+
+bool AutomaticRestart::IsWaiting() const
+{
+    const Lock guard(lock);
+    return state == State::Waiting;
+}
+
+void AutomaticRestart::CarryOver(const HostRegistrations& registrations)
+{
+    const Lock guard(lock);
+    carriedOver = registrations;
+}
+
+bool AutomaticRestart::TryCarryOver(const SmartPointer<IBroadcastProvider>& provider)
+{
+    const Lock guard(lock);
+    if (state != State::Waiting)
+    {
+        return false;
+    }
+    carriedOver.Provider = provider;
+    return true;
+}
+
+void AutomaticRestart::CarryOverProviderOnly()
+{
+    HostRegistrations kept;
+    const Lock guard(lock);
+    kept.Provider = carriedOver.Provider;
+    carriedOver = kept;
+}
+
+HostRegistrations AutomaticRestart::TakeCarriedOver()
+{
+    const Lock guard(lock);
+    return std::exchange(carriedOver, HostRegistrations());
+}
+
+void AutomaticRestart::Recover(Recovery& current)
+{
+    if (current.What == Kind::Stop)
+    {
+        server.StopFor(current);
+        return;
+    }
+    if (!WaitForPace(current) || !server.StopFor(current))
+    {
+        return;
+    }
+    for (std::int32_t delay = 1; !server.StartFor(current, delay) && !current.IsOverWithin(1000 * delay);
+         delay = std::min(2 * delay, LongestRetryDelaySeconds))
+    {
+    }
+}
+
+bool AutomaticRestart::WaitForPace(Recovery& current)
+{
+    using std::chrono::steady_clock;
+    std::chrono::milliseconds wait;
+    {
+        const Lock guard(lock);
+        wait = std::chrono::ceil<std::chrono::milliseconds>(RestartPace - (steady_clock::now() - lastRestart));
+    }
+    if (current.IsOverWithin(static_cast<std::int32_t>(std::clamp(wait, {}, RestartPace).count())))
+    {
+        return false;
+    }
+    const Lock guard(lock);
+    lastRestart = steady_clock::now();
+    return true;
+}
+
+AutomaticRestart::Cancellation::Cancellation(AutomaticRestart& restart) noexcept
+    : restart(restart)
+{
+}
+
+AutomaticRestart::Cancellation::~Cancellation()
+{
+    if (!cancelled.IsNull())
+    {
+        restart.log.Guard("Failed to wait for the background operation", [this] { cancelled->Join(); });
+    }
+}
+
+void AutomaticRestart::Cancellation::Cancel()
+{
+    const Lock guard(restart.lock);
+    if (!restart.recovery.IsNull())
+    {
+        restart.recovery->End();
+        cancelled = std::move(restart.recovery);
+    }
+    restart.state = State::Idle;
+    restart.carriedOver = HostRegistrations();
+}
+
+AutomaticRestart::Recovery::Recovery(AutomaticRestart& restart, Kind kind, const SmartPointer<Recovery>& former)
+    : What(kind)
+    , restart(restart)
+    , former(former)
+    , over(false, EventResetMode::ManualReset)
+    , thread(new Thread(MakeDelegate(*this, &Recovery::Run)))
+{
+}
+
+void AutomaticRestart::Recovery::Start()
+{
+    thread->SetName("Background");
+    thread->Start();
+}
+
+void AutomaticRestart::Recovery::Join()
+{
+    thread->Join();
+}
+
+void AutomaticRestart::Recovery::End()
+{
+    over.Set();
+}
+
+bool AutomaticRestart::Recovery::IsOverWithin(std::int32_t milliseconds) const
+{
+    return over.WaitOne(milliseconds);
+}
+
+void AutomaticRestart::Recovery::Run()
+{
+    restart.log.Guard("Background operation failed", [this] {
+        restart.log.Write(What == Kind::Restart ? "Asynchronous restart triggered" : "Asynchronous stop triggered",
+                          LogStreamLevel::Critical);
+        if (!former.IsNull())
+        {
+            former->Join();
+            former = nullptr;
+        }
+        restart.Recover(*this);
+    });
+}
+} // namespace Zent::Discovery::Server

@@ -1,0 +1,149 @@
+#pragma once
+
+#include "Discovery/ComponentLog.h"
+#include "Server/HostRegistrations.h"
+#include "system/Threading/EventWaitHandle.h"
+#include "system/Threading/Monitor.h"
+#include "system/Threading/Thread.h"
+
+#include <chrono>
+#include <cstdint>
+
+namespace Zent::Discovery::Server
+{
+/// Answers what the server's components report: stops the server, waits until a socket can be had and starts it again,
+/// on a thread that is there only for that. Its state says where the server stands with it:
+///
+///     Idle      the server has not been started, or somebody stops it: what components notice then is no loss
+///     Watching  the server runs
+///     Called    something was reported, and the thread is going to stop the server
+///     Waiting   the server is stopped; the thread starts it again as soon as it can, with what is carried over
+///
+/// Watch and Cancel end a recovery in whichever state it is. The server calls both, and takes both steps of a recovery,
+/// under its lifecycle lock: a start or stop of the host application comes before a step or after it, and a recovery
+/// that has been ended takes no further one.
+///
+/// Any thread; no operation but Cancellation's destructor waits.
+class AutomaticRestart final
+{
+public:
+    enum class Kind
+    {
+        Restart,
+        Stop // and no start
+    };
+
+    class Recovery;
+    class IServer;
+
+    AutomaticRestart(IServer& server, const ComponentLog& log);
+    AutomaticRestart(const AutomaticRestart&) = delete;
+    AutomaticRestart& operator=(const AutomaticRestart&) = delete;
+
+    /// The server has its components and starts their threads: their reports count from now on.
+    void Watch();
+
+    /// A component's report. Does nothing unless Watching.
+    /// @throws OutOfMemoryException when there is no thread to answer it; logged. It has to be reported again.
+    void Report(Kind kind);
+
+    /// Ends a recovery for good when the server is stopped, and forgets what was to be carried over.
+    class Cancellation final
+    {
+    public:
+        explicit Cancellation(AutomaticRestart& restart) noexcept;
+
+        /// Joins the thread of what was cancelled. Not within the lifecycle lock, which that thread may want.
+        ~Cancellation();
+        Cancellation(const Cancellation&) = delete;
+        Cancellation& operator=(const Cancellation&) = delete;
+
+        /// Within the lifecycle lock.
+        void Cancel();
+
+    private:
+        AutomaticRestart& restart;
+        Nfx::System::SmartPointer<Recovery> cancelled;
+    };
+
+    // What is carried over from the stop of a restart to its start.
+
+    /// Called -> Waiting, unless the recovery only stops the server.
+    void BeginWaiting(const Recovery& recovery);
+
+    bool IsWaiting() const;
+    void CarryOver(const HostRegistrations& registrations);
+
+    /// While Waiting the provider takes the place of the one that is carried over; else false.
+    bool TryCarryOver(const Nfx::System::SmartPointer<IBroadcastProvider>& provider);
+
+    /// For a start of the host application, which brings its handlers along.
+    void CarryOverProviderOnly();
+
+    /// Empties it.
+    HostRegistrations TakeCarriedOver();
+
+private:
+    enum class State
+    {
+        Idle,
+        Watching,
+        Called,
+        Waiting
+    };
+
+    void Begin(Kind kind);
+    void Recover(Recovery& recovery);
+    bool WaitForPace(Recovery& recovery);
+
+    IServer& server;
+    const ComponentLog& log;
+
+    mutable Nfx::System::Threading::Monitor lock; // taken after every lock of the server
+    State state NFX_GUARDED_BY(lock) = State::Idle;
+    Nfx::System::SmartPointer<Recovery> recovery NFX_GUARDED_BY(lock); // the latest, also when it is through
+    HostRegistrations carriedOver NFX_GUARDED_BY(lock);
+    std::chrono::steady_clock::time_point lastRestart NFX_GUARDED_BY(lock);
+};
+
+/// One report and its answer, on a thread of its own.
+class AutomaticRestart::Recovery final : public Nfx::System::Object
+{
+public:
+    /// The former one, if any, is joined before this one begins.
+    Recovery(AutomaticRestart& restart, Kind kind, const Nfx::System::SmartPointer<Recovery>& former);
+
+    void Start();
+    void Join();
+
+    /// It is not wanted any more.
+    void End();
+
+    /// Waits, and returns true at once when it is not wanted any more. Milliseconds; 0 only asks.
+    bool IsOverWithin(std::int32_t milliseconds) const;
+
+    const Kind What;
+
+private:
+    void Run();
+
+    AutomaticRestart& restart;
+    Nfx::System::SmartPointer<Recovery> former; // used by the thread alone
+    mutable Nfx::System::Threading::EventWaitHandle over;
+    const Nfx::System::SmartPointer<Nfx::System::Threading::Thread> thread;
+};
+
+/// The two steps of a recovery, called on its thread. A step that is not wanted any more does nothing.
+class AutomaticRestart::IServer
+{
+public:
+    /// Stops the server; false when it was not running.
+    virtual bool StopFor(const Recovery& recovery) = 0;
+
+    /// Starts the server again. False when there is no socket for it yet: to be called again after so many seconds.
+    virtual bool StartFor(const Recovery& recovery, std::int32_t secondsToNextTry) = 0;
+
+protected:
+    ~IServer() = default;
+};
+} // namespace Zent::Discovery::Server
