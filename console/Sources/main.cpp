@@ -1,8 +1,10 @@
-#include "Application.h"
-#include "CommandLine.h"
+#include "Commands/CommandContext.h"
+#include "Commands/CommandLine.h"
 #include "Programs/Interruption.h"
 #include "Programs/Process.h"
-#include "Terminal.h"
+#include "Show/Output.h"
+#include "Terminal/HostPlatform.h"
+#include "Terminal/Terminal.h"
 #include "system/Exception.h"
 
 #include <exception>
@@ -14,18 +16,23 @@ using Zent::Discovery::Programs::Process;
 
 namespace
 {
-ExitStatus Run(const Options& options)
+ExitStatus Run(ICommand& command, const ProgramOptions& options)
 {
     MessageQueue messages;
     const Interruption interruption([&messages] { messages.Interrupt(); });
     const Terminal out(Terminal::Stream::Output);
     const Terminal errors(Terminal::Stream::Errors);
     Output output(std::cout, std::cerr,
-                  {options.Json, out.IsInteractive(), errors.IsInteractive(),
-                   out.IsInteractive() ? out.Size().Width : TextTable::NoLimit});
+                  {.Json = options.Json,
+                   .OutIsTerminal = out.IsInteractive(),
+                   .ErrorsAreTerminal = errors.IsInteractive(),
+                   .HasColours = HostPlatform::EnvironmentVariable("NO_COLOR").empty(),
+                   .Width = out.IsInteractive() ? out.Size().Width : TextTable::NoLimit});
     try
     {
-        const ExitStatus status = Application(options, messages, output).Run();
+        CommandContext context(options, messages, output);
+        const ExitStatus status = command.Run(context);
+        context.Close();
         return std::cout.flush().good() ? status : ExitStatus::Failure;
     }
     catch (const std::exception& error)
@@ -42,9 +49,17 @@ ExitStatus Run(const Options& options)
 
 int main(int argc, char* argv[])
 {
-    Process::PrepareStreams();
-    ExitStatus status = ExitStatus::Failure;
-    const std::optional<Options> options =
-        CommandLine::Parse(Process::Arguments(argc, argv), std::cout, std::cerr, status);
-    return static_cast<int>(options ? Run(*options) : status);
+    try
+    {
+        Process::PrepareStreams();
+        CommandLine commandLine;
+        ExitStatus status = ExitStatus::Failure;
+        ICommand* const command = commandLine.Parse(Process::Arguments(argc, argv), std::cout, std::cerr, status);
+        return static_cast<int>(command == nullptr ? status : Run(*command, commandLine.Options()));
+    }
+    catch (const std::exception& error)
+    {
+        std::cerr << "discovery-console: " << error.what() << '\n';
+        return static_cast<int>(ExitStatus::Failure);
+    }
 }

@@ -1,61 +1,39 @@
-#include "CommandLine.h"
+#include "Commands/CommandLine.h"
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <sstream>
+#include <string>
+#include <vector>
 
 using namespace Zent::Discovery::Console;
 using namespace std::chrono_literals;
 
 namespace
 {
-std::optional<Options> Parse(const std::vector<std::string>& arguments, ExitStatus& status)
+/// How the program would end, had it nothing to do but to read its arguments; nothing when it goes on.
+std::optional<ExitStatus> EndAfter(const std::vector<std::string>& arguments)
 {
     std::ostringstream out;
     std::ostringstream errors;
-    return CommandLine::Parse(arguments, out, errors, status);
+    ExitStatus status{};
+    return CommandLine().Parse(arguments, out, errors, status) == nullptr ? std::optional(status) : std::nullopt;
 }
 
 TEST(CommandLineTest, OptionsMayStandBeforeAndBehindTheCommand)
 {
+    CommandLine line;
+    std::ostringstream out;
     ExitStatus status{};
-    const std::optional<Options> options =
-        Parse({"--from", "10.0.0.1", "rename", "press 4", "--mac", "0:1:2:3:4:5", "--from", "10.0.1.1", "--wait",
-               "0.25", "--log-level", "Debug", "--json"},
-              status);
-    ASSERT_TRUE(options);
-    EXPECT_EQ(options->Command, Options::CommandName::Rename);
-    EXPECT_EQ(options->NewHostName, "press 4");
-    EXPECT_EQ(options->MACAddress, "0:1:2:3:4:5");
-    EXPECT_EQ(options->Session.LocalAddresses, (std::vector<std::string>{"10.0.0.1", "10.0.1.1"}));
-    EXPECT_EQ(options->Wait, 250ms);
-    EXPECT_EQ(options->Session.LogLevel, DiscoveryLogDebug);
-    EXPECT_TRUE(options->Json);
-}
-
-TEST(CommandLineTest, InventoryCommandsTakeFilesAndASelection)
-{
-    ExitStatus status{};
-    const std::optional<Options> options =
-        Parse({"inventory", "diff", "a.json", "b.json", "--json", "--sort", "type", "--sort", "name:desc"}, status);
-    ASSERT_TRUE(options);
-    EXPECT_EQ(options->Command, Options::CommandName::InventoryDiff);
-    EXPECT_EQ(options->File, "a.json");
-    EXPECT_EQ(options->LaterFile, "b.json");
-    EXPECT_TRUE(options->Json);
-}
-
-TEST(CommandLineTest, ResultCodesAreReadAsUsersMeetThem)
-{
-    for (const auto& [text, code] : {std::pair("73", 73), std::pair("010", 10), std::pair("-1073151724", -1073151724),
-                                     std::pair("0xC0090114", -1073151724), std::pair("3221815572", -1073151724)})
-    {
-        SCOPED_TRACE(text);
-        ExitStatus status{};
-        const std::optional<Options> options = Parse({"error", text}, status);
-        ASSERT_TRUE(options);
-        EXPECT_EQ(options->ErrorCode, code);
-    }
+    ASSERT_NE(line.Parse({"--from", "10.0.0.1", "rename", "press 4", "--mac", "0:1:2:3:4:5", "--from", "10.0.1.1",
+                          "--wait", "0.25", "--log-level", "Debug", "--json"},
+                         out, out, status),
+              nullptr);
+    EXPECT_EQ(line.Options().Session.LocalAddresses, (std::vector<std::string>{"10.0.0.1", "10.0.1.1"}));
+    EXPECT_EQ(line.Options().Wait, 250ms);
+    EXPECT_EQ(line.Options().Session.LogLevel, DiscoveryLogDebug);
+    EXPECT_TRUE(line.Options().Json);
 }
 
 TEST(CommandLineTest, ComplaintsNameTheProgramAndTheCause)
@@ -76,7 +54,7 @@ TEST(CommandLineTest, ComplaintsNameTheProgramAndTheCause)
         std::ostringstream out;
         std::ostringstream errors;
         ExitStatus status{};
-        EXPECT_FALSE(CommandLine::Parse(arguments, out, errors, status));
+        EXPECT_EQ(CommandLine().Parse(arguments, out, errors, status), nullptr);
         EXPECT_TRUE(errors.str().starts_with("discovery-console: ")) << errors.str();
         EXPECT_NE(errors.str().find(cause), std::string::npos) << errors.str();
     }
@@ -105,12 +83,14 @@ TEST(CommandLineTest, MisuseEndsWithTheUsageStatus)
                                                {"error", "0x"},
                                                {"error", "4294967296"}})
     {
-        ExitStatus status{};
-        EXPECT_FALSE(Parse(arguments, status)) << testing::PrintToString(arguments);
-        EXPECT_EQ(status, ExitStatus::Usage);
+        EXPECT_EQ(EndAfter(arguments), ExitStatus::Usage) << testing::PrintToString(arguments);
     }
-    ExitStatus status = ExitStatus::Failure;
-    EXPECT_FALSE(Parse({"rename", "--help"}, status));
-    EXPECT_EQ(status, ExitStatus::Success);
+    EXPECT_EQ(EndAfter({"rename", "--help"}), ExitStatus::Success);
+    for (const char* code : {"73", "010", "-1073151724", "0xC0090114", "3221815572"})
+    {
+        EXPECT_EQ(EndAfter({"error", code}), std::nullopt) << code;
+    }
+    EXPECT_EQ(EndAfter({"inventory", "diff", "a.json", "b.json", "--sort", "type", "--sort", "name:desc"}),
+              std::nullopt);
 }
 } // namespace

@@ -1,6 +1,6 @@
-#include "DeviceTextTable.h"
+#include "Show/DeviceTextTable.h"
 
-#include "TerminalText.h"
+#include "Text/TerminalText.h"
 #include "support/DeviceDocuments.h"
 
 #include <gtest/gtest.h>

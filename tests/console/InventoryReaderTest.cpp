@@ -1,4 +1,4 @@
-#include "InventoryReader.h"
+#include "Commands/InventoryReader.h"
 
 #include "support/DeviceDocuments.h"
 

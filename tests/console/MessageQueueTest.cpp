@@ -1,4 +1,4 @@
-#include "MessageQueue.h"
+#include "Commands/MessageQueue.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "Output.h"
+#include "Show/Output.h"
 
-#include "TextFile.h"
+#include "Text/TextFile.h"
 #include "support/DeviceDocuments.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "TerminalText.h"
+#include "Text/TerminalText.h"
 
 #include <gtest/gtest.h>
 

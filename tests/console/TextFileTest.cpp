@@ -1,4 +1,4 @@
-#include "TextFile.h"
+#include "Text/TextFile.h"
 
 #include "support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "HostPlatform.h"
+#include "Terminal/HostPlatform.h"
 
 #include <cstdlib>
 #include <ctime>

@@ -1,6 +1,6 @@
-#include "Terminal.h"
+#include "Terminal/Terminal.h"
 
-#include "HostPlatform.h"
+#include "Terminal/HostPlatform.h"
 
 #include <atomic>
 #include <cerrno>

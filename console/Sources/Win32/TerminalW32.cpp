@@ -1,4 +1,4 @@
-#include "Terminal.h"
+#include "Terminal/Terminal.h"
 
 #include <windows.h>
 

@@ -1,0 +1,102 @@
+#include "Commands/CommandLine.h"
+
+#include "Commands/ConfigureCommand.h"
+#include "Commands/DiscoverCommand.h"
+#include "Commands/ErrorCommand.h"
+#include "Commands/InventoryDiffCommand.h"
+#include "Commands/InventoryShowCommand.h"
+#include "Commands/RequestCommands.h"
+#include "Commands/WatchCommand.h"
+#include "Programs/ProgramVersion.h"
+
+#include <CLI/CLI.hpp>
+
+#include <utility>
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+/// The innermost command that the user named; the program itself without one.
+const CLI::App& LastCommand(const CLI::App& app)
+{
+    const std::vector<CLI::App*> commands = app.get_subcommands();
+    return commands.empty() ? app : LastCommand(*commands.front());
+}
+
+/// What is wrong when a command is missing, of which the parser would say only that; else empty.
+std::string WhatIsMissing(const CLI::App& app, const CLI::ParseError& error)
+{
+    const CLI::App& last = LastCommand(app);
+    const bool isAboutCommands = error.get_name() == "RequiredError" || error.get_name() == "ExtrasError";
+    if (!isAboutCommands || last.get_require_subcommand_min() == 0 || !last.get_subcommands().empty())
+    {
+        return "";
+    }
+    const std::vector<std::string> rest = app.remaining(true);
+    return rest.empty()                    ? "a command is missing"
+           : rest.front().starts_with('-') ? "unknown option " + rest.front()
+                                           : "unknown command " + rest.front();
+}
+} // namespace
+
+CommandLine::CommandLine()
+    : app(std::make_unique<CLI::App>("Finds devices on the local networks and talks with them.", "discovery-console"))
+{
+    app->require_subcommand(1);
+    app->allow_windows_style_options(false); // an argument such as /tmp/file.json is a path on every system
+    app->failure_message(CLI::FailureMessage::simple);
+    app->set_version_flag("--version", std::string("discovery-console ") + Programs::ProgramVersion);
+    options.AddTo(*app);
+    Add(*app, std::make_unique<DiscoverCommand>());
+    Add(*app, std::make_unique<WatchCommand>());
+    Add(*app, std::make_unique<RefreshCommand>());
+    Add(*app, std::make_unique<ReachCommand>());
+    Add(*app, std::make_unique<RenameCommand>());
+    Add(*app, std::make_unique<ConfigureCommand>());
+    CLI::App& inventory = *app->add_subcommand("inventory", "look at results that were saved with --json");
+    inventory.fallthrough();
+    inventory.require_subcommand(1);
+    Add(inventory, std::make_unique<InventoryShowCommand>());
+    Add(inventory, std::make_unique<InventoryDiffCommand>());
+    Add(*app, std::make_unique<ErrorCommand>());
+}
+
+CommandLine::~CommandLine() = default;
+
+ICommand* CommandLine::Parse(const std::vector<std::string>& arguments,
+                             std::ostream& out,
+                             std::ostream& errors,
+                             ExitStatus& status)
+{
+    try
+    {
+        app->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        return chosen;
+    }
+    catch (const CLI::ParseError& error)
+    {
+        const bool isHelp = error.get_exit_code() == 0;
+        status = isHelp ? ExitStatus::Success : ExitStatus::Usage;
+        errors << (isHelp ? "" : "discovery-console: ");
+        const std::string missing = WhatIsMissing(*app, error);
+        if (missing.empty())
+        {
+            app->exit(error, out, errors);
+        }
+        else
+        {
+            errors << missing << "\nRun with --help for more information.\n";
+        }
+        return nullptr;
+    }
+}
+
+void CommandLine::Add(CLI::App& parent, std::unique_ptr<ICommand> command)
+{
+    CLI::App& added = command->AddTo(parent);
+    added.fallthrough();
+    added.callback([this, each = command.get()] { chosen = each; });
+    commands.push_back(std::move(command));
+}
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,71 @@
+#include "Commands/DeviceReader.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceMessage;
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+std::optional<MessageQueue::TimePoint> DeadlineAfter(std::optional<std::chrono::milliseconds> time)
+{
+    if (!time)
+    {
+        return std::nullopt;
+    }
+    return std::chrono::steady_clock::now() + *time;
+}
+} // namespace
+
+DeviceReader::DeviceReader(MessageQueue& messages, Complain complain, std::optional<std::chrono::milliseconds> time)
+    : messages(messages)
+    , complain(std::move(complain))
+    , deadline(DeadlineAfter(time))
+{
+}
+
+std::optional<Device> DeviceReader::Next(std::optional<MessageQueue::TimePoint> until)
+{
+    const std::optional<MessageQueue::TimePoint> end = until && deadline ? std::min(*until, *deadline)
+                                                       : until           ? until
+                                                                         : deadline;
+    while (std::optional<DeviceMessage> message = messages.Take(end))
+    {
+        ComplainAboutLoss();
+        try
+        {
+            return Device(std::move(*message));
+        }
+        catch (const std::invalid_argument& exception)
+        {
+            complain("unreadable message left out: " + std::string(exception.what()));
+        }
+    }
+    return std::nullopt;
+}
+
+bool DeviceReader::IsOver() const
+{
+    return IsInterrupted() || (deadline && std::chrono::steady_clock::now() >= *deadline);
+}
+
+bool DeviceReader::IsInterrupted() const
+{
+    return messages.IsInterrupted();
+}
+
+void DeviceReader::ComplainAboutLoss()
+{
+    const std::size_t loss = messages.Lost();
+    if (loss != knownLoss)
+    {
+        complain(std::to_string(loss - knownLoss) + " messages lost: they come faster than they can be shown");
+        knownLoss = loss;
+    }
+}
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Commands/ICommand.h"
+
+namespace Zent::Discovery::Console
+{
+/// Prints the library's text of a result code.
+class ErrorCommand final : public ICommand
+{
+public:
+    CLI::App& AddTo(CLI::App& parent) override;
+    ExitStatus Run(CommandContext& context) override;
+
+private:
+    int code = 0;
+};
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,62 @@
+#include "Commands/MessageQueue.h"
+
+#include <utility>
+
+using Zent::Discovery::Inventory::DeviceMessage;
+
+namespace Zent::Discovery::Console
+{
+void MessageQueue::Push(DeviceMessage message)
+{
+    const std::lock_guard guard(lock);
+    if (bytes + message.Document.size() > MaximumBytes)
+    {
+        ++lost;
+        return;
+    }
+    bytes += message.Document.size();
+    messages.push_back(std::move(message));
+    changed.notify_one();
+}
+
+std::optional<DeviceMessage> MessageQueue::Take(const std::optional<TimePoint>& deadline)
+{
+    std::unique_lock guard(lock);
+    const auto hasNews = [this] { return interrupted || !messages.empty(); };
+    if (deadline)
+    {
+        changed.wait_until(guard, *deadline, hasNews);
+    }
+    else
+    {
+        changed.wait(guard, hasNews);
+    }
+    if (interrupted || messages.empty())
+    {
+        return std::nullopt;
+    }
+    DeviceMessage message = std::move(messages.front());
+    messages.pop_front();
+    bytes -= message.Document.size();
+    return message;
+}
+
+void MessageQueue::Interrupt()
+{
+    const std::lock_guard guard(lock);
+    interrupted = true;
+    changed.notify_all();
+}
+
+bool MessageQueue::IsInterrupted() const
+{
+    const std::lock_guard guard(lock);
+    return interrupted;
+}
+
+std::size_t MessageQueue::Lost() const
+{
+    const std::lock_guard guard(lock);
+    return lost;
+}
+} // namespace Zent::Discovery::Console

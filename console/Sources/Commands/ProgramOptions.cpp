@@ -1,0 +1,53 @@
+#include "Commands/ProgramOptions.h"
+
+#include "Commands/SharedOptions.h"
+#include "Terminal/HostPlatform.h"
+
+#include <CLI/CLI.hpp>
+
+#include <map>
+#include <string>
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+DiscoveryLogLevel ReadLogLevel(const std::string& text)
+{
+    static const std::map<std::string, DiscoveryLogLevel> Levels = {{"critical", DiscoveryLogCritical},
+                                                                    {"standard", DiscoveryLogStandard},
+                                                                    {"debug", DiscoveryLogDebug},
+                                                                    {"none", DiscoveryLogNone}};
+    const auto found = Levels.find(CLI::detail::to_lower(text));
+    if (found == Levels.end())
+    {
+        throw CLI::ValidationError("--log-level", '"' + text + "\" is none of critical, standard, debug and none");
+    }
+    return found->second;
+}
+} // namespace
+
+void ProgramOptions::AddTo(CLI::App& program)
+{
+    Session.Library = HostPlatform::DefaultLibraryPath();
+    Session.LogFile = HostPlatform::DefaultLogPath();
+    program.add_option("--library", Session.Library, "the library to load")->capture_default_str();
+    program.add_option("--log", Session.LogFile, "the log file to continue")->capture_default_str();
+    program
+        .add_option_function<std::string>(
+            "--log-level", [this](const std::string& text) { Session.LogLevel = ReadLogLevel(text); },
+            "critical, standard, debug or none; critical without it")
+        ->type_name("LEVEL");
+    program.add_option("--from", Session.LocalAddresses, "a local address to send broadcasts from; may be repeated")
+        ->type_name("IP")
+        ->allow_extra_args(false);
+    program
+        .add_option_function<std::string>(
+            "--min-version", [this](const std::string& text) { Session.MinimumVersion = text; },
+            "drop messages of older protocol versions")
+        ->type_name("VERSION");
+    SharedOptions::AddSeconds(program, "--wait", Wait,
+                              "how long to wait for devices; 2 seconds without it, watch without end", 0.0);
+    program.add_flag("--json", Json, "print one JSON document per line, for scripts");
+}
+} // namespace Zent::Discovery::Console

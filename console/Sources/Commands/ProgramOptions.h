@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Programs/HostSession.h"
+
+#include <chrono>
+#include <optional>
+
+namespace CLI
+{
+class App;
+}
+
+namespace Zent::Discovery::Console
+{
+/// What users may say before and behind each command. All texts are UTF-8.
+struct ProgramOptions
+{
+    /// Adds them to the program's; reading the command line fills them.
+    void AddTo(CLI::App& program);
+
+    Programs::HostSession::Settings Session;
+    std::optional<std::chrono::milliseconds> Wait;
+    bool Json = false;
+};
+} // namespace Zent::Discovery::Console

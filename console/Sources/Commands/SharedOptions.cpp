@@ -1,0 +1,67 @@
+#include "Commands/SharedOptions.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <stdexcept>
+#include <vector>
+
+using Zent::Discovery::Inventory::DeviceColumn;
+using Zent::Discovery::Inventory::DeviceSelection;
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+using Add = void (DeviceSelection::*)(const std::string&);
+
+CLI::Option& AddPart(
+    CLI::App& command, DeviceSelection& target, const std::string& name, Add add, const std::string& description)
+{
+    const auto addEach = [&target, name, add](const std::vector<std::string>& texts) {
+        try
+        {
+            for (const std::string& text : texts)
+            {
+                (target.*add)(text);
+            }
+        }
+        catch (const std::invalid_argument& error)
+        {
+            throw CLI::ValidationError(name, error.what());
+        }
+    };
+    return *command.add_option_function<std::vector<std::string>>(name, addEach, description)->allow_extra_args(false);
+}
+} // namespace
+
+void SharedOptions::AddSeconds(CLI::App& command,
+                               const std::string& name,
+                               std::optional<std::chrono::milliseconds>& target,
+                               const std::string& description,
+                               double minimum)
+{
+    command
+        .add_option_function<double>(
+            name,
+            [&target](double seconds) {
+                target = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+            },
+            description)
+        ->type_name("SECONDS")
+        ->check(CLI::Range(minimum, 86400.0).description(""))
+        ->check([](const std::string& text) {
+            return text.find_first_of("nN") == std::string::npos ? "" : text + " is not a time"; // nan
+        });
+}
+
+void SharedOptions::AddSelection(CLI::App& command, DeviceSelection& target)
+{
+    AddPart(command, target, "--sort", &DeviceSelection::AddOrder,
+            "sort by " + DeviceColumn::Names() + "; may be repeated")
+        .type_name("COLUMN[:desc]");
+    AddPart(command, target, "--filter", &DeviceSelection::AddFilter,
+            "show only devices whose column matches, with * and ? as wildcards; != inverts; may be repeated")
+        .type_name("COLUMN=PATTERN");
+}
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Inventory/Device.h"
+#include "Inventory/DeviceColumn.h"
+#include "Text/Style.h"
+#include "Text/TextTable.h"
+
+#include <string>
+#include <vector>
+
+namespace Zent::Discovery::Console
+{
+/// Devices as rows of a table.
+class DeviceTextTable final
+{
+public:
+    /// Devices as they are, without the age of what they said.
+    static DeviceTextTable Snapshot();
+
+    /// Devices with the age of their last messages at the moment now.
+    static DeviceTextTable WithAges(Inventory::DeviceColumn::TimePoint now);
+
+    /// Rows that appear one by one, below the times at which their messages came.
+    static DeviceTextTable Stream();
+
+    /// Devices that differ between two results, behind what has become of them.
+    static DeviceTextTable Changes();
+
+    /// first stands in front of the device's columns, in the tables that have such a column.
+    void Add(const Inventory::Device& device, Style style = Style::Plain, const std::string& first = "");
+
+    void AddNote(const std::string& text);
+
+    std::vector<std::string> Lines(const Colours& colours, std::size_t limit = TextTable::NoLimit) const;
+
+private:
+    using Columns = std::vector<const Inventory::DeviceColumn*>;
+
+    static Columns Without(const std::vector<std::string>& names);
+
+    DeviceTextTable(const char* firstTitle,
+                    Columns columns,
+                    bool hasUsualWidths,
+                    Inventory::DeviceColumn::TimePoint now);
+
+    const bool hasFirst;
+    const Columns columns;
+    const Inventory::DeviceColumn::TimePoint now;
+    TextTable table;
+};
+} // namespace Zent::Discovery::Console

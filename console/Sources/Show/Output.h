@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Inventory/Device.h"
+#include "Show/DeviceTextTable.h"
+#include "Show/StatusLine.h"
+#include "Text/Colours.h"
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Zent::Discovery::Console
+{
+/// What the user sees: devices as a table or as JSON documents on one stream, complaints and what is going on on
+/// another.
+class Output final
+{
+public:
+    struct Settings
+    {
+        bool Json = false;                      // one document per line instead of a table
+        bool OutIsTerminal = false;             // which acts on control sequences
+        bool ErrorsAreTerminal = false;         // the same
+        bool HasColours = true;                 // what goes to a terminal
+        std::size_t Width = TextTable::NoLimit; // of tables
+    };
+
+    /// The streams must outlive the object.
+    Output(std::ostream& out, std::ostream& errors, const Settings& settings);
+
+    bool IsJson() const;
+
+    /// How to colour what goes to the stream of devices.
+    const Colours& OutColours() const;
+
+    /// Shows devices, with titles above them even if there are none.
+    void Show(const std::vector<const Inventory::Device*>& devices);
+    void Show(const Inventory::Device& device);
+    void Show(const DeviceTextTable& table);
+
+    /// Shows a message at the moment it comes.
+    /// False when the stream takes no more, because its reader has gone.
+    bool ShowNow(const Inventory::Device& device);
+
+    /// One document for scripts: members, such as "Change":"Left", and then those of the library's document.
+    void PrintDocument(const std::string& members, const Inventory::Device& device);
+
+    /// One line, as it is.
+    void PrintLine(const std::string& line);
+
+    /// Says what is going on until something else is said; only a terminal shows it.
+    void ShowStatus(const std::string& text);
+
+    /// Sums up for people: scripts, which read documents, are spared it. The text must be fit for a terminal.
+    void Conclude(const std::string& text);
+
+    /// Reports what went wrong. The text may hold text from outside.
+    void Complain(std::string_view text);
+
+private:
+    std::ostream& out;
+    std::ostream& errors;
+    const Settings settings;
+    const Colours outColours;
+    const Colours errorColours;
+    StatusLine status;
+    bool hasTitles = false;
+};
+} // namespace Zent::Discovery::Console
