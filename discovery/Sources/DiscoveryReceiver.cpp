@@ -8,6 +8,7 @@
 namespace Zent::Discovery
 {
 using Nfx::System::ArgumentNullException;
+using Nfx::System::Exception;
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
 using Nfx::System::ObjectClosedException;
@@ -101,7 +102,7 @@ bool DiscoveryReceiver::ReceiveOne(std::vector<std::uint8_t>& buffer, IPEndPoint
     }
     catch (const ObjectClosedException& exception)
     {
-        Log().Write("The socket has been closed : ending worker.", exception);
+        LogEnd("The socket has been closed : ending worker.", exception);
         return false;
     }
     return HandOver(buffer.data(), count, sender);
@@ -132,10 +133,10 @@ bool DiscoveryReceiver::GoesOnAfter(const SocketException& exception)
         Log().Write("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
         return !IsStopRequested();
     case SocketError::Interrupted:
-        Log().Write("The socket has been closed : ending worker.", exception);
+        LogEnd("The socket has been closed : ending worker.", exception);
         return false;
     case SocketError::Shutdown:
-        Log().Write("The socket has been shut down : ending worker.", exception);
+        LogEnd("The socket has been shut down : ending worker.", exception);
         return false;
     case SocketError::NotSocket:
         Log().Write("Socket error : Operation attempted on a non-socket object.", exception);
@@ -143,6 +144,18 @@ bool DiscoveryReceiver::GoesOnAfter(const SocketException& exception)
     default:
         Log().Write("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
         return false;
+    }
+}
+
+void DiscoveryReceiver::LogEnd(const char* text, const Exception& exception)
+{
+    if (IsStopRequested())
+    {
+        Log().Write(text, LogStreamLevel::Critical); // it is what the stop has asked for, and no failure
+    }
+    else
+    {
+        Log().Write(text, exception);
     }
 }
 } // namespace Zent::Discovery

@@ -36,6 +36,7 @@ private:
     bool ReceiveOne(std::vector<std::uint8_t>& buffer, Nfx::System::Net::IPEndPoint& sender);
     bool HandOver(const std::uint8_t* bytes, std::int32_t count, const Nfx::System::Net::IPEndPoint& sender);
     bool GoesOnAfter(const Nfx::System::Net::Sockets::SocketException& exception);
+    void LogEnd(const char* text, const Nfx::System::Exception& exception);
 
     const Nfx::System::SmartPointer<DiscoveryMessageParser> parser;
 };
