@@ -1,4 +1,5 @@
 #include "support/ExpectError.h"
+#include "support/LambdaDelegate.h"
 #include "system/Array.h"
 #include "system/Collections/Generic/Dictionary.h"
 #include "system/Collections/Generic/List.h"
@@ -8,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
 #include <string>
 
 namespace
@@ -60,48 +63,75 @@ TEST(CollectionsTest, ADictionaryKeepsTheOrderAndTheFirstValue)
     EXPECT_EQ(nullptr, dictionary.Find("y"));
 }
 
-class Listener final
-{
-public:
-    void Hear(Object*, const EventArgs&)
-    {
-        ++Heard;
-        if (Source != nullptr)
-        {
-            Source->Clear();
-        }
-    }
+using Handler = Event<EventArgs>::Handler;
 
-    int Heard = 0;
-    Event<EventArgs>* Source = nullptr;
-};
+Handler Noting(
+    std::string& heard, char name, const std::function<void()>& action = [] {})
+{
+    return MakeLambda<Object*, const EventArgs&>([&heard, name, action](Object*, const EventArgs&) {
+        heard += name;
+        action();
+    });
+}
 
 TEST(EventTest, CallsEachHandlerAsOftenAsItWasAdded)
 {
     Event<EventArgs> event;
-    Listener listener;
-    event.Add(MakeDelegate(listener, &Listener::Hear));
-    event.Add(MakeDelegate(listener, &Listener::Hear));
-    event.Raise(nullptr, EventArgs::Empty());
-    EXPECT_EQ(2, listener.Heard);
-    EXPECT_TRUE(event.Remove(MakeDelegate(listener, &Listener::Hear)));
-    event.Raise(nullptr, EventArgs::Empty());
-    EXPECT_EQ(3, listener.Heard);
-    EXPECT_TRUE(event.Remove(MakeDelegate(listener, &Listener::Hear)));
-    EXPECT_FALSE(event.Remove(MakeDelegate(listener, &Listener::Hear)));
+    std::string heard;
+    const Handler a = Noting(heard, 'a');
+    for (const Handler& handler : {a, Noting(heard, 'b'), a})
+    {
+        event.Add(handler);
+    }
+    const auto heardNow = [&] {
+        heard.clear();
+        event.Raise(nullptr, EventArgs::Empty());
+        return heard;
+    };
+    EXPECT_EQ("aba", heardNow());
+    EXPECT_TRUE(event.Remove(*a));
+    EXPECT_EQ("ba", heardNow());
+    EXPECT_TRUE(event.Remove(*a));
+    EXPECT_EQ("b", heardNow());
+    EXPECT_FALSE(event.Remove(*a));
     EXPECT_ERROR(event.Add(nullptr), ErrorCodes::ArgumentNull);
 }
 
 TEST(EventTest, AHandlerMayChangeTheEventThatCallsIt)
 {
     Event<EventArgs> event;
-    Listener listener;
-    listener.Source = &event;
-    event.Add(MakeDelegate(listener, &Listener::Hear));
-    event.Add(MakeDelegate(listener, &Listener::Hear));
+    std::string heard;
+    const Handler a = Noting(heard, 'a');
+    const Handler changing = Noting(heard, 'c', [&] {
+        event.Remove(*a);
+        event.Remove(*a);
+        event.Add(a);
+    });
+    event.Add(a);
+    event.Add(changing);
+    event.Add(a);
     event.Raise(nullptr, EventArgs::Empty());
-    EXPECT_EQ(2, listener.Heard);
+    EXPECT_EQ("ac", heard); // the second one was gone before its turn, the new one came too late
+    EXPECT_EQ(2, event.Handlers().Count());
+    event.Add(Noting(heard, 'd', [&] { event.Clear(); }));
+    event.Add(a);
     event.Raise(nullptr, EventArgs::Empty());
-    EXPECT_EQ(2, listener.Heard);
+    event.Raise(nullptr, EventArgs::Empty());
+    EXPECT_EQ("accd", heard);
+}
+
+TEST(EventTest, ManyHandlersAreAddedAndRemovedInNoTime)
+{
+    const auto start = std::chrono::steady_clock::now();
+    Event<EventArgs> event;
+    std::string heard;
+    const Handler a = Noting(heard, 'a');
+    for (int number = 0; number < 30'000; ++number)
+    {
+        event.Add(a);
+    }
+    event.Clear();
+    EXPECT_EQ(0, event.Handlers().Count());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)); // many, when each call copies all
 }
 } // namespace

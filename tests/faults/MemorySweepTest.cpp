@@ -124,6 +124,20 @@ TEST_F(MemorySweepTest, AShortageIsToldAndOutlived)
     Sweep(1, 11, 30);
 }
 
+TEST_F(MemorySweepTest, AStopNeedsNoMemory)
+{
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    std::int32_t code = 0;
+    {
+        const MemoryFaults::Scope shortage(true);
+        MemoryFaults::Fail(1, MemoryFaults::Always);
+        code = ExtC::StopServer();
+        MemoryFaults::Clear();
+    }
+    EXPECT_EQ(0, code) << Log();
+    ExpectStopped();
+}
+
 TEST_F(MemorySweepTest, LongAFailureDuringARestartIsToldOrOutlived)
 {
     bool isStruck = true;

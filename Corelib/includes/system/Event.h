@@ -9,8 +9,10 @@
 namespace Nfx::System
 {
 /// A list of handlers that are called, in the order in which they were added, each time the event is raised.
-/// Any thread may add, remove and raise at any time: raising works on a snapshot, outside the lock, so a handler that
-/// was just removed may still be called once.
+///
+/// Any thread may add, remove and raise at any time, and so may a handler that is being called: handlers run outside
+/// the lock. A raise calls the handlers that the event had when it began, but none whose removal has returned before
+/// its turn. Only Add and Handlers need memory.
 template <class TEventArgs>
 class Event final : public Object
 {
@@ -26,18 +28,19 @@ public:
             throw ArgumentNullException("Corelib/includes/system/Event", __LINE__);
         }
         const Threading::Lock lock(handlersLock);
-        Change().Add(handler);
+        handlers.Add(handler);
     }
 
     /// Removes the first handler that equals the given one; false when there is none.
-    bool Remove(const Handler& handler)
+    bool Remove(const EventHandler<TEventArgs>& handler)
     {
         const Threading::Lock lock(handlersLock);
-        for (std::int32_t index = 0; index < handlers->Count(); ++index)
+        for (Handler& added : handlers)
         {
-            if ((*handlers)[index].Equals(&handler))
+            if (added != nullptr && added->Equals(&handler))
             {
-                Change().RemoveAt(index);
+                added = nullptr;
+                CloseGaps();
                 return true;
             }
         }
@@ -48,45 +51,85 @@ public:
     void Clear()
     {
         const Threading::Lock lock(handlersLock);
-        Change().Clear();
-    }
-
-    Int32 Count() const
-    {
-        const Threading::Lock lock(handlersLock);
-        return handlers->Count();
+        for (Handler& added : handlers)
+        {
+            added = nullptr;
+        }
+        CloseGaps();
     }
 
     /// The handlers of this moment, in the order in which they were added.
-    Collections::Generic::List<Handler> Handlers() const { return *Snapshot(); }
+    Collections::Generic::List<Handler> Handlers() const
+    {
+        const Threading::Lock lock(handlersLock);
+        Collections::Generic::List<Handler> present = handlers;
+        present.RemoveAll(&IsGap);
+        return present;
+    }
 
     /// Calls every handler on this thread; what a handler throws ends the round and goes to the caller.
-    void Raise(Object* sender, const TEventArgs& args) const
+    void Raise(Object* sender, const TEventArgs& args)
     {
-        const SmartPointer<const HandlerList> current = Snapshot();
-        for (const Handler& handler : *current)
+        const Round round(*this);
+        for (std::int32_t index = 0; index < round.Count(); ++index)
         {
-            handler->Invoke(sender, args);
+            const Handler handler = At(index);
+            if (handler != nullptr)
+            {
+                handler->Invoke(sender, args);
+            }
         }
     }
 
 private:
-    using HandlerList = Collections::Generic::List<Handler>;
+    /// Keeps the places of the handlers while a raise goes through them.
+    class Round final
+    {
+    public:
+        explicit Round(Event& event)
+            : event(event)
+        {
+            const Threading::Lock lock(event.handlersLock);
+            ++event.rounds;
+            count = event.handlers.Count();
+        }
 
-    SmartPointer<const HandlerList> Snapshot() const
+        ~Round()
+        {
+            const Threading::Lock lock(event.handlersLock);
+            --event.rounds;
+            event.CloseGaps();
+        }
+
+        Round(const Round&) = delete;
+        Round& operator=(const Round&) = delete;
+
+        std::int32_t Count() const noexcept { return count; }
+
+    private:
+        Event& event;
+        std::int32_t count;
+    };
+
+    static bool IsGap(const Handler& handler) { return handler == nullptr; }
+
+    Handler At(std::int32_t index) const
     {
         const Threading::Lock lock(handlersLock);
-        return handlers;
+        return handlers[index];
     }
 
-    /// A new list in place of the one that somebody may be going through.
-    HandlerList& Change() NFX_REQUIRES(handlersLock)
+    /// Takes the places of removed handlers away, unless a round counts on them.
+    void CloseGaps() NFX_REQUIRES(handlersLock)
     {
-        handlers = SmartPointer<HandlerList>::Create(*handlers);
-        return *handlers;
+        if (rounds == 0)
+        {
+            handlers.RemoveAll(&IsGap);
+        }
     }
 
     mutable Threading::Monitor handlersLock;
-    SmartPointer<HandlerList> handlers NFX_GUARDED_BY(handlersLock) = SmartPointer<HandlerList>::Create();
+    Collections::Generic::List<Handler> handlers NFX_GUARDED_BY(handlersLock); // null where one was removed in a round
+    std::int32_t rounds NFX_GUARDED_BY(handlersLock) = 0;                      // raises under way
 };
 } // namespace Nfx::System

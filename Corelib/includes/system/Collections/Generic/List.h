@@ -40,6 +40,13 @@ public:
         elements.erase(elements.begin() + static_cast<std::ptrdiff_t>(Checked(index)));
     }
 
+    /// Removes each value for which isUnwanted(value) is true, in one pass.
+    template <class TPredicate>
+    void RemoveAll(TPredicate&& isUnwanted)
+    {
+        std::erase_if(elements, std::forward<TPredicate>(isUnwanted));
+    }
+
     void Clear() noexcept { elements.clear(); }
 
     /// Calls action(value) for each value in order.
