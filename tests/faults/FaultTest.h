@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Device.h"
 #include "DiscoveryServerExtCFacade.h"
 #include "Os/Faults.h"
 #include "Server/DiscoveryServerFacade.h"
+#include "support/Device.h"
 #include "support/DeviceDatagram.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
@@ -79,16 +79,7 @@ protected:
     std::string Log() const { return folder.Read("logs/test.log"); }
 
     /// How often a text is in the log.
-    int Count(std::string_view text) const
-    {
-        const std::string log = Log();
-        int count = 0;
-        for (std::size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1))
-        {
-            ++count;
-        }
-        return count;
-    }
+    int Count(std::string_view text) const { return folder.CountIn("logs/test.log", text); }
 
     bool LogTellsOfAFailure() const { return Count("|E|") > 0; }
 

@@ -1,5 +1,5 @@
 #include "DiscoveryServerExtCFacade.h"
-#include "MemoryFaults.h"
+#include "support/MemoryFaults.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

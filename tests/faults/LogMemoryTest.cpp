@@ -1,4 +1,4 @@
-#include "MemoryFaults.h"
+#include "support/MemoryFaults.h"
 #include "system/IO/StreamWriter.h"
 
 #include <gtest/gtest.h>
@@ -8,10 +8,8 @@
 
 namespace Tests
 {
-using Nfx::System::SmartPointer;
-using Nfx::System::String;
-using Nfx::System::IO::Stream;
-using Nfx::System::IO::StreamWriter;
+using namespace Nfx::System;
+using namespace Nfx::System::IO;
 
 namespace
 {

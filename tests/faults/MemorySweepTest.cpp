@@ -1,5 +1,5 @@
 #include "FaultTest.h"
-#include "MemoryFaults.h"
+#include "support/MemoryFaults.h"
 #include "system/ErrorCodes.h"
 #include "system/Net/Sockets/SocketError.h"
 

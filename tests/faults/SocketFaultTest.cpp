@@ -8,13 +8,9 @@
 
 namespace Tests
 {
-using Nfx::System::ObjectClosedException;
-using Nfx::System::Net::AddressFamily;
-using Nfx::System::Net::IPAddress;
-using Nfx::System::Net::IPEndPoint;
-using Nfx::System::Net::Sockets::ProtocolType;
-using Nfx::System::Net::Sockets::Socket;
-using Nfx::System::Net::Sockets::SocketType;
+using namespace Nfx::System;
+using namespace Nfx::System::Net;
+using namespace Nfx::System::Net::Sockets;
 
 TEST(SocketFaultTest, ACloseLeavesTheHandleToTheOperationThatHasYetToUseIt)
 {

@@ -14,14 +14,9 @@ namespace
 {
 using namespace Zent::Discovery;
 using namespace Zent::Discovery::Server;
-using Nfx::System::MakeDelegate;
-using Nfx::System::Object;
-using Nfx::System::SmartPointer;
-using Nfx::System::String;
-using Nfx::System::Version;
-using Nfx::System::LogStreams::LogStreamLevel;
-using Nfx::System::Net::IPAddress;
-using Nfx::System::Net::IPEndPoint;
+using namespace Nfx::System;
+using namespace Nfx::System::LogStreams;
+using namespace Nfx::System::Net;
 using Tests::DeviceDatagram;
 using Tests::LogCapture;
 using Tests::WaitUntil;

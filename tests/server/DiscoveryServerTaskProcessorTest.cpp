@@ -18,15 +18,10 @@ namespace
 {
 using namespace Zent::Discovery;
 using namespace Zent::Discovery::Server;
-using Nfx::System::EventArgs;
-using Nfx::System::Int32;
-using Nfx::System::MakeDelegate;
-using Nfx::System::Object;
-using Nfx::System::ObjectClosedException;
-using Nfx::System::SmartPointer;
-using Nfx::System::LogStreams::LogStreamLevel;
-using Nfx::System::Net::IPAddress;
-using Nfx::System::Net::Sockets::SocketException;
+using namespace Nfx::System;
+using namespace Nfx::System::LogStreams;
+using namespace Nfx::System::Net;
+using namespace Nfx::System::Net::Sockets;
 using Tests::FakeDiscoverySocket;
 using Tests::Gate;
 using Tests::LogCapture;
@@ -79,6 +74,17 @@ protected:
     }
 
     void Discover() { Enqueue(new SendAllSendYourSignatureAction()); }
+
+    /// A provider that stands at the gate with the first broadcast.
+    SmartPointer<FakeProvider> HoldUpAt(Gate& gate)
+    {
+        SmartPointer<FakeProvider> provider(new FakeProvider());
+        provider->Hold = &gate;
+        processor.SetBroadcastProvider(provider);
+        Discover();
+        EXPECT_TRUE(gate.WaitForArrivals(1));
+        return provider;
+    }
 
     FakeDiscoverySocket::Sent SentBy(ServerAction* action)
     {
@@ -168,11 +174,7 @@ TEST_F(DiscoveryServerTaskProcessorTest, TheProviderTakesBroadcastsAndNothingEls
 TEST_F(DiscoveryServerTaskProcessorTest, RefusesWhatDoesNotFitAndAcceptsAgainAsSoonAsOneIsTaken)
 {
     Gate gate;
-    const SmartPointer<FakeProvider> provider(new FakeProvider());
-    provider->Hold = &gate;
-    processor.SetBroadcastProvider(provider);
-    Discover();
-    ASSERT_TRUE(gate.WaitForArrivals(1));
+    const SmartPointer<FakeProvider> provider = HoldUpAt(gate);
     std::vector<std::thread> producers;
     for (int producer = 0; producer < 8; ++producer)
     {
@@ -200,11 +202,7 @@ TEST_F(DiscoveryServerTaskProcessorTest, RefusesWhatDoesNotFitAndAcceptsAgainAsS
 TEST_F(DiscoveryServerTaskProcessorTest, StopsWithAFullQueueAfterTheTaskInHand)
 {
     Gate gate;
-    const SmartPointer<FakeProvider> provider(new FakeProvider());
-    provider->Hold = &gate;
-    processor.SetBroadcastProvider(provider);
-    Discover();
-    ASSERT_TRUE(gate.WaitForArrivals(1));
+    const SmartPointer<FakeProvider> provider = HoldUpAt(gate);
     for (int count = 0; count < DiscoveryTaskProcessor::MaximumPending; ++count)
     {
         Discover();

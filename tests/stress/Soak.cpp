@@ -1,20 +1,25 @@
-// Keeps the library under the load of a busy network: soak LIBRARY MINUTES
-// 500 datagrams a second, one in twenty hostile; one request a second to a device that answers; a lost socket a minute.
-// Prints a line a minute. Needs a network namespace of its own. Ends with 0 when nothing grew and nothing was lost.
+// Keeps the library under load, in rounds of disorder and order: soak LIBRARY SECONDS [SEED]
+// In disorder eight threads call every function in a random order, while devices and vandals send and the server's
+// socket is lost again and again. In order 500 datagrams a second come, one in twenty of them hostile, and requests go
+// to a device that answers. Prints a line a round. Needs a network namespace of its own. Ends with 0 when nothing went
+// wrong, nothing was lost and nothing has grown.
 
 #include "ProcessState.h"
-#include "Traffic.h"
+#include "StopTime.h"
+#include "support/Device.h"
 #include "support/DeviceDatagram.h"
 #include "support/ExtCLoader.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
-#include "system/Exception.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 #include <random>
+#include <shared_mutex>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -23,264 +28,388 @@
 namespace
 {
 using Clock = std::chrono::steady_clock;
-using Nfx::System::Exception;
-using Nfx::System::SmartPointer;
-using Nfx::System::Net::AddressFamily;
-using Nfx::System::Net::EndPoint;
-using Nfx::System::Net::IPAddress;
-using Nfx::System::Net::IPEndPoint;
-using Nfx::System::Net::Sockets::ProtocolType;
-using Nfx::System::Net::Sockets::Socket;
-using Nfx::System::Net::Sockets::SocketType;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
+using Tests::DeviceDatagram;
+using Tests::ProcessState;
 
+constexpr int HostThreads = 8;
+constexpr int NullPointer = 41;
+constexpr int InvalidFormat = static_cast<int>(0xC0090114u);
 constexpr std::uint16_t ServerPort = 12001;
-constexpr std::int32_t DevicePort = 12000;
 constexpr int DatagramsPerSecond = 500;
 constexpr int HostileShare = 20;
-constexpr double MemorySlopeLimit = 1024; // KiB an hour
-constexpr double MemoryNoise = 256;       // KiB: in a short run the allocator's unrest makes any slope
+constexpr int MostOnTheirWay = 50;
+constexpr seconds LongestRound{60};
+constexpr double MemoryGrowth = 1024;        // KiB: the allocator's unrest
+constexpr double MemoryGrowthPerHour = 1024; // KiB
 
 ExtCFunctions library{};
-std::atomic<std::int64_t> reported{0};
-std::atomic<std::int64_t> answers{0};
-std::atomic<std::int64_t> probes{0};
-std::atomic<bool> isListening{false};
-std::atomic<bool> isOver{false};
-int failures = 0;
+std::atomic<bool> isOver{false};       // the disorder
+std::atomic<bool> mustBeSilent{false}; // from the return of StopServer to the next start
+std::atomic<std::int64_t> calls{0};
+std::atomic<std::int64_t> callbacks{0};
+std::atomic<std::int64_t> reported{0}; // callbacks for the devices of the order
+std::atomic<std::int64_t> answers{0};  // callbacks for answers to requests
+std::atomic<std::int64_t> losses{0};
+std::atomic<int> failures{0};
 
-void Expect(bool isGood, const char* what)
+// Initialize and Terminate must be alone. The turnstile lets a writer in although there is always some reader.
+std::mutex turnstile;
+std::shared_mutex alone;
+
+void Expect(bool isGood, const std::string& what)
 {
     if (!isGood)
     {
         ++failures;
-        std::printf("FAILED: %s\n", what);
+        std::fprintf(stderr, "FAILED: %s\n", what.c_str());
     }
 }
 
 void DISCOVERY_EXTC_CALL OnEvent(const char* hostJson)
 {
+    Expect(hostJson != nullptr && *hostJson == '{', "a callback without a document");
+    Expect(!mustBeSilent, "a callback after StopServer");
     const std::string_view document(hostJson);
-    if (document.find("\"device-") != std::string_view::npos)
+    reported += document.find("\"device-") != std::string_view::npos ? 1 : 0;
+    answers += document.find("\"answer\"") != std::string_view::npos ? 1 : 0;
+    if (++callbacks % 16 == 0)
     {
-        ++reported;
-    }
-    else if (document.find("\"answer\"") != std::string_view::npos)
-    {
-        ++answers;
-    }
-    else if (document.find("\"probe\"") != std::string_view::npos)
-    {
-        ++probes;
+        const int code = library.Discover();
+        Expect(code == 0 || code == NullPointer, "Discover in a callback: " + std::to_string(code));
     }
 }
 
-/// Answers every request to 127.0.0.10 until the end.
-void AnswerRequests()
+int SetCallback(std::uint32_t choice)
 {
-    Socket socket(AddressFamily::InterNetwork, SocketType::Dgram, ProtocolType::Udp);
-    socket.SetSocketOption(Nfx::System::Net::Sockets::SocketOptionLevel::Socket,
-                           Nfx::System::Net::Sockets::SocketOptionName::ReceiveTimeout, 200);
-    socket.Bind(SmartPointer<EndPoint>(new IPEndPoint(IPAddress::Parse("127.0.0.10"), DevicePort)));
-    isListening = true;
-    Tests::Traffic device;
-    std::vector<std::uint8_t> buffer(65536);
+    const auto callback = choice % 4 != 0 ? &OnEvent : nullptr;
+    switch (choice % 3)
+    {
+    case 0:
+        return library.SetClientSignatureReceivedEventCallBack(callback);
+    case 1:
+        return library.SetHelloMessageReceivedEventCallBack(callback);
+    default:
+        return library.SetByeMessageReceivedEventCallBack(callback);
+    }
+}
+
+int Text(int code)
+{
+    char* const text = library.GetErrorMessage(code);
+    const int result = text != nullptr && *text != '\0' ? 0 : -1;
+    FreeErrorMessage(text);
+    return result;
+}
+
+int AnyCall(std::uint32_t choice)
+{
+    const std::uint32_t detail = choice / 256;
+    const bool isWellFormed = detail % 8 != 0;
+    if (choice % 100 < 2)
+    {
+        return choice % 100 == 0 ? library.StartServer() : library.StopServer();
+    }
+    switch (choice % 9)
+    {
+    case 0:
+        return SetCallback(detail);
+    case 1:
+        return Text(static_cast<int>(detail));
+    case 2:
+        return library.ChangeClientsIPConfigurations(
+            isWellFormed ? "[{\"FriendlyName\":\"eth0\",\"MACAddress\":\"02:00:00:00:00:01\",\"IPAddress\":"
+                           "\"127.0.0.9\",\"SubNetMask\":\"255.0.0.0\",\"DefaultGateway\":\"\"}]"
+                         : "[{");
+    case 3:
+        return library.ChangeClientsHostName("new", isWellFormed ? "02:00:00:00:00:01" : "02:00");
+    case 4:
+        return library.ChangeClientsHostNameWithIP("new", isWellFormed ? "127.0.0.9" : "127.0.0");
+    case 5:
+        return library.RefreshClient(isWellFormed ? "02:00:00:00:00:01" : "");
+    case 6:
+        return library.InitBroadcastProvider(isWellFormed ? "[\"127.0.0.1\",\"127.0.0.2\"]" : "[\"here\"]");
+    case 7:
+        return detail % 2 == 0 ? library.SetMinCompatibleVersion(isWellFormed ? "1.0.18" : "1")
+                               : library.ReachClient(isWellFormed ? "127.0.0.9" : "1.2.3.4.5");
+    default:
+        return library.Discover();
+    }
+}
+
+/// Something that is no message: noise, a message cut off or damaged, deep nesting, much of the same.
+std::string Hostile(std::mt19937& random)
+{
+    std::string message = DeviceDatagram("Hello", "1.0.18", "vandal");
+    switch (random() % 6)
+    {
+    case 0:
+        message.assign(random() % 2000, '\0');
+        std::generate(message.begin(), message.end(), [&] { return static_cast<char>(random()); });
+        return message;
+    case 1:
+        return message.substr(0, random() % message.size());
+    case 2:
+        message[random() % message.size()] = static_cast<char>(random());
+        return "[" + message + "]";
+    case 3:
+        return std::string(60000, '[');
+    case 4:
+        return "{\"Host\":" + std::string(random() % 30000, '9') + "}";
+    default:
+        return DeviceDatagram("Goodbye", "1.0.18", "vandal");
+    }
+}
+
+std::string AnyMessage(std::mt19937& random, const std::string& hostName)
+{
+    constexpr const char* Kinds[] = {"SignatureBroadcast", "Hello", "Bye"};
+    return DeviceDatagram(Kinds[random() % std::size(Kinds)], "1.0.18", hostName);
+}
+
+/// Begins a life of the library.
+void Open(const std::string& logPath, std::uint32_t choice = 0)
+{
+    constexpr int Levels[] = {DiscoveryLogCritical, DiscoveryLogStandard, DiscoveryLogDebug, DiscoveryLogNone};
+    Expect(library.Initialize(logPath.c_str(), Levels[choice % std::size(Levels)]) == 0, "Initialize");
+    library.SetClientSignatureReceivedEventCallBack(&OnEvent);
+    library.SetHelloMessageReceivedEventCallBack(&OnEvent);
+    library.SetByeMessageReceivedEventCallBack(&OnEvent);
+    mustBeSilent = false;
+    Expect(library.StartServer() == 0, "StartServer");
+    Expect(library.InitBroadcastProvider("[\"127.0.0.1\"]") == 0, "InitBroadcastProvider");
+}
+
+void Close()
+{
+    int code = 0;
+    const milliseconds stopTime = Tests::TimeOf([&] { code = library.StopServer(); });
+    Expect(code == 0, "StopServer: " + std::to_string(code));
+    Expect(stopTime < Tests::StopLimit, "StopServer took " + std::to_string(stopTime.count()) + " ms");
+    mustBeSilent = true;
+    Expect(Tests::Device::IsServerPortFree(), "the port is taken after StopServer");
+    Expect(library.Terminate() == 0, "Terminate");
+}
+
+void ExpectService(Tests::Device& device)
+{
+    const std::int64_t before = reported;
+    const bool isServed = Tests::WaitUntil(
+        [&] {
+            device.Send(DeviceDatagram("Hello", "1.0.18", "device-probe"));
+            return Tests::WaitUntil([&] { return reported > before; }, milliseconds(20));
+        },
+        seconds(20));
+    Expect(isServed, "no service");
+}
+
+/// Calls on a thread of their own until the disorder is over.
+void CallAll(std::uint32_t seed)
+{
+    std::mt19937 random(seed);
     while (!isOver)
     {
-        try
         {
-            IPEndPoint sender(IPAddress::Broadcast(), 0);
-            socket.ReceiveFrom(buffer.data(), static_cast<std::int32_t>(buffer.size()), sender);
-            device.Send(Tests::DeviceDatagram("SignatureBroadcast", "1.0.18", "answer"));
+            const std::lock_guard gate(turnstile);
+            alone.lock_shared();
         }
-        catch (const Exception&) // nothing to answer just now
+        const std::shared_lock guard(alone, std::adopt_lock);
+        const auto choice = static_cast<std::uint32_t>(random());
+        const int code = AnyCall(choice);
+        Expect(code == 0 || code == NullPointer || code == InvalidFormat,
+               "call " + std::to_string(choice) + ": " + std::to_string(code));
+        if (++calls % 64 == 0)
         {
+            std::this_thread::sleep_for(milliseconds(1)); // else nobody drains what is queued
         }
     }
 }
 
-class Soak
+void SendAll(std::uint32_t seed)
+{
+    std::mt19937 random(seed);
+    Tests::Device sender(0);
+    while (!isOver)
+    {
+        sender.Send(random() % 4 == 0 ? Hostile(random) : AnyMessage(random, "disorder"));
+        if (random() % 4 == 0)
+        {
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+    }
+}
+
+/// Loses the socket every now and then, and sometimes begins anew.
+void Disturb(std::uint32_t seed, const std::string& logPath)
+{
+    std::mt19937 random(seed);
+    for (bool isLoss = true; !isOver; isLoss = random() % 4 != 0)
+    {
+        std::this_thread::sleep_for(milliseconds(random() % 600));
+        const std::lock_guard gate(turnstile);
+        const std::lock_guard guard(alone);
+        if (isLoss)
+        {
+            library.StartServer(); // somebody may have stopped it
+            losses += Tests::ShutDownSocketOn(ServerPort) ? 1 : 0;
+        }
+        else
+        {
+            Close();
+            Open(logPath, static_cast<std::uint32_t>(random()));
+        }
+    }
+}
+
+void PassDisorder(milliseconds length, std::uint32_t seed, const std::string& logPath)
+{
+    std::vector<std::thread> threads;
+    isOver = false;
+    Open(logPath);
+    for (std::uint32_t number = 0; number < HostThreads; ++number)
+    {
+        threads.emplace_back(&CallAll, seed + number);
+    }
+    threads.emplace_back(&SendAll, seed + HostThreads);
+    threads.emplace_back(&Disturb, seed + HostThreads + 1, logPath);
+    std::this_thread::sleep_for(length);
+    isOver = true;
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    Close();
+}
+
+/// What a host and a busy network have to expect of each other: everything is reported and answered.
+class Order
 {
 public:
-    explicit Soak(int minutes)
-        : end(Clock::now() + std::chrono::minutes(minutes))
+    Order(std::uint32_t seed, int round)
+        : random(seed)
+        , firstDevice(50 * round)
     {
     }
 
-    void Run()
+    void Pass(milliseconds length)
     {
-        for (int second = 1; Clock::now() < end; ++second)
+        ExpectService(sender);
+        before = reported;
+        const Clock::time_point end = Clock::now() + length;
+        while (Clock::now() < end)
         {
             PassSecond();
-            Sample(second);
-            if (second % 60 == 30)
-            {
-                LoseSocket();
-            }
-            if (second % 60 == 0)
-            {
-                AwaitReports();
-                Report(second / 60);
-            }
         }
-        AwaitReports();
-        ExpectConstant();
+        Expect(IsReportedBut(0), "callbacks were lost: " + std::to_string(before + sent - reported));
     }
 
 private:
     void PassSecond()
     {
-        const Clock::time_point start = Clock::now();
         const std::int64_t answersBefore = answers;
-        Expect(library.ReachClient("127.0.0.10") == 0, "a request was refused");
-        Expect(library.Discover() == 0, "a request was refused");
+        const Clock::time_point start = Clock::now();
+        Expect(library.ReachClient("127.0.0.1") == 0 && library.Discover() == 0, "a request was refused");
         for (int number = 0; number < DatagramsPerSecond; ++number)
         {
             std::this_thread::sleep_until(start + number * milliseconds(1000) / DatagramsPerSecond);
             SendOne();
+            Expect(IsReportedBut(MostOnTheirWay), "the server falls behind");
         }
-        std::this_thread::sleep_until(start + seconds(1));
-        if (answers == answersBefore)
-        {
-            ++unanswered;
-            Expect(false, "a request was not answered within a second");
-        }
+        Expect(Tests::WaitUntil([&] { return answers >= answersBefore + 2; }, Tests::StopLimit),
+               "a request was not answered");
     }
 
     void SendOne()
     {
         if (random() % HostileShare == 0)
         {
-            traffic.Send(Tests::Traffic::Hostile(random));
+            sender.Send(Hostile(random));
             return;
         }
-        // A hundred devices at a time; they are replaced by others as the minutes pass.
-        const std::uint64_t device = sent / 30000 * 50 + random() % 100;
-        traffic.Send(Tests::Traffic::AnyMessage(random, "device-" + std::to_string(device)));
+        // A hundred devices at a time; others replace them from round to round.
+        sender.Send(AnyMessage(random, "device-" + std::to_string(firstDevice + static_cast<int>(random() % 100))));
         ++sent;
     }
 
-    void AwaitReports()
+    bool IsReportedBut(int count) const
     {
-        const bool isComplete = Tests::WaitUntil([this] { return reported >= static_cast<std::int64_t>(sent) - lost; });
-        if (!isComplete)
-        {
-            lost = static_cast<std::int64_t>(sent) - reported;
-        }
-        Expect(isComplete, "callbacks were lost");
+        return Tests::WaitUntil([&] { return reported - before >= sent - count; });
     }
 
-    void LoseSocket()
-    {
-        AwaitReports();
-        const std::uint64_t former = Tests::SocketOn(ServerPort);
-        Expect(Tests::ShutDownSocketOn(ServerPort), "the server has no socket");
-        Tests::WaitUntil([&] { return Tests::SocketOn(ServerPort) != 0 && Tests::SocketOn(ServerPort) != former; });
-        const std::int64_t before = probes;
-        const bool isBack = Tests::WaitUntil(
-            [&] {
-                traffic.Send(Tests::DeviceDatagram("Hello", "1.0.18", "probe"));
-                std::this_thread::sleep_for(milliseconds(10));
-                return probes > before;
-            },
-            seconds(5));
-        Expect(isBack, "the server did not restart");
-        restarts += isBack ? 1 : 0;
-    }
-
-    void Sample(int second)
-    {
-        if (second % 5 == 0 && second > 60) // the first minute fills caches
-        {
-            hours.push_back(second / 3600.0);
-            memory.push_back(static_cast<double>(Tests::ResidentKiB()));
-        }
-        if (second == 60)
-        {
-            descriptors = Tests::OpenDescriptors();
-            threads = Tests::RunningThreads();
-        }
-    }
-
-    void Report(int minute) const
-    {
-        std::printf(
-            "minute %d: %lld KiB, slope %+.0f KiB/h, %lld threads, %lld handles, %llu sent, %lld lost callbacks, "
-            "%d restarts, %d unanswered\n",
-            minute, static_cast<long long>(Tests::ResidentKiB()), Slope(),
-            static_cast<long long>(Tests::RunningThreads()), static_cast<long long>(Tests::OpenDescriptors()),
-            static_cast<unsigned long long>(sent), static_cast<long long>(lost), restarts, unanswered);
-        std::fflush(stdout);
-    }
-
-    /// The steepness of the line through the samples, in KiB an hour.
-    double Slope() const
-    {
-        const auto count = static_cast<double>(hours.size());
-        double sumX = 0;
-        double sumY = 0;
-        double sumXX = 0;
-        double sumXY = 0;
-        for (std::size_t index = 0; index < hours.size(); ++index)
-        {
-            sumX += hours[index];
-            sumY += memory[index];
-            sumXX += hours[index] * hours[index];
-            sumXY += hours[index] * memory[index];
-        }
-        const double spread = count * sumXX - sumX * sumX;
-        return spread > 0 ? (count * sumXY - sumX * sumY) / spread : 0;
-    }
-
-    void ExpectConstant() const
-    {
-        if (hours.size() < 2)
-        {
-            return;
-        }
-        const double growth = Slope() * (hours.back() - hours.front());
-        Expect(Slope() <= MemorySlopeLimit || growth <= MemoryNoise, "memory grows");
-        Expect(Tests::RunningThreads() == threads, "the number of threads has changed");
-        Expect(Tests::OpenDescriptors() == descriptors, "the number of handles has changed");
-    }
-
-    const Clock::time_point end;
-    Tests::Traffic traffic;
-    std::mt19937 random{1};
-    std::uint64_t sent = 0;
-    std::int64_t lost = 0;
-    int restarts = 0;
-    int unanswered = 0;
-    std::int64_t descriptors = 0;
-    std::int64_t threads = 0;
-    std::vector<double> hours;
-    std::vector<double> memory;
+    std::mt19937 random;
+    const int firstDevice;
+    Tests::Device sender{0};
+    std::int64_t before = 0;
+    std::int64_t sent = 0;
 };
+
+/// One life without disorder, in which the socket is lost once: the server restarts.
+void WarmUp(const Tests::TemporaryFolder& folder, const std::string& logPath)
+{
+    Tests::Device sender(0);
+    Open(logPath);
+    ExpectService(sender);
+    Expect(Tests::ShutDownSocketOn(ServerPort), "no socket to lose");
+    Expect(Tests::WaitUntil([&] { return folder.Count("restart triggered") > 0; }), "no restart");
+    ExpectService(sender);
+    Close();
+}
+
+ProcessState PassRound(int round, milliseconds length, std::uint32_t seed, const std::string& logPath)
+{
+    PassDisorder(length / 2, seed, logPath);
+    std::atomic<bool> isAnswered{false};
+    Open(logPath);
+    Tests::Device device;
+    std::thread answering([&] { device.AnswerUntil(isAnswered, DeviceDatagram("Hello", "1.0.18", "answer")); });
+    Order(seed, round).Pass(length / 2);
+    isAnswered = true;
+    answering.join();
+    Close();
+    const ProcessState state = Tests::CurrentState();
+    std::printf(
+        "round %d, seed %u: %lld calls, %lld callbacks, %lld lost sockets, %d failures; %lld KiB, %lld threads, "
+        "%lld handles\n",
+        round + 1, seed, static_cast<long long>(calls), static_cast<long long>(callbacks),
+        static_cast<long long>(losses), static_cast<int>(failures), static_cast<long long>(state.Memory),
+        static_cast<long long>(state.Threads), static_cast<long long>(state.Handles));
+    std::fflush(stdout);
+    return state;
+}
+
+void Run(seconds length, std::uint32_t seed)
+{
+    const Tests::TemporaryFolder folder;
+    const std::string logPath = folder.PathOf("soak.log");
+    WarmUp(folder, logPath);
+    const ProcessState before = Tests::CurrentState();
+    const auto rounds = static_cast<int>(std::max<std::int64_t>(1, length / LongestRound));
+    std::int64_t memory = 0;
+    for (int round = 0; round < rounds; ++round)
+    {
+        const ProcessState after = PassRound(round, std::min<milliseconds>(length, LongestRound),
+                                             seed + static_cast<std::uint32_t>(round), logPath);
+        Expect(Tests::WaitUntil([&] { return Tests::CurrentState().Threads == before.Threads; }), "threads are left");
+        Expect(Tests::WaitUntil([&] { return Tests::CurrentState().Handles == before.Handles; }), "handles are left");
+        memory = round == 0 ? after.Memory : memory; // the first round fills caches
+        const double hours = static_cast<double>(round * LongestRound.count()) / 3600;
+        Expect(static_cast<double>(after.Memory - memory) <= MemoryGrowth + hours * MemoryGrowthPerHour,
+               "memory grows");
+    }
+    Expect(calls > 0 && losses > 0, "no disorder");
+}
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    if (argc != 3 || std::atoi(argv[2]) < 1 || LoadExtC(argv[1], &library) == 0)
+    const int length = argc > 2 ? std::atoi(argv[2]) : 0;
+    if (argc > 4 || length < 1 || LoadExtC(argv[1], &library) == 0)
     {
-        std::fputs("usage: soak LIBRARY MINUTES\n", stderr);
+        std::fputs("usage: soak LIBRARY SECONDS [SEED]\n", stderr);
         return 2;
     }
-    const Tests::TemporaryFolder folder;
-    Expect(library.Initialize(folder.PathOf("soak.log").c_str(), DiscoveryLogCritical) == 0, "Initialize");
-    library.SetClientSignatureReceivedEventCallBack(&OnEvent);
-    library.SetHelloMessageReceivedEventCallBack(&OnEvent);
-    library.SetByeMessageReceivedEventCallBack(&OnEvent);
-    Expect(library.StartServer() == 0, "StartServer");
-    Expect(library.InitBroadcastProvider("[\"127.0.0.1\"]") == 0, "InitBroadcastProvider");
-    std::thread device(&AnswerRequests);
-    Expect(Tests::WaitUntil([] { return isListening.load(); }), "the device does not listen");
-    Soak(std::atoi(argv[2])).Run();
-    isOver = true;
-    device.join();
-    Expect(library.StopServer() == 0, "StopServer");
-    Expect(Tests::IsServerPortFree(), "the port is taken after StopServer");
-    Expect(library.Terminate() == 0, "Terminate");
+    Run(seconds(length), argc > 3 ? static_cast<std::uint32_t>(std::atoll(argv[3])) : std::random_device()());
     std::printf("%s\n", failures == 0 ? "passed" : "failed");
     return failures == 0 ? 0 : 1;
 }

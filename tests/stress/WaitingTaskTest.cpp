@@ -1,5 +1,5 @@
 #include "ProcessState.h"
-#include "Traffic.h"
+#include "support/Device.h"
 #include "support/Gate.h"
 #include "support/LoadedExtC.h"
 #include "support/TemporaryFolder.h"
@@ -84,18 +84,19 @@ protected:
         Tests::Gate closed;
         gate = &closed;
         FillQueueWith(signature);
-        const std::int64_t full = Tests::ResidentKiB();
+        const std::int64_t full = Tests::CurrentState().Memory;
         const int atOpening = signatures;
         gate = nullptr;
         closed.Open();
         EXPECT_TRUE(Tests::WaitUntil([&] { return signatures >= atOpening + TaskLimit; }));
         EXPECT_TRUE(IsReported(Signature("\"NICs\":[],\"Products\":[]")));
-        EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::ResidentKiB() < full / 2; })) << "nothing is given back";
+        EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::CurrentState().Memory < full / 2; }))
+            << "nothing is given back";
         return full;
     }
 
     const Tests::TemporaryFolder folder;
-    Tests::Traffic device;
+    Tests::Device device;
 };
 
 TEST_F(WaitingTaskTest, WhatWaitsTakesLittleMoreThanItsDatagrams)
@@ -122,7 +123,7 @@ TEST_F(WaitingTaskTest, WhatWaitsTakesLittleMoreThanItsDatagrams)
         Signature("\"NICs\":[]," + list("Products", product, 780)),
     };
     ASSERT_TRUE(IsReported(datagrams[0])); // the library's buffer has grown
-    const std::int64_t before = Tests::ResidentKiB();
+    const std::int64_t before = Tests::CurrentState().Memory;
     for (const std::string& datagram : datagrams)
     {
         SCOPED_TRACE(datagram.substr(0, 160));
@@ -130,9 +131,9 @@ TEST_F(WaitingTaskTest, WhatWaitsTakesLittleMoreThanItsDatagrams)
         const auto size = static_cast<std::int64_t>(datagram.size());
         EXPECT_LT(full, 400 * 1024);
         EXPECT_LT((full - before) * 1024, 10 * TaskLimit * size);
-        EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::ResidentKiB() <= before + before / 10; }));
+        EXPECT_TRUE(Tests::WaitUntil([&] { return Tests::CurrentState().Memory <= before + before / 10; }));
         std::cout << size << " bytes, " << (full - before) * 1024 / TaskLimit << " while waiting; " << before
-                  << " KiB before, " << full << " full, " << Tests::ResidentKiB() << " afterwards\n";
+                  << " KiB before, " << full << " full, " << Tests::CurrentState().Memory << " afterwards\n";
     }
 }
 } // namespace

@@ -78,21 +78,6 @@ int LoadExtC(const char* path, ExtCFunctions* functions)
         fprintf(stderr, "%s: cannot be loaded\n", path);
         return 0;
     }
-    FIND(Initialize, 8)
-    FIND(Terminate, 0)
-    FIND(StartServer, 0)
-    FIND(StopServer, 0)
-    FIND(GetErrorMessage, 4)
-    FIND(Discover, 0)
-    FIND(ChangeClientsIPConfigurations, 4)
-    FIND(ChangeClientsHostName, 8)
-    FIND(ChangeClientsHostNameWithIP, 8)
-    FIND(RefreshClient, 4)
-    FIND(ReachClient, 4)
-    FIND(SetClientSignatureReceivedEventCallBack, 4)
-    FIND(SetHelloMessageReceivedEventCallBack, 4)
-    FIND(SetByeMessageReceivedEventCallBack, 4)
-    FIND(InitBroadcastProvider, 4)
-    FIND(SetMinCompatibleVersion, 4)
+    EXTC_FUNCTIONS(FIND)
     return 1;
 }

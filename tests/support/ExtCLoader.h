@@ -8,26 +8,35 @@ extern "C"
 {
 #endif
 
-    /* The library's functions as a host finds them at run time. */
+    /* The functions, with the sizes of their arguments in bytes on 32-bit Windows. */
+#define EXTC_FUNCTIONS(X)                                                                                              \
+    X(Initialize, 8)                                                                                                   \
+    X(Terminate, 0)                                                                                                    \
+    X(StartServer, 0)                                                                                                  \
+    X(StopServer, 0)                                                                                                   \
+    X(GetErrorMessage, 4)                                                                                              \
+    X(Discover, 0)                                                                                                     \
+    X(ChangeClientsIPConfigurations, 4)                                                                                \
+    X(ChangeClientsHostName, 8)                                                                                        \
+    X(ChangeClientsHostNameWithIP, 8)                                                                                  \
+    X(RefreshClient, 4)                                                                                                \
+    X(ReachClient, 4)                                                                                                  \
+    X(SetClientSignatureReceivedEventCallBack, 4)                                                                      \
+    X(SetHelloMessageReceivedEventCallBack, 4)                                                                         \
+    X(SetByeMessageReceivedEventCallBack, 4)                                                                           \
+    X(InitBroadcastProvider, 4)                                                                                        \
+    X(SetMinCompatibleVersion, 4)
+
+#define EXTC_TYPE(NAME, BYTES) typedef __typeof__(&NAME) NAME##Function;
+    EXTC_FUNCTIONS(EXTC_TYPE)
+#undef EXTC_TYPE
+
+    /* The functions as a host finds them at run time. */
     typedef struct ExtCFunctions
     {
-        int(DISCOVERY_EXTC_CALL* Initialize)(const char* logPath, int logLevel);
-        int(DISCOVERY_EXTC_CALL* Terminate)(void);
-        int(DISCOVERY_EXTC_CALL* StartServer)(void);
-        int(DISCOVERY_EXTC_CALL* StopServer)(void);
-        char*(DISCOVERY_EXTC_CALL* GetErrorMessage)(int errorCode);
-        int(DISCOVERY_EXTC_CALL* Discover)(void);
-        int(DISCOVERY_EXTC_CALL* ChangeClientsIPConfigurations)(const char* nicConfigsJson);
-        int(DISCOVERY_EXTC_CALL* ChangeClientsHostName)(const char* newHostName, const char* macAddress);
-        int(DISCOVERY_EXTC_CALL* ChangeClientsHostNameWithIP)(const char* newHostName, const char* ipAddress);
-        int(DISCOVERY_EXTC_CALL* RefreshClient)(const char* macAddress);
-        int(DISCOVERY_EXTC_CALL* ReachClient)(const char* ipAddress);
-        int(DISCOVERY_EXTC_CALL* SetClientSignatureReceivedEventCallBack)(
-            ClientSignatureReceivedEventCallBack callback);
-        int(DISCOVERY_EXTC_CALL* SetHelloMessageReceivedEventCallBack)(HelloMessageReceivedEventCallBack callback);
-        int(DISCOVERY_EXTC_CALL* SetByeMessageReceivedEventCallBack)(ByeMessageReceivedEventCallBack callback);
-        int(DISCOVERY_EXTC_CALL* InitBroadcastProvider)(const char* addressesJson);
-        int(DISCOVERY_EXTC_CALL* SetMinCompatibleVersion)(const char* version);
+#define EXTC_MEMBER(NAME, BYTES) NAME##Function NAME;
+        EXTC_FUNCTIONS(EXTC_MEMBER)
+#undef EXTC_MEMBER
     } ExtCFunctions;
 
     /* Loads the library and looks up all sixteen functions; 0 when anything is missing, with a line on stderr. */

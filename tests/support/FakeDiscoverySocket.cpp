@@ -7,16 +7,9 @@
 
 namespace Tests
 {
-using Nfx::System::Array;
-using Nfx::System::Boolean;
-using Nfx::System::Int32;
-using Nfx::System::ObjectClosedException;
-using Nfx::System::SmartPointer;
-using Nfx::System::Net::IPAddress;
-using Nfx::System::Net::IPEndPoint;
-using Nfx::System::Net::Sockets::Socket;
-using Nfx::System::Net::Sockets::SocketError;
-using Nfx::System::Net::Sockets::SocketException;
+using namespace Nfx::System;
+using namespace Nfx::System::Net;
+using namespace Nfx::System::Net::Sockets;
 
 namespace
 {
@@ -63,11 +56,6 @@ bool FakeDiscoverySocket::WaitForSent(std::size_t count)
     return changed.wait_for(lock, std::chrono::seconds(10), [&] { return sent.size() >= count; });
 }
 
-SmartPointer<Socket> FakeDiscoverySocket::GetSocket()
-{
-    return nullptr;
-}
-
 Int32 FakeDiscoverySocket::Receive(std::uint8_t* buffer, Int32 size, IPEndPoint& remoteEndPoint)
 {
     Reception next;
@@ -104,55 +92,10 @@ Int32 FakeDiscoverySocket::Send(const std::uint8_t* bytes, Int32 count, const IP
     return count;
 }
 
-Int32 FakeDiscoverySocket::Send(const Array<std::uint8_t>& bytes, const IPAddress& targetAddress)
-{
-    return Send(bytes.Data(), bytes.Length(), targetAddress);
-}
-
-Int32 FakeDiscoverySocket::Broadcast(const std::uint8_t* bytes, Int32 count)
-{
-    return Send(bytes, count, IPAddress::Broadcast());
-}
-
-Int32 FakeDiscoverySocket::Broadcast(const Array<std::uint8_t>& bytes)
-{
-    return Send(bytes, IPAddress::Broadcast());
-}
-
 void FakeDiscoverySocket::Shutdown()
 {
     const std::lock_guard lock(mutex);
     isShutDown = true;
     changed.notify_all();
-}
-
-Boolean FakeDiscoverySocket::IsShutDown()
-{
-    return isShutDown.load();
-}
-
-void FakeDiscoverySocket::Close()
-{
-    isClosed = true;
-}
-
-Boolean FakeDiscoverySocket::HasShutDown()
-{
-    return isShutDown.load();
-}
-
-Boolean FakeDiscoverySocket::IsClosed()
-{
-    return isClosed.load();
-}
-
-Int32 FakeDiscoverySocket::GetLocalPort()
-{
-    return 12001;
-}
-
-Int32 FakeDiscoverySocket::GetRemotePort()
-{
-    return 12000;
 }
 } // namespace Tests

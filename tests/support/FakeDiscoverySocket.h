@@ -16,6 +16,11 @@ namespace Tests
 /// A discovery socket that receives and fails as a test tells it to.
 class FakeDiscoverySocket final : public Zent::Discovery::IDiscoverySocket
 {
+    using Boolean = Nfx::System::Boolean;
+    using Bytes = Nfx::System::Array<std::uint8_t>;
+    using Int32 = Nfx::System::Int32;
+    using IPAddress = Nfx::System::Net::IPAddress;
+
 public:
     struct Sent
     {
@@ -34,24 +39,35 @@ public:
     std::vector<Sent> TakeSent();
     bool WaitForSent(std::size_t count);
 
-    Nfx::System::SmartPointer<Nfx::System::Net::Sockets::Socket> GetSocket() override;
-    Nfx::System::Int32 Receive(std::uint8_t* buffer,
-                               Nfx::System::Int32 size,
-                               Nfx::System::Net::IPEndPoint& remoteEndPoint) override;
-    Nfx::System::Int32 Send(const std::uint8_t* bytes,
-                            Nfx::System::Int32 count,
-                            const Nfx::System::Net::IPAddress& targetAddress) override;
-    Nfx::System::Int32 Send(const Nfx::System::Array<std::uint8_t>& bytes,
-                            const Nfx::System::Net::IPAddress& targetAddress) override;
-    Nfx::System::Int32 Broadcast(const std::uint8_t* bytes, Nfx::System::Int32 count) override;
-    Nfx::System::Int32 Broadcast(const Nfx::System::Array<std::uint8_t>& bytes) override;
+    Int32 Receive(std::uint8_t* buffer, Int32 size, Nfx::System::Net::IPEndPoint& remoteEndPoint) override;
+    Int32 Send(const std::uint8_t* bytes, Int32 count, const IPAddress& targetAddress) override;
     void Shutdown() override;
-    Nfx::System::Boolean IsShutDown() override;
-    void Close() override;
-    Nfx::System::Boolean HasShutDown() override;
-    Nfx::System::Boolean IsClosed() override;
-    Nfx::System::Int32 GetLocalPort() override;
-    Nfx::System::Int32 GetRemotePort() override;
+
+    Nfx::System::SmartPointer<Nfx::System::Net::Sockets::Socket> GetSocket() override { return nullptr; }
+
+    Int32 Send(const Bytes& bytes, const IPAddress& target) override
+    {
+        return Send(bytes.Data(), bytes.Length(), target);
+    }
+
+    Int32 Broadcast(const std::uint8_t* bytes, Int32 count) override
+    {
+        return Send(bytes, count, IPAddress::Broadcast());
+    }
+
+    Int32 Broadcast(const Bytes& bytes) override { return Send(bytes, IPAddress::Broadcast()); }
+
+    Boolean IsShutDown() override { return isShutDown.load(); }
+
+    void Close() override { isClosed = true; }
+
+    Boolean HasShutDown() override { return isShutDown.load(); }
+
+    Boolean IsClosed() override { return isClosed.load(); }
+
+    Int32 GetLocalPort() override { return 12001; }
+
+    Int32 GetRemotePort() override { return 12000; }
 
 private:
     using Reception = std::function<std::string()>;

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Tests
@@ -54,17 +55,25 @@ public:
         return lines;
     }
 
-    /// How often a text occurs in the files.
-    int Count(const std::string& text) const
+    /// How often a text occurs in a file.
+    int CountIn(const std::string& name, std::string_view text) const
+    {
+        const std::string file = Read(name);
+        int count = 0;
+        for (std::size_t at = file.find(text); at != std::string::npos; at = file.find(text, at + 1))
+        {
+            ++count;
+        }
+        return count;
+    }
+
+    /// How often a text occurs in all files.
+    int Count(std::string_view text) const
     {
         int count = 0;
         for (const auto& entry : std::filesystem::directory_iterator(path))
         {
-            const std::string file = Read(entry.path().filename().string());
-            for (std::size_t at = file.find(text); at != std::string::npos; at = file.find(text, at + 1))
-            {
-                ++count;
-            }
+            count += CountIn(entry.path().filename().string(), text);
         }
         return count;
     }

@@ -1,6 +1,6 @@
 #include "Os/Faults.h"
 
-#include "MemoryFaults.h"
+#include "support/MemoryFaults.h"
 
 #include <atomic>
 #include <map>

@@ -1,7 +1,6 @@
 #include "ProcessState.h"
 
 #include <arpa/inet.h>
-#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
@@ -48,22 +47,12 @@ bool IsBoundToEveryAddress(int socket, std::uint16_t port)
 }
 } // namespace
 
-std::int64_t OpenDescriptors()
-{
-    return Entries("/proc/self/fd");
-}
-
-std::int64_t RunningThreads()
-{
-    return Entries("/proc/self/task");
-}
-
-std::int64_t ResidentKiB()
+ProcessState CurrentState()
 {
     std::int64_t total = 0;
     std::int64_t resident = 0;
     std::ifstream("/proc/self/statm") >> total >> resident;
-    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+    return {Entries("/proc/self/fd"), Entries("/proc/self/task"), resident * (sysconf(_SC_PAGESIZE) / 1024)};
 }
 
 bool ShutDownSocketOn(std::uint16_t port)
@@ -99,18 +88,6 @@ bool CloseSocketOn(std::uint16_t port)
     }
     close(other);
     return isDone;
-}
-
-void SignalOtherThreads(int signal, int times)
-{
-    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/task"))
-    {
-        const pid_t thread = std::stoi(entry.path().filename().string());
-        for (int time = 0; thread != gettid() && time < times; ++time)
-        {
-            tgkill(getpid(), thread, signal);
-        }
-    }
 }
 
 std::uint64_t SocketOn(std::uint16_t port)

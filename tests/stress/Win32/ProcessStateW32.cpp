@@ -19,14 +19,6 @@ bool IsBoundToEveryAddress(SOCKET socket, std::uint16_t port)
     return getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) == 0 && address.sin_family == AF_INET &&
            address.sin_addr.s_addr == htonl(INADDR_ANY) && address.sin_port == htons(port);
 }
-} // namespace
-
-std::int64_t OpenDescriptors()
-{
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count;
-}
 
 std::int64_t RunningThreads()
 {
@@ -41,12 +33,15 @@ std::int64_t RunningThreads()
     CloseHandle(snapshot);
     return count;
 }
+} // namespace
 
-std::int64_t ResidentKiB()
+ProcessState CurrentState()
 {
+    DWORD handles = 0;
     PROCESS_MEMORY_COUNTERS counters{};
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
     GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-    return static_cast<std::int64_t>(counters.WorkingSetSize / 1024);
+    return {handles, RunningThreads(), static_cast<std::int64_t>(counters.WorkingSetSize / 1024)};
 }
 
 bool ShutDownSocketOn(std::uint16_t port)

@@ -1,4 +1,4 @@
-#include "MemoryFaults.h"
+#include "support/MemoryFaults.h"
 
 #include <atomic>
 #include <utility>
@@ -24,9 +24,19 @@ void MemoryFaults::Fail(int first, int count)
     isActive = true;
 }
 
-int MemoryFaults::Clear()
+int MemoryFaults::Clear() noexcept
 {
     isActive = false;
+    return failed;
+}
+
+int MemoryFaults::Seen() noexcept
+{
+    return number;
+}
+
+int MemoryFaults::Failed() noexcept
+{
     return failed;
 }
 

@@ -1,4 +1,4 @@
-#include "MemoryFaults.h"
+#include "support/MemoryFaults.h"
 
 #include <cstddef>
 #include <cstdlib>

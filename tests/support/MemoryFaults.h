@@ -14,8 +14,12 @@ public:
     /// Lets the allocations from number first on fail, counted from 1 from now on.
     static void Fail(int first, int count = 1);
 
-    /// Takes the faults back. Returns how many allocations have failed since Fail.
-    static int Clear();
+    /// Takes the faults back and counts no longer. Returns how many allocations have failed since Fail.
+    static int Clear() noexcept;
+
+    /// How many allocations there were, and how many of them failed, from Fail to Clear.
+    static int Seen() noexcept;
+    static int Failed() noexcept;
 
     /// For the allocators: counts an allocation; true when it has to fail.
     static bool Strikes() noexcept;
