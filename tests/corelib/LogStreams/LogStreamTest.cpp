@@ -10,7 +10,6 @@
 
 #include <array>
 #include <regex>
-#include <thread>
 
 using namespace Nfx::System;
 using namespace Nfx::System::LogStreams;
@@ -255,40 +254,4 @@ TEST_F(LogStreamTest, FileThatCannotBeOpenedIsNamedWithTheReason)
     }
     EXPECT_ERROR(LogStream(String(folder.Path().c_str()), LogStreamLevel::Debug, {"", "", ""}), ErrorCodes::IO);
     EXPECT_THROW(LogStream("", LogStreamLevel::Debug, {"", "", ""}), IO::IOException);
-}
-
-TEST_F(LogStreamTest, LinesOfManyThreadsAreWholeAndInTheOrderOfTheirTimes)
-{
-    constexpr int Threads = 8;
-    constexpr int LinesPerThread = 500;
-    const SmartPointer<LogStream> log = Open(LogStreamLevel::Debug);
-    std::vector<std::thread> threads;
-    for (int number = 0; number < Threads; ++number)
-    {
-        threads.emplace_back([&log, number] {
-            const LogStreamChannel own(String(std::to_string(number).c_str()));
-            for (int line = 0; line < LinesPerThread; ++line)
-            {
-                log->Write(own, String((std::to_string(line) + " " + std::string(200, 'x')).c_str()), 3);
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-    {
-        thread.join();
-    }
-
-    std::array<int, Threads> next{};
-    std::string lastTime;
-    const std::vector<std::string> lines = folder.ReadLines("test.log");
-    ASSERT_EQ(lines.size(), HeaderLines + 1 + Threads * LinesPerThread);
-    for (std::size_t i = HeaderLines + 1; i < lines.size(); ++i)
-    {
-        const std::size_t number = static_cast<std::size_t>(lines[i].at(44) - '0');
-        const std::string text = std::to_string(next.at(number)++) + " " + std::string(200, 'x');
-        ASSERT_EQ(lines[i].substr(85), "D|           |" + text);
-        const std::string time = lines[i].substr(25, 18);
-        ASSERT_LE(lastTime, time);
-        lastTime = time;
-    }
 }

@@ -168,14 +168,5 @@ TEST(SocketTest, ClosedSocketRefusesEverything)
     BindTo(*successor, Loopback(), self.Port());
 }
 
-TEST(SocketTest, ExceptionTextHoldsTheErrorsNameOrNumber)
-{
-    const SocketException named(SocketError::ConnectionReset, "Sources/Here", 1);
-    EXPECT_EQ(named.ToString(),
-              "Nfx::System::Net::Sockets::SocketException: The Socket operation failed. (ConnectionReset)");
-    EXPECT_EQ(named.GetError().Code(), ErrorCodes::Socket);
-    EXPECT_EQ(SocketException(12345, "Sources/Here", 1).ToString(),
-              "Nfx::System::Net::Sockets::SocketException: The Socket operation failed. (12345)");
-}
 } // namespace
 } // namespace Nfx::System::Net::Sockets

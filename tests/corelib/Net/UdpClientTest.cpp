@@ -26,6 +26,8 @@ TEST(UdpClientTest, CarriesWholeArraysAndTheirFirstBytes)
     EXPECT_EQ(buffer[2], 7);
     EXPECT_EQ(sender, self);
     EXPECT_EQ(client.Receive(buffer, sizeof buffer, sender), 2);
+    client.Close();
+    EXPECT_TRUE(client.Client()->IsClosed());
 }
 
 TEST(UdpClientTest, WithoutASocketOnlyCloseWorks)
@@ -39,14 +41,5 @@ TEST(UdpClientTest, WithoutASocketOnlyCloseWorks)
     client.Close();
 }
 
-TEST(UdpClientTest, CloseClosesTheSocketAndKeepsIt)
-{
-    UdpClient client;
-    client.SetClient(OpenLoopback());
-    client.Close();
-    client.Close();
-    ASSERT_FALSE(client.Client().IsNull());
-    EXPECT_TRUE(client.Client()->IsClosed());
-}
 } // namespace
 } // namespace Nfx::System::Net::Sockets

@@ -60,6 +60,7 @@ TEST(SemaphoreTest, NamesHaveAtMost128Bytes)
     EXPECT_TRUE(
         ThrowsAt<ArgumentException>(SourceName, 149, [] { Semaphore semaphore(0, 1, String(std::string(129, 'n'))); }));
     EXPECT_ERROR(Semaphore(0, 1, String("a\0b", 3)), ErrorCodes::IO);
+    EXPECT_NO_THROW(Semaphore(0, 1, "\xC3\xA4 \xE4")); // not UTF-8
 }
 
 TEST(SemaphoreTest, SameNameMeansSameSemaphoreWhileOneIsOpen)

@@ -2,6 +2,7 @@
 
 #include "support/ExpectError.h"
 #include "support/LambdaDelegate.h"
+#include "support/WaitUntil.h"
 #include "system/Threading/AutoResetEvent.h"
 #include "system/Threading/Lock.h"
 #include "system/Threading/Mutex.h"
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <functional>
 #include <stdexcept>
 #include <vector>
@@ -19,21 +19,9 @@ namespace Nfx::System::Threading
 {
 namespace
 {
-constexpr std::int32_t Deadline = 30000; // milliseconds; reached only when something is broken
+using Tests::WaitUntil;
 
-bool Eventually(const std::function<bool()>& condition)
-{
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(Deadline);
-    while (!condition())
-    {
-        if (std::chrono::steady_clock::now() > end)
-        {
-            return false;
-        }
-        Thread::Sleep(1);
-    }
-    return true;
-}
+constexpr std::int32_t Deadline = 30000; // milliseconds; reached only when something is broken
 
 bool Has(const Thread& thread, std::int32_t flag)
 {
@@ -54,7 +42,7 @@ TEST(ThreadTest, GoesFromUnstartedOverRunningToStopped)
 
     thread.Start();
     EXPECT_FALSE(thread.Join(10));
-    EXPECT_TRUE(Eventually([&] { return thread.GetThreadState() == ThreadState::WaitSleepJoin; }));
+    EXPECT_TRUE(WaitUntil([&] { return thread.GetThreadState() == ThreadState::WaitSleepJoin; }));
     thread.SetBackground(true);
     EXPECT_EQ(thread.GetThreadState().ToString(), "Background, WaitSleepJoin");
     EXPECT_EQ(thread.GetThreadId(), ownId);
@@ -169,7 +157,7 @@ TEST(ThreadTest, InterruptEndsEveryKindOfWait)
                 thread.Interrupt();
             }
             thread.Start();
-            EXPECT_TRUE(beforehand || Eventually([&] { return Has(thread, ThreadState::WaitSleepJoin); }));
+            EXPECT_TRUE(beforehand || WaitUntil([&] { return Has(thread, ThreadState::WaitSleepJoin); }));
             if (!beforehand)
             {
                 thread.Interrupt();
@@ -214,7 +202,7 @@ TEST(ThreadTest, SuspendedThreadStandsStillUntilItIsResumed)
     for (int round = 0; round < 50; ++round)
     {
         const std::uint32_t before = counter;
-        ASSERT_TRUE(Eventually([&] { return counter != before; }));
+        ASSERT_TRUE(WaitUntil([&] { return counter != before; }));
         thread.Suspend();
         EXPECT_TRUE(Has(thread, ThreadState::Suspended));
         const std::uint32_t stopped = counter;
@@ -242,7 +230,7 @@ TEST(ThreadTest, SuspendedThreadKeepsNobodyFromTheObjectsItWaitsFor)
     }));
     thread.Start();
     semaphore.Release();
-    ASSERT_TRUE(Eventually([&] { return taken == 1; }));
+    ASSERT_TRUE(WaitUntil([&] { return taken == 1; }));
     int released = 1;
     for (int round = 0; round < 500; ++round)
     {
@@ -254,7 +242,7 @@ TEST(ThreadTest, SuspendedThreadKeepsNobodyFromTheObjectsItWaitsFor)
         EXPECT_EQ(taken, stopped);
         thread.Resume();
     }
-    EXPECT_TRUE(Eventually([&] { return taken == released; }));
+    EXPECT_TRUE(WaitUntil([&] { return taken == released; }));
     thread.Suspend();
     thread.Interrupt();
     thread.Resume();
@@ -278,7 +266,7 @@ TEST(ThreadTest, AbortEndsAThreadThatWaits)
         }
     }));
     thread.Start();
-    EXPECT_TRUE(Eventually([&] { return Has(thread, ThreadState::WaitSleepJoin); }));
+    EXPECT_TRUE(WaitUntil([&] { return Has(thread, ThreadState::WaitSleepJoin); }));
     thread.Abort();
     EXPECT_TRUE(thread.Join(Deadline));
     EXPECT_EQ(thread.GetThreadState().ToString(), "Aborted");
@@ -357,7 +345,7 @@ TEST(ThreadTest, ThreadOutlivesItsThreadObject)
         Thread(MakeLambda([&] { ends.Release(); })).Start();
         ends.WaitOne();
     }
-    EXPECT_TRUE(Eventually([] { return Thread::RunningThreadIds().IsEmpty(); }));
+    EXPECT_TRUE(WaitUntil([] { return Thread::RunningThreadIds().IsEmpty(); }));
 }
 } // namespace
 } // namespace Nfx::System::Threading
