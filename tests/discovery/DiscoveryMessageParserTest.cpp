@@ -14,13 +14,9 @@ namespace
 {
 using namespace Zent::Discovery;
 namespace ErrorCodes = Nfx::System::ErrorCodes;
-using Nfx::System::Exception;
-using Nfx::System::InvalidOperationException;
-using Nfx::System::SmartPointer;
-using Nfx::System::String;
-using Nfx::System::LogStreams::LogStreamLevel;
-using Nfx::System::Net::IPAddress;
-using Nfx::System::Net::IPEndPoint;
+using namespace Nfx::System;
+using namespace Nfx::System::LogStreams;
+using namespace Nfx::System::Net;
 using Tests::Gate;
 using Tests::LogCapture;
 using Tests::WaitUntil;
@@ -47,23 +43,33 @@ private:
     const std::function<void(const String&)> process;
 };
 
-TEST(DiscoveryMessageParserTest, RefusesWhatDoesNotFitAndAcceptsAgainAsSoonAsOneIsTaken)
+class FullQueueTest : public testing::Test
 {
-    const LogCapture log(LogStreamLevel::Critical);
+protected:
+    /// Holds the parser up at a datagram, and lets as many wait as fit.
+    void SetUp() override
+    {
+        parser.Start();
+        parser.Give("held");
+        ASSERT_TRUE(first.WaitForArrivals(1));
+        for (int count = 0; count < DiscoveryMessageParser::MaximumPending; ++count)
+        {
+            parser.Give("waits");
+        }
+        EXPECT_FALSE(log.Has("Semaphore is full"));
+    }
+
+    const LogCapture log{LogStreamLevel::Critical};
     Gate first;
     std::atomic<int> processed{0};
-    ScriptedParser parser([&](const String&) {
+    ScriptedParser parser{[this](const String&) {
         EXPECT_TRUE(first.Pass());
         ++processed;
-    });
-    parser.Start();
-    parser.Give("held");
-    ASSERT_TRUE(first.WaitForArrivals(1));
-    for (int count = 0; count < DiscoveryMessageParser::MaximumPending; ++count)
-    {
-        parser.Give("waits");
-    }
-    EXPECT_FALSE(log.Has("Semaphore is full"));
+    }};
+};
+
+TEST_F(FullQueueTest, RefusesWhatDoesNotFitAndAcceptsAgainAsSoonAsOneIsTaken)
+{
     parser.Give("too many");
     EXPECT_EQ(1, log.Count("Semaphore is full (512) !!! Ignoring this datagram..."));
     first.Open();
@@ -74,23 +80,9 @@ TEST(DiscoveryMessageParserTest, RefusesWhatDoesNotFitAndAcceptsAgainAsSoonAsOne
     EXPECT_EQ(1, log.Count("Semaphore is full"));
 }
 
-TEST(DiscoveryMessageParserTest, StopsWithAFullQueueAndDropsWhatWaits)
+TEST_F(FullQueueTest, StopsAndDropsWhatWaits)
 {
-    const LogCapture log(LogStreamLevel::Critical);
-    Gate first;
-    std::atomic<int> processed{0};
-    ScriptedParser parser([&](const String&) {
-        EXPECT_TRUE(first.Pass());
-        ++processed;
-    });
-    parser.Start();
-    parser.Give("held");
-    ASSERT_TRUE(first.WaitForArrivals(1));
-    for (int count = 0; count < DiscoveryMessageParser::MaximumPending; ++count)
-    {
-        parser.Give("waits");
-    }
-    std::thread stopper([&] { parser.Stop(); });
+    std::thread stopper([this] { parser.Stop(); });
     EXPECT_TRUE(log.WaitFor("Stopping message parser"));
     first.Open();
     stopper.join();

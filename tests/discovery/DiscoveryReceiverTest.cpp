@@ -12,13 +12,9 @@
 namespace
 {
 using namespace Zent::Discovery;
-using Nfx::System::EventArgs;
-using Nfx::System::Int32;
-using Nfx::System::MakeDelegate;
-using Nfx::System::Object;
-using Nfx::System::SmartPointer;
-using Nfx::System::LogStreams::LogStreamLevel;
-using Nfx::System::Net::Sockets::SocketError;
+using namespace Nfx::System;
+using namespace Nfx::System::LogStreams;
+using namespace Nfx::System::Net::Sockets;
 using Tests::FakeDiscoverySocket;
 using Tests::LogCapture;
 using Tests::WaitUntil;

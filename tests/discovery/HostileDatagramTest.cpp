@@ -1,7 +1,7 @@
 #include "Discovery/Message/DiscoveryMessageDeserializer.h"
 #include "Discovery/Message/SignatureBroadcastMessage.h"
+#include "discovery/HostileDatagrams.h"
 #include "support/ExpectError.h"
-#include "support/HostileDatagrams.h"
 #include "support/LogCapture.h"
 #include "support/SmallStack.h"
 #include "system/Exceptions.h"
@@ -148,26 +148,14 @@ TEST(HostileDatagramTest, NoTextIsTakenForAValueThatItIsNot)
     };
 
     const std::string digits(58000, '9');
-    const std::vector<std::string> addresses = {"",          "0",          "1.2.3",    "1.2.3.4.5",
-                                                "1.2.3.256", "0x1.2.3.4",  "1.2.3.-4", " 1.2.3.4",
-                                                "1.2.3.4 ",  "1.2.3.4\\n", digits,     "1.2.3." + digits};
-    const std::vector<std::string> gateways(addresses.begin() + 1, addresses.end()); // an empty text is none
     const Case cases[] = {
-        {"\"MACAddress\"",
-         {"", "0:0:0:0:0", "0:0:0:0:0:", "0:0:0:0:0:0:0", "0x0:0:0:0:0:0", "+1:0:0:0:0:0", "-1:0:0:0:0:0",
-          " 0:0:0:0:0:0", "0:0:0:0:0:0 ", "0:0:0:0:0:g", "0:0:0:0:0:100", digits},
-         "Failed to parse Host"},
-        {"\"IPAddress\"", addresses, "Failed to parse Host"},
-        {"\"SubNetMask\"", addresses, "Failed to parse Host"},
-        {"\"DefaultGateway\"", gateways, "Failed to parse Host"},
-        {"\"DiscoveryVersion\"",
-         {"", "1", "1.", ".1", "1..2", "1.2.3.4.5", "1.-2", "1.+2", "1. 2", "1.0x2", "1.2147483648", digits,
-          "1." + digits},
-         nullptr},
-        {"\"DiscoveryMessageType\"",
-         {"", "1", "hello", "HELLO", "Hello ", " Hello", "Hello\\n", "Goodbye", digits},
-         nullptr},
-        {"\"Broadcast\"", {"", "true", "TRUE", "1", "True ", " False", digits}, "No valid value for Broadcast key"},
+        {"\"MACAddress\"", {"", "0x0:0:0:0:0:0", digits}, "Failed to parse Host"},
+        {"\"IPAddress\"", {"", "1.2.3.256", digits}, "Failed to parse Host"},
+        {"\"SubNetMask\"", {"", "1.2.3"}, "Failed to parse Host"},
+        {"\"DefaultGateway\"", {"0", "1.2.3.4\\n"}, "Failed to parse Host"}, // an empty text is none
+        {"\"DiscoveryVersion\"", {"", "1", "1.2147483648", digits}, nullptr},
+        {"\"DiscoveryMessageType\"", {"", "1", "hello", "Hello ", "Hello\\n", digits}, nullptr},
+        {"\"Broadcast\"", {"", "true", "1", "True ", digits}, "No valid value for Broadcast key"},
     };
     const std::string message =
         R"({"DiscoveryMessageType":"Hello","DiscoveryVersion":"1.0.18","Broadcast":"False","Host":{"HostName":"box",)"
@@ -204,20 +192,6 @@ TEST(HostileDatagramTest, TheFirstOfSeveralMembersCountsThoughItBeOfTheWrongType
         SCOPED_TRACE(first);
         EXPECT_ERROR(read("\"HOSTNAME\":" + std::string(first) + "," + good), ErrorCodes::InvalidFormat);
     }
-}
-
-TEST(HostileDatagramTest, ThousandsOfSettingsAreReadInOrder)
-{
-    std::string settings;
-    for (int number = 0; number < 6000; ++number)
-    {
-        settings += (number == 0 ? "\"" : ",\"") + std::to_string(number) + "\":\"\"";
-    }
-    const SmartPointer<DiscoveryMessage> message = DiscoveryMessageDeserializer().Deserialize(
-        String(HelloBegin + R"(,"FileTransferInfos":{)" + settings + "}" + HelloEnd));
-    const SmartPointer<DiscoveryHost> host = message.As<SignatureBroadcastMessage>()->Host;
-    EXPECT_EQ(host->FileTransferInfos->Count(), 6000u);
-    EXPECT_EQ(host->FileTransferInfos->ToJson().View(), "{" + settings + "}");
 }
 
 TEST(HostileDatagramTest, OneViewOfATextHoldsEverywhere)

@@ -7,9 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
-#include <vector>
 
 using Nfx::System::Memory;
 using Nfx::System::String;
@@ -188,69 +186,6 @@ TEST(JSONTextTest, ATextIsReadUpToALimitAndRefusedBeyondIt)
     {
         EXPECT_EQ(exception.GetError().Code(), ErrorCodes::InvalidFormat);
         EXPECT_EQ(exception.GetMessage(), "JSON document too large : 16777217 bytes, the limit is 16777216");
-    }
-}
-
-/// A text of the largest size, the part repeated in it.
-std::string Fill(const std::string& begin, const std::string& part, const std::string& end)
-{
-    return begin + Repeat(part, (LargestDatagram - begin.size() - end.size()) / part.size()) + end;
-}
-
-TEST(JSONTextTest, WorkGrowsWithTheTextWhateverItHolds)
-{
-    std::string folding = "{";
-    for (std::size_t number = 0; folding.size() < LargestDatagram - 40; ++number)
-    {
-        folding += "\"abcdefghijklm\":\"\","s;
-        for (std::size_t bit = 0; bit < 13; ++bit)
-        {
-            folding[folding.size() - 18 + bit] ^= static_cast<char>((number >> bit & 1) * 32);
-        }
-    }
-    const std::string cases[] = {
-        Fill("{\"a\":[", "1,", "1]}"),
-        Fill("{\"a\":[", "1.5,", "1]}"),
-        Fill("{\"a\":[", "{},", "{}]}"),
-        Fill("{\"a\":[", "[[]],", "1]}"),
-        Fill("{", "\"a\":\"\",", "\"b\":\"\"}"),
-        Fill("{", "\"\":\"\",", "\"b\":1}"),
-        Fill("{\"a\":\"", "\\u0000", "\"}"),
-        Fill("{\"a\":\"", "\\ud800", "\"}"),
-        Fill("{\"a\":\"", "\\\\", "\"}"),
-        Fill("{\"a\":", "9", "}"),
-        Fill("{\"a\":0.", "0", "1}"),
-        Fill("{\"a\":1e", "9", "}"),
-        Fill("", "\"\\", ""),
-        Fill("", "{\"a\":", ""),
-        folding + "\"end\":\"\"}",
-    };
-    for (const std::string& text : cases)
-    {
-        SCOPED_TRACE(text.substr(0, 40));
-        const std::int64_t before = Memory::LiveCount();
-        const auto start = std::chrono::steady_clock::now();
-        try
-        {
-            const JSONObject object{String(text)};
-            JSONArray array;
-            if (object.TryGetJSONArray("a", array))
-            {
-                JSONObject element;
-                for (std::int32_t index = 0; index < array.Length(); ++index)
-                {
-                    array.TryGetJSONObject(index, element);
-                }
-            }
-            EXPECT_GT(object.ToString().Length(), 1u);
-            object.ForEachString([](auto, auto, bool) {});
-        }
-        catch (const Nfx::System::Exception&)
-        {
-        }
-        const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
-        EXPECT_LT(taken.count(), 500); // a few milliseconds, unless something is quadratic
-        EXPECT_EQ(Memory::LiveCount(), before);
     }
 }
 } // namespace

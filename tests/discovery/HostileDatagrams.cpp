@@ -1,4 +1,4 @@
-#include "support/HostileDatagrams.h"
+#include "discovery/HostileDatagrams.h"
 
 #include <random>
 
