@@ -44,28 +44,11 @@ class BroadcastProviderTest(TestCase):
     def test_only_the_given_addresses_are_used(self):
         self.install("10.1.0.1")
         self.host.must("Discover")
-        self.ask_each_device()
+        for simulator in self.simulators:
+            self.host.must("ReachClient", simulator.devices[0].ip)
         first, second = self.simulators
         self.assertIn("answers AllSendYourSignature to 10.1.0.1", first.line())
         self.assertIn("answers SendYourSignature to 10.2.0.1", second.line())
-
-    def test_the_provider_is_gone_after_a_restart(self):
-        self.install("10.1.0.1", "10.2.0.1")
-        self.host.must("StopServer")
-        self.host.must("StartServer")
-        self.host.must("Discover")  # takes the default route, which stays on this machine
-        self.ask_each_device()
-        for simulator in self.simulators:
-            self.assertIn("answers SendYourSignature", simulator.line())
-
-    def ask_each_device(self):
-        for simulator in self.simulators:
-            self.host.must("ReachClient", simulator.devices[0].ip)
-
-    def test_a_device_renamed_by_broadcast_shows_its_name(self):
-        self.install("10.1.0.1", "10.2.0.1")
-        self.host.must("ChangeClientsHostName", "far away", self.simulators[1].devices[0].mac)
-        self.assertEqual(self.host.event("signature")["Host"]["HostName"], "far away")
 
 
 if __name__ == "__main__":
