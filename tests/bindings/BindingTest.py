@@ -3,13 +3,11 @@
 import argparse
 import json
 import pathlib
-import socket
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "endtoend"))
 
 from endtoend import (  # noqa: E402
-    SERVER_PORT,
     TIMEOUT,
     Peer,
     Process,
@@ -20,6 +18,7 @@ from endtoend import (  # noqa: E402
     main,
     message,
 )
+from networks import Occupant  # noqa: E402
 
 INVALID_OPERATION = 30
 NULL_POINTER = 41
@@ -235,8 +234,7 @@ class LifeCycleTest(TestCase):
 
     def test_a_start_that_failed_may_be_tried_again(self):
         self.host.open()
-        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as taken:
-            taken.bind(("", SERVER_PORT))
+        with Occupant(shares=False):
             self.assertEqual(self.host.call("start"), SOCKET)
             self.assertEqual(self.host.call("start"), SOCKET)
         self.host.must("start")

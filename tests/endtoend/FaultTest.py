@@ -66,6 +66,5 @@ class FaultTest(TestCase):
         self.assert_served("Discover")
 
 
-
 if __name__ == "__main__":
     main()
