@@ -1,5 +1,6 @@
 #include "ReadNumber.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -34,21 +35,21 @@ const char* SkipExponent(const char* position)
     return end > digits ? end : position;
 }
 
-/// The exponent's value; far enough out to outweigh any number of digits when it does not fit.
+/// The exponent's value, but no farther out than it takes to outweigh any number of digits: a count of them is added.
 std::int64_t ReadExponent(const char* position, const char* end)
 {
     if (position == end)
     {
         return 0;
     }
+    constexpr std::int64_t limit = std::numeric_limits<std::int64_t>::max() / 2;
     const char* const digits = position[1] == '+' ? position + 2 : position + 1;
     std::int64_t exponent = 0;
     if (std::from_chars(digits, end, exponent).ec != std::errc())
     {
-        const std::int64_t limit = std::numeric_limits<std::int64_t>::max() / 2;
-        return *digits == '-' ? -limit : limit;
+        exponent = *digits == '-' ? -limit : limit;
     }
-    return exponent;
+    return std::clamp(exponent, -limit, limit);
 }
 
 /// Whether a number outside of the range of double is too large rather than too small: the place of its first digit

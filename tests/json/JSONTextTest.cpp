@@ -131,6 +131,8 @@ TEST(JSONTextTest, WritesNumbersByTheRules)
         {"1" + std::string(400, '0') + "e-400", "1"},
         {"1e99999999999999999999999", "null"},
         {"1e-99999999999999999999999", "0"},
+        {"1e9223372036854775807", "null"}, // the ends of an exponent's own range
+        {"0.001e-9223372036854775808", "0"},
         {"0." + std::string(400, '0') + "1e401", "1"},
         {"0." + std::string(400, '0') + "1", "0"},
         {"0e999", "0"},
