@@ -1,5 +1,6 @@
 #include "Discovery/BroadcastProviderWin32.h"
 
+#include "Discovery/Attempt.h"
 #include "Discovery/DiscoveryPorts.h"
 #include "Discovery/DiscoverySocketUdpClient.h"
 #include "system/Exceptions.h"
@@ -61,18 +62,15 @@ void BroadcastProviderWin32::Send(const std::uint8_t* bytes, Int32 count)
 SmartPointer<IDiscoverySocket> BroadcastProviderWin32::OpenSocket(const IPAddress& address) const
 {
     const SmartPointer<DiscoveryPorts>& ports = DiscoveryPorts::GetInstance();
-    try
-    {
-        SmartPointer<IDiscoverySocket> socket(
-            new DiscoverySocketUdpClient(ports->ServerPort(), ports->ClientPort(), address));
+    SmartPointer<IDiscoverySocket> socket;
+    const auto open = [&] {
+        socket = SmartPointer<DiscoverySocketUdpClient>::Create(ports->ServerPort(), ports->ClientPort(), address);
         LeaveAnswersToTheMainSocket(*socket);
-        return socket;
-    }
-    catch (const Exception& exception)
-    {
+    };
+    const bool isOpen = Attempt(open, [&](const Exception& exception) {
         log.Write("Exception caught while creating socket on address " + address.ToString() + " !", exception);
-        return nullptr;
-    }
+    });
+    return isOpen ? socket : nullptr;
 }
 
 void BroadcastProviderWin32::SendFrom(const IPAddress& address, const std::uint8_t* bytes, Int32 count) const
@@ -83,14 +81,11 @@ void BroadcastProviderWin32::SendFrom(const IPAddress& address, const std::uint8
         return;
     }
     log.Write("Sending from " + address.ToString() + "...", LogStreamLevel::Debug);
-    try
-    {
-        socket->Send(bytes, count, IPAddress::Broadcast());
-    }
-    catch (const Exception& exception)
-    {
-        log.Write("Exception caught while sending message from address " + address.ToString() + " !", exception);
-    }
+    Attempt([&] { socket->Send(bytes, count, IPAddress::Broadcast()); },
+            [&](const Exception& exception) {
+                log.Write("Exception caught while sending message from address " + address.ToString() + " !",
+                          exception);
+            });
     log.Guard("Answer lost on the way to the main socket", [&] { PassOnStrays(*socket, address); });
 }
 } // namespace Zent::Discovery

@@ -63,6 +63,12 @@ void ComponentLog::Write(const char* message, const Exception& exception) const
     }
 }
 
+void ComponentLog::WriteForeign(const char* failure, const char* description) const
+{
+    Attempt([&] { Write(failure, Exception(String(description), SourceName, __LINE__)); },
+            [&](const Exception&) { Write(failure, Exception(SourceName, __LINE__)); });
+}
+
 bool ComponentLog::IsEnabled(const LogStreamLevel& level) noexcept
 {
     return DiscoveryLogger::IsEnabled(level);

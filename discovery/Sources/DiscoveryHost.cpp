@@ -1,11 +1,11 @@
 #include "Discovery/DiscoveryHost.h"
 
 #include "DefectLog.h"
+#include "Discovery/Attempt.h"
 #include "Discovery/DiscoveryLogger.h"
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Exceptions.h"
 #include "system/Immortal.h"
 
 #include <utility>
@@ -124,11 +124,7 @@ void DiscoveryHost::ReadFrom(const JSONObject& json)
 void DiscoveryHost::ReadFileTransferInfos(const JSONObject& json)
 {
     FileTransferInfos = SmartPointer<Zent::Discovery::FileTransferInfos>::Create();
-    try
-    {
-        FileTransferInfos->ReadFrom(json.GetJSONObject(FileTransferInfosKey));
-    }
-    catch (const Nfx::System::Exception&)
+    if (!Attempt([&] { FileTransferInfos->ReadFrom(json.GetJSONObject(FileTransferInfosKey)); }))
     {
         DefectLog::Write(Channel(), "No FileTransfer infos or failed to parse JSON data", LogStreamLevel::Standard);
     }
@@ -137,21 +133,16 @@ void DiscoveryHost::ReadFileTransferInfos(const JSONObject& json)
 void DiscoveryHost::WriteFileTransferInfos(JSONStringer& stringer) const
 {
     const JSONStringer::Mark mark = stringer.GetMark();
-    try
-    {
-        if (!FileTransferInfos.IsNull())
-        {
-            FileTransferInfos->Serialize(stringer);
-            return;
-        }
-    }
-    catch (const Nfx::System::Exception& exception)
-    {
+    const auto write = [&] { FileTransferInfos->Serialize(stringer); };
+    const auto ignore = [&](const Nfx::System::Exception& exception) {
+        stringer.RollBack(mark);
         DiscoveryLogger::GetInstance().Log(
             Channel(), "Exception caught during JSON FileTransfer infos parsing -> ignoring.", exception);
-        stringer.RollBack(mark);
+    };
+    if (FileTransferInfos.IsNull() || !Attempt(write, ignore))
+    {
+        stringer.Object();
+        stringer.EndObject();
     }
-    stringer.Object();
-    stringer.EndObject();
 }
 } // namespace Zent::Discovery

@@ -1,8 +1,8 @@
 #include "Discovery/FileTransferInfos.h"
 
+#include "Discovery/Attempt.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Exceptions.h"
 
 #include <functional>
 
@@ -45,15 +45,11 @@ void FileTransferInfos::Deserialize(const String& json)
 void FileTransferInfos::ReadFrom(const JSONObject& json)
 {
     Clear();
-    try
-    {
-        AppendMembers(json);
-    }
-    catch (const Nfx::System::Exception&)
-    {
-        Trim();
-        throw;
-    }
+    Attempt([&] { AppendMembers(json); },
+            [this](const Nfx::System::Exception&) {
+                Trim();
+                throw;
+            });
     Trim();
 }
 

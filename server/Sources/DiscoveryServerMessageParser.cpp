@@ -1,5 +1,6 @@
 #include "Server/DiscoveryServerMessageParser.h"
 
+#include "Discovery/Attempt.h"
 #include "Server/MinimumCompatibleVersion.h"
 #include "Server/NotifyByeMessageReceivedAction.h"
 #include "Server/NotifyClientSignatureReceivedAction.h"
@@ -53,15 +54,13 @@ void DiscoveryServerMessageParser::ProcessDatagram(const SmartPointer<Datagram>&
 
 SmartPointer<DiscoveryMessage> DiscoveryServerMessageParser::Deserialize(const String& text) const
 {
-    try
-    {
-        return deserializer.Deserialize(text);
-    }
-    catch (const Exception&) // the loop adds a line of its own
-    {
-        Log().Write("Message dropped : bad format !", LogStreamLevel::Critical);
-        throw;
-    }
+    SmartPointer<DiscoveryMessage> message;
+    Attempt([&] { message = deserializer.Deserialize(text); },
+            [this](const Exception&) {
+                Log().Write("Message dropped : bad format !", LogStreamLevel::Critical);
+                throw; // the loop adds a line of its own
+            });
+    return message;
 }
 
 bool DiscoveryServerMessageParser::IsAccepted(const Version& version) const

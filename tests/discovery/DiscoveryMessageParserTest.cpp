@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <functional>
+#include <stdexcept>
 
 namespace
 {
@@ -17,6 +18,7 @@ namespace ErrorCodes = Nfx::System::ErrorCodes;
 using namespace Nfx::System;
 using namespace Nfx::System::LogStreams;
 using namespace Nfx::System::Net;
+using Nfx::System::Threading::Thread;
 using Tests::Gate;
 using Tests::LogCapture;
 using Tests::WaitUntil;
@@ -109,10 +111,14 @@ TEST(DiscoveryMessageParserTest, AFailingDatagramCostsItselfAndALine)
         {
             throw std::bad_alloc();
         }
+        if (text == "foreign")
+        {
+            throw std::runtime_error("what the host says");
+        }
         good = true;
     });
     parser.Start();
-    for (const char* text : {"format", "other", "memory", "good"})
+    for (const char* text : {"format", "other", "memory", "foreign", "good"})
     {
         parser.Give(text);
     }
@@ -123,8 +129,23 @@ TEST(DiscoveryMessageParserTest, AFailingDatagramCostsItselfAndALine)
                            "Nfx::System::InvalidOperationException: of all things, location: tests/discovery(2)"))
         << log.Text();
     EXPECT_EQ(1, log.Count("|E|$0x0000001B|Error while parsing/processing message "));
+    EXPECT_EQ(1, log.Count("Error while parsing/processing message Nfx::System::Exception: what the host says"))
+        << log.Text();
     EXPECT_TRUE(
         log.HasInOrder({"---Waiting for messages...", "Stopping message parser", "---Message parser stopped---"}));
+}
+
+TEST(DiscoveryMessageParserTest, AnAbortEndsTheThreadThoughEverythingElseIsCaught)
+{
+    const LogCapture log(LogStreamLevel::Critical);
+    ScriptedParser parser([](const String&) { throw Thread::AbortSignal(); });
+    parser.Start();
+    parser.Give("aborts");
+    parser.Give("waits");
+    EXPECT_TRUE(WaitUntil([&] { return parser.PendingCount() == 1; }));
+    parser.Stop();
+    EXPECT_EQ(1, parser.PendingCount());
+    EXPECT_FALSE(log.Has("Error while parsing/processing message")) << log.Text();
 }
 
 TEST(DiscoveryMessageParserTest, StopsWithoutHavingStarted)

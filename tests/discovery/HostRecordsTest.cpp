@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 
 using Nfx::System::String;
@@ -16,6 +17,7 @@ using Zent::Discovery::DiscoveryHostProduct;
 using Zent::Discovery::FileTransferInfos;
 using Zent::Discovery::NICConfig;
 namespace ErrorCodes = Nfx::System::ErrorCodes;
+using namespace std::string_literals;
 
 namespace
 {
@@ -169,15 +171,26 @@ TEST(HostRecordsTest, AnExceptionWhileFileTransferInfosAreWrittenLosesThemAlone)
             stringer.Object();
             stringer.Key("half");
             stringer.Array();
+            if (IsForWantOfMemory)
+            {
+                throw std::bad_alloc();
+            }
             throw Nfx::System::InvalidOperationException("test", 1);
         }
+
+        bool IsForWantOfMemory = false;
     };
 
     DiscoveryHost host = Read<DiscoveryHost>(Host());
-    host.FileTransferInfos = new Defective();
+    const auto defective = Nfx::System::SmartPointer<Defective>::Create();
+    host.FileTransferInfos = defective;
     const Tests::LogCapture log(LogStreamLevel::Critical);
-    EXPECT_EQ(host.ToJson().View(), Host("FileTransferInfos", R"("FileTransferInfos":{})"));
-    EXPECT_EQ(log.Count("Exception caught during JSON FileTransfer infos parsing -> ignoring."), 1);
+    for (const char* code : {"|E|$0x0000001E|", "|E|$0x0000001B|"})
+    {
+        EXPECT_EQ(host.ToJson().View(), Host("FileTransferInfos", R"("FileTransferInfos":{})"));
+        EXPECT_EQ(log.Count(code + "Exception caught during JSON FileTransfer infos parsing -> ignoring."s), 1);
+        defective->IsForWantOfMemory = true;
+    }
     host.FileTransferInfos = nullptr;
     EXPECT_EQ(host.ToJson().View(), Host("FileTransferInfos", R"("FileTransferInfos":{})"));
 }

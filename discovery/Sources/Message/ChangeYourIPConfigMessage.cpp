@@ -1,10 +1,10 @@
 #include "Discovery/Message/ChangeYourIPConfigMessage.h"
 
 #include "DefectLog.h"
+#include "Discovery/Attempt.h"
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Exceptions.h"
 #include "system/Immortal.h"
 #include "system/Int32.h"
 
@@ -45,15 +45,7 @@ SmartPointer<NICConfig> ReadNICConfig(const JSONArray& array, std::int32_t index
         return nullptr;
     }
     SmartPointer<NICConfig> config = SmartPointer<NICConfig>::Create();
-    try
-    {
-        config->ReadFrom(element);
-    }
-    catch (const Nfx::System::Exception&)
-    {
-        return nullptr;
-    }
-    return config;
+    return Attempt([&] { config->ReadFrom(element); }) ? config : nullptr;
 }
 
 /// Writes the line of a bad element, given how many there are with it.

@@ -1,9 +1,9 @@
 #include "Discovery/Message/SignatureBroadcastMessage.h"
 
 #include "DefectLog.h"
+#include "Discovery/Attempt.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Exceptions.h"
 #include "system/Immortal.h"
 
 #include <utility>
@@ -69,11 +69,7 @@ void SignatureBroadcastMessage::ReadFrom(const JSONObject& json)
         DefectLog::Reject(Channel(), "No Host key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     SmartPointer<DiscoveryHost> host = SmartPointer<DiscoveryHost>::Create();
-    try
-    {
-        host->ReadFrom(hostJson);
-    }
-    catch (const Nfx::System::Exception&)
+    if (!Attempt([&] { host->ReadFrom(hostJson); }))
     {
         DefectLog::Reject(Channel(), "Failed to parse Host !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
@@ -91,14 +87,11 @@ void SignatureBroadcastMessage::ReadSourceNIC(const JSONObject& json)
         return;
     }
     SmartPointer<NICConfig> source = SmartPointer<NICConfig>::Create();
-    try
-    {
-        source->ReadFrom(sourceJson);
-        SourceNIC = std::move(source);
-    }
-    catch (const Nfx::System::Exception&)
+    if (!Attempt([&] { source->ReadFrom(sourceJson); }))
     {
         DefectLog::Write(Channel(), "Failed to parse source NIC -> Ignoring.", LogStreamLevel::Critical);
+        return;
     }
+    SourceNIC = std::move(source);
 }
 } // namespace Zent::Discovery

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "Discovery/Attempt.h"
 #include "system/Exceptions.h"
 #include "system/LogStreams/LogStreamChannel.h"
 #include "system/LogStreams/LogStreamLevel.h"
 #include "system/String.h"
+#include "system/Threading/Thread.h"
 
 #include <cxxabi.h>
-#include <new>
+#include <exception>
 #include <utility>
 
 namespace Zent::Discovery
@@ -32,22 +34,22 @@ public:
     {
         try
         {
-            std::forward<TBody>(body)();
-            return true;
+            return Attempt(std::forward<TBody>(body),
+                           [&](const Nfx::System::Exception& exception) { Write(failure, exception); });
         }
-        catch (const Nfx::System::Exception& exception)
+        catch (const Nfx::System::Threading::Thread::AbortSignal&)
         {
-            Write(failure, exception);
-        }
-        catch (const std::bad_alloc&)
-        {
-            Write(failure, Nfx::System::OutOfMemoryException(SourceName, __LINE__));
+            throw;
         }
         catch (abi::__forced_unwind&)
         {
             throw; // the platform ends the thread, and the process if somebody stops it
         }
-        catch (...) // a callback of the host threw what only the host knows
+        catch (const std::exception& exception) // thrown by a callback of the host
+        {
+            WriteForeign(failure, exception.what());
+        }
+        catch (...) // likewise, and only the host knows what it is
         {
             Write(failure, Nfx::System::Exception(SourceName, __LINE__));
         }
@@ -58,6 +60,8 @@ public:
     static bool IsEnabled(const Nfx::System::LogStreams::LogStreamLevel& level) noexcept;
 
 private:
+    void WriteForeign(const char* failure, const char* description) const;
+
     static constexpr char SourceName[] = "includes/Discovery/ComponentLog";
 
     const Nfx::System::LogStreams::LogStreamChannel channel;

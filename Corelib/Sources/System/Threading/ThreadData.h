@@ -31,11 +31,6 @@ public:
     ThreadData(const ThreadData&) = delete;
     ThreadData& operator=(const ThreadData&) = delete;
 
-    /// Unwinds a thread that is aborted; only the thread's outermost function catches it.
-    class AbortSignal final
-    {
-    };
-
     /// Of the calling thread; null when Thread has not started it.
     static ThreadData* Current() noexcept;
 

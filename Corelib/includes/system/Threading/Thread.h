@@ -17,11 +17,17 @@ namespace Nfx::System::Threading
 /// Waiting means Join, Sleep, WaitHandle::WaitOne and Monitor::Wait; entering a Monitor does not count. What the
 /// delegate throws ends the thread and nothing else: see GetFailure. On POSIX the thread gets no signals of the
 /// process but those of its own faults, and real-time ones, SIGPWR and SIGXCPU, which it takes when the thread that
-/// starts it does. A body that catches everything must let an abort go on.
+/// starts it does.
 class Thread final : public Object
 {
 public:
     class ThreadData;
+
+    /// Thrown in a thread that is aborted, to unwind it: whoever catches everything throws it on. It ends with the
+    /// thread's outermost function.
+    class AbortSignal final
+    {
+    };
 
     /// @throws ArgumentNullException when start is null.
     explicit Thread(const SmartPointer<Delegate<>>& start);
