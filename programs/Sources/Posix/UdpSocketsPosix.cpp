@@ -1,0 +1,153 @@
+#include "Programs/UdpSockets.h"
+
+#include <arpa/inet.h>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <netinet/in.h>
+#include <sstream>
+#include <string_view>
+#include <sys/socket.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace Zent::Discovery::Programs
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+/// A line of /proc/net/udp: its columns are separated by blanks, numbers of sockets and users are decimal.
+struct Row
+{
+    std::uint16_t Port = 0;
+    std::uint32_t User = 0;
+    std::uint64_t INode = 0;
+    std::uint64_t Drops = 0;
+
+    /// False for the line of titles.
+    bool Read(const std::string& line)
+    {
+        std::istringstream columns(line);
+        std::string slot;
+        std::string local;
+        std::string skipped;
+        columns >> slot >> local >> skipped >> skipped >> skipped >> skipped >> skipped >> User >> skipped >> INode >>
+            skipped >> skipped >> Drops;
+        const std::size_t colon = local.rfind(':');
+        if (!columns || colon == std::string::npos)
+        {
+            return false;
+        }
+        const char* const end = local.data() + local.size();
+        return std::from_chars(local.data() + colon + 1, end, Port, 16).ptr == end;
+    }
+};
+
+std::vector<Row> RowsOf(std::uint16_t port)
+{
+    std::vector<Row> rows;
+    for (const char* const table : {"/proc/net/udp", "/proc/net/udp6"}) // a socket of both protocols is in the latter
+    {
+        std::ifstream lines(table);
+        for (std::string line; std::getline(lines, line);)
+        {
+            Row row;
+            if (row.Read(line) && row.Port == port)
+            {
+                rows.push_back(row);
+            }
+        }
+    }
+    return rows;
+}
+
+std::optional<std::uint32_t> ProcessId(std::string_view name)
+{
+    std::uint32_t id = 0;
+    const char* const end = name.data() + name.size();
+    const auto [stop, error] = std::from_chars(name.data(), end, id);
+    return error == std::errc() && stop == end ? std::optional(id) : std::nullopt;
+}
+
+/// The processes that have the sockets with these inodes. Those of other users are seen by root alone.
+std::map<std::uint64_t, std::uint32_t> OwnersOf(const std::vector<Row>& rows)
+{
+    std::map<std::string, std::uint64_t> wanted;
+    for (const Row& row : rows)
+    {
+        wanted.emplace("socket:[" + std::to_string(row.INode) + "]", row.INode);
+    }
+    std::map<std::uint64_t, std::uint32_t> owners;
+    std::error_code error;
+    for (const fs::directory_entry& process : fs::directory_iterator("/proc", error))
+    {
+        const std::optional<std::uint32_t> id = ProcessId(process.path().filename().native());
+        if (!id || owners.size() == wanted.size())
+        {
+            continue;
+        }
+        for (fs::directory_iterator file(process.path() / "fd", error), end; !error && file != end;
+             file.increment(error))
+        {
+            std::error_code gone;
+            const auto found = wanted.find(fs::read_symlink(file->path(), gone).native());
+            if (found != wanted.end())
+            {
+                owners.emplace(found->second, *id);
+            }
+        }
+    }
+    return owners;
+}
+
+std::string ProgramOf(std::uint32_t process)
+{
+    std::string name;
+    std::getline(std::ifstream("/proc/" + std::to_string(process) + "/comm"), name);
+    return name;
+}
+} // namespace
+
+std::vector<UdpSocket> UdpSockets::OnPort(std::uint16_t port)
+{
+    const std::vector<Row> rows = RowsOf(port);
+    if (rows.empty())
+    {
+        return {};
+    }
+    const std::map<std::uint64_t, std::uint32_t> owners = OwnersOf(rows);
+    std::vector<UdpSocket> sockets;
+    for (const Row& row : rows)
+    {
+        UdpSocket& socket = sockets.emplace_back();
+        socket.User = row.User;
+        socket.Drops = row.Drops;
+        if (const auto owner = owners.find(row.INode); owner != owners.end())
+        {
+            socket.Process = owner->second;
+            socket.Program = ProgramOf(owner->second);
+            socket.IsOwn = owner->second == static_cast<std::uint32_t>(getpid());
+        }
+    }
+    return sockets;
+}
+
+bool UdpSockets::CanShare(std::uint16_t port)
+{
+    const int probe = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (probe < 0)
+    {
+        return true; // what is wrong then is not the port
+    }
+    const int reuse = 1;
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    const bool isFree = setsockopt(probe, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof(reuse)) == 0 &&
+                        bind(probe, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+    close(probe);
+    return isFree;
+}
+} // namespace Zent::Discovery::Programs
