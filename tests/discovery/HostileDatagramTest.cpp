@@ -1,9 +1,7 @@
 #include "Discovery/Message/DiscoveryMessageDeserializer.h"
-#include "Discovery/Message/SignatureBroadcastMessage.h"
 #include "discovery/HostileDatagrams.h"
 #include "support/ExpectError.h"
 #include "support/LogCapture.h"
-#include "support/SmallStack.h"
 #include "system/Exceptions.h"
 #include "system/Memory.h"
 
@@ -13,7 +11,6 @@
 #include <cstdint>
 #include <iostream>
 #include <string>
-#include <utility>
 #include <vector>
 
 using Nfx::System::Memory;
@@ -25,10 +22,6 @@ namespace ErrorCodes = Nfx::System::ErrorCodes;
 
 namespace
 {
-const std::string HelloBegin =
-    R"({"DiscoveryMessageType":"Hello","DiscoveryVersion":"1.0.18","Host":{"HostName":"box","DeviceType":"panel")";
-const std::string HelloEnd = R"(,"NICs":[],"Products":[]}})";
-
 /// Deserializes a text and, when that works, writes the message and its host as the callbacks need it.
 void Handle(const std::string& text)
 {
@@ -96,48 +89,6 @@ TEST(HostileDatagramTest, AnyDatagramIsDoneInTimeAndLeavesNothingBehind)
               << " bytes: " << talkative.What << "\n";
 }
 
-TEST(HostileDatagramTest, DepthIsReadUpToALimitAndRefusedBeyondItOnASmallStack)
-{
-    const auto arrays = [](std::size_t levels) { return std::string(levels, '[') + std::string(levels, ']'); };
-    const auto objects = [](std::size_t levels) {
-        std::string text;
-        for (std::size_t level = 0; level < levels; ++level)
-        {
-            text += "{\"Host\":";
-        }
-        return text + "0" + std::string(levels, '}');
-    };
-    const std::pair<std::string, bool> cases[] = {
-        {",\"x\":" + arrays(998) + HelloEnd, true},
-        {",\"x\":" + objects(998) + HelloEnd, true},
-        {",\"x\":" + arrays(999) + HelloEnd, false},
-        {",\"x\":" + objects(999) + HelloEnd, false},
-        {HelloEnd.substr(0, HelloEnd.size() - 1) + ",\"SourceNIC\":" + objects(999) + "}", true},
-        {HelloEnd.substr(0, HelloEnd.size() - 1) + ",\"SourceNIC\":" + objects(1000) + "}", false},
-        {",\"FileTransferInfos\":" + objects(998) + HelloEnd, true},
-        {",\"NICs\":[" + objects(997) + "]" + HelloEnd, false}, // an interface without its members
-        {",\"x\":" + arrays(998), false},
-        {",\"x\":" + std::string(60000, '['), false},
-        {",\"x\":" + objects(12000), false},
-    };
-    for (const auto& one : cases)
-    {
-        SCOPED_TRACE(Tests::BeginningOf(one.first));
-        const auto read = [&one] {
-            const auto message = DiscoveryMessageDeserializer().Deserialize(String(HelloBegin + one.first));
-            EXPECT_EQ(DiscoveryMessageDeserializer().Deserialize(message->ToJson())->ToJson(), message->ToJson());
-        };
-        Tests::RunOnSmallStack([&] {
-            if (one.second)
-            {
-                EXPECT_NO_THROW(read());
-                return;
-            }
-            EXPECT_ERROR(read(), ErrorCodes::InvalidFormat);
-        });
-    }
-}
-
 TEST(HostileDatagramTest, NoTextIsTakenForAValueThatItIsNot)
 {
     struct Case
@@ -175,47 +126,6 @@ TEST(HostileDatagramTest, NoTextIsTakenForAValueThatItIsNot)
                          ErrorCodes::InvalidFormat);
             EXPECT_TRUE(one.Line == nullptr || log.Has(one.Line)) << log.Text();
         }
-    }
-}
-
-TEST(HostileDatagramTest, TheFirstOfSeveralMembersCountsThoughItBeOfTheWrongType)
-{
-    const std::string good = R"("HostName":"box")";
-    const auto read = [](const std::string& members) {
-        return DiscoveryMessageDeserializer().Deserialize(
-            String(R"({"DiscoveryMessageType":"Hello","DiscoveryVersion":"1.0.18","Host":{)" + members +
-                   R"(,"DeviceType":"","NICs":[],"Products":[]}})"));
-    };
-    EXPECT_NO_THROW(read(good + ",\"hostname\":1"));
-    for (const char* first : {"1", "true", "null", "{}", "[]", "[\"box\"]", "1e999"})
-    {
-        SCOPED_TRACE(first);
-        EXPECT_ERROR(read("\"HOSTNAME\":" + std::string(first) + "," + good), ErrorCodes::InvalidFormat);
-    }
-}
-
-TEST(HostileDatagramTest, OneViewOfATextHoldsEverywhere)
-{
-    const auto hostNameOf = [](const std::string& json) {
-        const SmartPointer<DiscoveryMessage> message = DiscoveryMessageDeserializer().Deserialize(String(json));
-        return std::string(message.As<SignatureBroadcastMessage>()->Host->HostName.View());
-    };
-    const std::string begin = R"({"DiscoveryMessageType":"Hello","DiscoveryVersion":"1.0.18","Host":{)";
-    const std::string end = R"(,"DeviceType":"","NICs":[],"Products":[]}})";
-    const std::pair<std::string, std::string> cases[] = {
-        {R"("HostName\u0000x":"other","HostName":"box")", "box"},
-        {R"("Host\u0000Name":"first","HostName":"box")", "first"},
-        {R"("HOSTNAME":"first","HostName":"box")", "first"},
-        {R"("HostName":"a\u0000b")", "ab"},
-        {R"("HostName":"\ud800\xy")", "xy"},
-        {"\"HostName\":\"\xFF\xC3\"", "\xFF\xC3"},
-    };
-    for (const auto& [member, expected] : cases)
-    {
-        SCOPED_TRACE(member);
-        EXPECT_EQ(hostNameOf(begin + member + end), expected);
-        EXPECT_EQ(hostNameOf(begin + member + end + std::string(8, '\0')), expected);
-        EXPECT_EQ(hostNameOf(begin + member + end + R"({"Host":{}} \u)"), expected);
     }
 }
 } // namespace
