@@ -1,5 +1,5 @@
+#include "DiscoveryLibrary.h"
 #include "endtoend/HostProgram.h"
-#include "support/ExtCLoader.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -14,10 +14,7 @@ class LibraryHost final : public HostProgram
 protected:
     void Start(bool logs, const char* logFile, const char* library) override
     {
-        if (LoadExtC(library, &functions) == 0)
-        {
-            std::exit(EXIT_FAILURE);
-        }
+        functions = Zent::Discovery::DiscoveryLibrary(library).Functions();
         Require(functions.Initialize(logFile, logs ? DiscoveryLogStandard : DiscoveryLogNone));
         Require(functions.SetClientSignatureReceivedEventCallBack(&Count));
         Require(functions.StartServer());
@@ -43,7 +40,7 @@ private:
         }
     }
 
-    ExtCFunctions functions{};
+    Zent::Discovery::DiscoveryFunctions functions{};
 };
 } // namespace
 } // namespace Benchmarks

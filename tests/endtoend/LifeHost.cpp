@@ -6,20 +6,21 @@
 //   first   loads it and makes the first calls of the process on many threads at once, without a server
 // Ends with 0 when the library did as it should.
 
-#include "support/ExtCLoader.h"
+#include "DiscoveryLibrary.h"
 #include "support/WaitUntil.h"
 
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 #include <thread>
 #include <vector>
 
 namespace
 {
-ExtCFunctions library{};
+using Zent::Discovery::DiscoveryFunctions;
+using Zent::Discovery::DiscoveryLibrary;
+
 std::atomic<int> hellos{0};
 
 void DISCOVERY_EXTC_CALL OnHello(const char*)
@@ -27,7 +28,7 @@ void DISCOVERY_EXTC_CALL OnHello(const char*)
     ++hellos;
 }
 
-bool Serve(const char* log)
+bool Serve(const DiscoveryFunctions& library, const char* log)
 {
     return library.Initialize(log, DiscoveryLogDebug) == 0 &&
            library.SetHelloMessageReceivedEventCallBack(&OnHello) == 0 && library.StartServer() == 0 &&
@@ -38,15 +39,10 @@ bool Serve(const char* log)
 bool IsFirstUseRight(const char* path)
 {
     constexpr int NullPointer = 41;
-    ExtCFunctions functions{};
-    if (LoadExtC(path, &functions) == 0)
-    {
-        return false;
-    }
-    char* const text = functions.GetErrorMessage(58);
-    const bool isRight = text != nullptr && std::strcmp(text, "IO") == 0;
-    FreeErrorMessage(text);
-    return isRight && functions.SetMinCompatibleVersion("1.0.18") == 0 && functions.Discover() == NullPointer;
+    const DiscoveryLibrary library(path);
+    const DiscoveryFunctions& functions = library.Functions();
+    return functions.TextOf(58) == "IO" && functions.SetMinCompatibleVersion("1.0.18") == 0 &&
+           functions.Discover() == NullPointer;
 }
 
 bool UseFirst(const char* path)
@@ -72,6 +68,18 @@ bool UseFirst(const char* path)
     }
     return right == Users;
 }
+
+/// Takes the library from memory, as hosts may which have loaded it in their own way.
+void Unload([[maybe_unused]] const char* path)
+{
+#if defined(_WIN32)
+    FreeLibrary(GetModuleHandleA(path));
+#else
+    void* const handle = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
+    dlclose(handle);
+    dlclose(handle); // once for this look-up, once for the first loading
+#endif
+}
 } // namespace
 
 int main(int argc, char* argv[])
@@ -86,11 +94,8 @@ int main(int argc, char* argv[])
     {
         return UseFirst(argv[1]) ? 0 : 1;
     }
-    if (LoadExtC(argv[1], &library) == 0)
-    {
-        return 2;
-    }
-    if (!Serve(argv[2]))
+    const DiscoveryFunctions library = DiscoveryLibrary(argv[1]).Functions();
+    if (!Serve(library, argv[2]))
     {
         std::fputs("life-host: the library does not serve\n", stderr);
         return 1;
@@ -102,12 +107,12 @@ int main(int argc, char* argv[])
     if (way == "unload")
     {
         const int code = library.Terminate();
-        UnloadExtC();
+        Unload(argv[1]);
         return code;
     }
     if (way == "forget")
     {
-        UnloadExtC();
+        Unload(argv[1]);
     }
     return 0;
 }

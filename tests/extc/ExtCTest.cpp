@@ -1,6 +1,6 @@
 #include "support/Device.h"
 #include "support/DeviceDatagram.h"
-#include "support/LoadedExtC.h"
+#include "support/Server.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
@@ -22,14 +22,6 @@ constexpr int NullPointer = 41;
 constexpr int ResourceNotFound = static_cast<int>(0xC0090109u);
 constexpr int InvalidFormat = static_cast<int>(0xC0090114u);
 
-std::string ErrorText(int code)
-{
-    char* const message = Server().GetErrorMessage(code);
-    const std::string text = message;
-    FreeErrorMessage(message);
-    return text;
-}
-
 class ExtCTest : public testing::Test
 {
 protected:
@@ -47,14 +39,14 @@ protected:
 
 TEST_F(ExtCTest, ErrorTextsAreExactAndUnknownCodesHaveOneOfTheirOwn)
 {
-    EXPECT_EQ("None", ErrorText(0));
-    EXPECT_EQ("IO", ErrorText(58));
-    EXPECT_EQ("Web", ErrorText(72));
-    EXPECT_EQ("Invalid parameter value", ErrorText(static_cast<int>(0xC0090101u)));
-    EXPECT_EQ("A warning occured", ErrorText(static_cast<int>(0xC0090006u)));
+    EXPECT_EQ("None", Server().TextOf(0));
+    EXPECT_EQ("IO", Server().TextOf(58));
+    EXPECT_EQ("Web", Server().TextOf(72));
+    EXPECT_EQ("Invalid parameter value", Server().TextOf(static_cast<int>(0xC0090101u)));
+    EXPECT_EQ("A warning occured", Server().TextOf(static_cast<int>(0xC0090006u)));
     for (const std::uint32_t code : {85u, 0xC009020Au, 0xC009FF05u, 0xFFFFFFFFu})
     {
-        EXPECT_EQ("Unable to retrieve error message!", ErrorText(static_cast<int>(code)));
+        EXPECT_EQ("Unable to retrieve error message!", Server().TextOf(static_cast<int>(code)));
     }
 }
 

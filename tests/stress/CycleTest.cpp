@@ -2,7 +2,7 @@
 #include "StopTime.h"
 #include "support/Device.h"
 #include "support/DeviceDatagram.h"
-#include "support/LoadedExtC.h"
+#include "support/Server.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 

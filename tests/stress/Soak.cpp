@@ -1,4 +1,4 @@
-// Keeps the library under load, in rounds of disorder and order: soak LIBRARY SECONDS [SEED]
+// Keeps the library under load, in rounds of disorder and order: soak SECONDS [SEED]
 // In disorder eight threads call every function in a random order, while devices and vandals send and the server's
 // socket is lost again and again. In order 500 datagrams a second come, one in twenty of them hostile, and requests go
 // to a device that answers. Prints a line a round. Needs a network namespace of its own. Ends with 0 when nothing went
@@ -8,7 +8,7 @@
 #include "StopTime.h"
 #include "support/Device.h"
 #include "support/DeviceDatagram.h"
-#include "support/ExtCLoader.h"
+#include "support/Server.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
@@ -32,6 +32,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using Tests::DeviceDatagram;
 using Tests::ProcessState;
+using Tests::Server;
 
 constexpr int HostThreads = 8;
 constexpr int NullPointer = 41;
@@ -44,7 +45,6 @@ constexpr seconds LongestRound{60};
 constexpr double MemoryGrowth = 1024;        // KiB: the allocator's unrest
 constexpr double MemoryGrowthPerHour = 1024; // KiB
 
-ExtCFunctions library{};
 std::atomic<bool> isOver{false};       // the disorder
 std::atomic<bool> mustBeSilent{false}; // from the return of StopServer to the next start
 std::atomic<std::int64_t> calls{0};
@@ -76,7 +76,7 @@ void DISCOVERY_EXTC_CALL OnEvent(const char* hostJson)
     answers += document.find("\"answer\"") != std::string_view::npos ? 1 : 0;
     if (++callbacks % 16 == 0)
     {
-        const int code = library.Discover();
+        const int code = Server().Discover();
         Expect(code == 0 || code == NullPointer, "Discover in a callback: " + std::to_string(code));
     }
 }
@@ -87,20 +87,12 @@ int SetCallback(std::uint32_t choice)
     switch (choice % 3)
     {
     case 0:
-        return library.SetClientSignatureReceivedEventCallBack(callback);
+        return Server().SetClientSignatureReceivedEventCallBack(callback);
     case 1:
-        return library.SetHelloMessageReceivedEventCallBack(callback);
+        return Server().SetHelloMessageReceivedEventCallBack(callback);
     default:
-        return library.SetByeMessageReceivedEventCallBack(callback);
+        return Server().SetByeMessageReceivedEventCallBack(callback);
     }
-}
-
-int Text(int code)
-{
-    char* const text = library.GetErrorMessage(code);
-    const int result = text != nullptr && *text != '\0' ? 0 : -1;
-    FreeErrorMessage(text);
-    return result;
 }
 
 int AnyCall(std::uint32_t choice)
@@ -109,32 +101,32 @@ int AnyCall(std::uint32_t choice)
     const bool isWellFormed = detail % 8 != 0;
     if (choice % 100 < 2)
     {
-        return choice % 100 == 0 ? library.StartServer() : library.StopServer();
+        return choice % 100 == 0 ? Server().StartServer() : Server().StopServer();
     }
     switch (choice % 9)
     {
     case 0:
         return SetCallback(detail);
     case 1:
-        return Text(static_cast<int>(detail));
+        return Server().TextOf(static_cast<int>(detail)).empty() ? -1 : 0;
     case 2:
-        return library.ChangeClientsIPConfigurations(
+        return Server().ChangeClientsIPConfigurations(
             isWellFormed ? "[{\"FriendlyName\":\"eth0\",\"MACAddress\":\"02:00:00:00:00:01\",\"IPAddress\":"
                            "\"127.0.0.9\",\"SubNetMask\":\"255.0.0.0\",\"DefaultGateway\":\"\"}]"
                          : "[{");
     case 3:
-        return library.ChangeClientsHostName("new", isWellFormed ? "02:00:00:00:00:01" : "02:00");
+        return Server().ChangeClientsHostName("new", isWellFormed ? "02:00:00:00:00:01" : "02:00");
     case 4:
-        return library.ChangeClientsHostNameWithIP("new", isWellFormed ? "127.0.0.9" : "127.0.0");
+        return Server().ChangeClientsHostNameWithIP("new", isWellFormed ? "127.0.0.9" : "127.0.0");
     case 5:
-        return library.RefreshClient(isWellFormed ? "02:00:00:00:00:01" : "");
+        return Server().RefreshClient(isWellFormed ? "02:00:00:00:00:01" : "");
     case 6:
-        return library.InitBroadcastProvider(isWellFormed ? "[\"127.0.0.1\",\"127.0.0.2\"]" : "[\"here\"]");
+        return Server().InitBroadcastProvider(isWellFormed ? "[\"127.0.0.1\",\"127.0.0.2\"]" : "[\"here\"]");
     case 7:
-        return detail % 2 == 0 ? library.SetMinCompatibleVersion(isWellFormed ? "1.0.18" : "1")
-                               : library.ReachClient(isWellFormed ? "127.0.0.9" : "1.2.3.4.5");
+        return detail % 2 == 0 ? Server().SetMinCompatibleVersion(isWellFormed ? "1.0.18" : "1")
+                               : Server().ReachClient(isWellFormed ? "127.0.0.9" : "1.2.3.4.5");
     default:
-        return library.Discover();
+        return Server().Discover();
     }
 }
 
@@ -168,28 +160,28 @@ std::string AnyMessage(std::mt19937& random, const std::string& hostName)
     return DeviceDatagram(Kinds[random() % std::size(Kinds)], "1.0.18", hostName);
 }
 
-/// Begins a life of the library.
+/// Begins a life of the Server().
 void Open(const std::string& logPath, std::uint32_t choice = 0)
 {
     constexpr int Levels[] = {DiscoveryLogCritical, DiscoveryLogStandard, DiscoveryLogDebug, DiscoveryLogNone};
-    Expect(library.Initialize(logPath.c_str(), Levels[choice % std::size(Levels)]) == 0, "Initialize");
-    library.SetClientSignatureReceivedEventCallBack(&OnEvent);
-    library.SetHelloMessageReceivedEventCallBack(&OnEvent);
-    library.SetByeMessageReceivedEventCallBack(&OnEvent);
+    Expect(Server().Initialize(logPath.c_str(), Levels[choice % std::size(Levels)]) == 0, "Initialize");
+    Server().SetClientSignatureReceivedEventCallBack(&OnEvent);
+    Server().SetHelloMessageReceivedEventCallBack(&OnEvent);
+    Server().SetByeMessageReceivedEventCallBack(&OnEvent);
     mustBeSilent = false;
-    Expect(library.StartServer() == 0, "StartServer");
-    Expect(library.InitBroadcastProvider("[\"127.0.0.1\"]") == 0, "InitBroadcastProvider");
+    Expect(Server().StartServer() == 0, "StartServer");
+    Expect(Server().InitBroadcastProvider("[\"127.0.0.1\"]") == 0, "InitBroadcastProvider");
 }
 
 void Close()
 {
     int code = 0;
-    const milliseconds stopTime = Tests::TimeOf([&] { code = library.StopServer(); });
+    const milliseconds stopTime = Tests::TimeOf([&] { code = Server().StopServer(); });
     Expect(code == 0, "StopServer: " + std::to_string(code));
     Expect(stopTime < Tests::StopLimit, "StopServer took " + std::to_string(stopTime.count()) + " ms");
     mustBeSilent = true;
     Expect(Tests::Device::IsServerPortFree(), "the port is taken after StopServer");
-    Expect(library.Terminate() == 0, "Terminate");
+    Expect(Server().Terminate() == 0, "Terminate");
 }
 
 void ExpectService(Tests::Device& device)
@@ -251,7 +243,7 @@ void Disturb(std::uint32_t seed, const std::string& logPath)
         const std::lock_guard guard(alone);
         if (isLoss)
         {
-            library.StartServer(); // somebody may have stopped it
+            Server().StartServer(); // somebody may have stopped it
             losses += Tests::ShutDownSocketOn(ServerPort) ? 1 : 0;
         }
         else
@@ -309,7 +301,7 @@ private:
     {
         const std::int64_t answersBefore = answers;
         const Clock::time_point start = Clock::now();
-        Expect(library.ReachClient("127.0.0.1") == 0 && library.Discover() == 0, "a request was refused");
+        Expect(Server().ReachClient("127.0.0.1") == 0 && Server().Discover() == 0, "a request was refused");
         for (int number = 0; number < DatagramsPerSecond; ++number)
         {
             std::this_thread::sleep_until(start + number * milliseconds(1000) / DatagramsPerSecond);
@@ -403,13 +395,13 @@ void Run(seconds length, std::uint32_t seed)
 
 int main(int argc, char* argv[])
 {
-    const int length = argc > 2 ? std::atoi(argv[2]) : 0;
-    if (argc > 4 || length < 1 || LoadExtC(argv[1], &library) == 0)
+    const int length = argc > 1 ? std::atoi(argv[1]) : 0;
+    if (argc > 3 || length < 1)
     {
-        std::fputs("usage: soak LIBRARY SECONDS [SEED]\n", stderr);
+        std::fputs("usage: soak SECONDS [SEED]\n", stderr);
         return 2;
     }
-    Run(seconds(length), argc > 3 ? static_cast<std::uint32_t>(std::atoll(argv[3])) : std::random_device()());
+    Run(seconds(length), argc > 2 ? static_cast<std::uint32_t>(std::atoll(argv[2])) : std::random_device()());
     std::printf("%s\n", failures == 0 ? "passed" : "failed");
     return failures == 0 ? 0 : 1;
 }

@@ -1,7 +1,7 @@
 #include "ProcessState.h"
 #include "support/Device.h"
 #include "support/Gate.h"
-#include "support/LoadedExtC.h"
+#include "support/Server.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
