@@ -210,8 +210,8 @@ extern "C"
      * Tells the device at an IP address to take a new host name.
      *
      * @param newHostName the name.
-     * @param ipAddress   four decimal numbers joined by periods, such as 192.168.1.20. At the broadcast address
-     *                    255.255.255.255 every device takes the name.
+     * @param ipAddress   four decimal numbers joined by periods, such as 192.168.1.20. The broadcast address
+     *                    255.255.255.255 is no device's: the message leaves, and no device takes the name.
      * @return 0 when the request is queued; 9 for a null pointer; 0xC0090114 for a malformed IP address; 41 when the
      *         server is not started.
      */
@@ -231,7 +231,8 @@ extern "C"
     /**
      * Asks the device at an IP address for its signature.
      *
-     * @param ipAddress four decimal numbers joined by periods, such as 192.168.1.20.
+     * @param ipAddress four decimal numbers joined by periods, such as 192.168.1.20. At the broadcast address
+     *                  255.255.255.255 no device answers; for all devices there is Discover.
      * @return 0 when the request is queued; 9 for a null pointer; 0xC0090114 for a malformed IP address; 41 when the
      *         server is not started.
      */

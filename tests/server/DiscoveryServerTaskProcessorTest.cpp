@@ -133,9 +133,16 @@ TEST_F(DiscoveryServerTaskProcessorTest, EachRequestBecomesItsDatagramAndItsLine
               sent.Text);
     EXPECT_EQ("192.0.2.7", sent.Target);
 
-    sent = SentBy(new SendChangeYourHostNameAction("press-4", IPAddress::Broadcast()));
-    EXPECT_NE(std::string::npos, sent.Text.find(R"("Broadcast":"True")"));
-    EXPECT_EQ(Everybody, sent.Target);
+    // The broadcast address is no device's: nobody may take this for himself.
+    for (ServerAction* const action :
+         {static_cast<ServerAction*>(new SendSendYourSignatureAction(IPAddress::Broadcast())),
+          static_cast<ServerAction*>(new SendChangeYourHostNameAction("press-4", IPAddress::Broadcast()))})
+    {
+        sent = SentBy(action);
+        EXPECT_NE(std::string::npos, sent.Text.find(R"("Broadcast":"False")")) << sent.Text;
+        EXPECT_NE(std::string::npos, sent.Text.find(R"("TargetedMACAddress":"00:00:00:00:00:00")")) << sent.Text;
+        EXPECT_EQ(Everybody, sent.Target);
+    }
 
     const SmartPointer<SendChangeYourIPConfigAction::NICConfigList> none(
         new SendChangeYourIPConfigAction::NICConfigList());
@@ -144,20 +151,22 @@ TEST_F(DiscoveryServerTaskProcessorTest, EachRequestBecomesItsDatagramAndItsLine
               sent.Text);
     EXPECT_EQ(Everybody, sent.Target);
 
-    ASSERT_TRUE(log.WaitFor("|S|           |Message sent", 7));
-    for (const char* line :
-         {"Sending message of type AllSendYourSignature",
-          "Sending message of type SendYourSignature to 00:1A:2B:3C:4D:5E",
-          "Sending message of type SendYourSignature to 192.0.2.7",
-          "Sending message of type ChangeYourHostName to 00:1A:2B:3C:4D:5E.",
-          "Sending message of type ChangeYourHostName to 192.0.2.7.", "Sending message of type ChangeYourIPConfig."})
+    ASSERT_TRUE(log.WaitFor("|S|           |Message sent", 8));
+    for (const char* line : {"Sending message of type AllSendYourSignature",
+                             "Sending message of type SendYourSignature to 00:1A:2B:3C:4D:5E",
+                             "Sending message of type SendYourSignature to 192.0.2.7",
+                             "Sending message of type ChangeYourHostName to 00:1A:2B:3C:4D:5E.",
+                             "Sending message of type ChangeYourHostName to 192.0.2.7.",
+                             "Sending message of type SendYourSignature to 00:00:00:00:00:00",
+                             "Sending message of type ChangeYourHostName to 00:00:00:00:00:00.",
+                             "Sending message of type ChangeYourIPConfig."})
     {
         EXPECT_EQ(1, log.Count("|S|           |" + std::string(line) + "\r") +
                          log.Count("|S|           |" + std::string(line) + "\n"))
             << line << "\n"
             << log.Text();
     }
-    EXPECT_EQ(7, log.Count("|D|           |Message (JSON) : {"));
+    EXPECT_EQ(8, log.Count("|D|           |Message (JSON) : {"));
 }
 
 TEST_F(DiscoveryServerTaskProcessorTest, TheProviderTakesBroadcastsAndNothingElse)

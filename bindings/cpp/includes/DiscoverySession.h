@@ -260,7 +260,7 @@ public:
         Request("ChangeClientsHostName", library.ChangeClientsHostName, newHostName, macAddress);
     }
 
-    /// Tells the device at an IP address to take a new host name; at 255.255.255.255 every device takes it.
+    /// Tells the device at an IP address to take a new host name; at 255.255.255.255 no device takes it.
     void ChangeClientsHostNameWithIP(const std::string& newHostName, const std::string& ipAddress)
     {
         Request("ChangeClientsHostNameWithIP", library.ChangeClientsHostNameWithIP, newHostName, ipAddress);

@@ -179,7 +179,7 @@ namespace Zent.Discovery
         }
 
         /// <summary>
-        /// Tells the device at an IP address to take a new host name; at 255.255.255.255 every device takes it.
+        /// Tells the device at an IP address to take a new host name; at 255.255.255.255 no device takes it.
         /// </summary>
         public void ChangeClientsHostNameWithIP(string newHostName, string ipAddress)
         {

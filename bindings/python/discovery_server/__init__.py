@@ -436,7 +436,7 @@ class Session:
         self._request("ChangeClientsHostName", _text(new_host_name), _text(mac_address))
 
     def change_clients_host_name_with_ip(self, new_host_name: str, ip_address: str) -> None:
-        """Tells the device at an IP address to take a new host name; at 255.255.255.255 every device takes it."""
+        """Tells the device at an IP address to take a new host name; at 255.255.255.255 no device takes it."""
         self._request("ChangeClientsHostNameWithIP", _text(new_host_name), _text(ip_address))
 
     def change_clients_ip_configurations(self, settings: Iterable[Union[Nic, NicSettings]]) -> None:

@@ -17,22 +17,21 @@ public:
         , newHostName(newHostName)
         , macAddress(macAddress)
         , ipAddress(Nfx::System::Net::IPAddress::Broadcast())
-        , targetsMACAddress(true)
     {
     }
 
-    /// The MAC address stays empty.
+    /// The MAC address stays empty, which no device owns.
     SendChangeYourHostNameAction(const Nfx::System::String& newHostName, const Nfx::System::Net::IPAddress& ipAddress)
         : ServerAction(ServerActionType::SendChangeYourHostNameMessage)
         , newHostName(newHostName)
         , ipAddress(ipAddress)
-        , targetsMACAddress(false)
     {
     }
 
     const Nfx::System::String& NewHostName() const noexcept { return newHostName; }
 
-    bool TargetsMACAddress() const noexcept { return targetsMACAddress; }
+    /// The broadcast address stands for a request to the owner of a MAC address, whoever gave it.
+    bool TargetsMACAddress() const { return ipAddress == Nfx::System::Net::IPAddress::Broadcast(); }
 
     const MACAddress& TargetedMACAddress() const noexcept { return macAddress; }
 
@@ -42,6 +41,5 @@ private:
     const Nfx::System::String newHostName;
     const MACAddress macAddress;
     const Nfx::System::Net::IPAddress ipAddress;
-    const bool targetsMACAddress;
 };
 } // namespace Zent::Discovery::Server

@@ -15,19 +15,18 @@ public:
         : ServerAction(ServerActionType::SendSendYourSignatureMessage)
         , macAddress(macAddress)
         , ipAddress(Nfx::System::Net::IPAddress::Broadcast())
-        , targetsMACAddress(true)
     {
     }
 
-    /// The MAC address stays empty.
+    /// The MAC address stays empty, which no device owns.
     explicit SendSendYourSignatureAction(const Nfx::System::Net::IPAddress& ipAddress)
         : ServerAction(ServerActionType::SendSendYourSignatureMessage)
         , ipAddress(ipAddress)
-        , targetsMACAddress(false)
     {
     }
 
-    bool TargetsMACAddress() const noexcept { return targetsMACAddress; }
+    /// The broadcast address stands for a request to the owner of a MAC address, whoever gave it.
+    bool TargetsMACAddress() const { return ipAddress == Nfx::System::Net::IPAddress::Broadcast(); }
 
     const MACAddress& TargetedMACAddress() const noexcept { return macAddress; }
 
@@ -36,6 +35,5 @@ public:
 private:
     const MACAddress macAddress;
     const Nfx::System::Net::IPAddress ipAddress;
-    const bool targetsMACAddress;
 };
 } // namespace Zent::Discovery::Server
