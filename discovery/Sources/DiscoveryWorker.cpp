@@ -127,6 +127,19 @@ void DiscoveryWorker::RaiseSocketClosed()
     }
 }
 
+void DiscoveryWorker::CheckThread()
+{
+    if (stopRequested || thread->GetThreadState() == ThreadState::Unstarted || !thread->Join(0))
+    {
+        return;
+    }
+    if (!isThreadGone.exchange(true))
+    {
+        Log().Write("A callback has ended the thread that it was called on.", LogStreamLevel::Critical);
+    }
+    RaiseSocketClosed(); // the restart comes with a new thread
+}
+
 bool DiscoveryWorker::IsStopRequested() const noexcept
 {
     return stopRequested;

@@ -5,7 +5,6 @@
 #include "system/Threading/Lock.h"
 
 #include <algorithm>
-#include <cxxabi.h>
 
 namespace Zent::Discovery::Server
 {
@@ -41,6 +40,7 @@ void DiscoveryTaskProcessor::Enqueue(Object*, const ServerActionArgs& task)
         Log().Write("Semaphore is full (" + Int32(MaximumPending).ToString() + ") !!! Ignoring this task...",
                     LogStreamLevel::Critical);
     }
+    Log().Guard("Task processor failed to report its end.", [this] { CheckThread(); }); // the next task repeats it
 }
 
 std::int32_t DiscoveryTaskProcessor::PendingCount() const
@@ -94,18 +94,9 @@ void DiscoveryTaskProcessor::Run()
 {
     const ServiceThread mark;
     Log().Write("---Waiting for tasks...", LogStreamLevel::Critical);
-    try
+    while (!IsStopRequested())
     {
-        while (!IsStopRequested())
-        {
-            Log().Guard("Error while processing task", [this] { ProcessNext(); });
-        }
-    }
-    catch (abi::__forced_unwind&)
-    {
-        Log().Write("A callback has ended the thread that it was called on.", LogStreamLevel::Critical);
-        RaiseSocketClosed(); // the restart comes with a new thread
-        throw;
+        Log().Guard("Error while processing task", [this] { ProcessNext(); });
     }
 }
 

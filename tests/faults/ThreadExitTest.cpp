@@ -1,6 +1,5 @@
+#include "EndThread.h"
 #include "FaultTest.h"
-
-#include <pthread.h>
 
 namespace Tests
 {
@@ -11,11 +10,11 @@ class ThreadExitTest : public FaultTest
 TEST_F(ThreadExitTest, ACallbackThatEndsItsThreadCostsARestart)
 {
     ASSERT_NO_FATAL_FAILURE(Serve());
-    callbackBody = [] { pthread_exit(nullptr); };
+    callbackBody = &EndThread;
     ASSERT_TRUE(HelloArrives());
-    EXPECT_TRUE(WaitForLine("A callback has ended the thread that it was called on."));
     EXPECT_TRUE(HelloArrives());
     EXPECT_TRUE(DiscoverArrives());
+    EXPECT_EQ(1, Count("A callback has ended the thread that it was called on."));
     EXPECT_EQ(1, Count("Asynchronous restart triggered"));
     EXPECT_EQ(0, Zent::Discovery::ExtC::StopServer());
     ExpectStopped();

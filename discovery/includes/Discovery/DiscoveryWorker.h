@@ -24,8 +24,8 @@ public:
     /// @throws SocketException when the socket could not be shut down; the thread has ended all the same.
     virtual void Stop();
 
-    /// Raised on the worker's thread when the socket is lost while nobody asked to stop. A handler that throws has not
-    /// dealt with it.
+    /// Raised when the socket is lost while nobody asked to stop, on the worker's thread, or when that thread is gone,
+    /// on the thread that finds out. A handler that throws has not dealt with it.
     Nfx::System::Event<Nfx::System::EventArgs>& SocketClosed();
 
     /// Raised by a worker that wants the whole service stopped.
@@ -45,6 +45,10 @@ protected:
     /// Says that the socket is lost, whoever took it away, unless it is the owner who stops this worker.
     void RaiseSocketClosed();
 
+    /// Says so as well when the thread has been ended while nobody asked to stop: nothing runs in a thread that code of
+    /// the host application ends, so others look. Any thread.
+    void CheckThread();
+
     bool IsStopRequested() const noexcept;
     void RequestStop() noexcept;
 
@@ -60,5 +64,6 @@ private:
     Nfx::System::Event<Nfx::System::EventArgs> socketClosed;
     Nfx::System::Event<Nfx::System::EventArgs> stopAsked;
     std::atomic<bool> stopRequested{false}; // set by Stop, read by the worker
+    std::atomic<bool> isThreadGone{false};  // set once, by whoever finds out
 };
 } // namespace Zent::Discovery

@@ -233,7 +233,7 @@ bool Thread::ThreadData::Join(std::int32_t timeout)
     const bool ended = Block(timeout, [joined](std::int32_t time) { return Threads().Wait(joined, time); });
     if (ended)
     {
-        CollectTerminated();
+        End(); // where the platform's thread has ended past this class, it has not done so itself
     }
     return ended;
 }

@@ -1,0 +1,8 @@
+#include "EndThread.h"
+
+#include <pthread.h>
+
+void Tests::EndThread()
+{
+    pthread_exit(nullptr);
+}
