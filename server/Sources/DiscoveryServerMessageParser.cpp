@@ -49,7 +49,7 @@ void DiscoveryServerMessageParser::ProcessDatagram(const SmartPointer<Datagram>&
         Log().Write("Message ignored", LogStreamLevel::Standard);
         return;
     }
-    actionReady.Raise(this, ServerActionArgs(action));
+    actionReady.Raise(this, ServerActionArgs(action, static_cast<std::int64_t>(text.Length())));
 }
 
 SmartPointer<DiscoveryMessage> DiscoveryServerMessageParser::Deserialize(const String& text) const

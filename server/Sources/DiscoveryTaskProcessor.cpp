@@ -4,29 +4,22 @@
 #include "system/Memory.h"
 #include "system/Threading/Lock.h"
 
-#include <algorithm>
-
 namespace Zent::Discovery::Server
 {
 using Nfx::System::Int32;
 using Nfx::System::MakeDelegate;
+using Nfx::System::Memory;
 using Nfx::System::ObjectClosedException;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
+using Nfx::System::IO::IOException;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Net::IPAddress;
 using Nfx::System::Net::Sockets::SocketError;
 using Nfx::System::Net::Sockets::SocketException;
 using Nfx::System::Threading::Lock;
 using Nfx::System::Threading::ThreadPriority;
-
-namespace
-{
-// When so many tasks have waited and no new one has come for a while, the memory of what waited goes back to the
-// system: the process is the host's, and on Windows has 32 bits.
-constexpr std::int32_t RushLength = 64;
-constexpr std::int32_t RushEndMilliseconds = 500;
-} // namespace
+using std::chrono::steady_clock;
 
 DiscoveryTaskProcessor::DiscoveryTaskProcessor(const SmartPointer<IDiscoverySocket>& socket, const String& name)
     : DiscoveryWorker(socket, name, MakeDelegate(*this, &DiscoveryTaskProcessor::Run), ThreadPriority::Normal)
@@ -35,12 +28,29 @@ DiscoveryTaskProcessor::DiscoveryTaskProcessor(const SmartPointer<IDiscoverySock
 
 void DiscoveryTaskProcessor::Enqueue(Object*, const ServerActionArgs& task)
 {
-    if (!tasks.TryAdd(SmartPointer<ServerActionArgs>::Create(task.Action())))
+    if (TryQueue(SmartPointer<ServerActionArgs>::Create(task.Action(), task.DatagramSize())))
+    {
+        waitingBytes += task.DatagramSize();
+    }
+    else
     {
         Log().Write("Semaphore is full (" + Int32(MaximumPending).ToString() + ") !!! Ignoring this task...",
                     LogStreamLevel::Critical);
     }
     Log().Guard("Task processor failed to report its end.", [this] { CheckThread(); }); // the next task repeats it
+}
+
+bool DiscoveryTaskProcessor::TryQueue(const SmartPointer<ServerActionArgs>& task)
+{
+    try
+    {
+        return tasks.TryAdd(task);
+    }
+    catch (const IOException& exception)
+    {
+        Log().Write("Task queued, but the processor not woken : it waits for the next one.", exception);
+        return true;
+    }
 }
 
 std::int32_t DiscoveryTaskProcessor::PendingCount() const
@@ -105,15 +115,14 @@ void DiscoveryTaskProcessor::ProcessNext()
     SmartPointer<ServerActionArgs> task;
     if (tasks.TryTake(task))
     {
+        memoryReturn.Note(waitingBytes);
+        waitingBytes -= task->DatagramSize();
         ProcessTask(*task);
-        longestQueue = std::max(longestQueue, PendingCount());
-        return;
     }
-    const bool isRush = longestQueue >= RushLength;
-    if (!tasks.Await(isRush ? RushEndMilliseconds : -1))
+    else if (!tasks.Await(memoryReturn.DueIn(steady_clock::now())) && !IsStopRequested())
     {
-        longestQueue = 0;
-        Nfx::System::Memory::GiveBack();
+        Memory::GiveBack();
+        memoryReturn.Done(steady_clock::now());
     }
 }
 

@@ -5,8 +5,9 @@ namespace Zent::Discovery::Server
 using Nfx::System::ArgumentNullException;
 using Nfx::System::SmartPointer;
 
-ServerActionArgs::ServerActionArgs(const SmartPointer<ServerAction>& action)
+ServerActionArgs::ServerActionArgs(const SmartPointer<ServerAction>& action, std::int64_t datagramSize)
     : action(action)
+    , datagramSize(datagramSize)
 {
     if (action.IsNull())
     {

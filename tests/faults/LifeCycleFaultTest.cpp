@@ -425,8 +425,10 @@ TEST_F(LifeCycleFaultTest, ATaskWhoseWakeUpFailsIsDoneWithTheNext)
     ASSERT_TRUE(WaitUntil([&] { // the task processor has to sleep
         mac = "02:00:00:00:00:" + std::to_string(number++);
         Faults::Fail(Call::ReleaseSemaphore, 1);
-        return ExtC::RefreshClient(mac.c_str()) != 0;
+        EXPECT_EQ(0, ExtC::RefreshClient(mac.c_str()));
+        return Faults::FailedCalls() > 0;
     }));
+    EXPECT_EQ(1, Count("Task queued, but the processor not woken"));
     EXPECT_EQ(0, ExtC::Discover());
     EXPECT_TRUE(device.Hears(mac));
 }

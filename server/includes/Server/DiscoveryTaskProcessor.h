@@ -4,8 +4,11 @@
 #include "Discovery/HandOver.h"
 #include "Discovery/IBroadcastProvider.h"
 #include "Discovery/Message/DiscoveryMessage.h"
+#include "Server/MemoryReturn.h"
 #include "Server/ServerActionArgs.h"
 #include "system/Net/Sockets/SocketException.h"
+
+#include <atomic>
 
 namespace Zent::Discovery::Server
 {
@@ -17,8 +20,8 @@ public:
     /// So many tasks may wait; one more is refused.
     static constexpr std::int32_t MaximumPending = 512;
 
-    /// Queues a task, or drops it with a log line when MaximumPending already wait. Never waits for the processor.
-    /// Any thread.
+    /// Queues a task, or drops it with a log line when MaximumPending already wait. Never waits for the processor. When
+    /// that cannot be woken a line says so, and it does the task with the next one. Any thread.
     void Enqueue(Nfx::System::Object* sender, const ServerActionArgs& task);
 
     /// How many tasks wait at this moment.
@@ -43,13 +46,15 @@ protected:
 
 private:
     void Run();
+    bool TryQueue(const Nfx::System::SmartPointer<ServerActionArgs>& task);
     void ProcessNext();
     void Transmit(const Nfx::System::String& text, const Nfx::System::Net::IPAddress& destination);
     void HandleSendError(const Nfx::System::Net::Sockets::SocketException& exception);
     void CheckSocket();
 
     HandOver<Nfx::System::SmartPointer<ServerActionArgs>> tasks{MaximumPending};
-    std::int32_t longestQueue = 0; // since memory was given back; used by the processor's thread only
+    std::atomic<std::int64_t> waitingBytes{0}; // of the datagrams of all tasks; those being queued may be missing
+    MemoryReturn memoryReturn;                 // used by the processor's thread only
     mutable Nfx::System::Threading::Monitor providerLock;
     Nfx::System::SmartPointer<IBroadcastProvider> provider NFX_GUARDED_BY(providerLock);
 };
