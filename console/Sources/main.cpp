@@ -2,6 +2,7 @@
 #include "Commands/CommandLine.h"
 #include "Programs/Interruption.h"
 #include "Programs/Process.h"
+#include "Programs/WrongArgument.h"
 #include "Show/Output.h"
 #include "Terminal/HostPlatform.h"
 #include "Terminal/Terminal.h"
@@ -13,6 +14,7 @@
 using namespace Zent::Discovery::Console;
 using Zent::Discovery::Programs::Interruption;
 using Zent::Discovery::Programs::Process;
+using Zent::Discovery::Programs::WrongArgument;
 
 namespace
 {
@@ -34,6 +36,11 @@ ExitStatus Run(ICommand& command, const ProgramOptions& options)
         const ExitStatus status = command.Run(context);
         context.Close();
         return std::cout.flush().good() ? status : ExitStatus::Failure;
+    }
+    catch (const WrongArgument& error)
+    {
+        output.Complain(error.what());
+        return ExitStatus::Usage;
     }
     catch (const std::exception& error)
     {

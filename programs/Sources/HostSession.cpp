@@ -2,11 +2,27 @@
 
 #include "DiscoveryLibrary.h"
 
+#include <chrono>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace Zent::Discovery::Programs
 {
+namespace
+{
+/// How soon a change is seen of which the system does not tell.
+constexpr std::chrono::seconds LookInterval{1};
+
+/// The interfaces that take part now, where the machine has what the user wishes.
+InterfaceChoice Checked(const InterfaceChoice::Wishes& wishes)
+{
+    const std::vector<NetworkInterface> interfaces = SystemNetwork::Interfaces();
+    InterfaceChoice::Check(interfaces, wishes);
+    return {interfaces, wishes};
+}
+} // namespace
+
 DiscoveryFunctions HostSession::Load(const std::string& path)
 {
     try
@@ -20,7 +36,9 @@ DiscoveryFunctions HostSession::Load(const std::string& path)
 }
 
 HostSession::HostSession(const Settings& settings, Handlers handlers)
-    : session(Load(settings.Library), settings.LogFile, settings.LogLevel)
+    : wishes(settings.Interfaces)
+    , choice(Checked(wishes))
+    , session(Load(settings.Library), settings.LogFile, settings.LogLevel)
 {
     session.OnSignature(std::move(handlers.Signature));
     session.OnHello(std::move(handlers.Hello));
@@ -30,9 +48,60 @@ HostSession::HostSession(const Settings& settings, Handlers handlers)
         session.SetMinCompatibleVersion(*settings.MinimumVersion);
     }
     session.Start();
-    if (!settings.LocalAddresses.empty())
+    Install(choice);
+    watcher = std::thread([this] { Watch(); });
+}
+
+HostSession::~HostSession()
+{
+    StopWatching();
+}
+
+InterfaceChoice HostSession::Interfaces() const
+{
+    const Lock guard(choiceLock);
+    return choice;
+}
+
+void HostSession::Close()
+{
+    StopWatching();
+    session.Close();
+}
+
+void HostSession::Watch()
+{
+    while (networkChanges.Wait(LookInterval))
     {
-        session.InitBroadcastProvider(settings.LocalAddresses);
+        try
+        {
+            InterfaceChoice next(SystemNetwork::Interfaces(), wishes);
+            if (next.AddressTexts() != Interfaces().AddressTexts())
+            {
+                Install(next);
+                const Lock guard(choiceLock);
+                choice = std::move(next);
+                ++changes;
+            }
+        }
+        catch (const std::runtime_error&)
+        {
+            // The system or the library, which may be restarting itself, refuses: the next look tries again.
+        }
+    }
+}
+
+void HostSession::Install(const InterfaceChoice& next)
+{
+    session.InitBroadcastProvider(next.AddressTexts());
+}
+
+void HostSession::StopWatching()
+{
+    networkChanges.Stop();
+    if (watcher.joinable())
+    {
+        watcher.join();
     }
 }
 } // namespace Zent::Discovery::Programs

@@ -30,7 +30,7 @@ TEST(CommandLineTest, OptionsMayStandBeforeAndBehindTheCommand)
                           "--wait", "0.25", "--log-level", "Debug", "--json"},
                          out, out, status),
               nullptr);
-    EXPECT_EQ(line.Options().Session.LocalAddresses, (std::vector<std::string>{"10.0.0.1", "10.0.1.1"}));
+    EXPECT_EQ(line.Options().Session.Interfaces.Addresses, (std::vector<std::string>{"10.0.0.1", "10.0.1.1"}));
     EXPECT_EQ(line.Options().Wait, 250ms);
     EXPECT_EQ(line.Options().Session.LogLevel, DiscoveryLogDebug);
     EXPECT_TRUE(line.Options().Json);
@@ -67,6 +67,7 @@ TEST(CommandLineTest, MisuseEndsWithTheUsageStatus)
                                                {"unknown"},
                                                {"discover", "extra"},
                                                {"refresh"},
+                                               {"discover", "--from", "10.0.0.1", "--interface", "eth0"},
                                                {"refresh", "0:1:2:3:4:5", "--sort", "name"},
                                                {"watch", "--every", "0"},
                                                {"discover", "--every", "5"},

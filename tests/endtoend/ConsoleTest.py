@@ -2,8 +2,20 @@
 
 import json
 import subprocess
+import time
 
-from endtoend import INVALID_FORMAT, Peer, Simulator, TestCase, command, main, message, rows, wait_until
+from endtoend import (
+    INVALID_FORMAT,
+    Peer,
+    Simulator,
+    TestCase,
+    command,
+    main,
+    message,
+    rows,
+    wait_until,
+)
+from networks import HERE, Cable, End, Machine
 
 
 class DiscoverTest(TestCase):
@@ -215,6 +227,56 @@ class WatchTest(TestCase):
             console.interrupt()
             self.assertEqual(console.wait(), 0)
         self.assertIn("Close Log", self.log_text().splitlines()[-1])
+
+
+class InterfaceTest(TestCase):
+    local_addresses = []
+
+    def setUp(self):
+        super().setUp()
+        self.other = self.enterContext(Machine())
+
+    def cable(self):
+        return Cable(End(HERE, "10.1.0.1/24"), End(self.other, "10.1.0.10/24"))
+
+    def simulator(self):
+        return Simulator("--count", "1", "--network", "10.1.0.10/24", "--no-hello", machine=self.other)
+
+    def test_broadcasts_leave_from_all_interfaces_but_loopback(self):
+        with self.cable(), self.simulator():
+            documents = self.console_documents("discover", "--expect", "1")
+        self.assertEqual(documents[0]["SourceNIC"]["IPAddress"], "10.1.0.10")
+        for command in (["discover"], ["refresh", "02:00:00:00:00:01"], ["rename", "x", "--mac", "02:00:00:00:00:01"]):
+            _, errors = self.console(*command, status=3)
+            self.assertIn("no-interface: no network interface takes part; left out: lo", errors)
+
+    def test_a_cable_plugged_in_while_watching_is_searched(self):
+        with self.start_console("watch", "--json") as console:
+            wait_until(lambda: "---Listening..." in self.log_text(), "the start of the server")
+            with self.cable() as cable:
+                cable.unplug()
+                link = ["ip", "link", "show", cable.near.name]
+                wait_until(lambda: b"NO-CARRIER" in subprocess.check_output(link), "the loss of the carrier")
+                with self.simulator():
+                    cable.plug()
+                    start = time.monotonic()
+                    self.assertEqual(json.loads(console.line())["SourceNIC"]["IPAddress"], "10.1.0.10")
+                    self.assertLess(time.monotonic() - start, 2)
+            console.interrupt()
+            self.assertEqual(console.wait(), 0)
+
+    def test_addresses_without_a_route_are_not_asked(self):
+        HERE.ip("route", "add", "unreachable", "10.77.0.0/16")
+        self.addCleanup(HERE.ip, "route", "delete", "unreachable", "10.77.0.0/16")
+        for command in (["reach", "10.77.0.1"], ["rename", "x", "--ip", "10.77.0.1"]):
+            _, errors = self.console(*command, status=3)
+            self.assertIn("there is no route to 10.77.0.1", errors)
+        self.assertNotIn("estart", self.log_text())
+
+    def test_what_the_machine_does_not_have_is_refused(self):
+        for option, value in (("--from", "10.9.9.9"), ("--from", "x"), ("--interface", "eth77")):
+            _, errors = self.console("discover", option, value, status=2)
+            self.assertRegex(errors, rf'{option}: "{value}" is no .* of this machine; it has (127\.0\.0\.1|lo)')
 
 
 class FailureTest(TestCase):

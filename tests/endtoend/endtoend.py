@@ -271,6 +271,8 @@ def message(kind, name="probe", mac="02:00:00:00:00:01", version="1.0.18", **hos
 class TestCase(unittest.TestCase):
     """Gives each test a folder for its logs and other files."""
 
+    local_addresses = ["127.0.0.1"]  # that discovery-console sends from; its own choice without any
+
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="endtoend-")
         self.addCleanup(folder.cleanup)
@@ -297,7 +299,7 @@ class TestCase(unittest.TestCase):
         return [
             "--library", library_path(),
             "--log", str(self.folder / "console.log"), "--log-level", "debug",
-            "--from", "127.0.0.1",
+            *(argument for address in self.local_addresses for argument in ("--from", address)),
         ]  # fmt: skip
 
     def log_text(self):

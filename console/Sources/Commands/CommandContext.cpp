@@ -1,8 +1,10 @@
 #include "Commands/CommandContext.h"
 
-#include <string>
+#include "Programs/SystemNetwork.h"
+#include "Show/Output.h"
 
 using Zent::Discovery::Programs::HostSession;
+using Zent::Discovery::Programs::SystemNetwork;
 
 namespace Zent::Discovery::Console
 {
@@ -32,6 +34,28 @@ HostSession& CommandContext::Session()
                         HostSession::Handlers{queue(Kind::Signature), queue(Kind::Hello), queue(Kind::Bye)});
     }
     return *session;
+}
+
+bool CommandContext::CanBroadcast()
+{
+    const Programs::InterfaceChoice interfaces = Session().Interfaces();
+    if (interfaces.Addresses().empty())
+    {
+        output.Complain("no-interface: no network interface takes part; left out: " + interfaces.LeftOut());
+        return false;
+    }
+    return true;
+}
+
+bool CommandContext::CanReach(const std::string& ipAddress)
+{
+    const std::optional<Inventory::IPv4> address = Inventory::Network::ParseAddress(ipAddress);
+    if (address && !SystemNetwork::HasRoute(*address))
+    {
+        output.Complain("there is no route to " + ipAddress);
+        return false;
+    }
+    return true;
 }
 
 void CommandContext::Close()

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 
 namespace Zent::Discovery::Console
 {
@@ -35,6 +36,14 @@ public:
     /// Makes requests of the library.
     /// @throws std::runtime_error as Session does.
     DiscoverySession& Requests() { return Session().Requests(); }
+
+    /// Whether broadcasts leave this machine; tells the user when no interface takes part.
+    /// @throws std::runtime_error as Session does.
+    bool CanBroadcast();
+
+    /// Whether the system knows a way to the address; tells the user when not. The library would take that for a broken
+    /// network and restart itself. A text that is no address is left for the library to refuse.
+    bool CanReach(const std::string& ipAddress);
 
     /// Ends what Session has begun.
     /// @throws DiscoveryError when the library refuses.

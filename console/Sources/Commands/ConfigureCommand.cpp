@@ -78,6 +78,10 @@ ExitStatus ConfigureCommand::Run(CommandContext& context)
 {
     Output& output = context.Out();
     std::vector<NICSettings> missing = Read();
+    if (!context.CanBroadcast())
+    {
+        return ExitStatus::NoAnswer;
+    }
     DiscoverySession& session = context.Requests();
     session.ChangeClientsIPConfigurations(missing);
     for (const NICSettings& interface : missing)

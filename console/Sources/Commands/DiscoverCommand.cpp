@@ -51,6 +51,10 @@ ExitStatus DiscoverCommand::Run(CommandContext& context)
 {
     Output& output = context.Out();
     const std::chrono::milliseconds wait = context.Wait();
+    if (!context.CanBroadcast())
+    {
+        return ExitStatus::NoAnswer;
+    }
     context.Requests().Discover();
     DeviceList inventory;
     DeviceReader reader(

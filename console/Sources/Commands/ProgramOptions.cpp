@@ -38,9 +38,7 @@ void ProgramOptions::AddTo(CLI::App& program)
             "--log-level", [this](const std::string& text) { Session.LogLevel = ReadLogLevel(text); },
             "critical, standard, debug or none; critical without it")
         ->type_name("LEVEL");
-    program.add_option("--from", Session.LocalAddresses, "a local address to send broadcasts from; may be repeated")
-        ->type_name("IP")
-        ->allow_extra_args(false);
+    AddInterfaces(program);
     program
         .add_option_function<std::string>(
             "--min-version", [this](const std::string& text) { Session.MinimumVersion = text; },
@@ -49,5 +47,26 @@ void ProgramOptions::AddTo(CLI::App& program)
     SharedOptions::AddSeconds(program, "--wait", Wait,
                               "how long to wait for devices; 2 seconds without it, watch without end", 0.0);
     program.add_flag("--json", Json, "print one JSON document per line, for scripts");
+}
+
+void ProgramOptions::AddInterfaces(CLI::App& program)
+{
+    Programs::InterfaceChoice::Wishes& wishes = Session.Interfaces;
+    CLI::Option* const from =
+        program
+            .add_option("--from", wishes.Addresses, "send broadcasts from this local address alone; may be repeated")
+            ->type_name("IP")
+            ->allow_extra_args(false);
+    CLI::Option* const name = program
+                                  .add_option("--interface", wishes.Names,
+                                              "send broadcasts from this network interface alone; may be repeated")
+                                  ->type_name("NAME")
+                                  ->allow_extra_args(false)
+                                  ->excludes(from);
+    program
+        .add_flag("--all-interfaces", wishes.All,
+                  "send broadcasts from loopback, virtual and point-to-point interfaces, too")
+        ->excludes(from)
+        ->excludes(name);
 }
 } // namespace Zent::Discovery::Console

@@ -21,5 +21,8 @@ struct ProgramOptions
     Programs::HostSession::Settings Session;
     std::optional<std::chrono::milliseconds> Wait;
     bool Json = false;
+
+private:
+    void AddInterfaces(CLI::App& program);
 };
 } // namespace Zent::Discovery::Console

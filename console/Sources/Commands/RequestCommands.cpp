@@ -70,6 +70,10 @@ CLI::App& RefreshCommand::AddTo(CLI::App& parent)
 
 ExitStatus RefreshCommand::Run(CommandContext& context)
 {
+    if (!context.CanBroadcast())
+    {
+        return ExitStatus::NoAnswer;
+    }
     context.Requests().RefreshClient(macAddress);
     return Await(context, OwnsMAC(macAddress), &Always, "");
 }
@@ -83,6 +87,10 @@ CLI::App& ReachCommand::AddTo(CLI::App& parent)
 
 ExitStatus ReachCommand::Run(CommandContext& context)
 {
+    if (!context.CanReach(ipAddress))
+    {
+        return ExitStatus::NoAnswer;
+    }
     context.Requests().ReachClient(ipAddress);
     return Await(context, OwnsIP(ipAddress), &Always, "");
 }
@@ -104,6 +112,10 @@ CLI::App& RenameCommand::AddTo(CLI::App& parent)
 // A device need not announce its new name by itself, so each rename is followed by the question for it.
 ExitStatus RenameCommand::Run(CommandContext& context)
 {
+    if (ipAddress.empty() ? !context.CanBroadcast() : !context.CanReach(ipAddress))
+    {
+        return ExitStatus::NoAnswer;
+    }
     DiscoverySession& session = context.Requests();
     if (ipAddress.empty())
     {

@@ -44,6 +44,7 @@ ExitStatus WatchCommand::Run(CommandContext& context)
 ExitStatus WatchCommand::Watch(CommandContext& context, IWatchView& view) const
 {
     DiscoverySession& session = context.Requests();
+    unsigned knownChanges = 0; // of the interfaces
     DeviceList inventory;
     DeviceReader reader(
         context.Messages(), [&view](const std::string& text) { view.Complain(text); }, context.Options().Wait);
@@ -52,10 +53,12 @@ ExitStatus WatchCommand::Watch(CommandContext& context, IWatchView& view) const
     while (!reader.IsOver())
     {
         const MessageQueue::TimePoint now = std::chrono::steady_clock::now();
-        if (interval && now >= nextQuestion)
+        const unsigned changes = context.Session().InterfaceChanges();
+        if ((interval && now >= nextQuestion) || changes != knownChanges)
         {
             session.Discover();
-            nextQuestion = now + *interval;
+            knownChanges = changes;
+            nextQuestion = now + interval.value_or(std::chrono::milliseconds(0));
         }
         if (now >= nextRefresh)
         {

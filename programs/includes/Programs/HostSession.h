@@ -1,15 +1,19 @@
 #pragma once
 
 #include "DiscoverySession.h"
+#include "Programs/InterfaceChoice.h"
+#include "Programs/Mutex.h"
+#include "Programs/SystemNetwork.h"
 
+#include <atomic>
 #include <optional>
 #include <string>
-#include <vector>
+#include <thread>
 
 namespace Zent::Discovery::Programs
 {
-/// The library at work for a program: its log open, its server started, its messages on the way to the program. Main
-/// thread only.
+/// The library at work for a program: its log open, its server started, its broadcasts on their way from all interfaces
+/// that take part, whichever come and go. Main thread only, unless said otherwise.
 class HostSession final
 {
 public:
@@ -20,7 +24,7 @@ public:
         std::string LogFile;
         DiscoveryLogLevel LogLevel = DiscoveryLogCritical;
         std::optional<std::string> MinimumVersion;
-        std::vector<std::string> LocalAddresses; // to send from; empty for the system's choice
+        InterfaceChoice::Wishes Interfaces;
     };
 
     /// Are called on a thread of the library.
@@ -36,20 +40,40 @@ public:
     static DiscoveryFunctions Load(const std::string& path);
 
     /// Loads the library and starts the server.
-    /// @throws std::runtime_error when the library cannot be loaded; DiscoveryError when it refuses.
+    /// @throws std::runtime_error when the library cannot be loaded, WrongArgument when the machine does not have the
+    /// interfaces that the user wishes, DiscoveryError when the library refuses.
     HostSession(const Settings& settings, Handlers handlers);
+
+    /// Closes, in silence, what Close has not closed.
+    ~HostSession();
 
     HostSession(const HostSession&) = delete;
     HostSession& operator=(const HostSession&) = delete;
 
-    /// For requests.
+    /// For requests. Any thread may make them.
     DiscoverySession& Requests() { return session; }
+
+    /// The interfaces that take part at this moment. Any thread.
+    InterfaceChoice Interfaces() const;
+
+    /// How often the interfaces that take part have changed since the start. Any thread.
+    unsigned InterfaceChanges() const { return changes; }
 
     /// Stops the server and closes the log. No handler runs afterwards.
     /// @throws DiscoveryError when the library refuses.
-    void Close() { session.Close(); }
+    void Close();
 
 private:
+    void Watch();
+    void Install(const InterfaceChoice& next);
+    void StopWatching();
+
+    const InterfaceChoice::Wishes wishes;
+    mutable Mutex choiceLock;
+    InterfaceChoice choice NFX_GUARDED_BY(choiceLock);
     DiscoverySession session;
+    std::atomic<unsigned> changes{0}; // written by the watcher
+    NetworkChanges networkChanges;
+    std::thread watcher;
 };
 } // namespace Zent::Discovery::Programs
