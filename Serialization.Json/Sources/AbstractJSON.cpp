@@ -7,16 +7,12 @@ namespace Zent::Utils::Json
 {
 using Nfx::System::SmartPointer;
 
-AbstractJSON::AbstractJSON()
-{
-    JSONDocument::InstallHooks();
-}
+AbstractJSON::AbstractJSON() = default;
 
 AbstractJSON::AbstractJSON(const Nfx::System::String& text)
-    : AbstractJSON()
+    : document(SmartPointer<JSONDocument>::Create(text.View()))
+    , item(document->Root())
 {
-    document = SmartPointer<JSONDocument>::Create(text.View());
-    item = document->Root();
 }
 
 AbstractJSON::AbstractJSON(const AbstractJSON& owner, const cJSON* item)

@@ -42,17 +42,7 @@ void* JSONArena::Allocate(std::size_t size) noexcept
         exhausted = true;
         return nullptr;
     }
-    latest = free;
-    free += rounded;
-    return latest;
-}
-
-void JSONArena::Release(void* memory) noexcept
-{
-    if (memory != nullptr && memory == latest)
-    {
-        free = latest;
-    }
+    return std::exchange(free, free + rounded);
 }
 
 bool JSONArena::AddBlock(std::size_t size) noexcept

@@ -18,9 +18,6 @@ public:
     /// Null when there is no memory.
     void* Allocate(std::size_t size) noexcept;
 
-    /// Takes the latest allocation back; any other stays until the arena goes.
-    void Release(void* memory) noexcept;
-
     /// Whether an allocation ever failed.
     bool IsExhausted() const noexcept { return exhausted; }
 
@@ -33,7 +30,6 @@ private:
     std::size_t nextBlockSize;
     unsigned char* free = nullptr; // unused part of the newest block
     unsigned char* end = nullptr;
-    unsigned char* latest = nullptr; // the latest allocation
     bool exhausted = false;
 };
 } // namespace Zent::Utils::Json

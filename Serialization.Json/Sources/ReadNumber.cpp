@@ -6,33 +6,50 @@
 #include <limits>
 #include <system_error>
 
+namespace Zent::Utils::Json
+{
 namespace
 {
-const char* SkipDigits(const char* position)
+bool IsDigit(char character)
 {
-    while (*position >= '0' && *position <= '9')
-    {
-        ++position;
-    }
-    return position;
+    return character >= '0' && character <= '9';
 }
 
-/// The end of what follows when a digit is there, else the position itself.
-const char* SkipFraction(const char* position)
+const char* SkipDigits(const char* position, const char* end)
 {
-    const char* const end = *position == '.' ? SkipDigits(position + 1) : position;
-    return end > position + 1 ? end : position;
+    return std::find_if_not(position, end, IsDigit);
 }
 
-const char* SkipExponent(const char* position)
+/// Behind the integer part, which has no leading zeros; begin when there is none.
+const char* SkipInteger(const char* begin, const char* end)
 {
-    if (*position != 'e' && *position != 'E')
+    return begin != end && *begin == '0' ? begin + 1 : SkipDigits(begin, end);
+}
+
+/// Behind a point and the digits after it; the position itself when they are not there.
+const char* SkipFraction(const char* position, const char* end)
+{
+    if (position == end || *position != '.')
     {
         return position;
     }
-    const char* const digits = position[1] == '+' || position[1] == '-' ? position + 2 : position + 1;
-    const char* const end = SkipDigits(digits);
-    return end > digits ? end : position;
+    const char* const last = SkipDigits(position + 1, end);
+    return last == position + 1 ? position : last;
+}
+
+const char* SkipExponent(const char* position, const char* end)
+{
+    if (position == end || (*position != 'e' && *position != 'E'))
+    {
+        return position;
+    }
+    const char* digits = position + 1;
+    if (digits != end && (*digits == '+' || *digits == '-'))
+    {
+        ++digits;
+    }
+    const char* const last = SkipDigits(digits, end);
+    return last == digits ? position : last;
 }
 
 /// The exponent's value, but no farther out than it takes to outweigh any number of digits: a count of them is added.
@@ -59,35 +76,30 @@ bool IsHuge(const char* integer, const char* fraction, const char* exponent, con
     std::int64_t magnitude = fraction - integer;
     if (*integer == '0')
     {
-        const char* digit = fraction == exponent ? fraction : fraction + 1;
-        const char* const firstDigit = digit;
-        while (digit != exponent && *digit == '0')
-        {
-            ++digit;
-        }
-        magnitude = firstDigit - digit;
+        const char* const firstDigit = fraction == exponent ? fraction : fraction + 1;
+        magnitude = firstDigit - std::find_if(firstDigit, exponent, [](char digit) { return digit != '0'; });
     }
     return magnitude + ReadExponent(exponent, end) > 0;
 }
 } // namespace
 
-double NfxReadNumber(const char* text, char** end)
+const char* ReadNumber(const char* begin, const char* end, double* number) noexcept
 {
-    *end = const_cast<char*>(text);
-    const char* const integer = *text == '-' ? text + 1 : text;
-    const char* const fraction = *integer == '0' ? integer + 1 : SkipDigits(integer);
+    const char* const integer = begin != end && *begin == '-' ? begin + 1 : begin;
+    const char* const fraction = SkipInteger(integer, end);
     if (fraction == integer)
     {
-        return 0;
+        return begin;
     }
-    const char* const exponent = SkipFraction(fraction);
-    const char* const last = SkipExponent(exponent);
-    *end = const_cast<char*>(last);
+    const char* const exponent = SkipFraction(fraction, end);
+    const char* const last = SkipExponent(exponent, end);
 
-    double number = 0;
-    if (std::from_chars(integer, last, number).ec == std::errc::result_out_of_range)
+    double magnitude = 0;
+    if (std::from_chars(integer, last, magnitude).ec == std::errc::result_out_of_range)
     {
-        number = IsHuge(integer, fraction, exponent, last) ? std::numeric_limits<double>::infinity() : 0.0;
+        magnitude = IsHuge(integer, fraction, exponent, last) ? std::numeric_limits<double>::infinity() : 0.0;
     }
-    return integer == text ? number : -number;
+    *number = integer == begin ? magnitude : -magnitude;
+    return last;
 }
+} // namespace Zent::Utils::Json

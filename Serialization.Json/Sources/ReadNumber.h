@@ -1,12 +1,8 @@
 #pragma once
 
-#ifdef __cplusplus
-extern "C"
+namespace Zent::Utils::Json
 {
-#endif
-    /// Stands in for strtod in cJSON's reader: reads the longest prefix that is a number by the JSON grammar, in every
-    /// locale. Gives infinity when the number is too large. end is set to text when there is no number.
-    double NfxReadNumber(const char* text, char** end);
-#ifdef __cplusplus
-}
-#endif
+/// Reads the longest start of a text that is a number by the JSON grammar, in every locale; infinity when it is too
+/// large. Returns where the number ends: at begin when there is none.
+const char* ReadNumber(const char* begin, const char* end, double* number) noexcept;
+} // namespace Zent::Utils::Json

@@ -23,7 +23,6 @@ void Parse(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.Length()));
 }
 
-/// With an escape in it: the text is rewritten before it is parsed.
 void ParseWithEscape(benchmark::State& state)
 {
     std::string text = Signature().Text();
