@@ -45,6 +45,7 @@ TEST(VersionTest, TakesAnUndefinedComponentForLowerThanZero)
     {
         EXPECT_LT(rising[index - 1], rising[index]) << index;
         EXPECT_FALSE(rising[index - 1] == rising[index]) << index;
+        EXPECT_TRUE(rising[index].Equals(&rising[index]) && !rising[index].Equals(&rising[index - 1])) << index;
     }
     EXPECT_EQ(Version(1, 0, 18), Version::Parse("01.00.18"));
 }

@@ -185,10 +185,10 @@ TEST(DiscoveryMessageTest, DefectiveNICConfigsAreLoggedOneByOneAndLeftOut)
     std::string malformed = NIC;
     malformed.replace(malformed.find("192"), 3, "300");
     const Tests::LogCapture log(LogStreamLevel::Critical);
-    const auto message =
-        Deserialize(Envelope("ChangeYourIPConfig") + ",\"NewNICConfigs\":[1," + NIC + ",{}," + malformed + ",[]]}")
-            .As<ChangeYourIPConfigMessage>();
-    EXPECT_EQ(message->NewNICConfigs.Count(), 1);
+    ChangeYourIPConfigMessage message({SmartPointer<NICConfig>::Create()}); // which its new content replaces
+    message.Deserialize(
+        String(Envelope("ChangeYourIPConfig") + ",\"NewNICConfigs\":[1," + NIC + ",{}," + malformed + ",[]]}"));
+    EXPECT_EQ(message.NewNICConfigs.Count(), 1);
     EXPECT_EQ(log.TypesOf("Failed to parse NIC config !!! Ignoring this one..."), "CCCC");
 }
 

@@ -2,8 +2,10 @@
 #include "support/MemoryFaults.h"
 #include "system/ErrorCodes.h"
 #include "system/Net/Sockets/SocketError.h"
+#include "system/Threading/Lock.h"
 
 #include <filesystem>
+#include <thread>
 
 namespace Tests
 {
@@ -160,5 +162,19 @@ TEST_F(MemorySweepTest, LongAFailureDuringARestartIsToldOrOutlived)
         std::filesystem::remove_all(folder.PathOf("logs"));
         ASSERT_FALSE(HasFailure());
     }
+}
+
+TEST(ObjectMonitorsTest, KeepNothingOfAnObjectThatNoThreadLocks)
+{
+    const Nfx::System::String object;
+    const auto allocations = [&object] {
+        MemoryFaults::Fail(MemoryFaults::Always);
+        const Nfx::System::Threading::Lock lock(object);
+        MemoryFaults::Clear();
+        std::thread([&object] { EXPECT_FALSE(Nfx::System::Threading::Monitor::TryEnter(object, 0)); }).join();
+        return MemoryFaults::Seen();
+    };
+    allocations();
+    EXPECT_GT(allocations(), 0); // for the same object again
 }
 } // namespace Tests

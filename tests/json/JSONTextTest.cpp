@@ -82,6 +82,7 @@ TEST(JSONTextTest, ReadsEscapesByOneRuleInKeysAndValues)
         {R"(\x\'\ \0\U0041)", "x' 0U0041"},
         {R"(a\u0000b\u0000)", "ab"},
         {R"(a\uDE00b\uD83D)", "ab"},
+        {R"(\uD7FF\uD800\uDC00\uDBFF\uE000\uDBFF\uDFFF)", "\xED\x9F\xBF\xF0\x90\x80\x80\xEE\x80\x80\xF4\x8F\xBF\xBF"},
         {R"(a\uD83Db\uD83Dc)", "abc"},
         {R"(\uD83D\u0041\uD83D\x\uD83D\uD83D\uDE00)", "Ax\xF0\x9F\x98\x80"},
         {"\\\xC3\xA4\\\x01", "\xC3\xA4\x01"},

@@ -147,14 +147,18 @@ TEST_F(DiscoveryServerTest, AStopWaitsForTheCallbackAndSaysWhatItDiscards)
     SendHello();
     ASSERT_TRUE(gate.WaitForArrivals(1));
     server.RefreshClient(MACAddress());
-    server.RefreshClient(MACAddress());
+    server.ReachClient(Net::IPAddress::Parse("10.0.0.7"));
+    server.ChangeHostName("press-1", MACAddress());
+    server.ChangeHostName("press-2", Net::IPAddress::Parse("10.0.0.7"));
+    EXPECT_TRUE(log.HasInOrder({"Refresh Client owning 00:", "Reach Client 10.0.0.7",
+                                "Change HostName to press-1 (00:", "Change HostName to press-2 (10.0.0.7)"}));
     std::thread stopper([this] { server.Stop(); });
     EXPECT_TRUE(log.WaitFor("Stopping Task Processor"));
     EXPECT_FALSE(log.Has("Discovery Server stopped"));
     gate.Open();
     stopper.join();
     EXPECT_TRUE(
-        log.HasInOrder({"Discarded what was still queued : 2 tasks, 0 datagrams.", "Discovery Server stopped"}));
+        log.HasInOrder({"Discarded what was still queued : 4 tasks, 0 datagrams.", "Discovery Server stopped"}));
 }
 
 TEST_F(DiscoveryServerTest, AnAsynchronousStopStops)

@@ -192,7 +192,10 @@ constexpr bool OrderedByCode(const Row& left, const Row& right)
     return left.Code < right.Code;
 }
 
-static_assert(std::is_sorted(std::begin(Rows), std::end(Rows), OrderedByCode));
+// Each code once.
+static_assert(std::adjacent_find(std::begin(Rows), std::end(Rows), [](const Row& left, const Row& right) {
+                  return left.Code >= right.Code;
+              }) == std::end(Rows));
 } // namespace
 
 const char* ErrorTable::Find(std::int32_t code) noexcept
