@@ -90,6 +90,11 @@ const Device::Interface& Device::MainInterface() const
     return interfaces.empty() ? None : interfaces.front();
 }
 
+const std::vector<Device::Interface>& Device::Interfaces() const
+{
+    return interfaces;
+}
+
 const Device::Interface* Device::FindMAC(std::string_view address) const
 {
     const auto found = std::ranges::find(interfaces, address, &Interface::MACAddress);

@@ -2,6 +2,7 @@
 
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
+#include "JsonText.h"
 #include "system/Boolean.h"
 
 #include <algorithm>
@@ -171,6 +172,21 @@ std::string DeviceDifferences::Difference::ToString() const
         return Property + ": added " + Visible(*After);
     }
     return Property + ": " + (After ? Visible(*Before) + " -> " + Visible(*After) : "removed " + Visible(*Before));
+}
+
+std::string DeviceDifferences::Difference::ToJson() const
+{
+    JsonText json;
+    json.Text("Property", Property);
+    if (Before)
+    {
+        json.Text("Before", *Before);
+    }
+    if (After)
+    {
+        json.Text("After", *After);
+    }
+    return json.Take();
 }
 
 std::vector<Difference> DeviceDifferences::Between(const Device& before, const Device& after)

@@ -33,6 +33,9 @@ public:
     /// The interface that the message came from, or else the first one; without text when there is none.
     const Interface& MainInterface() const;
 
+    /// The interface that the message came from, and all that the device has; the first one may be there twice.
+    const std::vector<Interface>& Interfaces() const;
+
     /// The interface with that MAC address in the library's form; null when the device has none such.
     const Interface* FindMAC(std::string_view address) const;
 

@@ -20,6 +20,9 @@ public:
 
         /// For people: HostName: press-1 -> press-2.
         std::string ToString() const;
+
+        /// {"Property":"HostName","Before":"press-1","After":"press-2"}; what was not there is left out.
+        std::string ToJson() const;
     };
 
     DeviceDifferences() = delete;

@@ -1,0 +1,62 @@
+#include "Inventory/Event.h"
+
+#include "JsonText.h"
+
+namespace Zent::Discovery::Inventory
+{
+namespace
+{
+const char* NameOf(Conflict::ConflictKind kind)
+{
+    return kind == Conflict::ConflictKind::MAC ? "mac" : kind == Conflict::ConflictKind::IP ? "ip" : "name";
+}
+
+std::string JsonOf(const Conflict& conflict)
+{
+    return JsonText()
+        .Text("Kind", NameOf(conflict.Kind))
+        .Text("Value", conflict.Value)
+        .Number("Count", static_cast<std::int64_t>(conflict.Count))
+        .Raw("First", conflict.First->Message.Document)
+        .Raw("Second", conflict.Second->Message.Document)
+        .Take();
+}
+
+} // namespace
+
+std::string Conflict::ToString() const
+{
+    return std::string(NameOf(Kind)) + ":" + Value;
+}
+
+const char* Event::KindName() const
+{
+    static constexpr const char* Names[] = {"Appeared",     "Changed",    "Left",       "Gone",     "Returned",
+                                            "Flapping",     "Settled",    "Forgotten",  "Conflict", "PortHeld",
+                                            "PortReleased", "RoundEnded", "SearchEnded"};
+    return Names[static_cast<std::size_t>(Kind)];
+}
+
+std::string Event::ToJson() const
+{
+    JsonText json;
+    json.Text("Event", KindName()).Number("When", When.count());
+    if (Subject != nullptr)
+    {
+        json.Raw("Device", Subject->Message.Document);
+    }
+    if (!Changes.empty())
+    {
+        json.Raw("Changes", JsonText::Array(Changes, [](const auto& each) { return each.ToJson(); }));
+    }
+    if (Contradiction)
+    {
+        json.Raw("Conflict", JsonOf(*Contradiction));
+    }
+    if (Report)
+    {
+        json.Raw("Search", Report->ToJson());
+    }
+    return json.Take();
+}
+} // namespace Zent::Discovery::Inventory

@@ -1,0 +1,141 @@
+#include "Inventory/Questions.h"
+
+#include "Inventory/Device.h"
+
+#include <algorithm>
+
+namespace Zent::Discovery::Inventory
+{
+namespace
+{
+/// A host program that takes no wishes must not find thousands of them later.
+constexpr std::size_t MaximumWishes = 100;
+} // namespace
+
+bool Questions::CanAsk(Time now)
+{
+    GiveUp(now);
+    return next <= now && unanswered.size() < MaximumUnanswered && wishes.size() < MaximumWishes;
+}
+
+bool Questions::CanAskMAC(Time now)
+{
+    return CanAsk(now);
+}
+
+bool Questions::CanAskIP(Time now)
+{
+    return CanAsk(now) && unansweredByIP < MaximumUnansweredByIP;
+}
+
+void Questions::AskAll()
+{
+    Wait(Wish::WishKind::AskAll, {});
+}
+
+void Questions::AskMAC(const std::string& address, Time now)
+{
+    NoteQuestion(address, false, now);
+    Wait(Wish::WishKind::AskMAC, address);
+}
+
+void Questions::AskIP(const std::string& address, Time now)
+{
+    NoteQuestion(address, true, now);
+    Wait(Wish::WishKind::IsReachable, address);
+}
+
+void Questions::CountLost()
+{
+    Wait(Wish::WishKind::CountLost, {});
+}
+
+void Questions::NoteAnswer(const Device& device)
+{
+    for (const Device::Interface& interface : device.Interfaces())
+    {
+        Settle(interface.MACAddress);
+        Settle(interface.IPAddress);
+    }
+}
+
+std::optional<Wish> Questions::Next()
+{
+    if (wishes.empty())
+    {
+        return std::nullopt;
+    }
+    Wish wish = std::move(wishes.front());
+    wishes.pop_front();
+    if (wish.Kind == Wish::WishKind::IsReachable || wish.Kind == Wish::WishKind::CountLost)
+    {
+        open.emplace(wish.Id, wish);
+    }
+    return wish;
+}
+
+std::optional<Wish> Questions::Answer(std::int64_t id, std::int64_t value)
+{
+    const auto found = open.find(id);
+    if (found == open.end())
+    {
+        return std::nullopt;
+    }
+    Wish wish = std::move(found->second);
+    open.erase(found);
+    if (wish.Kind == Wish::WishKind::IsReachable)
+    {
+        if (value == 1)
+        {
+            Wait(Wish::WishKind::AskIP, wish.Address);
+        }
+        else
+        {
+            Settle(wish.Address); // nothing is sent
+        }
+    }
+    return wish;
+}
+
+void Questions::Wait(Wish::WishKind kind, const std::string& address)
+{
+    wishes.push_back({kind, ++lastId, address});
+}
+
+void Questions::NoteQuestion(const std::string& address, bool isByIP, Time now)
+{
+    next = std::max(next, now - MaximumCredit) + Distance;
+    const auto [place, isNew] = unanswered.try_emplace(address, Question{now, isByIP});
+    unansweredByIP += isNew && isByIP ? 1u : 0u;
+    place->second.Asked = now;
+    inOrder.emplace_back(now, address);
+}
+
+void Questions::Settle(const std::string& address)
+{
+    const auto found = unanswered.find(address);
+    if (found != unanswered.end())
+    {
+        unansweredByIP -= found->second.IsByIP ? 1u : 0u;
+        unanswered.erase(found);
+    }
+}
+
+/// Forgets questions that nobody will answer any more.
+void Questions::GiveUp(Time now)
+{
+    while (!inOrder.empty() && inOrder.front().first + AnswerTime <= now)
+    {
+        const auto found = unanswered.find(inOrder.front().second);
+        if (found != unanswered.end() && found->second.Asked == inOrder.front().first)
+        {
+            Settle(found->first);
+        }
+        inOrder.pop_front();
+    }
+    if (open.size() > MaximumWishes * 10) // from a host program that never answers
+    {
+        open.clear();
+    }
+}
+} // namespace Zent::Discovery::Inventory

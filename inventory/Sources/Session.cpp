@@ -1,0 +1,147 @@
+#include "Inventory/Session.h"
+
+#include "JsonText.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Zent::Discovery::Inventory
+{
+Session::Session(DeviceTableOptions options)
+    : devices(std::move(options), questions, events)
+{
+}
+
+void Session::Feed(DeviceMessage message, Time time)
+{
+    GoOn(time);
+    const DeviceMessage::MessageKind kind = message.Kind;
+    const DeviceRow& row = devices.Feed(std::move(message), now);
+    if (search && kind == DeviceMessage::MessageKind::Signature)
+    {
+        search->Heard(row.Id, *row.Latest, now);
+    }
+    else if (search && kind == DeviceMessage::MessageKind::Bye)
+    {
+        search->Forget(row.Id);
+    }
+    TellOfSearch();
+}
+
+void Session::Advance(Time time)
+{
+    GoOn(time);
+    if (search)
+    {
+        search->Advance(now);
+    }
+    devices.Advance(now, !search || search->IsOver());
+    TellOfSearch();
+}
+
+std::optional<Event> Session::NextEvent()
+{
+    return events.Next();
+}
+
+std::optional<Wish> Session::NextWish()
+{
+    return questions.Next();
+}
+
+void Session::Answer(std::int64_t id, std::int64_t value)
+{
+    const std::optional<Wish> wish = questions.Answer(id, value);
+    if (!wish)
+    {
+        return;
+    }
+    if (wish->Kind == Wish::WishKind::CountLost && search)
+    {
+        search->Counted(value < 0 ? std::nullopt : std::optional(static_cast<std::uint64_t>(value)), now);
+    }
+    else if (wish->Kind == Wish::WishKind::IsReachable && value != 1)
+    {
+        devices.NoteNoRoute(wish->Address);
+        if (search)
+        {
+            search->NoteNoRoute();
+        }
+    }
+    TellOfSearch();
+}
+
+void Session::SetPortHeld(bool isHeld, Time time)
+{
+    GoOn(time);
+    devices.SetPortHeld(isHeld, now);
+}
+
+void Session::StartSearch(SearchOptions options, Time time)
+{
+    GoOn(time);
+    Search::Check(options);
+    StopSearch(now);
+    search.emplace(std::move(options), questions, now);
+    roundsTold = 0;
+    isEndTold = false;
+}
+
+void Session::StopSearch(Time time)
+{
+    GoOn(time);
+    if (search)
+    {
+        search->Stop(now);
+        TellOfSearch();
+    }
+}
+
+const SearchReport* Session::SearchState() const
+{
+    return search ? &search->Report() : nullptr;
+}
+
+const DeviceTable& Session::Devices() const
+{
+    return devices;
+}
+
+Time Session::NextTime() const
+{
+    return search && !search->IsOver() ? search->NextTime(now) : devices.NextTime(now);
+}
+
+std::string Session::ToJson() const
+{
+    return JsonText()
+        .Number("Now", now.count())
+        .Number("LostEvents", static_cast<std::int64_t>(events.Lost()))
+        .Raw("Devices", JsonText::Array(devices.Rows(), [](const DeviceRow* row) { return row->ToJson(); }))
+        .Raw("Search", search ? search->Report().ToJson() : "null")
+        .Take();
+}
+
+void Session::GoOn(Time time)
+{
+    now = std::max(now, time);
+}
+
+void Session::TellOfSearch()
+{
+    if (!search)
+    {
+        return;
+    }
+    const SearchReport& report = search->Report();
+    const std::size_t ended = report.Rounds.size() - (report.IsOver || report.Rounds.empty() ? 0 : 1);
+    for (; roundsTold < ended; ++roundsTold)
+    {
+        events.Raise({.Kind = Event::EventKind::RoundEnded, .When = now, .Report = report});
+    }
+    if (report.IsOver && !std::exchange(isEndTold, true))
+    {
+        events.Raise({.Kind = Event::EventKind::SearchEnded, .When = now, .Report = report});
+    }
+}
+} // namespace Zent::Discovery::Inventory

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Inventory/Network.h"
+#include "Inventory/Time.h"
+#include "Inventory/Wish.h"
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+namespace Zent::Discovery::Inventory
+{
+class Device;
+
+/// All that a session wants to have asked, at a pace that neither the network, the library's queue nor the system's
+/// table of neighbours suffers from. Who has something to ask waits until it may.
+class Questions final
+{
+public:
+    /// How long a question counts as unanswered; then nobody is there.
+    static constexpr Time AnswerTime{3000};
+
+    /// Packets to addresses that nobody has wait in the send buffer until the system gives them up: with some 270 of
+    /// them the library's sending thread stands still.
+    static constexpr std::size_t MaximumUnansweredByIP = 150;
+
+    /// The library's queue takes 512 requests and messages.
+    static constexpr std::size_t MaximumUnanswered = 400;
+
+    /// Questions to single devices are a millisecond apart on the average, and no more than these come at once.
+    static constexpr Time Distance{1};
+    static constexpr Time MaximumCredit{20};
+
+    /// Whether one more device may be asked now.
+    bool CanAskMAC(Time now);
+    bool CanAskIP(Time now);
+
+    void AskAll();
+
+    /// Only while CanAskMAC.
+    void AskMAC(const std::string& address, Time now);
+
+    /// Only while CanAskIP. Asks the device once the host program has found a route to it.
+    void AskIP(const std::string& address, Time now);
+
+    /// Asks how many answers were lost.
+    void CountLost();
+
+    /// Notes that a device has answered.
+    void NoteAnswer(const Device& device);
+
+    /// The next wish of those that the host program has not yet been given.
+    std::optional<Wish> Next();
+
+    /// What the host program has found out. Gives the wish it was about, unless that was not open.
+    std::optional<Wish> Answer(std::int64_t id, std::int64_t value);
+
+private:
+    void Wait(Wish::WishKind kind, const std::string& address);
+    bool CanAsk(Time now);
+    void NoteQuestion(const std::string& address, bool isByIP, Time now);
+    void Settle(const std::string& address);
+    void GiveUp(Time now);
+
+    struct Question
+    {
+        Time Asked;
+        bool IsByIP;
+    };
+
+    std::deque<Wish> wishes; // not yet taken
+    std::unordered_map<std::int64_t, Wish> open;
+    std::int64_t lastId = 0;
+
+    std::unordered_map<std::string, Question> unanswered; // by address
+    std::deque<std::pair<Time, std::string>> inOrder;     // of their times; holds answered ones too
+    std::size_t unansweredByIP = 0;
+    Time next{Time::min()};
+};
+} // namespace Zent::Discovery::Inventory

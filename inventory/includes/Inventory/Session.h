@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Inventory/DeviceTable.h"
+#include "Inventory/EventQueue.h"
+#include "Inventory/Questions.h"
+#include "Inventory/Search.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace Zent::Discovery::Inventory
+{
+/// What a host program knows of the network and wants to know. It does nothing by itself: the host program feeds it
+/// with the library's messages and the time, carries out its wishes, and takes its events, again and again:
+///
+///     for (;;)
+///     {
+///         while (auto message = queue.Take()) session.Feed(*message, now());
+///         session.Advance(now());
+///         while (auto wish = session.NextWish()) CarryOut(*wish); // IsReachable and CountLost with session.Answer
+///         while (auto event = session.NextEvent()) Show(*event);
+///         WaitForMessagesUntil(session.NextTime());
+///     }
+///
+/// One thread at a time. A time earlier than the latest given counts as that one.
+class Session final
+{
+public:
+    explicit Session(DeviceTableOptions options = {});
+
+    /// Takes a message from the library.
+    /// @throws std::invalid_argument when it is none; nothing has changed.
+    void Feed(DeviceMessage message, Time now);
+
+    void Advance(Time now);
+
+    /// Nothing when there is none at the moment.
+    std::optional<Event> NextEvent();
+    std::optional<Wish> NextWish();
+
+    /// What has come of a wish that expects an answer; soon, for the session may wait for it. Answers to other wishes
+    /// are left out.
+    void Answer(std::int64_t id, std::int64_t value);
+
+    /// Whether another program receives the answers of devices, as one on this machine may. Then no device is told to
+    /// be gone.
+    void SetPortHeld(bool isHeld, Time now);
+
+    /// Starts a search in the place of one that may be running. While it runs, the table asks nobody.
+    /// @throws std::invalid_argument when the options are not possible; nothing has changed.
+    void StartSearch(SearchOptions options, Time now);
+
+    /// Ends the search as it is; nothing happens without one.
+    void StopSearch(Time now);
+
+    /// Of the search that was started last; null when there was none.
+    const SearchReport* SearchState() const;
+
+    const DeviceTable& Devices() const;
+
+    /// When to call Advance again, at the latest, if nothing comes before.
+    Time NextTime() const;
+
+    /// {"Now":1500,"LostEvents":0,"Devices":[...],"Search":{...}}: the rows of the table, and the state of the search,
+    /// which is null without one.
+    std::string ToJson() const;
+
+private:
+    void GoOn(Time time);
+    void TellOfSearch();
+
+    Questions questions;
+    EventQueue events;
+    DeviceTable devices;
+    std::optional<Search> search;
+    std::size_t roundsTold = 0;
+    bool isEndTold = false;
+    Time now{Time::min()};
+};
+} // namespace Zent::Discovery::Inventory
