@@ -173,7 +173,10 @@ bool ThreadBlockPosix::Start(std::uint32_t stackSize, std::uint64_t& threadId)
     if (started)
     {
         const ConditionPosix::Guard lock(condition);
-        AwaitFirstStep(); // only the thread itself can tell its id
+        while (kernelId == 0) // only the thread itself can tell it
+        {
+            condition.Sleep();
+        }
         threadId = static_cast<std::uint64_t>(kernelId);
     }
     return started;
@@ -229,7 +232,6 @@ void ThreadBlockPosix::Interrupt()
 bool ThreadBlockPosix::Suspend()
 {
     const ConditionPosix::Guard lock(condition);
-    AwaitFirstStep(); // before it the thread does not know what the signal means
     return !hasEnded && current != this && suspension.Suspend(thread);
 }
 
@@ -237,14 +239,6 @@ bool ThreadBlockPosix::Resume()
 {
     const ConditionPosix::Guard lock(condition);
     return suspension.Resume(); // also of a thread that was stopped on its last steps
-}
-
-void ThreadBlockPosix::AwaitFirstStep()
-{
-    while (kernelId == 0)
-    {
-        condition.Sleep();
-    }
 }
 
 std::int32_t ThreadBlockPosix::GetPriority()
@@ -256,7 +250,6 @@ std::int32_t ThreadBlockPosix::GetPriority()
 bool ThreadBlockPosix::SetPriority(std::int32_t newPriority)
 {
     const ConditionPosix::Guard lock(condition);
-    AwaitFirstStep();
     if (hasEnded)
     {
         return false;

@@ -45,7 +45,6 @@ private:
     class Life;
 
     static void* Run(void* block);
-    void AwaitFirstStep() NFX_REQUIRES(condition);
 
     ThreadRecord& record;
     InterruptionPosix interruption;
