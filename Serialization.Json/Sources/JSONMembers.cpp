@@ -92,48 +92,9 @@ const cJSON* JSONMembers::Find(const cJSON* object, std::string_view key) noexce
     return member;
 }
 
-bool JSONMembers::HasMany(const cJSON* object) noexcept
-{
-    constexpr int few = 8;
-    int count = 0;
-    for (const cJSON* item = FirstMember(object); item != nullptr && count <= few; item = item->next)
-    {
-        ++count;
-    }
-    return count > few;
-}
-
-JSONMembers::Member JSONMembers::First(const cJSON* object) noexcept
-{
-    return DifferentFrom(object, FirstMember(object));
-}
-
-JSONMembers::Member JSONMembers::After(const cJSON* object, const Member& member) noexcept
-{
-    return DifferentFrom(object, member.Item->next);
-}
-
-/// The item or the next one that does not repeat an earlier key exactly.
-JSONMembers::Member JSONMembers::DifferentFrom(const cJSON* object, const cJSON* item) noexcept
-{
-    for (; item != nullptr; item = item->next)
-    {
-        const std::string_view key = item->string;
-        const cJSON* earlier = object->child;
-        while (earlier != item && key != earlier->string)
-        {
-            earlier = earlier->next;
-        }
-        if (earlier == item)
-        {
-            return {item, key, Find(object, key)};
-        }
-    }
-    return {};
-}
-
 JSONMembers::JSONMembers(const cJSON* object)
 {
+    members.reserve(static_cast<std::size_t>(cJSON_GetArraySize(object)));
     for (const cJSON* item = FirstMember(object); item != nullptr; item = item->next)
     {
         members.push_back({item, item->string, item});

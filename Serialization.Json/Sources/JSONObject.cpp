@@ -153,13 +153,15 @@ List<String> JSONObject::Keys() const
 
 void JSONObject::ForEachString(const StringAction& action) const
 {
-    JSONMembers::ForEachDifferent(Item(), [&action](const JSONMembers::Member& member) {
+    const JSONMembers members(Item());
+    for (const JSONMembers::Member& member : members.Different())
+    {
         if (cJSON_IsString(member.Match) == 0)
         {
             ThrowNotFound("String ", member.Key, __LINE__);
         }
         action(member.Key, member.Match->valuestring, member.Match != member.Item);
-    });
+    }
 }
 
 String JSONObject::ToString() const

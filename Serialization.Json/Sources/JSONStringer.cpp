@@ -65,10 +65,15 @@ void JSONStringer::Value(const TextView& value)
     JSONWriter::AppendString(text, value);
 }
 
-void JSONStringer::Value(const Boolean& value)
+void JSONStringer::Json(const TextView& json)
 {
     BeginValue();
-    text.append(value ? "true" : "false");
+    text.append(json);
+}
+
+void JSONStringer::Value(const Boolean& value)
+{
+    Json(value ? "true" : "false");
 }
 
 String JSONStringer::ToString() const
@@ -82,31 +87,6 @@ String JSONStringer::Detach()
     open.clear();
     complete = false;
     return String(std::exchange(text, std::string()));
-}
-
-JSONStringer::Mark JSONStringer::GetMark() const
-{
-    Mark mark;
-    mark.textLength = text.size();
-    mark.openCount = open.size();
-    mark.innermost = open.empty() ? Container{} : open.back();
-    mark.keyStart = keyStart;
-    mark.keyWasFirst = keyWasFirst;
-    mark.complete = complete;
-    return mark;
-}
-
-void JSONStringer::RollBack(const Mark& mark)
-{
-    text.resize(mark.textLength);
-    open.resize(mark.openCount);
-    if (!open.empty())
-    {
-        open.back() = mark.innermost;
-    }
-    keyStart = mark.keyStart;
-    keyWasFirst = mark.keyWasFirst;
-    complete = mark.complete;
 }
 
 void JSONStringer::BeginKey(std::string_view key)

@@ -2,11 +2,12 @@
 
 #include <cJSON.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -17,51 +18,18 @@ namespace
 /// The containers around a position, outermost first: kept beside the tree, so that its depth costs no stack.
 using Containers = std::vector<const cJSON*>;
 
-bool NeedsEscape(char character)
-{
-    return static_cast<unsigned char>(character) < 32 || character == '"' || character == '\\';
-}
+/// Whether a character needs an escape: a table, because most of the work of writing is to look for one.
+constexpr auto NeedsEscape = [] {
+    std::array<bool, 256> needsEscape{};
+    std::fill_n(needsEscape.begin(), 32, true);
+    needsEscape['"'] = true;
+    needsEscape['\\'] = true;
+    return needsEscape;
+}();
 
-constexpr std::uint64_t EveryByte = 0x0101010101010101;
-constexpr std::uint64_t EveryTopBit = 0x80 * EveryByte;
-
-/// Whether one of eight bytes is 0. May be wrong about bytes behind one that is, so it tells no place.
-constexpr bool HasZero(std::uint64_t bytes)
+const char* FindEscape(const char* begin, const char* end)
 {
-    return ((bytes - EveryByte) & ~bytes & EveryTopBit) != 0;
-}
-
-constexpr bool HasControl(std::uint64_t bytes)
-{
-    return ((bytes - 32 * EveryByte) & ~bytes & EveryTopBit) != 0;
-}
-
-bool IsPlain(const char* text)
-{
-    std::uint64_t bytes;
-    std::memcpy(&bytes, text, sizeof bytes);
-    return !HasControl(bytes) && !HasZero(bytes ^ '"' * EveryByte) && !HasZero(bytes ^ '\\' * EveryByte);
-}
-
-/// How many characters at the start of the text need no escape.
-std::size_t PlainLength(std::string_view text)
-{
-    constexpr std::size_t step = sizeof(std::uint64_t);
-    std::size_t length = 0;
-    while (text.size() - length >= step && IsPlain(text.data() + length))
-    {
-        length += step;
-    }
-    // The end, together with characters that were looked at already: most texts have some that fill no word.
-    if (length != 0 && text.size() - length < step && IsPlain(text.data() + text.size() - step))
-    {
-        return text.size();
-    }
-    while (length != text.size() && !NeedsEscape(text[length]))
-    {
-        ++length;
-    }
-    return length;
+    return std::find_if(begin, end, [](char character) { return NeedsEscape[static_cast<unsigned char>(character)]; });
 }
 
 void AppendEscape(std::string& text, char character)
@@ -159,15 +127,15 @@ const cJSON* Leave(std::string& text, Containers& open)
 void JSONWriter::AppendString(std::string& text, std::string_view value)
 {
     text.push_back('"');
-    std::size_t plain = PlainLength(value);
-    while (plain != value.size())
+    const char* plain = value.data();
+    const char* const end = plain + value.size();
+    for (const char* escape = FindEscape(plain, end); escape != end; escape = FindEscape(plain, end))
     {
-        text.append(value.data(), plain);
-        AppendEscape(text, value[plain]);
-        value.remove_prefix(plain + 1);
-        plain = PlainLength(value);
+        text.append(plain, escape);
+        AppendEscape(text, *escape);
+        plain = escape + 1;
     }
-    text.append(value.data(), plain).push_back('"');
+    text.append(plain, end).push_back('"');
 }
 
 void JSONWriter::AppendNumber(std::string& text, double value)

@@ -88,7 +88,7 @@ void DiscoveryHost::Serialize(JSONStringer& stringer) const
     WriteList(stringer, NICsKey, NICs);
     WriteList(stringer, ProductsKey, Products);
     stringer.Key(FileTransferInfosKey);
-    WriteFileTransferInfos(stringer);
+    stringer.Json(FileTransferInfosText());
     stringer.EndObject();
 }
 
@@ -130,19 +130,17 @@ void DiscoveryHost::ReadFileTransferInfos(const JSONObject& json)
     }
 }
 
-void DiscoveryHost::WriteFileTransferInfos(JSONStringer& stringer) const
+String DiscoveryHost::FileTransferInfosText() const
 {
-    const JSONStringer::Mark mark = stringer.GetMark();
-    const auto write = [&] { FileTransferInfos->Serialize(stringer); };
-    const auto ignore = [&](const Nfx::System::Exception& exception) {
-        stringer.RollBack(mark);
-        DiscoveryLogger::GetInstance().Log(
-            Channel(), "Exception caught during JSON FileTransfer infos parsing -> ignoring.", exception);
-    };
-    if (FileTransferInfos.IsNull() || !Attempt(write, ignore))
+    String text("{}");
+    if (!FileTransferInfos.IsNull())
     {
-        stringer.Object();
-        stringer.EndObject();
+        Attempt([&] { text = FileTransferInfos->ToJson(); },
+                [](const Nfx::System::Exception& exception) {
+                    DiscoveryLogger::GetInstance().Log(
+                        Channel(), "Exception caught during JSON FileTransfer infos parsing -> ignoring.", exception);
+                });
     }
+    return text;
 }
 } // namespace Zent::Discovery

@@ -16,9 +16,6 @@ namespace Zent::Utils::Json
 class JSONStringer final : public AbstractJSON
 {
 public:
-    /// How far the writer has come; see RollBack.
-    class Mark;
-
     JSONStringer();
     JSONStringer(const JSONStringer&) = delete;
     JSONStringer& operator=(const JSONStringer&) = delete;
@@ -40,6 +37,9 @@ public:
     /// Adds a string, within an object under the pending key.
     void Value(const TextView& value);
 
+    /// Adds a JSON text as it stands, which must be one complete value.
+    void Json(const TextView& json);
+
     /// Adds true or false, within an object under the pending key.
     void Value(const Nfx::System::Boolean& value);
 
@@ -48,11 +48,6 @@ public:
 
     /// Hands the text over without a copy and leaves the writer as new.
     Nfx::System::String Detach();
-
-    Mark GetMark() const;
-
-    /// Forgets what was written since the mark was taken; the containers open then must not have been closed since.
-    void RollBack(const Mark& mark);
 
 private:
     enum class Kind : unsigned char
@@ -81,18 +76,5 @@ private:
     std::size_t keyStart = NoKey; // where the pending key begins in the text, its comma included
     bool keyWasFirst = false;     // whether the pending key is its object's first
     bool complete = false;
-};
-
-class JSONStringer::Mark final
-{
-private:
-    friend class JSONStringer;
-
-    std::size_t textLength;
-    std::size_t openCount;
-    Container innermost;
-    std::size_t keyStart;
-    bool keyWasFirst;
-    bool complete;
 };
 } // namespace Zent::Utils::Json

@@ -41,6 +41,8 @@ public:
 
 private:
     void ReadFileTransferInfos(const Utils::Json::JSONObject& json);
-    void WriteFileTransferInfos(Utils::Json::JSONStringer& stringer) const;
+
+    /// Written apart, so that settings that cannot be written leave nothing half done in the document.
+    Nfx::System::String FileTransferInfosText() const;
 };
 } // namespace Zent::Discovery
