@@ -1,6 +1,6 @@
 #include "Discovery/Message/DiscoveryMessageType.h"
 #include "Server/DiscoveryServiceState.h"
-#include "Server/ServerActionType.h"
+#include "Server/ServerAction.h"
 #include "support/ValueText.h"
 #include "system/LogStreams/LogStreamLevel.h"
 #include "system/Net/Sockets/SocketError.h"

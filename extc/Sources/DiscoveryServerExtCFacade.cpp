@@ -27,6 +27,7 @@ using Nfx::System::Version;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Net::IPAddress;
 using Server::DiscoveryServerFacade;
+using Server::HostEventKind;
 using Server::MinimumCompatibleVersion;
 using Server::NICsConfigsListJsonSerializer;
 using Zent::Utils::Json::JSONArray;
@@ -75,6 +76,11 @@ SmartPointer<BroadcastProviderWin32::AddressList> ParseAddresses(const String& t
         addresses->Add(SmartPointer<IPAddress>(new IPAddress(IPAddress::Parse(array.GetString(index)))));
     }
     return addresses;
+}
+
+std::int32_t SetCallBack(const HostEventKind& kind, ExtCCallBacks::CallBack callback)
+{
+    return ExceptionGuard::Run([&] { ExtCCallBacks::Instance()->Of(kind) = callback; });
 }
 
 /// A copy that belongs to the host application.
@@ -205,17 +211,17 @@ std::int32_t ReachClient(const char* ipAddress)
 
 std::int32_t SetClientSignatureReceivedEventCallBack(ClientSignatureReceivedEventCallBack callback)
 {
-    return ExceptionGuard::Run([&] { ExtCCallBacks::Instance()->ClientSignatureReceived = callback; });
+    return SetCallBack(HostEventKind::ClientSignature, callback);
 }
 
 std::int32_t SetHelloMessageReceivedEventCallBack(HelloMessageReceivedEventCallBack callback)
 {
-    return ExceptionGuard::Run([&] { ExtCCallBacks::Instance()->HelloMessageReceived = callback; });
+    return SetCallBack(HostEventKind::Hello, callback);
 }
 
 std::int32_t SetByeMessageReceivedEventCallBack(ByeMessageReceivedEventCallBack callback)
 {
-    return ExceptionGuard::Run([&] { ExtCCallBacks::Instance()->ByeMessageReceived = callback; });
+    return SetCallBack(HostEventKind::Bye, callback);
 }
 
 std::int32_t InitBroadcastProvider(const char* addressesJson)

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Server/DiscoveryServerTaskProcessor.h"
+#include "Server/HostEvents.h"
 
 namespace Zent::Discovery::ExtC
 {
-/// Passes the server's three host events to the host application's callbacks, on the task processor's thread.
+/// Passes the server's host events to the host application's callbacks, on the task processor's thread.
 class HostEventRelay final
 {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Server/SendChangeYourIPConfigAction.h"
+#include "Server/ServerActions.h"
 #include "system/SmartPointer.h"
 #include "system/String.h"
 

@@ -3,9 +3,6 @@
 #include "Discovery/DiscoveryPorts.h"
 #include "Discovery/DiscoverySocketUdpClient.h"
 #include "Discovery/Message/DiscoveryMessage.h"
-#include "Server/SendAllSendYourSignatureAction.h"
-#include "Server/SendChangeYourHostNameAction.h"
-#include "Server/SendSendYourSignatureAction.h"
 #include "system/Threading/Lock.h"
 
 namespace Zent::Discovery::Server

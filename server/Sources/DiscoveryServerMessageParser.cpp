@@ -2,9 +2,9 @@
 
 #include "Discovery/Attempt.h"
 #include "Server/MinimumCompatibleVersion.h"
-#include "Server/NotifyByeMessageReceivedAction.h"
-#include "Server/NotifyClientSignatureReceivedAction.h"
-#include "Server/NotifyHelloMessageReceivedAction.h"
+#include "Server/ServerActions.h"
+
+#include <iterator>
 
 namespace Zent::Discovery::Server
 {
@@ -18,9 +18,38 @@ using Nfx::System::LogStreams::LogStreamLevel;
 namespace
 {
 template <class TAction, class TMessage>
-SmartPointer<ServerAction> Create(const SmartPointer<TMessage>& message)
+SmartPointer<ServerAction> Create(const SmartPointer<DiscoveryMessage>& message)
 {
-    return SmartPointer<TAction>::Create(message);
+    return SmartPointer<TAction>::Create(message.As<TMessage>());
+}
+
+using Creator = SmartPointer<ServerAction> (*)(const SmartPointer<DiscoveryMessage>& message);
+
+/// What becomes of a kind of messages; a server acts on no others.
+struct Notification final
+{
+    std::int32_t Type;
+    Creator Create;
+};
+
+constexpr Notification Notifications[] = {
+    {DiscoveryMessageType::SignatureBroadcast, &Create<NotifyClientSignatureReceivedAction, SignatureBroadcastMessage>},
+    {DiscoveryMessageType::Hello, &Create<NotifyHelloMessageReceivedAction, HelloMessage>},
+    {DiscoveryMessageType::Bye, &Create<NotifyByeMessageReceivedAction, ByeMessage>}};
+
+static_assert(std::size(Notifications) == HostEventKind::Count);
+
+/// Null for kinds that a server does not act on.
+Creator CreatorFor(const DiscoveryMessageType& type)
+{
+    for (const Notification& notification : Notifications)
+    {
+        if (notification.Type == type)
+        {
+            return notification.Create;
+        }
+    }
+    return nullptr;
 }
 } // namespace
 
@@ -42,14 +71,20 @@ void DiscoveryServerMessageParser::ProcessDatagram(const SmartPointer<Datagram>&
     {
         return;
     }
-    LogHandled(*message, text);
-    const SmartPointer<ServerAction> action = ActionFor(message);
-    if (action.IsNull())
+    const DiscoveryMessageType type = message->GetMessageType();
+    const Creator create = CreatorFor(type);
+    if (create == nullptr)
     {
+        LogType(type, LogStreamLevel::Debug);
         Log().Write("Message ignored", LogStreamLevel::Standard);
         return;
     }
-    actionReady.Raise(this, ServerActionArgs(action, static_cast<std::int64_t>(text.Length())));
+    LogType(type, LogStreamLevel::Standard);
+    if (ComponentLog::IsEnabled(LogStreamLevel::Debug))
+    {
+        Log().Write("Message : " + text, LogStreamLevel::Debug);
+    }
+    actionReady.Raise(this, ServerActionArgs(create(message), static_cast<std::int64_t>(text.Length())));
 }
 
 SmartPointer<DiscoveryMessage> DiscoveryServerMessageParser::Deserialize(const String& text) const
@@ -81,44 +116,11 @@ bool DiscoveryServerMessageParser::IsAccepted(const Version& version) const
     return true;
 }
 
-void DiscoveryServerMessageParser::LogHandled(const DiscoveryMessage& message, const String& text) const
+void DiscoveryServerMessageParser::LogType(const DiscoveryMessageType& type, const LogStreamLevel& level) const
 {
-    const DiscoveryMessageType type = message.GetMessageType();
-    switch (type)
+    if (ComponentLog::IsEnabled(level))
     {
-    case DiscoveryMessageType::SignatureBroadcast:
-    case DiscoveryMessageType::Hello:
-    case DiscoveryMessageType::Bye:
-        if (ComponentLog::IsEnabled(LogStreamLevel::Standard))
-        {
-            Log().Write("Message type : " + type.ToString(), LogStreamLevel::Standard);
-        }
-        if (ComponentLog::IsEnabled(LogStreamLevel::Debug))
-        {
-            Log().Write("Message : " + text, LogStreamLevel::Debug);
-        }
-        break;
-    default:
-        if (ComponentLog::IsEnabled(LogStreamLevel::Debug))
-        {
-            Log().Write("Message type : " + type.ToString(), LogStreamLevel::Debug);
-        }
-        break;
-    }
-}
-
-SmartPointer<ServerAction> DiscoveryServerMessageParser::ActionFor(const SmartPointer<DiscoveryMessage>& message) const
-{
-    switch (message->GetMessageType())
-    {
-    case DiscoveryMessageType::SignatureBroadcast:
-        return Create<NotifyClientSignatureReceivedAction>(message.As<SignatureBroadcastMessage>());
-    case DiscoveryMessageType::Hello:
-        return Create<NotifyHelloMessageReceivedAction>(message.As<HelloMessage>());
-    case DiscoveryMessageType::Bye:
-        return Create<NotifyByeMessageReceivedAction>(message.As<ByeMessage>());
-    default:
-        return nullptr;
+        Log().Write("Message type : " + type.ToString(), level);
     }
 }
 } // namespace Zent::Discovery::Server

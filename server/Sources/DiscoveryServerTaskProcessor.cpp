@@ -4,12 +4,6 @@
 #include "Discovery/Message/ChangeYourHostNameMessage.h"
 #include "Discovery/Message/ChangeYourIPConfigMessage.h"
 #include "Discovery/Message/SendYourSignatureMessage.h"
-#include "Server/NotifyByeMessageReceivedAction.h"
-#include "Server/NotifyClientSignatureReceivedAction.h"
-#include "Server/NotifyHelloMessageReceivedAction.h"
-#include "Server/SendChangeYourHostNameAction.h"
-#include "Server/SendChangeYourIPConfigAction.h"
-#include "Server/SendSendYourSignatureAction.h"
 
 namespace Zent::Discovery::Server
 {
@@ -39,28 +33,19 @@ void DiscoveryServerTaskProcessor::Stop()
     Log().Write("---Task Processor stopped---", LogStreamLevel::Critical);
 }
 
-Event<ClientSignatureReceivedEventArgs>& DiscoveryServerTaskProcessor::ClientSignatureReceived()
+Event<HostEventArgs>& DiscoveryServerTaskProcessor::Received(const HostEventKind& kind)
 {
-    return clientSignatureReceived;
-}
-
-Event<HelloMessageReceivedEventArgs>& DiscoveryServerTaskProcessor::HelloMessageReceived()
-{
-    return helloMessageReceived;
-}
-
-Event<ByeMessageReceivedEventArgs>& DiscoveryServerTaskProcessor::ByeMessageReceived()
-{
-    return byeMessageReceived;
+    return received[kind.Place()];
 }
 
 HostRegistrations DiscoveryServerTaskProcessor::Registrations() const
 {
     HostRegistrations registrations;
     registrations.Provider = BroadcastProvider();
-    registrations.ClientSignatureReceived = clientSignatureReceived.Handlers();
-    registrations.HelloMessageReceived = helloMessageReceived.Handlers();
-    registrations.ByeMessageReceived = byeMessageReceived.Handlers();
+    for (std::size_t place = 0; place < received.size(); ++place)
+    {
+        registrations.Handlers[place] = received[place].Handlers();
+    }
     return registrations;
 }
 
@@ -70,109 +55,89 @@ void DiscoveryServerTaskProcessor::Install(const HostRegistrations& registration
     {
         SetBroadcastProvider(registrations.Provider);
     }
-    registrations.ClientSignatureReceived.ForEach(
-        [this](const auto& handler) { clientSignatureReceived.Add(handler); });
-    registrations.HelloMessageReceived.ForEach([this](const auto& handler) { helloMessageReceived.Add(handler); });
-    registrations.ByeMessageReceived.ForEach([this](const auto& handler) { byeMessageReceived.Add(handler); });
+    for (std::size_t place = 0; place < received.size(); ++place)
+    {
+        registrations.Handlers[place].ForEach([&](const auto& handler) { received[place].Add(handler); });
+    }
 }
 
 void DiscoveryServerTaskProcessor::ClearHandlers()
 {
-    clientSignatureReceived.Clear();
-    helloMessageReceived.Clear();
-    byeMessageReceived.Clear();
+    for (Event<HostEventArgs>& event : received)
+    {
+        event.Clear();
+    }
 }
 
 void DiscoveryServerTaskProcessor::ProcessTask(const ServerActionArgs& task)
 {
-    const ServerAction& action = *task.Action();
-    switch (action.Type())
-    {
-    case ServerActionType::SendSendYourSignatureMessage:
-        SendSendYourSignature(action);
-        break;
-    case ServerActionType::SendAllSendYourSignatureMessage:
-        SendAllSendYourSignature();
-        break;
-    case ServerActionType::SendChangeYourIPConfigMessage:
-        SendChangeYourIPConfig(action);
-        break;
-    case ServerActionType::SendChangeYourHostNameMessage:
-        SendChangeYourHostName(action);
-        break;
-    case ServerActionType::NotifyClientSignatureReceived:
-        Notify<NotifyClientSignatureReceivedAction>(action, "Client Signature", clientSignatureReceived);
-        break;
-    case ServerActionType::NotifyHelloMessageReceived:
-        Notify<NotifyHelloMessageReceivedAction>(action, "Hello message", helloMessageReceived);
-        break;
-    case ServerActionType::NotifyByeMessageReceived:
-        Notify<NotifyByeMessageReceivedAction>(action, "Bye message", byeMessageReceived);
-        break;
-    default:
-        Log().Write("Action type not supported ! Ignoring...", LogStreamLevel::Critical);
-        break;
-    }
+    task.Action()->HandleBy(*this);
 }
 
-template <class TAction, class TEventArgs>
-void DiscoveryServerTaskProcessor::Notify(const ServerAction& action, const char* what, Event<TEventArgs>& event)
+void DiscoveryServerTaskProcessor::Handle(const SendSendYourSignatureAction& action)
 {
-    const auto& message = *dynamic_cast<const TAction&>(action).Message();
-    if (ComponentLog::IsEnabled(LogStreamLevel::Standard))
+    if (action.TargetsMACAddress())
     {
-        String line;
-        line.Reserve(80 + message.Host->HostName.Length());
-        line.Append("Notifying receipt of ").Append(what).Append(". Client's host name : ");
-        Log().Write(line += message.Host->HostName, LogStreamLevel::Standard);
+        SendToDevice(action, SendYourSignatureMessage(action.TargetedMACAddress()), "");
     }
-    event.Raise(this, TEventArgs(message.Host, message.SourceNIC));
+    else
+    {
+        SendToDevice(action, SendYourSignatureMessage(DiscoveryMessage::ProtocolVersion()), "");
+    }
 }
 
-void DiscoveryServerTaskProcessor::SendSendYourSignature(const ServerAction& action)
-{
-    const auto& request = dynamic_cast<const SendSendYourSignatureAction&>(action);
-    const IPAddress& address = request.TargetedIPAddress();
-    if (request.TargetsMACAddress())
-    {
-        const SendYourSignatureMessage message(request.TargetedMACAddress());
-        Log().Write(SendingLine(message) + " to " + request.TargetedMACAddress().ToString(), LogStreamLevel::Standard);
-        Send(message, address);
-        return;
-    }
-    const SendYourSignatureMessage message(DiscoveryMessage::ProtocolVersion());
-    Log().Write(SendingLine(message) + " to " + address.ToString(), LogStreamLevel::Standard);
-    Send(message, address);
-}
-
-void DiscoveryServerTaskProcessor::SendAllSendYourSignature()
+void DiscoveryServerTaskProcessor::Handle(const SendAllSendYourSignatureAction&)
 {
     const AllSendYourSignatureMessage message;
     Log().Write(SendingLine(message), LogStreamLevel::Standard);
     Send(message, IPAddress::Broadcast());
 }
 
-void DiscoveryServerTaskProcessor::SendChangeYourIPConfig(const ServerAction& action)
+void DiscoveryServerTaskProcessor::Handle(const SendChangeYourIPConfigAction& action)
 {
-    const ChangeYourIPConfigMessage message(*dynamic_cast<const SendChangeYourIPConfigAction&>(action).NICConfigs());
+    const ChangeYourIPConfigMessage message(*action.NICConfigs());
     Log().Write(SendingLine(message) + ".", LogStreamLevel::Standard);
     Send(message, IPAddress::Broadcast());
 }
 
-void DiscoveryServerTaskProcessor::SendChangeYourHostName(const ServerAction& action)
+void DiscoveryServerTaskProcessor::Handle(const SendChangeYourHostNameAction& action)
 {
-    const auto& request = dynamic_cast<const SendChangeYourHostNameAction&>(action);
-    const IPAddress& address = request.TargetedIPAddress();
-    if (request.TargetsMACAddress())
+    if (action.TargetsMACAddress())
     {
-        const ChangeYourHostNameMessage message(request.TargetedMACAddress(), request.NewHostName());
-        Log().Write(SendingLine(message) + " to " + request.TargetedMACAddress().ToString() + ".",
-                    LogStreamLevel::Standard);
-        Send(message, address);
-        return;
+        SendToDevice(action, ChangeYourHostNameMessage(action.TargetedMACAddress(), action.NewHostName()), ".");
     }
-    const ChangeYourHostNameMessage message(DiscoveryMessage::ProtocolVersion(), request.NewHostName());
-    Log().Write(SendingLine(message) + " to " + address.ToString() + ".", LogStreamLevel::Standard);
-    Send(message, address);
+    else
+    {
+        SendToDevice(action, ChangeYourHostNameMessage(DiscoveryMessage::ProtocolVersion(), action.NewHostName()), ".");
+    }
+}
+
+void DiscoveryServerTaskProcessor::SendToDevice(const DeviceAction& action,
+                                                const DiscoveryMessage& message,
+                                                const char* end)
+{
+    const String target =
+        action.TargetsMACAddress() ? action.TargetedMACAddress().ToString() : action.TargetedIPAddress().ToString();
+    Log().Write(SendingLine(message) + " to " + target + end, LogStreamLevel::Standard);
+    Send(message, action.TargetedIPAddress());
+}
+
+void DiscoveryServerTaskProcessor::Handle(const NotifyAction& action)
+{
+    const SignatureBroadcastMessage& message = *action.Message();
+    if (ComponentLog::IsEnabled(LogStreamLevel::Standard))
+    {
+        String line;
+        line.Reserve(80 + message.Host->HostName.Length());
+        line.Append("Notifying receipt of ").Append(HostEventKind::Names[action.Kind().Place()].Name);
+        line.Append(". Client's host name : ");
+        Log().Write(line += message.Host->HostName, LogStreamLevel::Standard);
+    }
+    Received(action.Kind()).Raise(this, HostEventArgs(action.Kind(), message.Host, message.SourceNIC));
+}
+
+void DiscoveryServerTaskProcessor::HandleOther(const ServerAction&)
+{
+    Log().Write("Action type not supported ! Ignoring...", LogStreamLevel::Critical);
 }
 } // namespace Zent::Discovery::Server

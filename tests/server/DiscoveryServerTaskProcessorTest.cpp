@@ -1,9 +1,5 @@
 #include "Server/DiscoveryServerTaskProcessor.h"
 
-#include "Server/SendAllSendYourSignatureAction.h"
-#include "Server/SendChangeYourHostNameAction.h"
-#include "Server/SendChangeYourIPConfigAction.h"
-#include "Server/SendSendYourSignatureAction.h"
 #include "support/FakeDiscoverySocket.h"
 #include "support/Gate.h"
 #include "support/LogCapture.h"
@@ -36,6 +32,8 @@ public:
         : ServerAction(7)
     {
     }
+
+    void HandleBy(IServerActionHandler& handler) const override { handler.HandleOther(*this); }
 };
 
 /// Counts the broadcasts and may hold them up.

@@ -35,7 +35,7 @@ public:
 class DiscoveryServerTest : public testing::Test
 {
 protected:
-    void OnHello(Object*, const HelloMessageReceivedEventArgs&)
+    void OnHello(Object*, const HostEventArgs&)
     {
         ++hellos;
         if (holdHello)
@@ -47,7 +47,7 @@ protected:
     HostRegistrations Registrations()
     {
         HostRegistrations registrations;
-        registrations.HelloMessageReceived.Add(MakeDelegate(*this, &DiscoveryServerTest::OnHello));
+        registrations.Handlers[HostEventKind::Hello].Add(MakeDelegate(*this, &DiscoveryServerTest::OnHello));
         return registrations;
     }
 

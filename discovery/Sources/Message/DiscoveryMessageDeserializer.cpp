@@ -12,6 +12,8 @@
 #include "system/Exceptions.h"
 #include "system/Immortal.h"
 
+#include <iterator>
+
 using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
@@ -50,6 +52,8 @@ constexpr Creator Creators[] = {
     {DiscoveryMessageType::AllSendYourSignature, &Create<AllSendYourSignatureMessage>},
     {DiscoveryMessageType::ChangeYourHostName, &Create<ChangeYourHostNameMessage>},
 };
+
+static_assert(std::size(Creators) == std::size(DiscoveryMessageType::Names));
 } // namespace
 
 String DiscoveryMessageDeserializer::Serialize(const DiscoveryMessage& message) const

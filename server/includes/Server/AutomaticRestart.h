@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Discovery/ComponentLog.h"
-#include "Server/HostRegistrations.h"
+#include "Server/HostEvents.h"
 #include "system/Threading/EventWaitHandle.h"
 #include "system/Threading/Monitor.h"
 #include "system/Threading/Thread.h"

@@ -7,8 +7,8 @@
 #include "Server/DiscoveryServerMessageParser.h"
 #include "Server/DiscoveryServerTaskProcessor.h"
 #include "Server/DiscoveryServiceState.h"
-#include "Server/HostRegistrations.h"
-#include "Server/SendChangeYourIPConfigAction.h"
+#include "Server/HostEvents.h"
+#include "Server/ServerActions.h"
 
 #include <atomic>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "Discovery/DiscoveryMessageParser.h"
 #include "Discovery/Message/DiscoveryMessage.h"
 #include "Discovery/Message/DiscoveryMessageDeserializer.h"
-#include "Server/ServerActionArgs.h"
+#include "Server/ServerAction.h"
 #include "system/Event.h"
 
 namespace Zent::Discovery::Server
@@ -23,8 +23,7 @@ protected:
 private:
     Nfx::System::SmartPointer<DiscoveryMessage> Deserialize(const Nfx::System::String& text) const;
     bool IsAccepted(const Nfx::System::Version& version) const;
-    void LogHandled(const DiscoveryMessage& message, const Nfx::System::String& text) const;
-    Nfx::System::SmartPointer<ServerAction> ActionFor(const Nfx::System::SmartPointer<DiscoveryMessage>& message) const;
+    void LogType(const DiscoveryMessageType& type, const Nfx::System::LogStreams::LogStreamLevel& level) const;
 
     const DiscoveryMessageDeserializer deserializer;
     Nfx::System::Event<ServerActionArgs> actionReady;

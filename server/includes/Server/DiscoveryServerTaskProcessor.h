@@ -1,22 +1,22 @@
 #pragma once
 
 #include "Server/DiscoveryTaskProcessor.h"
-#include "Server/HostRegistrations.h"
+#include "Server/HostEvents.h"
+#include "Server/ServerActions.h"
 
 namespace Zent::Discovery::Server
 {
 /// The server's one thread that sends requests and notifies the host application. Its events are raised on that
 /// thread: a slow handler delays all that is queued behind it.
-class DiscoveryServerTaskProcessor final : public DiscoveryTaskProcessor
+class DiscoveryServerTaskProcessor final : public DiscoveryTaskProcessor, private IServerActionHandler
 {
 public:
     explicit DiscoveryServerTaskProcessor(const Nfx::System::SmartPointer<IDiscoverySocket>& socket);
 
     void Stop() override;
 
-    Nfx::System::Event<ClientSignatureReceivedEventArgs>& ClientSignatureReceived();
-    Nfx::System::Event<HelloMessageReceivedEventArgs>& HelloMessageReceived();
-    Nfx::System::Event<ByeMessageReceivedEventArgs>& ByeMessageReceived();
+    /// Raised for each message of this kind, after a line in the log.
+    Nfx::System::Event<HostEventArgs>& Received(const HostEventKind& kind);
 
     /// A copy of what the host application has installed here.
     HostRegistrations Registrations() const;
@@ -24,23 +24,22 @@ public:
     /// Adds the handlers, and the provider unless it is null.
     void Install(const HostRegistrations& registrations);
 
-    /// Removes all handlers of the events for the host application. Needs no memory.
+    /// Removes all handlers of the events for the host application.
     void ClearHandlers();
 
 protected:
     void ProcessTask(const ServerActionArgs& task) override;
 
 private:
-    template <class TAction, class TEventArgs>
-    void Notify(const ServerAction& action, const char* what, Nfx::System::Event<TEventArgs>& event);
+    void Handle(const SendSendYourSignatureAction& action) override;
+    void Handle(const SendAllSendYourSignatureAction& action) override;
+    void Handle(const SendChangeYourIPConfigAction& action) override;
+    void Handle(const SendChangeYourHostNameAction& action) override;
+    void Handle(const NotifyAction& action) override;
+    void HandleOther(const ServerAction& action) override;
 
-    void SendSendYourSignature(const ServerAction& action);
-    void SendAllSendYourSignature();
-    void SendChangeYourIPConfig(const ServerAction& action);
-    void SendChangeYourHostName(const ServerAction& action);
+    void SendToDevice(const DeviceAction& action, const DiscoveryMessage& message, const char* end);
 
-    Nfx::System::Event<ClientSignatureReceivedEventArgs> clientSignatureReceived;
-    Nfx::System::Event<HelloMessageReceivedEventArgs> helloMessageReceived;
-    Nfx::System::Event<ByeMessageReceivedEventArgs> byeMessageReceived;
+    ForEachKind<Nfx::System::Event<HostEventArgs>> received;
 };
 } // namespace Zent::Discovery::Server

@@ -5,7 +5,7 @@
 #include "Discovery/IBroadcastProvider.h"
 #include "Discovery/Message/DiscoveryMessage.h"
 #include "Server/MemoryReturn.h"
-#include "Server/ServerActionArgs.h"
+#include "Server/ServerAction.h"
 #include "system/Net/Sockets/SocketException.h"
 
 #include <atomic>
