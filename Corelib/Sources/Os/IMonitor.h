@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 namespace Nfx::Os
 {
 /// One lock; what is in it is the platform's business.
@@ -24,8 +22,5 @@ public:
     virtual void Enter(MonitorRecord* monitor) = 0;
 
     virtual void Exit(MonitorRecord* monitor) = 0;
-
-    /// True when the lock became the caller's within the timeout: milliseconds, 0 only tries, -1 waits without limit.
-    virtual bool TryEnter(MonitorRecord* monitor, std::int32_t timeout) = 0;
 };
 } // namespace Nfx::Os

@@ -51,7 +51,8 @@ public:
     /// Sleeps, whatever happens meanwhile.
     virtual void Sleep(std::int32_t milliseconds) = 0;
 
-    /// Returns when the thread has stopped. False for the calling thread itself.
+    /// Returns when the thread has stopped; one on its last steps may end all the same. False for the calling thread
+    /// itself.
     virtual bool Suspend(ThreadRecord* thread) = 0;
 
     /// Ends the thread by force where the platform can; its destructors do not run then, and what it holds stays held.

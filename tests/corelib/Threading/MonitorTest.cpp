@@ -24,8 +24,6 @@ class ObjectMonitor final
 public:
     void Enter() const { Monitor::Enter(object); }
 
-    bool TryEnter(std::int32_t timeout) const { return Monitor::TryEnter(object, timeout); }
-
     void Exit() const { Monitor::Exit(object); }
 
     bool Wait(std::int32_t timeout) const { return Monitor::Wait(object, timeout); }
@@ -35,7 +33,7 @@ public:
     void PulseAll() const { Monitor::PulseAll(object); }
 
 private:
-    const String object;
+    const String object{};
 };
 
 class MonitorTest : public testing::Test
@@ -48,7 +46,6 @@ protected:
         for (const SmartPointer<Thread>& thread : threads)
         {
             thread->Join();
-            EXPECT_EQ(thread->GetFailure(), "");
         }
         threads.clear();
     }
@@ -87,22 +84,23 @@ TEST_F(MonitorTest, OneThreadAtATimeIsIn)
 
 TEST_F(MonitorTest, OwnerMayEnterAgainAndOthersWaitForItsLastExit)
 {
-    Semaphore tried(0, 1);
+    Semaphore refused(0, 1);
+    Semaphore entered(0, 1);
     monitor.Enter();
-    EXPECT_TRUE(monitor.TryEnter(0));
-    monitor.Exit();
+    monitor.Enter();
     Run([&] {
-        EXPECT_FALSE(monitor.TryEnter(0));
-        EXPECT_FALSE(monitor.TryEnter(20));
         EXPECT_ERROR(monitor.Exit(), ErrorCodes::InvalidOperation);
-        tried.Release();
-        EXPECT_TRUE(monitor.TryEnter(Deadline));
-        monitor.Exit();
+        refused.Release();
         monitor.Enter();
+        entered.Release();
         monitor.Exit();
     });
-    EXPECT_TRUE(tried.WaitOne(Deadline));
+    EXPECT_TRUE(refused.WaitOne(Deadline));
     monitor.Exit();
+    EXPECT_FALSE(entered.WaitOne(20));
+    monitor.Exit();
+    EXPECT_TRUE(entered.WaitOne(Deadline));
+    JoinAll();
 }
 
 TEST_F(MonitorTest, RefusesThoseWhoDoNotOwnIt)
@@ -111,7 +109,6 @@ TEST_F(MonitorTest, RefusesThoseWhoDoNotOwnIt)
     EXPECT_ERROR(monitor.Wait(0), ErrorCodes::InvalidOperation);
     EXPECT_ERROR(monitor.Pulse(), ErrorCodes::InvalidOperation);
     EXPECT_ERROR(monitor.PulseAll(), ErrorCodes::InvalidOperation);
-    EXPECT_ERROR(monitor.TryEnter(-2), ErrorCodes::InvalidParameterValue);
     monitor.Enter();
     EXPECT_ERROR(monitor.Wait(-2), ErrorCodes::InvalidParameterValue);
     monitor.Exit();
@@ -217,37 +214,30 @@ TEST(LockTest, HoldsTheMonitorOrTheLockOfTheObject)
 {
     Monitor monitor;
     const String object;
-    const auto isFree = [&] {
-        bool free = false;
-        Thread other(MakeLambda([&] {
-            if (monitor.TryEnter())
-            {
-                free = true;
-                monitor.Exit();
-            }
-            if (Monitor::TryEnter(object))
-            {
-                Monitor::Exit(object);
-            }
-            else
-            {
-                free = false;
-            }
-        }));
-        other.Start();
-        other.Join();
-        return free;
+    const auto isMine = [&]() NFX_NO_THREAD_SAFETY_ANALYSIS {
+        try
+        {
+            monitor.Pulse();
+            Monitor::Pulse(object);
+            return true;
+        }
+        catch (const InvalidOperationException&)
+        {
+            return false;
+        }
     };
     {
         const Lock lock(monitor);
-        EXPECT_FALSE(isFree());
-    }
-    {
+        EXPECT_FALSE(isMine());
         const Lock outer(object);
-        const Lock inner(object);
-        EXPECT_FALSE(isFree());
+        {
+            const Lock inner(object);
+            EXPECT_TRUE(isMine());
+        }
+        EXPECT_TRUE(isMine());
     }
-    EXPECT_TRUE(isFree());
+    EXPECT_FALSE(isMine());
+    EXPECT_ERROR(Monitor::Exit(object), ErrorCodes::InvalidOperation);
 }
 } // namespace
 } // namespace Nfx::System::Threading

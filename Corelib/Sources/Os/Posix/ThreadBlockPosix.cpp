@@ -119,8 +119,8 @@ public:
             const ConditionPosix::Guard lock(block.condition);
             block.hasEnded = true;
             block.condition.WakeAll();
+            SuspensionPosix::SetCurrent(nullptr); // from here on the thread does not stop: others join it
         }
-        SuspensionPosix::SetCurrent(nullptr);
         current = nullptr;
         ThreadRecord& record = block.record;
         if (ThreadTable::DropUseOfThread(record))
@@ -254,15 +254,16 @@ bool ThreadBlockPosix::SetPriority(std::int32_t newPriority)
     {
         return false;
     }
-    if (isRealTime)
-    {
-        LeaveRealTimeClass(kernelId);
-    }
-    isRealTime = newPriority == HighestPriority && EnterRealTimeClass(kernelId);
-    if (!SetNice(kernelId, NiceOf(newPriority)) && !isRealTime)
+    const bool willBeRealTime = newPriority == HighestPriority && (isRealTime || EnterRealTimeClass(kernelId));
+    if (!SetNice(kernelId, NiceOf(newPriority)) && !willBeRealTime)
     {
         return false;
     }
+    if (isRealTime && !willBeRealTime)
+    {
+        LeaveRealTimeClass(kernelId);
+    }
+    isRealTime = willBeRealTime;
     priority = newPriority;
     return true;
 }

@@ -7,8 +7,8 @@
 
 namespace Nfx::Os
 {
-// A critical section has no timed entry, and some systems hand it over to a waiter, who may be suspended for long or
-// terminated. Here a waiter never owns the lock before it runs.
+// Some systems hand a critical section over to a waiter, who may be suspended for long or terminated. Here a waiter
+// never owns the lock before it runs.
 class MonitorRecord final
 {
 public:
@@ -27,27 +27,13 @@ public:
         }
     }
 
-    bool TryEnter()
+    void Enter()
     {
         int expected = Free;
-        return state.compare_exchange_strong(expected, Held, std::memory_order_acquire, std::memory_order_relaxed);
-    }
-
-    /// False when the time was over first.
-    bool EnterOrWait(DWORD milliseconds)
-    {
-        const ULONGLONG start = GetTickCount64();
-        const HANDLE event = FreedEvent(); // first: whoever finds the lock wanted must find the event too
-        while (state.exchange(HeldAndWanted, std::memory_order_acq_rel) != Free)
+        if (!state.compare_exchange_strong(expected, Held, std::memory_order_acquire, std::memory_order_relaxed))
         {
-            const ULONGLONG passed = GetTickCount64() - start;
-            if (milliseconds != INFINITE && passed >= milliseconds)
-            {
-                return false;
-            }
-            Wait(event, milliseconds == INFINITE ? INFINITE : milliseconds - static_cast<DWORD>(passed));
+            Wait();
         }
-        return true;
     }
 
     void Exit()
@@ -63,15 +49,19 @@ public:
     }
 
 private:
-    static void Wait(HANDLE event, DWORD milliseconds)
+    void Wait()
     {
-        if (event != nullptr)
+        const HANDLE event = FreedEvent(); // first: whoever finds the lock wanted must find the event too
+        while (state.exchange(HeldAndWanted, std::memory_order_acq_rel) != Free)
         {
-            WaitForSingleObject(event, milliseconds);
-        }
-        else
-        {
-            Sleep(1); // no handle to be had just now: look again
+            if (event != nullptr)
+            {
+                WaitForSingleObject(event, INFINITE);
+            }
+            else
+            {
+                Sleep(1); // no handle to be had just now: look again
+            }
         }
     }
 
@@ -110,20 +100,11 @@ MonitorRecord* MonitorW32::Create()
 
 void MonitorW32::Enter(MonitorRecord* monitor)
 {
-    if (!monitor->TryEnter())
-    {
-        monitor->EnterOrWait(INFINITE);
-    }
+    monitor->Enter();
 }
 
 void MonitorW32::Exit(MonitorRecord* monitor)
 {
     monitor->Exit();
-}
-
-bool MonitorW32::TryEnter(MonitorRecord* monitor, std::int32_t timeout)
-{
-    return monitor->TryEnter() ||
-           (timeout != 0 && monitor->EnterOrWait(timeout < 0 ? INFINITE : static_cast<DWORD>(timeout)));
 }
 } // namespace Nfx::Os

@@ -11,6 +11,5 @@ public:
     MonitorRecord* Create() override;
     void Enter(MonitorRecord* monitor) override;
     void Exit(MonitorRecord* monitor) override;
-    bool TryEnter(MonitorRecord* monitor, std::int32_t timeout) override;
 };
 } // namespace Nfx::Os

@@ -47,11 +47,6 @@ void Monitor::Enter()
     data->Enter();
 }
 
-bool Monitor::TryEnter(Int32 timeout)
-{
-    return data->TryEnter(CheckedTimeout(timeout));
-}
-
 void Monitor::Exit()
 {
     RequireMine(data->IsMine());
@@ -79,11 +74,6 @@ void Monitor::PulseAll()
 void Monitor::Enter(const Object& object)
 {
     ObjectMonitors::Instance().Enter(object);
-}
-
-bool Monitor::TryEnter(const Object& object, Int32 timeout)
-{
-    return ObjectMonitors::Instance().TryEnter(object, CheckedTimeout(timeout));
 }
 
 void Monitor::Exit(const Object& object)

@@ -128,20 +128,6 @@ void Monitor::MonitorData::Enter()
     ++entries;
 }
 
-bool Monitor::MonitorData::TryEnter(std::int32_t timeout)
-{
-    if (!IsMine())
-    {
-        if (!service.TryEnter(lock, timeout))
-        {
-            return false;
-        }
-        TakeOver();
-    }
-    ++entries;
-    return true;
-}
-
 void Monitor::MonitorData::Exit()
 {
     if (--entries == 0)

@@ -23,7 +23,6 @@ public:
     bool IsMine() const;
 
     void Enter();
-    bool TryEnter(std::int32_t timeout);
 
     /// By the owner, like all that follows.
     void Exit();

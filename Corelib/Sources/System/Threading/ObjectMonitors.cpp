@@ -15,16 +15,6 @@ void ObjectMonitors::Enter(const Object& object)
     Use(object).Enter();
 }
 
-bool ObjectMonitors::TryEnter(const Object& object, std::int32_t timeout)
-{
-    const bool entered = Use(object).TryEnter(timeout);
-    if (!entered)
-    {
-        Unuse(object);
-    }
-    return entered;
-}
-
 Monitor::MonitorData* ObjectMonitors::FindMine(const Object& object)
 {
     const Lock lock(access);

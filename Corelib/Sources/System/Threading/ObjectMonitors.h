@@ -18,7 +18,6 @@ public:
     ObjectMonitors& operator=(const ObjectMonitors&) = delete;
 
     void Enter(const Object& object);
-    bool TryEnter(const Object& object, std::int32_t timeout);
 
     /// The lock of an object that the calling thread owns; null otherwise.
     Monitor::MonitorData* FindMine(const Object& object);

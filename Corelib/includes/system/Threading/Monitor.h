@@ -32,9 +32,6 @@ public:
     /// Waits without limit until this thread owns the lock.
     void Enter() NFX_ACQUIRE();
 
-    /// Whether this thread became the owner within the timeout; 0 only tries.
-    bool TryEnter(Int32 timeout = 0) NFX_TRY_ACQUIRE(true);
-
     /// @throws InvalidOperationException when this thread is not the owner.
     void Exit() NFX_RELEASE();
 
@@ -54,14 +51,12 @@ public:
     void PulseAll() NFX_REQUIRES(this);
 
     static void Enter(const Object& object);
-    static bool TryEnter(const Object& object, Int32 timeout = 0);
     static void Exit(const Object& object);
     static Boolean Wait(const Object& object, Int32 timeout = -1);
     static void Pulse(const Object& object);
     static void PulseAll(const Object& object);
 
     static void Enter(const Monitor& monitor) = delete; // would lock the object instead of the monitor
-    static bool TryEnter(const Monitor& monitor, Int32 timeout = 0) = delete;
 
 private:
     const std::unique_ptr<MonitorData> data;

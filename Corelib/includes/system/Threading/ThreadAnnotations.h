@@ -13,6 +13,5 @@
 #define NFX_PT_GUARDED_BY(LOCK) NFX_ANNOTATE(pt_guarded_by(LOCK))
 #define NFX_REQUIRES(...) NFX_ANNOTATE(requires_capability(__VA_ARGS__))
 #define NFX_ACQUIRE(...) NFX_ANNOTATE(acquire_capability(__VA_ARGS__))
-#define NFX_TRY_ACQUIRE(...) NFX_ANNOTATE(try_acquire_capability(__VA_ARGS__))
 #define NFX_RELEASE(...) NFX_ANNOTATE(release_capability(__VA_ARGS__))
 #define NFX_NO_THREAD_SAFETY_ANALYSIS NFX_ANNOTATE(no_thread_safety_analysis)

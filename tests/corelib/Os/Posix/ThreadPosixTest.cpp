@@ -1,3 +1,5 @@
+#include "Os/IOs.h"
+#include "Os/IThread.h"
 #include "support/LambdaDelegate.h"
 #include "system/Threading/AutoResetEvent.h"
 #include "system/Threading/Thread.h"
@@ -11,10 +13,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <linux/capability.h>
 #include <pthread.h>
 #include <sched.h>
 #include <string>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace Nfx::System::Threading
@@ -34,6 +38,16 @@ int NiceOf(const Thread& thread)
 int ClassOf(const Thread& thread)
 {
     return sched_getscheduler(static_cast<pid_t>(thread.GetThreadId())) & ~SCHED_RESET_ON_FORK;
+}
+
+/// Of the calling thread.
+void DropRightToPriorities()
+{
+    __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct rights[_LINUX_CAPABILITY_U32S_3] = {};
+    ASSERT_EQ(syscall(SYS_capget, &header, rights), 0);
+    rights[CAP_TO_INDEX(CAP_SYS_NICE)].effective &= ~CAP_TO_MASK(CAP_SYS_NICE);
+    ASSERT_EQ(syscall(SYS_capset, &header, rights), 0);
 }
 
 TEST(ThreadPosixTest, SignalsOfTheProcessAreLeftToItsOwnThreads)
@@ -110,6 +124,41 @@ TEST(ThreadPosixTest, SuspensionKeepsTheErrorNumberOfWhatItInterrupts)
     EXPECT_TRUE(kept);
 }
 
+TEST(ThreadPosixTest, AThreadSuspendedOnItsLastStepsKeepsNobodyWaiting)
+{
+    struct Ending
+    {
+        const int Round;
+        std::atomic<bool> HasBegun{false};
+    };
+
+    Os::IThread& threads = Os::Platform().Thread();
+    for (int round = 0; round < 500; ++round)
+    {
+        Ending ending{round};
+        const auto end = [](void* parameter) -> std::uint32_t {
+            Ending& mine = *static_cast<Ending*>(parameter);
+            Os::Platform().Thread().Sleep(0); // the thread sanitizer may lose a signal at the first system call
+            mine.HasBegun = true;
+            for (std::atomic<int> left = mine.Round % 50 * 5; left > 0; --left) // to be caught at each of them
+            {
+            }
+            return 0;
+        };
+        std::uint64_t id = 0;
+        Os::ThreadRecord* const thread = threads.Create(end, &ending, id, 64 * 1024);
+        ASSERT_NE(thread, nullptr);
+        while (!ending.HasBegun)
+        {
+        }
+        const bool isSuspended = threads.Suspend(thread);
+        threads.Wait(thread, 0); // must return, wherever the thread was caught
+        EXPECT_TRUE(!isSuspended || threads.Resume(thread));
+        EXPECT_TRUE(threads.Wait(thread, -1));
+        threads.Close(thread);
+    }
+}
+
 TEST(ThreadPosixTest, PriorityIsTheThreadsAlone)
 {
     const int processNice = getpriority(PRIO_PROCESS, 0);
@@ -168,6 +217,27 @@ TEST(ThreadPosixTest, TheHighestPriorityGoesBeforeTheHostsThreadsButNotInItsChil
     end.Set();
     thread.Join();
     EXPECT_EQ(thread.GetFailure(), "");
+}
+
+TEST(ThreadPosixTest, ARefusedPriorityChangesNothing)
+{
+    AutoResetEvent end(false);
+    Thread thread(MakeLambda([&] { end.WaitOne(); }));
+    thread.SetPriority(ThreadPriority::Highest);
+    thread.Start();
+    const int processNice = getpriority(PRIO_PROCESS, 0);
+    ASSERT_EQ(setpriority(PRIO_PROCESS, 0, -20), 0); // priorities count from it: any further one needs a right
+    Thread unprivileged(MakeLambda([&] {
+        DropRightToPriorities();
+        EXPECT_FALSE(thread.SetPriority(ThreadPriority::AboveNormal));
+    }));
+    unprivileged.Start();
+    unprivileged.Join();
+    EXPECT_EQ(setpriority(PRIO_PROCESS, 0, processNice), 0);
+    EXPECT_EQ(thread.GetPriority(), ThreadPriority::Highest);
+    EXPECT_EQ(ClassOf(thread), SCHED_RR);
+    end.Set();
+    thread.Join();
 }
 
 TEST(ThreadPosixTest, NameShowsAsFarAsThereIsRoom)
