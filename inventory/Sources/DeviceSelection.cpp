@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace Zent::Discovery::Inventory
 {
@@ -56,20 +57,23 @@ bool DeviceSelection::Accepts(const Device& device, DeviceColumn::TimePoint now)
 
 std::vector<const Device*> DeviceSelection::Of(const std::vector<Device>& devices, DeviceColumn::TimePoint now) const
 {
-    std::vector<const Device*> accepted;
+    std::vector<const Device*> all;
     for (const Device& device : devices)
     {
-        if (Accepts(device, now))
-        {
-            accepted.push_back(&device);
-        }
+        all.push_back(&device);
     }
+    return Of(std::move(all), now);
+}
+
+std::vector<const Device*> DeviceSelection::Of(std::vector<const Device*> devices, DeviceColumn::TimePoint now) const
+{
+    std::erase_if(devices, [this, now](const Device* each) { return !Accepts(*each, now); });
     if (!orders.empty())
     {
-        std::ranges::stable_sort(accepted,
+        std::ranges::stable_sort(devices,
                                  [this](const Device* left, const Device* right) { return IsBefore(*left, *right); });
     }
-    return accepted;
+    return devices;
 }
 
 bool DeviceSelection::IsBefore(const Device& left, const Device& right) const

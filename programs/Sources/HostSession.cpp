@@ -1,6 +1,7 @@
 #include "Programs/HostSession.h"
 
 #include "DiscoveryLibrary.h"
+#include "Programs/Process.h"
 
 #include <chrono>
 #include <stdexcept>
@@ -21,6 +22,21 @@ InterfaceChoice Checked(const InterfaceChoice::Wishes& wishes)
     InterfaceChoice::Check(interfaces, wishes);
     return {interfaces, wishes};
 }
+
+std::unique_ptr<DiscoverySession> Open(const HostSession::Settings& settings,
+                                       const std::function<void(const std::string& text)>& warn)
+{
+    const DiscoveryFunctions library = HostSession::Load(settings.Library);
+    try
+    {
+        return std::make_unique<DiscoverySession>(library, settings.LogFile, settings.LogLevel);
+    }
+    catch (const DiscoveryError& error)
+    {
+        warn(std::string(error.what()) + "; going on without a log");
+        return std::make_unique<DiscoverySession>(library, Process::NullDevice(), DiscoveryLogNone);
+    }
+}
 } // namespace
 
 DiscoveryFunctions HostSession::Load(const std::string& path)
@@ -38,16 +54,16 @@ DiscoveryFunctions HostSession::Load(const std::string& path)
 HostSession::HostSession(const Settings& settings, Handlers handlers)
     : wishes(settings.Interfaces)
     , choice(Checked(wishes))
-    , session(Load(settings.Library), settings.LogFile, settings.LogLevel)
+    , session(Open(settings, handlers.Warn))
 {
-    session.OnSignature(std::move(handlers.Signature));
-    session.OnHello(std::move(handlers.Hello));
-    session.OnBye(std::move(handlers.Bye));
+    session->OnSignature(std::move(handlers.Signature));
+    session->OnHello(std::move(handlers.Hello));
+    session->OnBye(std::move(handlers.Bye));
     if (settings.MinimumVersion)
     {
-        session.SetMinCompatibleVersion(*settings.MinimumVersion);
+        session->SetMinCompatibleVersion(*settings.MinimumVersion);
     }
-    session.Start();
+    session->Start();
     Install(choice);
     watcher = std::thread([this] { Watch(); });
 }
@@ -66,7 +82,7 @@ InterfaceChoice HostSession::Interfaces() const
 void HostSession::Close()
 {
     StopWatching();
-    session.Close();
+    session->Close();
 }
 
 void HostSession::Watch()
@@ -93,7 +109,7 @@ void HostSession::Watch()
 
 void HostSession::Install(const InterfaceChoice& next)
 {
-    session.InitBroadcastProvider(next.AddressTexts());
+    session->InitBroadcastProvider(next.AddressTexts());
 }
 
 void HostSession::StopWatching()

@@ -24,15 +24,17 @@ TEST(MessageQueueTest, MessagesBeyondTheLimitAreCountedAndLaterOnesFitAgain)
         queue.Push(Message(Size));
     }
     EXPECT_EQ(queue.Lost(), 2u);
-    EXPECT_TRUE(queue.Take(std::nullopt));
+    EXPECT_EQ(queue.Take(std::nullopt).size(), 4u);
     queue.Push(Message(Size));
     EXPECT_EQ(queue.Lost(), 2u);
 }
 
-TEST(MessageQueueTest, TakeEndsAtItsDeadline)
+TEST(MessageQueueTest, TakeEndsAtItsDeadlineOrWhenItIsWoken)
 {
     MessageQueue queue;
-    EXPECT_FALSE(queue.Take(std::chrono::steady_clock::now() + 5ms));
+    EXPECT_TRUE(queue.Take(std::chrono::steady_clock::now() + 5ms).empty());
+    queue.Wake();
+    EXPECT_TRUE(queue.Take(std::nullopt).empty());
     EXPECT_FALSE(queue.IsInterrupted());
 }
 
@@ -40,10 +42,10 @@ TEST(MessageQueueTest, InterruptEndsAWaitingTakeAndAllLaterOnes)
 {
     MessageQueue queue;
     std::thread interrupter([&queue] { queue.Interrupt(); });
-    EXPECT_FALSE(queue.Take(std::nullopt));
+    EXPECT_TRUE(queue.Take(std::nullopt).empty());
     interrupter.join();
     queue.Push(Message(1));
-    EXPECT_FALSE(queue.Take(std::nullopt));
+    EXPECT_TRUE(queue.Take(std::nullopt).empty());
     EXPECT_TRUE(queue.IsInterrupted());
 }
 } // namespace

@@ -1,6 +1,8 @@
 """discovery-console against simulated devices on loopback."""
 
 import json
+import os
+import re
 import subprocess
 import time
 
@@ -10,6 +12,8 @@ from endtoend import (
     Simulator,
     TestCase,
     command,
+    launcher,
+    library_path,
     main,
     message,
     rows,
@@ -50,7 +54,7 @@ class DiscoverTest(TestCase):
         with Simulator("--count", "12") as simulator:
             names = sorted((device.name for device in simulator.devices if device.ip != "127.0.0.11"), reverse=True)
             table, count = self.console(
-                "discover", "--wait", "0.5", "--sort", "name:desc", "--filter", "ip!=127.0.0.11",
+                "discover", "--once", "--wait", "0.5", "--sort", "name:desc", "--filter", "ip!=127.0.0.11",
             )  # fmt: skip
             _, errors = self.console("discover", "--wait", "0.5", "--filter", "name=nobody", status=3)
             one, _ = self.console("discover", "--expect", "1", "--filter", "ip=127.0.0.20", "--wait", "600")
@@ -58,6 +62,32 @@ class DiscoverTest(TestCase):
         self.assertEqual(count, "12 devices found, 11 shown\n")
         self.assertIn("12 devices found, but none that --filter accepts", errors)
         self.assertEqual([row[5] for row in rows(one)], ["127.0.0.20"])
+
+    def test_a_search_says_whether_it_is_complete(self):
+        summary = self.folder / "summary.json"
+        others = self.folder / "others.txt"
+        others.write_text("# behind the router\n127.0.0.99, 127.0.1.0/30\n")
+        with Simulator("--count", "12"):
+            table, closing = self.console("discover", "--also", f"127.0.0.10,@{others}", "--summary", str(summary))
+            _, errors = self.console("discover", "--wait", "0.3", status=6)
+        self.assertEqual(len(rows(table)), 12)
+        self.assertRegex(closing, r"^12 devices, \d rounds: 12(, 0)+ new; .*estimated unseen: 0\n$")
+        result = json.loads(summary.read_text())
+        self.assertEqual((result["Devices"], result["Complete"]), (12, True))
+        self.assertEqual({each["Asked"] for each in result["Rounds"]}, {"all", "list"})
+        self.assertIn("the search is incomplete", errors)
+
+    def test_lists_of_addresses_are_refused_with_the_place(self):
+        others = self.folder / "others.txt"
+        others.write_text("10.0.0.1\n10.0.0.2, 10.0.0.300\n")
+        for text, cause in (
+            ("10.0.0.1,x", '"x" is no IPv4 address'),
+            ("10.0.0.0/33", "has no prefix length"),
+            (f"@{others}", f'{others}: line 2, column 11: "10.0.0.300" is no IPv4 address'),
+            ("@/nowhere", "cannot read /nowhere"),
+        ):
+            _, errors = self.console("discover", "--also", text, status=2)
+            self.assertIn(cause, errors)
 
     def test_says_when_nothing_is_found(self):
         with Simulator("--silent"):
@@ -85,7 +115,7 @@ class DiscoverTest(TestCase):
 
 class InventoryTest(TestCase):
     def save(self, name, *options):
-        documents, _ = self.console("discover", "--json", *options)
+        documents, _ = self.console("discover", "--once", "--json", *options)
         file = self.folder / name
         file.write_text(documents, encoding="utf-8")
         return str(file)
@@ -301,6 +331,27 @@ class FailureTest(TestCase):
 
     def test_misuse_is_told_apart_from_failure(self):
         self.assertNotEqual(self.console("rename", "name", status=2)[1], "")
+
+    def test_a_log_that_cannot_be_written_costs_a_warning(self):
+        log = str(self.folder / "log")
+        os.mkdir(log)
+        result = subprocess.run(
+            command("discovery-console", "--library", library_path(), "--log", log, "reach", "127.0.0.99", "--wait", "0"),
+            capture_output=True,
+            check=False,
+        )
+        self.assertEqual(result.returncode, 3)
+        self.assertRegex(result.stderr.decode(), f"{re.escape(log)} failed: .*; going on without a log\\s")
+
+    def test_works_without_any_folder_of_the_users(self):
+        if launcher():
+            self.skipTest("Wine has folders of its own")
+        for arguments in (["--version"], ["--library", library_path(), "reach", "127.0.0.99", "--wait", "0"]):
+            result = subprocess.run(
+                ["env", "-i", "TMPDIR=/nonexistent", *command("discovery-console", *arguments)], check=False
+            )
+            self.assertIn(result.returncode, (0, 3), arguments)
+        self.assertFalse(os.path.exists("/tmp/discovery-console"))
 
     def test_missing_library_is_named(self):
         result = subprocess.run(

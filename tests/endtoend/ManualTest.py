@@ -20,7 +20,7 @@ def help_of(program, *commands):
     """The options and the commands that a help text names."""
     text = subprocess.run(command(program, *commands, "--help"), stdout=subprocess.PIPE, check=True).stdout.decode()
     options = re.findall(r"^ +(?:-\w,)?(--[\w-]+)", text, re.MULTILINE)
-    listed = text.partition("Subcommands:\n")[2]
+    listed = text.partition("Subcommands:\n")[2].partition("\n\n")[0]
     return options, re.findall(r"^  (\w+) ", listed, re.MULTILINE)
 
 
@@ -59,6 +59,14 @@ class ManualTest(TestCase):
                     for option in options:
                         self.assertRegex(page, rf"(?m){option}\b(?!-)")
                         self.assertIn(option, offered)
+
+    def test_the_page_and_the_help_have_the_same_exit_statuses(self):
+        text = subprocess.run(command("discovery-console", "--help"), stdout=subprocess.PIPE, check=True).stdout.decode()
+        page = self.file("discovery-console", "man", "discovery-console.1").read_text()
+        self.assertEqual(
+            re.findall(r"^  (\d+) ", text.partition("Exit status:\n")[2], re.MULTILINE),
+            re.findall(r"^\.B (\d+)$", page, re.MULTILINE),
+        )
 
     def test_completes_what_stands_behind_options(self):
         (self.folder / "a result.json").touch()

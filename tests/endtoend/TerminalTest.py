@@ -170,8 +170,8 @@ class LiveTableTest(TerminalTestCase):
 
 class ProgressTest(TerminalTestCase):
     def test_discover_shows_how_far_it_is_and_what_it_has_found(self):
-        with Simulator("--count", "3"), self.terminal("discover", "--wait", "2") as terminal:
-            self.assertRegex(terminal.wait_for("3 devices"), r"^Waiting for answers: [01]\.\d of 2 s, 3 devices$")
+        with Simulator("--count", "3"), self.terminal("discover", "--once") as terminal:
+            self.assertRegex(terminal.wait_for("3 devices"), r"^Waiting for answers: [01]\.\d of 2 s, round 1, 3 devices$")
             terminal.wait_for("3 devices found")
             terminal.wait_without("Waiting")
             self.assertEqual(terminal.status(), 0)

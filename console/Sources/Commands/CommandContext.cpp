@@ -31,7 +31,8 @@ HostSession& CommandContext::Session()
     if (!session)
     {
         session.emplace(options.Session,
-                        HostSession::Handlers{queue(Kind::Signature), queue(Kind::Hello), queue(Kind::Bye)});
+                        HostSession::Handlers{[this](const std::string& text) { output.Complain(text); },
+                                              queue(Kind::Signature), queue(Kind::Hello), queue(Kind::Bye)});
     }
     return *session;
 }

@@ -60,6 +60,7 @@ CommandLine::CommandLine()
     Add(inventory, std::make_unique<InventoryShowCommand>());
     Add(inventory, std::make_unique<InventoryDiffCommand>());
     Add(*app, std::make_unique<ErrorCommand>());
+    app->footer(ExitStatusTable()); // last: commands would take it over
 }
 
 CommandLine::~CommandLine() = default;

@@ -34,19 +34,28 @@ std::optional<Device> DeviceReader::Next(std::optional<MessageQueue::TimePoint> 
     const std::optional<MessageQueue::TimePoint> end = until && deadline ? std::min(*until, *deadline)
                                                        : until           ? until
                                                                          : deadline;
-    while (std::optional<DeviceMessage> message = messages.Take(end))
+    for (;;)
     {
-        ComplainAboutLoss();
+        if (taken.empty())
+        {
+            taken = messages.Take(end);
+            ComplainAboutLoss();
+        }
+        if (taken.empty())
+        {
+            return std::nullopt;
+        }
+        const DeviceMessage message = std::move(taken.front());
+        taken.pop_front();
         try
         {
-            return Device(std::move(*message));
+            return Device(message);
         }
         catch (const std::invalid_argument& exception)
         {
             complain("unreadable message left out: " + std::string(exception.what()));
         }
     }
-    return std::nullopt;
 }
 
 bool DeviceReader::IsOver() const

@@ -4,6 +4,7 @@
 #include "Inventory/Device.h"
 
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -33,6 +34,7 @@ private:
     void ComplainAboutLoss();
 
     MessageQueue& messages;
+    std::deque<Inventory::DeviceMessage> taken; // and not yet read
     const Complain complain;
     const std::optional<MessageQueue::TimePoint> deadline;
     std::size_t knownLoss = 0;

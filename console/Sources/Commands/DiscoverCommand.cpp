@@ -1,90 +1,152 @@
 #include "Commands/DiscoverCommand.h"
 
+#include "Commands/AddressList.h"
 #include "Commands/CommandContext.h"
-#include "Commands/DeviceReader.h"
+#include "Commands/SessionDriver.h"
 #include "Commands/SharedOptions.h"
-#include "Inventory/DeviceList.h"
 #include "Show/Output.h"
+#include "Text/TextFile.h"
 
 #include <CLI/CLI.hpp>
 
 #include <chrono>
 #include <cstdio>
-#include <string>
-#include <utility>
+#include <stdexcept>
 
 using Zent::Discovery::Inventory::Device;
-using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceRow;
+using Zent::Discovery::Inventory::SearchOptions;
+using Zent::Discovery::Inventory::SearchReport;
 
 namespace Zent::Discovery::Console
 {
 namespace
 {
 constexpr std::chrono::milliseconds StatusInterval{100};
+constexpr std::chrono::seconds UsualWait{10};
+constexpr std::chrono::seconds UsualWaitOnce{2};
 
 std::string Counted(std::size_t count)
 {
     return std::to_string(count) + (count == 1 ? " device" : " devices");
 }
 
-std::string StatusText(std::size_t count, std::chrono::steady_clock::duration elapsed, std::chrono::milliseconds wait)
+std::string StatusText(const SearchReport& report, std::chrono::milliseconds wait)
 {
     using Seconds = std::chrono::duration<double>;
     char text[64];
-    const int length = std::snprintf(text, sizeof(text), "Waiting for answers: %.1f of %g s, ",
-                                     Seconds(elapsed).count(), Seconds(wait).count());
-    return std::string(text, static_cast<std::size_t>(length)) + Counted(count);
+    const int length = std::snprintf(text, sizeof(text), "Waiting for answers: %.1f of %g s, round %zu, ",
+                                     Seconds(report.Elapsed).count(), Seconds(wait).count(), report.Rounds.size());
+    return std::string(text, static_cast<std::size_t>(length)) + Counted(report.Devices);
 }
 } // namespace
 
 CLI::App& DiscoverCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("discover", "ask all devices for their signatures");
-    command.add_option("--expect", expectedDevices, "stop waiting when so many devices have answered")
+    CLI::App& command = *parent.add_subcommand("discover", "find all devices, and tell whether they are all");
+    command.add_flag("--once", once, "ask a single time and show who answers within --wait, 2 seconds without it");
+    command.add_option("--expect", expectedDevices, "stop when so many devices have answered")
         ->type_name("COUNT")
         ->check(CLI::Range(1, 100000).description(""));
+    command.add_flag("--no-sweep", noSweep, "never ask the addresses of the local networks one by one");
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--also",
+            [this](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts)
+                {
+                    try
+                    {
+                        const std::vector<Inventory::Network> list = AddressList::Parse(text);
+                        also.insert(also.end(), list.begin(), list.end());
+                    }
+                    catch (const std::runtime_error& error)
+                    {
+                        throw CLI::ValidationError("--also", error.what());
+                    }
+                }
+            },
+            "ask these addresses one by one, too, such as those behind routers; may be repeated")
+        ->type_name("IP[/PREFIX],@FILE")
+        ->allow_extra_args(false);
+    command.add_option("--summary", summaryFile, "write what the search has come to as JSON")->type_name("FILE");
     SharedOptions::AddSelection(command, selection);
     return command;
 }
 
 ExitStatus DiscoverCommand::Run(CommandContext& context)
 {
-    Output& output = context.Out();
-    const std::chrono::milliseconds wait = context.Wait();
-    if (!context.CanBroadcast())
+    if (!summaryFile.empty())
+    {
+        TextFile::Write(summaryFile, ""); // a search whose result could not be written is not begun
+    }
+    if (also.empty() && !context.CanBroadcast())
     {
         return ExitStatus::NoAnswer;
     }
-    context.Requests().Discover();
-    DeviceList inventory;
-    DeviceReader reader(
-        context.Messages(), [&output](const std::string& text) { output.Complain(text); }, wait);
-    const MessageQueue::TimePoint start = std::chrono::steady_clock::now();
-    std::size_t accepted = 0;
-    while (!reader.IsOver() && (expectedDevices == 0 || accepted < expectedDevices))
-    {
-        const MessageQueue::TimePoint now = std::chrono::steady_clock::now();
-        output.ShowStatus(StatusText(inventory.Devices().size(), now - start, wait));
-        if (std::optional<Device> device = reader.Next(now + StatusInterval))
-        {
-            const bool isAccepted = selection.Accepts(*device, std::chrono::system_clock::now());
-            const std::optional<Device> before = inventory.Add(std::move(*device));
-            accepted += isAccepted ? 1u : 0u;
-            accepted -= before && selection.Accepts(*before, std::chrono::system_clock::now()) ? 1u : 0u;
-        }
-    }
-    const std::vector<const Device*> devices = selection.Of(inventory.Devices(), std::chrono::system_clock::now());
+    Output& output = context.Out();
+    SessionDriver driver(context, {.AskEvery = Inventory::Time(0)},
+                         [&output](const std::string& text) { output.Complain(text); });
+    const bool isInterrupted = !Search(driver, context);
+    const SearchReport report = *driver.Session().SearchState();
+    const Devices devices = Chosen(driver);
     if (!devices.empty())
     {
         output.Show(devices);
     }
-    return reader.IsInterrupted() ? ExitStatus::Interrupted : Conclude(inventory, devices.size(), context);
+    if (!summaryFile.empty())
+    {
+        TextFile::Write(summaryFile, report.ToJson() + "\n");
+    }
+    return isInterrupted ? ExitStatus::Interrupted : Conclude(report, devices.size(), context);
 }
 
-ExitStatus DiscoverCommand::Conclude(const DeviceList& inventory, std::size_t shown, CommandContext& context) const
+SearchOptions DiscoverCommand::OptionsFor(CommandContext& context) const
+{
+    SearchOptions options;
+    options.Wait = context.Options().Wait.value_or(once ? UsualWaitOnce : UsualWait);
+    options.Once = once;
+    options.Sweep = !noSweep;
+    options.Networks = context.Session().Interfaces().Addresses();
+    options.Also = also;
+    return options;
+}
+
+/// False when the user has interrupted it.
+bool DiscoverCommand::Search(SessionDriver& driver, CommandContext& context) const
+{
+    const SearchOptions options = OptionsFor(context);
+    Inventory::Session& session = driver.Session();
+    session.StartSearch(options, driver.Now());
+    while (!session.SearchState()->IsOver)
+    {
+        context.Out().ShowStatus(StatusText(*session.SearchState(), options.Wait));
+        if (!driver.Run(StatusInterval))
+        {
+            return false;
+        }
+        if (expectedDevices != 0 && Chosen(driver).size() >= expectedDevices)
+        {
+            session.StopSearch(driver.Now());
+        }
+    }
+    return true;
+}
+
+DiscoverCommand::Devices DiscoverCommand::Chosen(SessionDriver& driver) const
+{
+    Devices devices;
+    for (const DeviceRow* row : driver.Session().Devices().Rows())
+    {
+        devices.push_back(row->Latest.get());
+    }
+    return selection.Of(devices, std::chrono::system_clock::now());
+}
+
+ExitStatus DiscoverCommand::Conclude(const SearchReport& report, std::size_t shown, CommandContext& context) const
 {
     Output& output = context.Out();
-    const std::size_t found = inventory.Devices().size();
+    const std::size_t found = report.Devices;
     if (found == 0)
     {
         output.Complain("no device found; see the log " + context.Options().Session.LogFile);
@@ -100,7 +162,14 @@ ExitStatus DiscoverCommand::Conclude(const DeviceList& inventory, std::size_t sh
         output.Complain(Counted(found) + " found, but none that --filter accepts");
         return ExitStatus::NoAnswer;
     }
-    output.Conclude(Counted(found) + " found" + (shown < found ? ", " + std::to_string(shown) + " shown" : ""));
+    const bool isSearch = !once && expectedDevices == 0;
+    output.Conclude((isSearch ? report.ToString() : Counted(found) + " found") +
+                    (shown < found ? ", " + std::to_string(shown) + " shown" : ""));
+    if (isSearch && !report.Complete)
+    {
+        output.Complain("the search is incomplete: there may be more devices; --wait gives it more time");
+        return ExitStatus::Incomplete;
+    }
     return ExitStatus::Success;
 }
 } // namespace Zent::Discovery::Console

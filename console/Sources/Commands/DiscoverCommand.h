@@ -2,18 +2,25 @@
 
 #include "Commands/ICommand.h"
 #include "Inventory/DeviceSelection.h"
+#include "Inventory/Network.h"
+#include "Inventory/SearchOptions.h"
 #include "Text/TerminalText.h"
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 namespace Zent::Discovery::Inventory
 {
-class DeviceList;
-}
+class Device;
+struct SearchReport;
+} // namespace Zent::Discovery::Inventory
 
 namespace Zent::Discovery::Console
 {
-/// Asks all devices for their signatures and shows who was heard of.
+class SessionDriver;
+
+/// Searches for all devices, or asks them once, and shows who was heard of.
 class DiscoverCommand final : public ICommand
 {
 public:
@@ -21,9 +28,19 @@ public:
     ExitStatus Run(CommandContext& context) override;
 
 private:
-    ExitStatus Conclude(const Inventory::DeviceList& inventory, std::size_t shown, CommandContext& context) const;
+    /// In the order in which they are shown.
+    using Devices = std::vector<const Inventory::Device*>;
 
+    Inventory::SearchOptions OptionsFor(CommandContext& context) const;
+    bool Search(SessionDriver& driver, CommandContext& context) const;
+    Devices Chosen(SessionDriver& driver) const;
+    ExitStatus Conclude(const Inventory::SearchReport& report, std::size_t shown, CommandContext& context) const;
+
+    bool once = false;
+    bool noSweep = false;
     std::size_t expectedDevices = 0; // among those that the selection accepts; 0 when their number is unknown
+    std::vector<Inventory::Network> also;
+    std::string summaryFile; // its UTF-8 path; empty for none
     Inventory::DeviceSelection selection{&TerminalText::Plain};
 };
 } // namespace Zent::Discovery::Console

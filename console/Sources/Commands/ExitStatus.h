@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace Zent::Discovery::Console
 {
 /// How the program ends; scripts rely on the numbers.
@@ -8,8 +10,12 @@ enum class ExitStatus
     Success = 0,
     Failure = 1, // the library or the system refused
     Usage = 2,
-    NoAnswer = 3,  // no device answered in time, or not as it should
-    Different = 4, // two saved results tell different things
+    NoAnswer = 3,   // no device answered in time, or not as it should
+    Different = 4,  // two saved results tell different things
+    Incomplete = 6, // a search that found devices ended before it could tell that there are no others
     Interrupted = 130
 };
+
+/// All of them with their meanings, a line each, for the user.
+std::string ExitStatusTable();
 } // namespace Zent::Discovery::Console

@@ -16,13 +16,16 @@ void MessageQueue::Push(DeviceMessage message)
     }
     bytes += message.Document.size();
     messages.push_back(std::move(message));
-    changed.notify_one();
+    if (messages.size() == 1)
+    {
+        changed.notify_all();
+    }
 }
 
-std::optional<DeviceMessage> MessageQueue::Take(const std::optional<TimePoint>& deadline)
+std::deque<DeviceMessage> MessageQueue::Take(const std::optional<TimePoint>& deadline)
 {
     std::unique_lock guard(lock);
-    const auto hasNews = [this] { return interrupted || !messages.empty(); };
+    const auto hasNews = [this] { return interrupted || isWoken || !messages.empty(); };
     if (deadline)
     {
         changed.wait_until(guard, *deadline, hasNews);
@@ -31,14 +34,24 @@ std::optional<DeviceMessage> MessageQueue::Take(const std::optional<TimePoint>& 
     {
         changed.wait(guard, hasNews);
     }
-    if (interrupted || messages.empty())
+    if (!messages.empty())
     {
-        return std::nullopt;
+        changed.wait_for(guard, GatherTime, [this] { return interrupted || isWoken; });
     }
-    DeviceMessage message = std::move(messages.front());
-    messages.pop_front();
-    bytes -= message.Document.size();
-    return message;
+    isWoken = false;
+    if (interrupted)
+    {
+        return {};
+    }
+    bytes = 0;
+    return std::exchange(messages, {});
+}
+
+void MessageQueue::Wake()
+{
+    const std::lock_guard guard(lock);
+    isWoken = true;
+    changed.notify_all();
 }
 
 void MessageQueue::Interrupt()

@@ -21,9 +21,13 @@ public:
     /// Never waits. When the reader is so far behind that MaximumBytes wait, the message is counted as lost.
     void Push(Inventory::DeviceMessage message);
 
-    /// The oldest message, waiting for one until the deadline, or without limit when there is none.
-    /// Nothing when the deadline has passed or Interrupt was called.
-    std::optional<Inventory::DeviceMessage> Take(const std::optional<TimePoint>& deadline);
+    /// All messages, the oldest first, once there is one or the deadline has passed; without a deadline waits without
+    /// limit. Lets more come for GatherTime after the first one, so that many at once cost one wake-up, and the
+    /// processor is left to the library's receiver. Nothing after Interrupt.
+    std::deque<Inventory::DeviceMessage> Take(const std::optional<TimePoint>& deadline);
+
+    /// Ends a waiting Take, or else the next one, before its deadline.
+    void Wake();
 
     /// Ends a waiting Take and makes every further one return nothing.
     void Interrupt();
@@ -34,6 +38,7 @@ public:
     std::size_t Lost() const;
 
     static constexpr std::size_t MaximumBytes = std::size_t{16} * 1024 * 1024;
+    static constexpr std::chrono::milliseconds GatherTime{20};
 
 private:
     mutable std::mutex lock;
@@ -41,6 +46,7 @@ private:
     std::deque<Inventory::DeviceMessage> messages; // guarded by lock, and so is all below
     std::size_t bytes = 0;
     std::size_t lost = 0;
+    bool isWoken = false;
     bool interrupted = false;
 };
 } // namespace Zent::Discovery::Console

@@ -45,7 +45,8 @@ void ProgramOptions::AddTo(CLI::App& program)
             "drop messages of older protocol versions")
         ->type_name("VERSION");
     SharedOptions::AddSeconds(program, "--wait", Wait,
-                              "how long to wait for devices; 2 seconds without it, watch without end", 0.0);
+                              "how long to wait for devices; 2 seconds without it, 10 in a search, watch without end",
+                              0.0);
     program.add_flag("--json", Json, "print one JSON document per line, for scripts");
 }
 

@@ -1,5 +1,7 @@
 #include "Terminal/HostPlatform.h"
 
+#include "Programs/Process.h"
+
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -20,7 +22,11 @@ std::string HostPlatform::DefaultLogPath()
     if (!folder.is_absolute())
     {
         const std::filesystem::path home = EnvironmentVariable("HOME");
-        folder = home.is_absolute() ? home / ".local" / "state" : std::filesystem::temp_directory_path();
+        if (!home.is_absolute())
+        {
+            return Programs::Process::NullDevice();
+        }
+        folder = home / ".local" / "state";
     }
     return folder / "discovery-console" / "discovery-console.log";
 }

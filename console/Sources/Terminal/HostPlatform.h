@@ -14,7 +14,7 @@ public:
     /// Where the library lies in an installation: found from the program's own place.
     static std::string DefaultLibraryPath();
 
-    /// A log of the user's own; its folder need not exist.
+    /// A log of the user's own; its folder need not exist. Where users have no folder of their own there is no log.
     static std::string DefaultLogPath();
 
     /// The local time of day, such as 14:07:09.

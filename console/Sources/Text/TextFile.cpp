@@ -14,9 +14,9 @@ namespace
 {
 using namespace std::string_view_literals;
 
-[[noreturn]] void Refuse(const std::string& path, const std::error_code& reason)
+[[noreturn]] void Refuse(const std::string& path, const std::error_code& reason, const char* action = "read")
 {
-    throw std::runtime_error("cannot read " + path + ": " + reason.message());
+    throw std::runtime_error("cannot " + std::string(action) + " " + path + ": " + reason.message());
 }
 
 void Append(std::string& text, char32_t codePoint)
@@ -92,5 +92,16 @@ std::string TextFile::Read(const std::string& path)
         text.erase(0, 3);
     }
     return text;
+}
+
+void TextFile::Write(const std::string& path, const std::string& text)
+{
+    errno = 0;
+    std::ofstream stream(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
+    stream << text << std::flush;
+    if (!stream.good())
+    {
+        Refuse(path, {errno == 0 ? EIO : errno, std::generic_category()}, "write");
+    }
 }
 } // namespace Zent::Discovery::Console

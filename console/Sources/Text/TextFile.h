@@ -14,5 +14,9 @@ public:
     /// converted. path is UTF-8.
     /// @throws std::runtime_error with the reason when the file cannot be read.
     static std::string Read(const std::string& path);
+
+    /// Makes the file anew with that content. path is UTF-8.
+    /// @throws std::runtime_error with the reason when it cannot be written.
+    static void Write(const std::string& path, const std::string& text);
 };
 } // namespace Zent::Discovery::Console

@@ -1,5 +1,7 @@
 #include "Terminal/HostPlatform.h"
 
+#include "Programs/Process.h"
+
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -39,8 +41,8 @@ std::string HostPlatform::DefaultLibraryPath()
 std::string HostPlatform::DefaultLogPath()
 {
     const wchar_t* const local = _wgetenv(L"LOCALAPPDATA");
-    const std::filesystem::path folder = local == nullptr ? std::filesystem::temp_directory_path() : local;
-    return Utf8(folder / L"discovery-console" / L"discovery-console.log");
+    return local == nullptr ? Programs::Process::NullDevice()
+                            : Utf8(std::filesystem::path(local) / L"discovery-console" / L"discovery-console.log");
 }
 
 std::string HostPlatform::TimeOfDay(std::chrono::system_clock::time_point time)

@@ -32,6 +32,7 @@ public:
 
     /// The accepted ones of the devices in the wanted order, as far as there is one. They must outlive the result.
     std::vector<const Device*> Of(const std::vector<Device>& devices, DeviceColumn::TimePoint now) const;
+    std::vector<const Device*> Of(std::vector<const Device*> devices, DeviceColumn::TimePoint now) const;
 
 private:
     struct Filter

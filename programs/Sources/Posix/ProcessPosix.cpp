@@ -11,6 +11,11 @@ std::vector<std::string> Process::Arguments(int count, const char* const* values
     return {values + (count > 0 ? 1 : 0), values + count};
 }
 
+std::string Process::NullDevice()
+{
+    return "/dev/null";
+}
+
 void Process::PrepareStreams()
 {
     std::signal(SIGPIPE, SIG_IGN);

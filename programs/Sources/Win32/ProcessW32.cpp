@@ -40,6 +40,11 @@ std::vector<std::string> Process::Arguments(int /*count*/, const char* const* /*
     return arguments;
 }
 
+std::string Process::NullDevice()
+{
+    return "NUL";
+}
+
 void Process::PrepareStreams()
 {
     SetConsoleOutputCP(CP_UTF8);

@@ -6,6 +6,8 @@
 #include "Programs/SystemNetwork.h"
 
 #include <atomic>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
@@ -27,9 +29,11 @@ public:
         InterfaceChoice::Wishes Interfaces;
     };
 
-    /// Are called on a thread of the library.
     struct Handlers
     {
+        std::function<void(const std::string& text)> Warn; // on the thread that makes the session
+
+        // On a thread of the library.
         DiscoverySession::Handler Signature;
         DiscoverySession::Handler Hello;
         DiscoverySession::Handler Bye;
@@ -39,7 +43,7 @@ public:
     /// @throws std::runtime_error with the reason and what to do when it cannot be loaded.
     static DiscoveryFunctions Load(const std::string& path);
 
-    /// Loads the library and starts the server.
+    /// Loads the library and starts the server. A log that cannot be opened costs a warning, and the session has none.
     /// @throws std::runtime_error when the library cannot be loaded, WrongArgument when the machine does not have the
     /// interfaces that the user wishes, DiscoveryError when the library refuses.
     HostSession(const Settings& settings, Handlers handlers);
@@ -51,7 +55,7 @@ public:
     HostSession& operator=(const HostSession&) = delete;
 
     /// For requests. Any thread may make them.
-    DiscoverySession& Requests() { return session; }
+    DiscoverySession& Requests() { return *session; }
 
     /// The interfaces that take part at this moment. Any thread.
     InterfaceChoice Interfaces() const;
@@ -71,7 +75,7 @@ private:
     const InterfaceChoice::Wishes wishes;
     mutable Mutex choiceLock;
     InterfaceChoice choice NFX_GUARDED_BY(choiceLock);
-    DiscoverySession session;
+    const std::unique_ptr<DiscoverySession> session;
     std::atomic<unsigned> changes{0}; // written by the watcher
     NetworkChanges networkChanges;
     std::thread watcher;

@@ -17,6 +17,9 @@ public:
     /// The arguments of the program in UTF-8, without its name; count and values are those of main.
     static std::vector<std::string> Arguments(int count, const char* const* values);
 
+    /// The path of a file that takes everything and keeps nothing.
+    static std::string NullDevice();
+
     /// Lets standard output show UTF-8, and makes writing to a closed pipe an error instead of the end of the program.
     static void PrepareStreams();
 

@@ -1,0 +1,34 @@
+#include "Commands/ExitStatus.h"
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+struct Meaning
+{
+    ExitStatus Status;
+    const char* Text;
+};
+
+constexpr Meaning Meanings[] = {
+    {ExitStatus::Success, "success; of a search: it is complete"},
+    {ExitStatus::Failure, "the library or the system refused, or a file could not be used"},
+    {ExitStatus::Usage, "wrong arguments"},
+    {ExitStatus::NoAnswer, "no device has answered in time, or not as it should, or no interface takes part"},
+    {ExitStatus::Different, "the two saved results differ"},
+    {ExitStatus::Incomplete, "devices were found, but the search ended before it was complete"},
+    {ExitStatus::Interrupted, "interrupted; watch ends with 0 then"},
+};
+} // namespace
+
+std::string ExitStatusTable()
+{
+    std::string table = "Exit status:\n";
+    for (const Meaning& each : Meanings)
+    {
+        const std::string number = std::to_string(static_cast<int>(each.Status));
+        table += "  " + number + std::string(6 - number.size(), ' ') + each.Text + "\n";
+    }
+    return table;
+}
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,121 @@
+#include "Commands/SessionDriver.h"
+
+#include "Commands/CommandContext.h"
+#include "Programs/SystemNetwork.h"
+#include "Programs/UdpSockets.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Inventory::Network;
+using Zent::Discovery::Inventory::Time;
+using Zent::Discovery::Inventory::Wish;
+using Zent::Discovery::Programs::SystemNetwork;
+using Zent::Discovery::Programs::UdpSockets;
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+constexpr std::uint16_t ServerPort = 12001;
+}
+
+SessionDriver::SessionDriver(CommandContext& context,
+                             const Inventory::DeviceTableOptions& options,
+                             Complain complain,
+                             Watcher watcher)
+    : context(context)
+    , complain(std::move(complain))
+    , watcher(std::move(watcher))
+    , session(options)
+{
+    context.Requests(); // so that the library is at work before the first question
+}
+
+Time SessionDriver::Now() const
+{
+    return std::chrono::duration_cast<Time>(std::chrono::steady_clock::now() - start);
+}
+
+bool SessionDriver::Run(std::chrono::milliseconds longest)
+{
+    session.Advance(Now());
+    while (const std::optional<Wish> wish = session.NextWish())
+    {
+        CarryOut(*wish);
+    }
+    const Time now = Now();
+    const Time next = std::clamp(session.NextTime(), now, now + longest);
+    for (DeviceMessage& message : context.Messages().Take(start + next))
+    {
+        Feed(std::move(message));
+    }
+    ComplainAboutLoss();
+    return !context.Messages().IsInterrupted();
+}
+
+void SessionDriver::Feed(DeviceMessage message)
+{
+    try
+    {
+        if (watcher)
+        {
+            watcher(message);
+        }
+        session.Feed(std::move(message), Now());
+    }
+    catch (const std::invalid_argument& exception)
+    {
+        complain("unreadable message left out: " + std::string(exception.what()));
+    }
+}
+
+void SessionDriver::CarryOut(const Wish& wish)
+{
+    try
+    {
+        switch (wish.Kind)
+        {
+        case Wish::WishKind::AskAll:
+            context.Requests().Discover();
+            break;
+        case Wish::WishKind::AskMAC:
+            context.Requests().RefreshClient(wish.Address);
+            break;
+        case Wish::WishKind::AskIP:
+            context.Requests().ReachClient(wish.Address);
+            break;
+        case Wish::WishKind::IsReachable: {
+            const std::optional<Inventory::IPv4> address = Network::ParseAddress(wish.Address);
+            session.Answer(wish.Id, address && SystemNetwork::HasRoute(*address) ? 1 : 0);
+            break;
+        }
+        case Wish::WishKind::CountLost: {
+            const std::optional<std::uint64_t> drops = UdpSockets::OwnDrops(ServerPort);
+            session.Answer(wish.Id, drops ? static_cast<std::int64_t>(*drops) : Wish::Unknown);
+            break;
+        }
+        }
+    }
+    catch (const DiscoveryError& error)
+    {
+        // While the library restarts itself it takes no requests. What was not asked now is asked later.
+        if (error.Code() != DiscoveryError::NullPointer)
+        {
+            throw;
+        }
+    }
+}
+
+void SessionDriver::ComplainAboutLoss()
+{
+    const std::size_t loss = context.Messages().Lost();
+    if (loss != knownLoss)
+    {
+        complain(std::to_string(loss - knownLoss) + " messages lost: they come faster than they can be shown");
+        knownLoss = loss;
+    }
+}
+} // namespace Zent::Discovery::Console

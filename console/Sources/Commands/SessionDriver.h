@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Inventory/Session.h"
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+
+namespace Zent::Discovery::Console
+{
+class CommandContext;
+
+/// Runs a session: gives it the messages that come and the time, and does what it wishes. Main thread only.
+class SessionDriver final
+{
+public:
+    /// Is called with each message before the session is.
+    using Watcher = std::function<void(const Inventory::DeviceMessage& message)>;
+
+    /// What is left out is told there.
+    using Complain = std::function<void(const std::string& text)>;
+
+    /// The context must outlive the driver.
+    SessionDriver(CommandContext& context,
+                  const Inventory::DeviceTableOptions& options,
+                  Complain complain,
+                  Watcher watcher = {});
+
+    Inventory::Session& Session() { return session; }
+
+    /// Since the driver was made.
+    Inventory::Time Now() const;
+
+    /// Waits for messages, for that time at most, and lets the session go on. False once the user has interrupted.
+    bool Run(std::chrono::milliseconds longest);
+
+private:
+    void Feed(Inventory::DeviceMessage message);
+    void CarryOut(const Inventory::Wish& wish);
+    void ComplainAboutLoss();
+
+    CommandContext& context;
+    const Complain complain;
+    const Watcher watcher;
+    const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+    Inventory::Session session;
+    std::size_t knownLoss = 0;
+};
+} // namespace Zent::Discovery::Console
