@@ -72,6 +72,9 @@ public:
     void BeginWaiting(const Recovery& recovery);
 
     bool IsWaiting() const;
+
+    /// What the components that are being released had installed. While Waiting, and within the components' lock: so
+    /// that a provider is set either before this or by TryCarryOver.
     void CarryOver(const HostRegistrations& registrations);
 
     /// While Waiting the provider takes the place of the one that is carried over; else false.
@@ -80,7 +83,7 @@ public:
     /// For a start of the host application, which brings its handlers along.
     void CarryOverProviderOnly();
 
-    /// Empties it.
+    /// Empties it. Within the components' lock, when the new ones take the place of the former.
     HostRegistrations TakeCarriedOver();
 
 private:
@@ -92,7 +95,11 @@ private:
         Waiting
     };
 
+    // None of these holds the lock on entry.
+
     void Begin(Kind kind);
+
+    /// On the recovery's thread.
     void Recover(Recovery& recovery);
     bool WaitForPace(Recovery& recovery);
 
@@ -113,7 +120,11 @@ public:
     /// The former one, if any, is joined before this one begins.
     Recovery(AutomaticRestart& restart, Kind kind, const Nfx::System::SmartPointer<Recovery>& former);
 
+    /// Once.
+    /// @throws OutOfMemoryException when the thread cannot be created.
     void Start();
+
+    /// Waits without limit for the thread to end. Any thread but that one, and without any lock of the server.
     void Join();
 
     /// It is not wanted any more.

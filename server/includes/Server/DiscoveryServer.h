@@ -54,6 +54,7 @@ public:
     /// True when a start or stop has failed, so that neither can succeed any more. Waits while one is under way.
     bool HasFailed() const;
 
+    /// True exactly in the state Running, so not while it starts, stops or waits for a restart.
     bool IsRunning() const noexcept;
 
     // Requests: each is queued with the task processor and leaves later; the result says nothing about delivery.
@@ -83,11 +84,16 @@ public:
 private:
     struct Leftovers;
 
+    // On the thread of a recovery, without any lock.
+
     bool StopFor(const AutomaticRestart::Recovery& recovery) override;
     bool StartFor(const AutomaticRestart::Recovery& recovery, std::int32_t secondsToNextTry) override;
 
     bool IsStartingOrRunning() const noexcept;
     void LogStart() const;
+
+    // Within lifecycleLock and without componentsLock. The socket may be null, then one is opened.
+
     void StartLocked(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
                      const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     void StartWorkers() NFX_REQUIRES(lifecycleLock);
@@ -96,10 +102,15 @@ private:
     Nfx::System::SmartPointer<IDiscoverySocket> OpenSocket() const;
     Nfx::System::SmartPointer<IDiscoverySocket> TryOpenSocket(std::int32_t secondsToNextTry) const;
     void StopLocked() NFX_REQUIRES(lifecycleLock);
-    void DisconnectComponents();
-    void ReleaseComponents() NFX_REQUIRES(lifecycleLock);
     void LogDiscarded(std::int32_t tasks, std::int32_t datagrams) const;
 
+    /// While there are components and nobody starts or stops them: within lifecycleLock, or in the destructor.
+    void DisconnectComponents();
+
+    /// When the components' threads have ended.
+    void ReleaseComponents() NFX_REQUIRES(lifecycleLock);
+
+    /// Null is allowed. False when it could not be stopped; logged.
     template <class TWorker>
     bool StopLeftover(const Nfx::System::SmartPointer<TWorker>& worker);
 
@@ -108,7 +119,7 @@ private:
     const ComponentLog log;
     std::unique_ptr<Leftovers> leftovers; // reserved: when they are needed there may be no memory
 
-    // Written under both lifecycleLock and componentsLock, read under either.
+    // Written within both lifecycleLock and componentsLock, read within either.
     Nfx::System::SmartPointer<IDiscoverySocket> socket;
     Nfx::System::SmartPointer<DiscoveryServerMessageParser> parser;
     Nfx::System::SmartPointer<DiscoveryReceiver> receiver;

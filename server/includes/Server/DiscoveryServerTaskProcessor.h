@@ -13,6 +13,7 @@ class DiscoveryServerTaskProcessor final : public DiscoveryTaskProcessor, privat
 public:
     explicit DiscoveryServerTaskProcessor(const Nfx::System::SmartPointer<IDiscoverySocket>& socket);
 
+    /// Ends the thread after the task in hand, with its lines in the log.
     void Stop() override;
 
     /// Raised for each message of this kind, after a line in the log.
@@ -31,6 +32,8 @@ protected:
     void ProcessTask(const ServerActionArgs& task) override;
 
 private:
+    // On the processor's thread.
+
     void Handle(const SendSendYourSignatureAction& action) override;
     void Handle(const SendAllSendYourSignatureAction& action) override;
     void Handle(const SendChangeYourIPConfigAction& action) override;

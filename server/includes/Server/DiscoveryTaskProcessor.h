@@ -45,6 +45,8 @@ protected:
     void Send(const DiscoveryMessage& message, const Nfx::System::Net::IPAddress& destination);
 
 private:
+    // On the processor's thread and without any lock, but TryQueue: any thread.
+
     void Run();
     bool TryQueue(const Nfx::System::SmartPointer<ServerActionArgs>& task);
     void ProcessNext();

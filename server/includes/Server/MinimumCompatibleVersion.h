@@ -11,7 +11,10 @@ class MinimumCompatibleVersion final
 public:
     MinimumCompatibleVersion() = delete;
 
+    /// A copy.
     static Nfx::System::Version Get();
+
+    /// Holds for the messages that are parsed from now on.
     static void Set(const Nfx::System::Version& version);
 
     /// True from the first Set on.
