@@ -2,11 +2,9 @@
 
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
-#include "system/Exception.h"
+#include "StandardErrors.h"
 
 #include <algorithm>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
 using Nfx::System::String;
@@ -51,18 +49,7 @@ void ForEachObject(const JSONObject& object, const char* key, TAction&& action)
 Device::Device(DeviceMessage message)
     : Message(std::move(message))
 {
-    try
-    {
-        Read();
-    }
-    catch (const Nfx::System::OutOfMemoryException&)
-    {
-        throw std::bad_alloc();
-    }
-    catch (const Nfx::System::Exception& exception)
-    {
-        throw std::invalid_argument(std::string(exception.GetMessage().View()));
-    }
+    WithStandardErrors([this] { Read(); });
 }
 
 void Device::Read()

@@ -3,6 +3,7 @@
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "JsonText.h"
+#include "StandardErrors.h"
 #include "system/Boolean.h"
 
 #include <algorithm>
@@ -191,12 +192,15 @@ std::string DeviceDifferences::Difference::ToJson() const
 
 std::vector<Difference> DeviceDifferences::Between(const Device& before, const Device& after)
 {
-    Comparison comparison;
-    if (before.Message.Document != after.Message.Document)
+    if (before.Message.Document == after.Message.Document)
     {
+        return {};
+    }
+    return WithStandardErrors([&before, &after] {
+        Comparison comparison;
         comparison.Objects("", JSONObject(String(std::string_view(before.Message.Document))).GetJSONObject("Host"),
                            JSONObject(String(std::string_view(after.Message.Document))).GetJSONObject("Host"));
-    }
-    return std::move(comparison.Found);
+        return std::move(comparison.Found);
+    });
 }
 } // namespace Zent::Discovery::Inventory

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
 #include <utility>
 
 namespace Zent::Discovery::Inventory
@@ -23,9 +24,10 @@ constexpr std::size_t MaximumAskedByIP = 1024; // many more than may be unanswer
 std::vector<std::string> KeysOf(const Device& device)
 {
     std::vector<std::string> keys;
+    std::unordered_set<std::string_view> known;
     for (const Device::Interface& interface : device.Interfaces())
     {
-        if (!interface.MACAddress.empty() && std::ranges::find(keys, interface.MACAddress) == keys.end())
+        if (!interface.MACAddress.empty() && known.insert(interface.MACAddress).second)
         {
             keys.push_back(interface.MACAddress);
         }

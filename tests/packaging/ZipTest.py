@@ -16,13 +16,13 @@ class ZipTest(TestCase):
         root = self.folder / package.stem
         for file in (
             "include/DiscoveryServer.ExtC.h", "include/DiscoveryLibrary.h", "include/DiscoverySession.h",
-            "lib/libDiscoveryServer.ExtC.dll.a", "README.md", "copyright", "docs/getting-started.md", "samples/example.c", "bindings/python/sample.py",
+            "include/DiscoveryInventory.h", "lib/libDiscoveryInventory.dll.a", "lib/libDiscoveryServer.ExtC.dll.a", "README.md", "copyright", "docs/getting-started.md", "samples/example.c", "bindings/python/sample.py",
             "tools/wireshark/discovery.lua",
         ):  # fmt: skip
             self.assertTrue((root / file).is_file(), file)
 
         library = root / "bin/DiscoveryServer.ExtC.dll"
-        for file in (library, root / "bin/discovery-console.exe", root / "bin/device-simulator.exe"):
+        for file in (library, *(root / "bin" / name for name in ("DiscoveryInventory.dll", "discovery-console.exe", "device-simulator.exe"))):
             resource = file.read_bytes().decode("utf-16-le", errors="ignore")
             self.assertRegex(resource, rf"FileVersion\0+{self.version()}\0", file.name)
 

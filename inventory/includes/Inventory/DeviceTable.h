@@ -94,7 +94,7 @@ private:
     EventQueue& events;
     Conflicts conflicts;
     bool isPortHeld = false;
-    Time nextQuestion{Time::min()};
+    Time nextQuestion{0};
     std::uint64_t lastId = 0;
 
     Entries entries;                               // the one longest unseen first

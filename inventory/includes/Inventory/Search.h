@@ -65,7 +65,7 @@ private:
         Over
     };
 
-    static constexpr std::size_t NoTarget = static_cast<std::size_t>(-1);
+    static constexpr std::uint64_t NoTarget = static_cast<std::uint64_t>(-1);
 
     struct Found
     {
@@ -111,10 +111,10 @@ private:
     std::size_t answerers = 0;                 // interfaces that devices answered on in any round
     bool hasForeign = false;                   // a device answered whose address is in no network that can be swept
 
-    AddressSweep list;                  // what is left of them in this round,
-    AddressSweep sweep;                 // and in this and later ones
-    std::size_t answered = NoTarget;    // in the last round of questions to all, as far as that is known
-    std::size_t sweepTarget = NoTarget; // so many answerers end the sweep
+    AddressSweep list;                    // what is left of them in this round,
+    AddressSweep sweep;                   // and in this and later ones
+    std::uint64_t answered = NoTarget;    // in the last round of questions to all, as far as that is known
+    std::uint64_t sweepTarget = NoTarget; // so many answerers end the sweep
     bool isSweepDue = false;
     bool isRefused = false; // there was no route to an address of this sweep
     bool wasSwept = false;  // all addresses of the local networks have been asked

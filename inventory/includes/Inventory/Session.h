@@ -23,7 +23,7 @@ namespace Zent::Discovery::Inventory
 ///         WaitForMessagesUntil(session.NextTime());
 ///     }
 ///
-/// One thread at a time. A time earlier than the latest given counts as that one.
+/// One thread at a time. Times are not negative; one earlier than the latest given counts as that one.
 class Session final
 {
 public:
@@ -76,6 +76,6 @@ private:
     std::optional<Search> search;
     std::size_t roundsTold = 0;
     bool isEndTold = false;
-    Time now{Time::min()};
+    Time now{0};
 };
 } // namespace Zent::Discovery::Inventory

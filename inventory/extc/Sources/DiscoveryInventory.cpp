@@ -1,0 +1,228 @@
+#include "DiscoveryInventory.h"
+
+#include "Inventory/Session.h"
+#include "OptionsReader.h"
+
+#include <cstdio>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+using namespace Zent::Discovery::Inventory;
+
+/// A session and the texts that its host was given last.
+struct DiscoveryInventory
+{
+    Session Engine;
+    std::string Text;
+    std::string Address;
+};
+
+namespace
+{
+enum ResultCode : int
+{
+    Success = 0,
+    ArgumentNull = 9,
+    ArgumentOutOfRange = 10,
+    OutOfMemory = 27,
+    InvalidFormat = static_cast<int>(0xC0090114)
+};
+
+/// Without a destructor, so that a thread may end after the library.
+thread_local char lastError[512] = "";
+
+int Fail(ResultCode code, const char* what) noexcept
+{
+    std::snprintf(lastError, sizeof(lastError), "%s", what);
+    return code;
+}
+
+/// Runs the action unless an argument is null; nothing leaves it.
+template <class TAction, class... TArguments>
+int Guard(TAction&& action, const TArguments*... arguments) noexcept
+{
+    if (((arguments == nullptr) || ...))
+    {
+        return Fail(ArgumentNull, "an argument is null");
+    }
+    try
+    {
+        action();
+        return Success;
+    }
+    catch (const std::out_of_range& error)
+    {
+        return Fail(ArgumentOutOfRange, error.what());
+    }
+    catch (const std::bad_alloc&)
+    {
+        return Fail(OutOfMemory, "out of memory");
+    }
+    catch (const std::exception& error)
+    {
+        return Fail(InvalidFormat, error.what());
+    }
+}
+
+std::string_view OrNothing(const char* text)
+{
+    return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+/// Far from where sums of times end.
+constexpr long long MaximumTime = 1LL << 53;
+
+Time TimeOf(long long now)
+{
+    if (now < 0 || now > MaximumTime)
+    {
+        throw std::out_of_range("the time " + std::to_string(now) + " is not from 0 to " + std::to_string(MaximumTime));
+    }
+    return Time(now);
+}
+
+DeviceMessage::MessageKind KindOf(int message)
+{
+    switch (message)
+    {
+    case DiscoveryInventorySignature:
+        return DeviceMessage::MessageKind::Signature;
+    case DiscoveryInventoryHello:
+        return DeviceMessage::MessageKind::Hello;
+    case DiscoveryInventoryBye:
+        return DeviceMessage::MessageKind::Bye;
+    default:
+        throw std::out_of_range(std::to_string(message) + " is no kind of message");
+    }
+}
+
+int NumberOf(Wish::WishKind kind)
+{
+    switch (kind)
+    {
+    case Wish::WishKind::AskAll:
+        return DiscoveryInventoryAskAll;
+    case Wish::WishKind::AskMAC:
+        return DiscoveryInventoryAskMAC;
+    case Wish::WishKind::AskIP:
+        return DiscoveryInventoryAskIP;
+    case Wish::WishKind::IsReachable:
+        return DiscoveryInventoryIsReachable;
+    case Wish::WishKind::CountLost:
+        return DiscoveryInventoryCountLost;
+    }
+    return DiscoveryInventoryNoWish;
+}
+
+/// Keeps the text for the host.
+const char* Give(DiscoveryInventory* session, std::string text)
+{
+    session->Text = std::move(text);
+    return session->Text.c_str();
+}
+} // namespace
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryCreate(const char* optionsJson, DiscoveryInventory** session)
+{
+    return Guard(
+        [&] {
+            *session = nullptr;
+            *session = new DiscoveryInventory{Session(OptionsReader::ReadTableOptions(OrNothing(optionsJson))), {}, {}};
+        },
+        session);
+}
+
+void DISCOVERY_INVENTORY_CALL DiscoveryInventoryFree(DiscoveryInventory* session)
+{
+    delete session;
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryFeed(DiscoveryInventory* session,
+                                                    int message,
+                                                    const char* hostJson,
+                                                    long long now)
+{
+    return Guard([&] { session->Engine.Feed({KindOf(message), hostJson}, TimeOf(now)); }, session, hostJson);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryAdvanceTime(DiscoveryInventory* session, long long now)
+{
+    return Guard([&] { session->Engine.Advance(TimeOf(now)); }, session);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextWish(DiscoveryInventory* session, DiscoveryInventoryWish* wish)
+{
+    return Guard(
+        [&] {
+            std::optional<Wish> next = session->Engine.NextWish();
+            session->Address = next ? std::move(next->Address) : std::string();
+            *wish = {next ? NumberOf(next->Kind) : DiscoveryInventoryNoWish, session->Address.c_str(),
+                     next ? next->Id : 0};
+        },
+        session, wish);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryAnswerWish(DiscoveryInventory* session, long long id, long long value)
+{
+    return Guard([&] { session->Engine.Answer(id, value); }, session);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextEvent(DiscoveryInventory* session, const char** eventJson)
+{
+    return Guard(
+        [&] {
+            const std::optional<Event> event = session->Engine.NextEvent();
+            *eventJson = event ? Give(session, event->ToJson()) : nullptr;
+        },
+        session, eventJson);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextTime(DiscoveryInventory* session, long long* time)
+{
+    return Guard([&] { *time = session->Engine.NextTime().count(); }, session, time);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventorySetPortHeld(DiscoveryInventory* session, int isHeld, long long now)
+{
+    return Guard([&] { session->Engine.SetPortHeld(isHeld != 0, TimeOf(now)); }, session);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventorySnapshot(DiscoveryInventory* session, const char** json)
+{
+    return Guard([&] { *json = Give(session, session->Engine.ToJson()); }, session, json);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryStartSearch(DiscoveryInventory* session,
+                                                           const char* optionsJson,
+                                                           long long now)
+{
+    return Guard(
+        [&] { session->Engine.StartSearch(OptionsReader::ReadSearchOptions(OrNothing(optionsJson)), TimeOf(now)); },
+        session);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryStopSearch(DiscoveryInventory* session, long long now)
+{
+    return Guard([&] { session->Engine.StopSearch(TimeOf(now)); }, session);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventorySearchState(DiscoveryInventory* session, int* isOver, const char** json)
+{
+    return Guard(
+        [&] {
+            const SearchReport* const report = session->Engine.SearchState();
+            *json = report == nullptr ? nullptr : Give(session, report->ToJson());
+            if (isOver != nullptr)
+            {
+                *isOver = report != nullptr && report->IsOver ? 1 : 0;
+            }
+        },
+        session, json);
+}
+
+const char* DISCOVERY_INVENTORY_CALL DiscoveryInventoryGetLastError(void)
+{
+    return lastError;
+}

@@ -1,0 +1,310 @@
+#ifndef DISCOVERY_INVENTORY_H
+#define DISCOVERY_INVENTORY_H
+
+/**
+ * @file
+ * DiscoveryInventory: which devices are on the network, what becomes of them, and whether that is all of them.
+ *
+ * It stands beside DiscoveryServer.ExtC, which talks with the devices, and does nothing by itself: the host feeds a
+ * session with the documents of its callbacks and with the time, carries out the session's wishes, and takes its
+ * events. It opens no socket, starts no thread, and reads no clock.
+ *
+ * @par Sample
+ * TakeMessage, TellTime, HasRoute, CountLost and Show are the host's.
+ * @code
+ *     void Watch(DiscoveryInventory* session)
+ *     {
+ *         const char* text;
+ *         DiscoveryInventoryWish wish;
+ *         for (int message; (message = TakeMessage(&text)) >= 0;)
+ *             DiscoveryInventoryFeed(session, message, text, TellTime());
+ *         DiscoveryInventoryAdvanceTime(session, TellTime());
+ *         while (DiscoveryInventoryNextWish(session, &wish) == 0 && wish.kind != DiscoveryInventoryNoWish)
+ *         {
+ *             if (wish.kind == DiscoveryInventoryAskAll)
+ *                 Discover();
+ *             else if (wish.kind == DiscoveryInventoryAskMAC)
+ *                 RefreshClient(wish.address);
+ *             else if (wish.kind == DiscoveryInventoryAskIP)
+ *                 ReachClient(wish.address);
+ *             else if (wish.kind == DiscoveryInventoryIsReachable)
+ *                 DiscoveryInventoryAnswerWish(session, wish.id, HasRoute(wish.address));
+ *             else
+ *                 DiscoveryInventoryAnswerWish(session, wish.id, CountLost());
+ *         }
+ *         while (DiscoveryInventoryNextEvent(session, &text) == 0 && text != NULL)
+ *             Show(text);
+ *     }
+ * @endcode
+ * A host calls this again and again: when a message has come, and at the time that DiscoveryInventoryNextTime says.
+ *
+ * @par Wishes
+ *     They are to be carried out in their order, and those that expect an answer to be answered before the next one is
+ *     taken. HasRoute of the sample is 1 when the system has a route to the address, and 0 otherwise; a UDP socket that
+ *     is connected to it tells, and nothing may be sent. For ReachClient to an address without a route makes the
+ *     library lose its socket and restart. CountLost is how many datagrams to the library's port this machine has
+ *     dropped since any moment (on Linux a column of /proc/net/udp), or -1 where the system does not tell.
+ *
+ * @par Events
+ *     {"Event":"Appeared","When":1500,"Device":{"Host":{...},"SourceNIC":{...}}}. Device is the document as the
+ *     callback gave it. Events are Appeared, Changed, Left (it said Bye), Gone (it answers no more), Returned,
+ *     Flapping (it comes and goes, and no Left, Gone and Returned are told until it has Settled), Settled, Forgotten
+ *     (it gave way to another one in a full table), Conflict, PortHeld, PortReleased, RoundEnded and SearchEnded.
+ *     Changed and Returned may have "Changes":[{"Property":"HostName","Before":"a","After":"b"}], in which what was not
+ *     there is left out; Conflict has "Conflict":{"Kind":"mac"|"ip"|"name","Value":"10.0.0.5","Count":2,
+ *     "First":{document},"Second":{document}}, and the two last "Search":{report}.
+ *
+ * @par Reports
+ *     {"Devices":1000,"Rounds":[{"Asked":"all","Answers":981,"New":981,"Lost":12},...],"LostHere":12,
+ *     "EstimatedUnseen":0.0,"Complete":true,"Seconds":2.1}. Asked is all, sweep or list; what is unknown is null.
+ *
+ * @par Text
+ *     All text is 8-bit and ends with NUL. Options are JSON; unknown members are refused. Text from a device is passed
+ *     on as it came: it may hold invalid UTF-8.
+ *
+ * @par Ownership
+ *     Arguments belong to the caller and are copied. Text that a function gives belongs to the session and lasts until
+ *     the next call with the same session.
+ *
+ * @par Threads
+ *     Any thread, but one at a time for each session. The callbacks of DiscoveryServer.ExtC run on a thread of their
+ *     own: hand their documents over, or lock.
+ *
+ * @par Time
+ *     Milliseconds since any moment, from 0 to 2^53, by a clock that is never set back. An earlier time than before
+ *     counts as that one.
+ *
+ * @par Result codes
+ *     0 is success. A call that fails changes nothing; DiscoveryInventoryGetLastError tells what is wrong.
+ *
+ *                  9  ArgumentNull
+ *                 10  ArgumentOutOfRange
+ *                 27  OutOfMemory
+ *         0xC0090114  Invalid Format      options or a document are not what they should be
+ *
+ * @par Binary interface
+ *     On 32-bit Windows every function is __stdcall, and the DLL exports the decorated names, such as
+ *     _DiscoveryInventoryCreate@8. Elsewhere the platform's C convention and the plain names apply.
+ */
+
+#if defined(_WIN32)
+#define DISCOVERY_INVENTORY_CALL __stdcall
+/* The DLL exports by its module definition file: dllexport would add a second, differently decorated set of names. */
+#define DISCOVERY_INVENTORY_API
+#else
+#define DISCOVERY_INVENTORY_CALL
+#define DISCOVERY_INVENTORY_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C"
+{
+#endif
+
+    /** A session: a table of devices, and at most one search at a time. */
+    typedef struct DiscoveryInventory DiscoveryInventory;
+
+    /** Which callback a document came from. */
+    enum DiscoveryInventoryMessage
+    {
+        DiscoveryInventorySignature = 0,
+        DiscoveryInventoryHello = 1,
+        DiscoveryInventoryBye = 2
+    };
+
+    /** What a session wishes. */
+    enum DiscoveryInventoryWishKind
+    {
+        DiscoveryInventoryNoWish = 0,
+        DiscoveryInventoryAskAll = 1,      /**< call Discover */
+        DiscoveryInventoryAskMAC = 2,      /**< call RefreshClient with the address */
+        DiscoveryInventoryAskIP = 3,       /**< call ReachClient with the address */
+        DiscoveryInventoryIsReachable = 4, /**< answer with 1 when there is a route to the address, or with 0 */
+        DiscoveryInventoryCountLost = 5    /**< answer with the number of datagrams lost by now, or with -1 */
+    };
+
+    /** A wish of a session. */
+    typedef struct DiscoveryInventoryWish
+    {
+        int kind;            /**< one of DiscoveryInventoryWishKind */
+        const char* address; /**< empty where the kind has none */
+        long long id;        /**< to answer with */
+    } DiscoveryInventoryWish;
+
+    /**
+     * Makes a session. Its options are a JSON object with any of these members (shown with what holds without them):
+     *
+     *     {"MaximumDevices":10000,   the device longest unseen gives way to a new one
+     *      "AskEvery":10000,         milliseconds from one question to all devices to the next; 0 asks nobody
+     *      "StaleAfter":15000,       milliseconds of silence after which a device is asked by itself
+     *      "AnswerTime":1000,        milliseconds from such a question to the next one
+     *      "Misses":8,               so many of them unanswered and the device is gone
+     *      "AcceptedConflicts":[]}   not told, such as "ip:10.0.0.5", "name:press-4" or "mac:00:1A:2B:3C:4D:5E"
+     *
+     * @param optionsJson the options; null or empty for the usual ones.
+     * @param session     where the session is put, or null when there is none; DiscoveryInventoryFree ends it.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryCreate(const char* optionsJson,
+                                                                                  DiscoveryInventory** session);
+
+    /**
+     * Ends a session.
+     *
+     * @param session the session; null is allowed.
+     */
+    DISCOVERY_INVENTORY_API void DISCOVERY_INVENTORY_CALL DiscoveryInventoryFree(DiscoveryInventory* session);
+
+    /**
+     * Takes what a callback was given.
+     *
+     * @param session  the session.
+     * @param message  which callback: one of DiscoveryInventoryMessage.
+     * @param hostJson the document.
+     * @param now      the time.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryFeed(DiscoveryInventory* session,
+                                                                                int message,
+                                                                                const char* hostJson,
+                                                                                long long now);
+
+    /**
+     * Lets time go on. New wishes and events may come of it.
+     *
+     * @param session the session.
+     * @param now     the time.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryAdvanceTime(DiscoveryInventory* session,
+                                                                                       long long now);
+
+    /**
+     * Gives the next wish.
+     *
+     * @param session the session.
+     * @param wish    where it is put; its kind is DiscoveryInventoryNoWish when there is none.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextWish(DiscoveryInventory* session,
+                                                                                    DiscoveryInventoryWish* wish);
+
+    /**
+     * Answers a wish. An id that waits for no answer is left out.
+     *
+     * @param session the session.
+     * @param id      of the wish.
+     * @param value   the answer.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryAnswerWish(DiscoveryInventory* session,
+                                                                                      long long id,
+                                                                                      long long value);
+
+    /**
+     * Gives the next event. A session whose host takes none keeps the latest 65536.
+     *
+     * @param session   the session.
+     * @param eventJson where the document is put; null when there is no event.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextEvent(DiscoveryInventory* session,
+                                                                                     const char** eventJson);
+
+    /**
+     * Tells when DiscoveryInventoryAdvanceTime is to be called again, at the latest, if nothing comes before.
+     *
+     * @param session the session.
+     * @param time    where the time is put.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextTime(DiscoveryInventory* session,
+                                                                                    long long* time);
+
+    /**
+     * Says whether another program holds the library's port and receives the answers in its stead. As long as one does,
+     * no device is told to be gone.
+     *
+     * @param session the session.
+     * @param isHeld  not 0 when one does.
+     * @param now     the time.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventorySetPortHeld(DiscoveryInventory* session,
+                                                                                       int isHeld,
+                                                                                       long long now);
+
+    /**
+     * Gives all devices:
+     *
+     *     {"Now":1500,"LostEvents":0,
+     *      "Devices":[{"State":"present","Here":true,"FirstSeen":0,"LastSeen":1500,"Source":"00:1A:2B:3C:4D:5E",
+     *                  "Changes":[{"When":900,"Property":"HostName","Before":"a","After":"b"}],"Device":{document}}],
+     *      "Search":{report}}
+     *
+     * State is present, stale (silent), asked, gone, left or flapping; Source is the interface that the device was
+     * heard from; Changes are those since it was first seen; Search is null when there was none.
+     *
+     * @param session the session.
+     * @param json    where the document is put.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventorySnapshot(DiscoveryInventory* session,
+                                                                                    const char** json);
+
+    /**
+     * Starts a search, in the place of one that may be running. It asks until all answers are accounted for, and ends
+     * with the event SearchEnded. Its options are a JSON object with any of these members (shown with what holds
+     * without them):
+     *
+     *     {"Wait":10000,     milliseconds after which it ends even if it is not complete
+     *      "Once":false,     asks all devices a single time, and waits until the end
+     *      "Expect":0,       so many devices end it; 0 when their number is unknown
+     *      "Sweep":true,     may ask the addresses of local networks one by one when answers were lost, which looks
+     * like a scan to those who watch the network "Networks":[],    this machine's addresses and networks, such as
+     * "192.168.1.10/24" "Also":[]}        addresses elsewhere that are asked one by one, such as "10.2.0.5" and
+     * "10.2.1.0/26"
+     *
+     * @param session     the session.
+     * @param optionsJson the options; null or empty for the usual ones.
+     * @param now         the time.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryStartSearch(DiscoveryInventory* session,
+                                                                                       const char* optionsJson,
+                                                                                       long long now);
+
+    /**
+     * Ends the search as it is. Nothing happens when none runs.
+     *
+     * @param session the session.
+     * @param now     the time.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryStopSearch(DiscoveryInventory* session,
+                                                                                      long long now);
+
+    /**
+     * Gives the report of the search that was started last, as it is by now.
+     *
+     * @param session the session.
+     * @param isOver  where 1 is put when it has ended, and 0 otherwise; may be null.
+     * @param json    where the report is put; null when no search was started.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventorySearchState(DiscoveryInventory* session,
+                                                                                       int* isOver,
+                                                                                       const char** json);
+
+    /**
+     * Tells what was wrong with the last call of this thread that failed.
+     *
+     * @return the text, for people; never null, and valid until the next failure.
+     */
+    DISCOVERY_INVENTORY_API const char* DISCOVERY_INVENTORY_CALL DiscoveryInventoryGetLastError(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

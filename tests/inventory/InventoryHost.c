@@ -1,0 +1,175 @@
+/* A host written in C: devices and time are its own, the loop is the sample of the header. */
+
+#include "DiscoveryInventory.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+enum
+{
+    DeviceCount = 3
+};
+
+static long long now = 1000;
+static int waiting[DeviceCount]; /* answers that have not yet been taken */
+static char document[DeviceCount][200];
+static char shown[20000]; /* events */
+static int questionsByMAC;
+static int questionsByIP;
+static int isSilent;
+
+#define CHECK(condition)                                                                                               \
+    do                                                                                                                 \
+    {                                                                                                                  \
+        if (!(condition))                                                                                              \
+        {                                                                                                              \
+            printf("line %d: %s; the last error is: %s\n", __LINE__, #condition, DiscoveryInventoryGetLastError());    \
+            exit(1);                                                                                                   \
+        }                                                                                                              \
+    } while (0)
+
+static int TakeMessage(const char** text)
+{
+    for (int i = 0; i < DeviceCount; ++i)
+    {
+        if (waiting[i] > 0)
+        {
+            --waiting[i];
+            *text = document[i];
+            return DiscoveryInventorySignature;
+        }
+    }
+    return -1;
+}
+
+static long long TellTime(void)
+{
+    return now;
+}
+
+static long long HasRoute(const char* address)
+{
+    return strncmp(address, "10.0.0.", 7) == 0;
+}
+
+static long long CountLost(void)
+{
+    return 0;
+}
+
+static void Show(const char* event)
+{
+    CHECK(strlen(shown) + strlen(event) + 2 < sizeof(shown));
+    strcat(shown, event);
+    strcat(shown, "\n");
+}
+
+/* The functions of the library that talks with devices. */
+
+static void Discover(void)
+{
+    for (int i = 0; i < DeviceCount; ++i)
+    {
+        waiting[i] += isSilent ? 0 : 1;
+    }
+}
+
+static void RefreshClient(const char* address)
+{
+    CHECK(strlen(address) == 17);
+    ++questionsByMAC;
+}
+
+static void ReachClient(const char* address)
+{
+    CHECK(HasRoute(address));
+    ++questionsByIP;
+}
+
+static void Watch(DiscoveryInventory* session);
+
+#include "HeaderSample.h"
+
+static void Run(DiscoveryInventory* session, long long until)
+{
+    while (now < until)
+    {
+        long long next;
+        Watch(session);
+        CHECK(DiscoveryInventoryNextTime(session, &next) == 0);
+        now = next > now && next < until ? next : now + 1;
+    }
+}
+
+static int CountShown(const char* text)
+{
+    int count = 0;
+    for (const char* at = strstr(shown, text); at != NULL; at = strstr(at + 1, text))
+    {
+        ++count;
+    }
+    return count;
+}
+
+static void TestRefusals(DiscoveryInventory* session)
+{
+    const int invalidFormat = (int)0xC0090114;
+    const char* text = "";
+    DiscoveryInventory* none = session;
+    CHECK(DiscoveryInventoryCreate("{\"Misses\":0}", &none) == invalidFormat);
+    CHECK(none == NULL);
+    CHECK(strcmp(DiscoveryInventoryGetLastError(), "options: \"Misses\" 0 is no whole number from 1 to 1000") == 0);
+    CHECK(DiscoveryInventoryCreate("{\n \"Misses\":}", &none) == invalidFormat);
+    CHECK(strstr(DiscoveryInventoryGetLastError(), "line 2, column 11") != NULL);
+    CHECK(DiscoveryInventoryCreate("{\"misses\":1}", &none) == invalidFormat);
+    CHECK(strstr(DiscoveryInventoryGetLastError(), "there is no \"misses\"; there are AcceptedConflicts,") != NULL);
+    CHECK(DiscoveryInventoryStartSearch(session, "{\"Also\":[\"10.0.0.300\"]}", now) == invalidFormat);
+    CHECK(strstr(DiscoveryInventoryGetLastError(), "\"Also\": \"10.0.0.300\" is no IPv4 address") != NULL);
+    CHECK(DiscoveryInventorySearchState(session, NULL, &text) == 0 && text == NULL);
+    CHECK(DiscoveryInventoryFeed(session, 0, "{\"Host\":", now) == invalidFormat);
+    CHECK(DiscoveryInventoryFeed(session, 3, "{\"Host\":{}}", now) == 10);
+    CHECK(DiscoveryInventoryFeed(session, 0, NULL, now) == 9);
+    CHECK(DiscoveryInventoryAdvanceTime(session, -1) == 10);
+    CHECK(DiscoveryInventoryAdvanceTime(NULL, now) == 9);
+    CHECK(DiscoveryInventorySnapshot(session, &text) == 0);
+    CHECK(strcmp(text, "{\"Now\":1000,\"LostEvents\":0,\"Devices\":[],\"Search\":null}") == 0);
+    DiscoveryInventoryFree(NULL);
+}
+
+int main(void)
+{
+    DiscoveryInventory* session;
+    const char* text;
+    int isOver;
+    for (int i = 0; i < DeviceCount; ++i)
+    {
+        sprintf(document[i],
+                "{\"Host\":{\"HostName\":\"press-%d\",\"NICs\":[{\"MACAddress\":\"02:00:00:00:00:0%d\","
+                "\"IPAddress\":\"10.0.%d.7\"}]}}",
+                i, i, i);
+    }
+    CHECK(DiscoveryInventoryCreate("{\"AskEvery\":5000,\"StaleAfter\":8000,\"Misses\":4}", &session) == 0);
+    TestRefusals(session);
+
+    CHECK(DiscoveryInventoryStartSearch(session, "{\"Networks\":[\"10.0.0.1/24\"]}", now) == 0);
+    Run(session, 4000);
+    CHECK(DiscoveryInventorySearchState(session, &isOver, &text) == 0);
+    CHECK(isOver == 1);
+    CHECK(strstr(text, "\"Devices\":3,") != NULL && strstr(text, "\"Complete\":true") != NULL);
+    CHECK(CountShown("\"Appeared\"") == DeviceCount && CountShown("\"SearchEnded\"") == 1);
+    CHECK(DiscoveryInventorySnapshot(session, &text) == 0);
+    CHECK(strstr(text, "\"State\":\"present\",\"Here\":true,\"FirstSeen\":1020,") != NULL);
+
+    isSilent = 1;
+    CHECK(DiscoveryInventorySetPortHeld(session, 1, now) == 0);
+    Run(session, 40000);
+    CHECK(CountShown("\"Gone\"") == 0 && CountShown("\"PortHeld\"") == 1);
+    CHECK(DiscoveryInventorySetPortHeld(session, 0, now) == 0);
+    Run(session, 60000);
+    CHECK(CountShown("\"Gone\"") == DeviceCount);
+    CHECK(questionsByMAC > 0 && questionsByIP > 0); /* the one with a route */
+    CHECK(DiscoveryInventoryStopSearch(session, now) == 0);
+    DiscoveryInventoryFree(session);
+    return 0;
+}
