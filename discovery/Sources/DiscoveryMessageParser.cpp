@@ -86,7 +86,7 @@ void DiscoveryMessageParser::ProcessNext()
     }
     else
     {
-        pending.Await();
+        Log().Guard("Error while waiting for messages", [this] { pending.Await(); });
     }
 }
 

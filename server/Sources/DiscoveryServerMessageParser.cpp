@@ -66,9 +66,10 @@ Event<ServerActionArgs>& DiscoveryServerMessageParser::ActionReady()
 void DiscoveryServerMessageParser::ProcessDatagram(const SmartPointer<Datagram>& datagram)
 {
     const String& text = *datagram->Message;
-    const SmartPointer<DiscoveryMessage> message = Deserialize(text);
+    const SmartPointer<DiscoveryMessage> message = Deserialize(*datagram);
     if (!IsAccepted(message->Version))
     {
+        LogSender(*datagram);
         return;
     }
     const DiscoveryMessageType type = message->GetMessageType();
@@ -87,12 +88,13 @@ void DiscoveryServerMessageParser::ProcessDatagram(const SmartPointer<Datagram>&
     actionReady.Raise(this, ServerActionArgs(create(message), static_cast<std::int64_t>(text.Length())));
 }
 
-SmartPointer<DiscoveryMessage> DiscoveryServerMessageParser::Deserialize(const String& text) const
+SmartPointer<DiscoveryMessage> DiscoveryServerMessageParser::Deserialize(const Datagram& datagram) const
 {
     SmartPointer<DiscoveryMessage> message;
-    Attempt([&] { message = deserializer.Deserialize(text); },
-            [this](const Exception&) {
+    Attempt([&] { message = deserializer.Deserialize(*datagram.Message); },
+            [&](const Exception&) {
                 Log().Write("Message dropped : bad format !", LogStreamLevel::Critical);
+                LogSender(datagram);
                 throw; // the loop adds a line of its own
             });
     return message;
@@ -114,6 +116,15 @@ bool DiscoveryServerMessageParser::IsAccepted(const Version& version) const
         return false;
     }
     return true;
+}
+
+void DiscoveryServerMessageParser::LogSender(const Datagram& datagram) const
+{
+    if (ComponentLog::IsEnabled(LogStreamLevel::Debug))
+    {
+        Log().Write("Sender of the dropped message : " + datagram.RemoteEndPoint->Address().ToString(),
+                    LogStreamLevel::Debug);
+    }
 }
 
 void DiscoveryServerMessageParser::LogType(const DiscoveryMessageType& type, const LogStreamLevel& level) const

@@ -65,7 +65,7 @@ protected:
     void Give(const std::string& text)
     {
         const SmartPointer<String> message(new String(text.data(), text.size()));
-        parser.Enqueue(SmartPointer<Datagram>(new Datagram(message, IPEndPoint(IPAddress(), 0))));
+        parser.Enqueue(SmartPointer<Datagram>(new Datagram(message, IPEndPoint(IPAddress::Parse("10.1.2.3"), 0))));
     }
 
     LogCapture log{LogStreamLevel::Debug};
@@ -102,6 +102,7 @@ TEST_F(DiscoveryServerMessageParserTest, DropsVersionsBelowTheMinimumAlone)
     EXPECT_EQ(1, log.Count("|S|           |Version mismatch with received message ! [1.0.18] <> [1.0.9.5]."));
     EXPECT_EQ(1, log.Count("Version mismatch with received message ! [1.0.18] <> [2.0]."));
     EXPECT_EQ(2, log.Count("|C|           |The protocol version of the message is not supported ! Message dropped."));
+    EXPECT_EQ(2, log.Count("|D|           |Sender of the dropped message : 10.1.2.3"));
 }
 
 TEST_F(DiscoveryServerMessageParserTest, WhatIsNoMessageIsDroppedWithItsLines)
@@ -111,6 +112,7 @@ TEST_F(DiscoveryServerMessageParserTest, WhatIsNoMessageIsDroppedWithItsLines)
     EXPECT_TRUE(Process({"", "no JSON", "[1,2]", noHost, unknownType}).empty());
     EXPECT_EQ(5, log.Count("Message dropped : bad format !"));
     EXPECT_EQ(5, log.Count("Invalid format : message dropped"));
+    EXPECT_EQ(5, log.Count("|D|           |Sender of the dropped message : 10.1.2.3"));
     EXPECT_EQ(1, log.Count("No Host key !!! => BAD MESSAGE FORMAT !"));
 }
 } // namespace

@@ -21,8 +21,9 @@ protected:
     void ProcessDatagram(const Nfx::System::SmartPointer<Datagram>& datagram) override;
 
 private:
-    Nfx::System::SmartPointer<DiscoveryMessage> Deserialize(const Nfx::System::String& text) const;
+    Nfx::System::SmartPointer<DiscoveryMessage> Deserialize(const Datagram& datagram) const;
     bool IsAccepted(const Nfx::System::Version& version) const;
+    void LogSender(const Datagram& datagram) const;
     void LogType(const DiscoveryMessageType& type, const Nfx::System::LogStreams::LogStreamLevel& level) const;
 
     const DiscoveryMessageDeserializer deserializer;
