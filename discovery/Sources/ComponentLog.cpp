@@ -63,6 +63,12 @@ void ComponentLog::Write(const char* message, const Exception& exception) const
     }
 }
 
+void ComponentLog::Reject(const char* reason, const char* sourceFile, std::int32_t line) const
+{
+    Write(reason, LogStreamLevel::Critical);
+    throw Exception(Nfx::System::ErrorCodes::InvalidFormat, sourceFile, line);
+}
+
 void ComponentLog::WriteForeign(const char* failure, const char* description) const
 {
     Attempt([&] { Write(failure, Exception(String(description), SourceName, __LINE__)); },

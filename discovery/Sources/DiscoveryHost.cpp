@@ -1,20 +1,16 @@
 #include "Discovery/DiscoveryHost.h"
 
-#include "DefectLog.h"
 #include "Discovery/Attempt.h"
-#include "Discovery/DiscoveryLogger.h"
+#include "Discovery/ComponentLog.h"
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Immortal.h"
 
 #include <utility>
 
-using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
 using Nfx::System::Collections::Generic::List;
-using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Zent::Utils::Json::JSONArray;
 using Zent::Utils::Json::JSONKey;
@@ -36,11 +32,7 @@ constexpr JSONKey NICsKey("NICs");
 constexpr JSONKey ProductsKey("Products");
 constexpr JSONKey FileTransferInfosKey("FileTransferInfos");
 
-const LogStreamChannel& Channel()
-{
-    static const Immortal<LogStreamChannel> channel("DiscoveryMessage");
-    return channel.Get();
-}
+constexpr auto& Log = ComponentLog::Of<"DiscoveryMessage">;
 
 template <class T>
 void ReadList(const JSONArray& array, List<SmartPointer<T>>& list)
@@ -126,7 +118,7 @@ void DiscoveryHost::ReadFileTransferInfos(const JSONObject& json)
     FileTransferInfos = SmartPointer<Zent::Discovery::FileTransferInfos>::Create();
     if (!Attempt([&] { FileTransferInfos->ReadFrom(json.GetJSONObject(FileTransferInfosKey)); }))
     {
-        DefectLog::Write(Channel(), "No FileTransfer infos or failed to parse JSON data", LogStreamLevel::Standard);
+        Log().Write("No FileTransfer infos or failed to parse JSON data", LogStreamLevel::Standard);
     }
 }
 
@@ -137,8 +129,7 @@ String DiscoveryHost::FileTransferInfosText() const
     {
         Attempt([&] { text = FileTransferInfos->ToJson(); },
                 [](const Nfx::System::Exception& exception) {
-                    DiscoveryLogger::GetInstance().Log(
-                        Channel(), "Exception caught during JSON FileTransfer infos parsing -> ignoring.", exception);
+                    Log().Write("Exception caught during JSON FileTransfer infos parsing -> ignoring.", exception);
                 });
     }
     return text;

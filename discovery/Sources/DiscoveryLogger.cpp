@@ -50,11 +50,12 @@ void DiscoveryLogger::Init(const String& newFilePath, const LogStreamLevel& newL
     const LogStreamHeader header{ProductInfo::Author, ProductInfo::Company, ProductInfo::Product};
     const SmartPointer<LogStream> opened(new LogStream(fullPath, level, header));
     opened->SetFileCount(KeptFiles);
-    if (level == LogStreamLevel::Debug)
+    const std::int32_t highest = level == LogStreamLevel::None ? NothingWritten : std::int32_t{level};
+    if (highest >= LogStreamLevel::Debug)
     {
         opened->SetMaximumSize(DebugMaximumSize);
     }
-    SetStream(opened, level == LogStreamLevel::None ? NothingWritten : std::int32_t{level});
+    SetStream(opened, highest);
 }
 
 void DiscoveryLogger::Log(const LogStreamChannel& channel, const String& message, const LogStreamLevel& messageLevel)

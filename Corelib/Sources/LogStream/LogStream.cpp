@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 #include <new>
 
@@ -33,9 +34,12 @@ private:
     const std::int64_t start = Os::Platform().DateTime().MonotonicMicroseconds();
 };
 
+/// The first letter of the level's name.
 char TypeOf(const LogStreamLevel& level)
 {
-    return level <= LogStreamLevel::Critical ? 'C' : (level == LogStreamLevel::Standard ? 'S' : 'D');
+    const auto* const row = std::find_if(std::begin(LogStreamLevel::Names), std::end(LogStreamLevel::Names),
+                                         [&level](const EnumName& name) { return name.Value == level; });
+    return row == std::end(LogStreamLevel::Names) ? ' ' : *row->Name;
 }
 
 std::int32_t HighestLevelOf(const LogStreamLevel& level)

@@ -1,13 +1,10 @@
 #include "Discovery/Message/ChangeYourHostNameMessage.h"
 
-#include "DefectLog.h"
+#include "Discovery/ComponentLog.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Immortal.h"
 
-using Nfx::System::Immortal;
 using Nfx::System::String;
-using Nfx::System::LogStreams::LogStreamChannel;
 using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
@@ -20,11 +17,7 @@ const char SourceName[] = "Sources/Message/ChangeYourHostNameMessage";
 constexpr JSONKey NewHostNameKey("NewHostName");
 constexpr JSONKey TargetedMACAddressKey("TargetedMACAddress");
 
-const LogStreamChannel& Channel()
-{
-    static const Immortal<LogStreamChannel> channel("ChangeYourHostNameMessage");
-    return channel.Get();
-}
+constexpr auto& Log = ComponentLog::Of<"ChangeYourHostNameMessage">;
 } // namespace
 
 ChangeYourHostNameMessage::ChangeYourHostNameMessage(const Nfx::System::Version& version)
@@ -73,13 +66,12 @@ void ChangeYourHostNameMessage::ReadFrom(const JSONObject& json)
     DiscoveryMessage::ReadFrom(json);
     if (!json.TryGetString(NewHostNameKey, NewHostName))
     {
-        DefectLog::Reject(Channel(), "No \"New HostName\" key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+        Log().Reject("No \"New HostName\" key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     String target;
     if (!json.TryGetString(TargetedMACAddressKey, target))
     {
-        DefectLog::Reject(Channel(), "No \"Targeted MACAddress\" key !!! => BAD MESSAGE FORMAT !", SourceName,
-                          __LINE__);
+        Log().Reject("No \"Targeted MACAddress\" key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     TargetedMACAddress = MACAddress::Parse(target);
 }

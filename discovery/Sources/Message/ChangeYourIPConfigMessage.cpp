@@ -1,20 +1,17 @@
 #include "Discovery/Message/ChangeYourIPConfigMessage.h"
 
-#include "DefectLog.h"
 #include "Discovery/Attempt.h"
+#include "Discovery/ComponentLog.h"
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Immortal.h"
 #include "system/Int32.h"
 
 #include <utility>
 
-using Nfx::System::Immortal;
 using Nfx::System::Int32;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
-using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Zent::Utils::Json::JSONArray;
 using Zent::Utils::Json::JSONKey;
@@ -29,11 +26,7 @@ const char SourceName[] = "Sources/Message/ChangeYourIPConfigMessage";
 constexpr JSONKey NewNICConfigsKey("NewNICConfigs");
 constexpr std::int32_t MaximumDefectLines = 64; // of one message, so that 64 KiB do not write megabytes
 
-const LogStreamChannel& Channel()
-{
-    static const Immortal<LogStreamChannel> channel("ChangeYourIPConfigMessage");
-    return channel.Get();
-}
+constexpr auto& Log = ComponentLog::Of<"ChangeYourIPConfigMessage">;
 
 /// Empty when the element is no good settings.
 SmartPointer<NICConfig> ReadNICConfig(const JSONArray& array, std::int32_t index)
@@ -53,7 +46,7 @@ void LogDefect(std::int32_t defects)
 {
     if (defects <= MaximumDefectLines)
     {
-        DefectLog::Write(Channel(), "Failed to parse NIC config !!! Ignoring this one...", LogStreamLevel::Critical);
+        Log().Write("Failed to parse NIC config !!! Ignoring this one...", LogStreamLevel::Critical);
     }
 }
 
@@ -63,8 +56,7 @@ void LogUnnamedDefects(std::int32_t defects)
     if (defects > MaximumDefectLines)
     {
         const String count = Int32(defects - MaximumDefectLines).ToString();
-        DefectLog::Write(Channel(), ("Failed to parse NIC config !!! Ignoring " + count + " more...").CString(),
-                         LogStreamLevel::Critical);
+        Log().Write("Failed to parse NIC config !!! Ignoring " + count + " more...", LogStreamLevel::Critical);
     }
 }
 } // namespace
@@ -109,7 +101,7 @@ void ChangeYourIPConfigMessage::ReadFrom(const JSONObject& json)
     JSONArray array;
     if (!json.TryGetJSONArray(NewNICConfigsKey, array))
     {
-        DefectLog::Reject(Channel(), "No \"New NIC Configs\" key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+        Log().Reject("No \"New NIC Configs\" key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     NewNICConfigs.Clear();
     std::int32_t defects = 0;

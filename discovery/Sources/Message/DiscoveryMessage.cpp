@@ -1,6 +1,6 @@
 #include "Discovery/Message/DiscoveryMessage.h"
 
-#include "DefectLog.h"
+#include "Discovery/ComponentLog.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
 #include "system/Immortal.h"
@@ -8,7 +8,6 @@
 using Nfx::System::Boolean;
 using Nfx::System::Immortal;
 using Nfx::System::String;
-using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
@@ -23,17 +22,13 @@ constexpr JSONKey TypeKey("DiscoveryMessageType");
 constexpr JSONKey VersionKey("DiscoveryVersion");
 constexpr JSONKey BroadcastKey("Broadcast");
 
-const LogStreamChannel& Channel()
-{
-    static const Immortal<LogStreamChannel> channel("DiscoveryMessage");
-    return channel.Get();
-}
+constexpr auto& Log = ComponentLog::Of<"DiscoveryMessage">;
 
 void RequireTypeName(const JSONObject& json)
 {
     if (!json.HasString(TypeKey))
     {
-        DefectLog::Reject(Channel(), "No message type key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+        Log().Reject("No message type key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
 }
 
@@ -42,14 +37,13 @@ Boolean ReadBroadcast(const JSONObject& json)
     String text;
     if (!json.TryGetString(BroadcastKey, text))
     {
-        DefectLog::Write(Channel(), "No Broadcast key. Assuming broadcast message.", LogStreamLevel::Debug);
+        Log().Write("No Broadcast key. Assuming broadcast message.", LogStreamLevel::Debug);
         return true;
     }
     Boolean broadcast;
     if (!Boolean::TryParse(text, broadcast))
     {
-        DefectLog::Reject(Channel(), "No valid value for Broadcast key !!! => BAD MESSAGE FORMAT !", SourceName,
-                          __LINE__);
+        Log().Reject("No valid value for Broadcast key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     return broadcast;
 }
@@ -107,7 +101,7 @@ void DiscoveryMessage::ReadFrom(const JSONObject& json)
     String version;
     if (!json.TryGetString(VersionKey, version))
     {
-        DefectLog::Reject(Channel(), "No version key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+        Log().Reject("No version key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     Version = Nfx::System::Version::Parse(version);
     Broadcast = ReadBroadcast(json);

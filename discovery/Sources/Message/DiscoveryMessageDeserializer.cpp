@@ -1,6 +1,6 @@
 #include "Discovery/Message/DiscoveryMessageDeserializer.h"
 
-#include "DefectLog.h"
+#include "Discovery/ComponentLog.h"
 #include "Discovery/Message/AllSendYourSignatureMessage.h"
 #include "Discovery/Message/ByeMessage.h"
 #include "Discovery/Message/ChangeYourHostNameMessage.h"
@@ -10,14 +10,11 @@
 #include "Discovery/Message/SignatureBroadcastMessage.h"
 #include "Json/JSONObject.h"
 #include "system/Exceptions.h"
-#include "system/Immortal.h"
 
 #include <iterator>
 
-using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
-using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Zent::Utils::Json::JSONObject;
 
@@ -25,11 +22,7 @@ namespace Zent::Discovery
 {
 namespace
 {
-const LogStreamChannel& Channel()
-{
-    static const Immortal<LogStreamChannel> channel("DiscoveryMessageDeserializer");
-    return channel.Get();
-}
+constexpr auto& Log = ComponentLog::Of<"DiscoveryMessageDeserializer">;
 
 template <class T>
 SmartPointer<DiscoveryMessage> Create()
@@ -78,7 +71,7 @@ SmartPointer<DiscoveryMessage> DiscoveryMessageDeserializer::CreateMessage(const
             return creator.Create();
         }
     }
-    DefectLog::Write(Channel(), "Message type not supported !!!", LogStreamLevel::Critical);
+    Log().Write("Message type not supported !!!", LogStreamLevel::Critical);
     throw Nfx::System::Exception(Nfx::System::ErrorCodes::VariableTypeWrong,
                                  "Sources/Message/DiscoveryMessageDeserializer", __LINE__);
 }

@@ -1,13 +1,10 @@
 #include "Discovery/Message/SendYourSignatureMessage.h"
 
-#include "DefectLog.h"
+#include "Discovery/ComponentLog.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Immortal.h"
 
-using Nfx::System::Immortal;
 using Nfx::System::String;
-using Nfx::System::LogStreams::LogStreamChannel;
 using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
 using Zent::Utils::Json::JSONStringer;
@@ -19,11 +16,7 @@ namespace
 const char SourceName[] = "Sources/Message/SendYourSignatureMessage";
 constexpr JSONKey TargetedMACAddressKey("TargetedMACAddress");
 
-const LogStreamChannel& Channel()
-{
-    static const Immortal<LogStreamChannel> channel("SendYourSignatureMessage");
-    return channel.Get();
-}
+constexpr auto& Log = ComponentLog::Of<"SendYourSignatureMessage">;
 } // namespace
 
 SendYourSignatureMessage::SendYourSignatureMessage(const Nfx::System::Version& version)
@@ -61,7 +54,7 @@ void SendYourSignatureMessage::ReadFrom(const JSONObject& json)
     String target;
     if (!json.TryGetString(TargetedMACAddressKey, target))
     {
-        DefectLog::Reject(Channel(), "No targeted MAC address !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+        Log().Reject("No targeted MAC address !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     TargetedMACAddress = MACAddress::Parse(target);
 }

@@ -1,16 +1,13 @@
 #include "Discovery/Message/SignatureBroadcastMessage.h"
 
-#include "DefectLog.h"
 #include "Discovery/Attempt.h"
+#include "Discovery/ComponentLog.h"
 #include "Json/JSONObject.h"
 #include "Json/JSONStringer.h"
-#include "system/Immortal.h"
 
 #include <utility>
 
-using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
-using Nfx::System::LogStreams::LogStreamChannel;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Zent::Utils::Json::JSONKey;
 using Zent::Utils::Json::JSONObject;
@@ -24,11 +21,7 @@ const char SourceName[] = "Sources/Message/SignatureBroadcastMessage";
 constexpr JSONKey HostKey("Host");
 constexpr JSONKey SourceNICKey("SourceNIC");
 
-const LogStreamChannel& Channel()
-{
-    static const Immortal<LogStreamChannel> channel("SignatureBroadcastMessage");
-    return channel.Get();
-}
+constexpr auto& Log = ComponentLog::Of<"SignatureBroadcastMessage">;
 } // namespace
 
 SignatureBroadcastMessage::SignatureBroadcastMessage(const Nfx::System::Version& version)
@@ -66,12 +59,12 @@ void SignatureBroadcastMessage::ReadFrom(const JSONObject& json)
     JSONObject hostJson;
     if (!json.TryGetJSONObject(HostKey, hostJson))
     {
-        DefectLog::Reject(Channel(), "No Host key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+        Log().Reject("No Host key !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     SmartPointer<DiscoveryHost> host = SmartPointer<DiscoveryHost>::Create();
     if (!Attempt([&] { host->ReadFrom(hostJson); }))
     {
-        DefectLog::Reject(Channel(), "Failed to parse Host !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
+        Log().Reject("Failed to parse Host !!! => BAD MESSAGE FORMAT !", SourceName, __LINE__);
     }
     Host = std::move(host);
     ReadSourceNIC(json);
@@ -83,13 +76,13 @@ void SignatureBroadcastMessage::ReadSourceNIC(const JSONObject& json)
     JSONObject sourceJson;
     if (!json.TryGetJSONObject(SourceNICKey, sourceJson))
     {
-        DefectLog::Write(Channel(), "No Source NIC key. Ignoring.", LogStreamLevel::Standard);
+        Log().Write("No Source NIC key. Ignoring.", LogStreamLevel::Standard);
         return;
     }
     SmartPointer<NICConfig> source = SmartPointer<NICConfig>::Create();
     if (!Attempt([&] { source->ReadFrom(sourceJson); }))
     {
-        DefectLog::Write(Channel(), "Failed to parse source NIC -> Ignoring.", LogStreamLevel::Critical);
+        Log().Write("Failed to parse source NIC -> Ignoring.", LogStreamLevel::Critical);
         return;
     }
     SourceNIC = std::move(source);

@@ -2,22 +2,42 @@
 
 #include "Discovery/Attempt.h"
 #include "system/Exceptions.h"
+#include "system/Immortal.h"
 #include "system/LogStreams/LogStreamChannel.h"
 #include "system/LogStreams/LogStreamLevel.h"
 #include "system/String.h"
 #include "system/Threading/Thread.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cxxabi.h>
 #include <exception>
 #include <utility>
 
 namespace Zent::Discovery
 {
+/// A literal as a template's argument.
+template <std::size_t Size>
+struct LiteralText
+{
+    consteval LiteralText(const char (&literal)[Size]) { std::copy_n(literal, Size, Text); }
+
+    char Text[Size];
+};
+
 /// Writes a component's lines into the discovery log, on the channel of its name. Any thread.
 class ComponentLog final
 {
 public:
     explicit ComponentLog(const Nfx::System::String& name);
+
+    /// The log of a component that has no object to keep one, such as a kind of message. Never destroyed.
+    template <LiteralText Name>
+    static const ComponentLog& Of()
+    {
+        static const Nfx::System::Immortal<ComponentLog> log(Name.Text);
+        return log.Get();
+    }
 
     void Write(const Nfx::System::String& message, const Nfx::System::LogStreams::LogStreamLevel& level) const;
 
@@ -55,6 +75,10 @@ public:
         }
         return false;
     }
+
+    /// Says in a Critical line why a received text is refused, then throws.
+    /// @throws Exception with ErrorCodes::InvalidFormat, thrown at the place that is given.
+    [[noreturn]] void Reject(const char* reason, const char* sourceFile, std::int32_t line) const;
 
     /// Ask before making a long text of a line that may be off.
     static bool IsEnabled(const Nfx::System::LogStreams::LogStreamLevel& level) noexcept;

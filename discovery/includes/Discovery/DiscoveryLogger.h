@@ -61,7 +61,7 @@ private:
 
     Nfx::System::Threading::Monitor initLock; // held while the log is opened or closed; taken before streamLock
     mutable Nfx::System::Threading::Monitor streamLock; // held to copy or replace the pointer, never while writing
-    Nfx::System::String name; // stays empty: a line shows its channel instead
+    Nfx::System::String name;                           // stays empty: a line shows its channel instead
     Nfx::System::String filePath NFX_GUARDED_BY(initLock);
     Nfx::System::LogStreams::LogStreamLevel level NFX_GUARDED_BY(initLock){
         Nfx::System::LogStreams::LogStreamLevel::None};
