@@ -56,7 +56,7 @@ protected:
         threads.back()->Start();
     }
 
-    const ObjectMonitor monitor;
+    const ObjectMonitor monitor{};
     std::vector<SmartPointer<Thread>> threads;
 };
 
