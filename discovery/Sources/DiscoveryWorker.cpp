@@ -129,7 +129,8 @@ void DiscoveryWorker::RaiseSocketClosed()
 
 void DiscoveryWorker::CheckThread()
 {
-    if (stopRequested || thread->GetThreadState() == ThreadState::Unstarted || !thread->Join(0))
+    if (stopRequested || thread->GetThreadState() == ThreadState::Unstarted ||
+        thread->GetThreadId() == Thread::CurrentThreadId() || !thread->Join(0))
     {
         return;
     }

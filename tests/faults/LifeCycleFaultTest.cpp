@@ -165,6 +165,15 @@ TEST_F(LifeCycleFaultTest, ACallbackIsRefusedWhatWouldWaitForARestartThatWaitsFo
     EXPECT_EQ(1, Count(Restart));
 }
 
+TEST_F(LifeCycleFaultTest, ACallbackMayMakeRequests)
+{
+    ASSERT_NO_FATAL_FAILURE(Serve());
+    callbackBody = [] { EXPECT_EQ(0, ExtC::RefreshClient("00:1A:2B:3C:4D:5E")); };
+    ASSERT_TRUE(HelloArrives());
+    EXPECT_TRUE(device.Hears("00:1A:2B:3C:4D:5E"));
+    EXPECT_FALSE(LogTellsOfAFailure()) << Log();
+}
+
 TEST_F(LifeCycleFaultTest, LongAStopSaysThatItWaitsForACallbackAndASecondOneReturnsNoEarlier)
 {
     Gate callback;
