@@ -15,8 +15,8 @@ SimulatedDevice::SimulatedDevice(const SmartPointer<DiscoveryHost>& host,
     : host(host)
     , version(version)
     , namesSourceNIC(namesSourceNIC)
-    , signature(Say<SignatureBroadcastMessage>())
 {
+    Resign();
 }
 
 const DiscoveryHost& SimulatedDevice::Host() const
@@ -29,7 +29,7 @@ const NICConfig& SimulatedDevice::MainInterface() const
     return *host->NICs[0];
 }
 
-const Nfx::System::String& SimulatedDevice::Signature() const
+std::shared_ptr<const Nfx::System::String> SimulatedDevice::Signature() const
 {
     return signature;
 }
@@ -55,6 +55,11 @@ bool SimulatedDevice::Obey(const DiscoveryMessage& message)
     return false; // what other devices say
 }
 
+void SimulatedDevice::Resign()
+{
+    signature = std::make_shared<const Nfx::System::String>(Say<SignatureBroadcastMessage>());
+}
+
 bool SimulatedDevice::IsMeant(const DiscoveryMessage& message, const MACAddress& target) const
 {
     return message.Broadcast || std::ranges::any_of(host->NICs, [&target](const SmartPointer<NICConfig>& nic) {
@@ -67,7 +72,7 @@ bool SimulatedDevice::TakeHostName(const ChangeYourHostNameMessage& message)
     if (!host->IsHostNameReadOnly)
     {
         host->HostName = message.NewHostName;
-        signature = Say<SignatureBroadcastMessage>();
+        Resign();
     }
     return true;
 }
@@ -88,7 +93,7 @@ bool SimulatedDevice::TakeSettings(const ChangeYourIPConfigMessage& message)
     }
     if (isMeant)
     {
-        signature = Say<SignatureBroadcastMessage>();
+        Resign();
     }
     return isMeant;
 }

@@ -7,6 +7,8 @@
 #include "system/SmartPointer.h"
 #include "system/Version.h"
 
+#include <memory>
+
 namespace Zent::Discovery::Simulator
 {
 /// A device as the server sees it: what it is, and what it makes of a message. Main thread only.
@@ -26,7 +28,7 @@ public:
     bool Obey(const DiscoveryMessage& message);
 
     /// The text of its signature, as it is now; made anew only when the device changes.
-    const Nfx::System::String& Signature() const;
+    std::shared_ptr<const Nfx::System::String> Signature() const;
 
     /// The text of a message of the device, of the kind TMessage: SignatureBroadcastMessage, HelloMessage or
     /// ByeMessage.
@@ -39,6 +41,7 @@ public:
     }
 
 private:
+    void Resign();
     bool IsMeant(const DiscoveryMessage& message, const MACAddress& target) const;
     bool TakeHostName(const ChangeYourHostNameMessage& message);
     bool TakeSettings(const ChangeYourIPConfigMessage& message);
@@ -46,6 +49,6 @@ private:
     const Nfx::System::SmartPointer<DiscoveryHost> host;
     const Nfx::System::Version version;
     const bool namesSourceNIC;
-    Nfx::System::String signature;
+    std::shared_ptr<const Nfx::System::String> signature;
 };
 } // namespace Zent::Discovery::Simulator

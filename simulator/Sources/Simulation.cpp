@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -130,8 +131,7 @@ void Simulation::Serve()
         if (next && *next <= Clock::now() + TimerSlack)
         {
             WaitUntil(*next);
-            const Delivery delivery = answers.Take();
-            Deliver(delivery, participants[delivery.Device].Device.Signature());
+            Deliver(answers.Take());
         }
     }
 }
@@ -210,8 +210,8 @@ void Simulation::Answer(std::size_t device, const DiscoveryMessage& message, con
             << " to " << Text(request.Sender) << std::endl;
     }
     const Treatment treatment = faults.Treat(device, participant.Datagrams++);
-    answers.Add(Clock::now() + treatment.Delay,
-                {device, faults.Current().AnswersByBroadcast ? IPAddress::Broadcast() : request.Sender, treatment});
+    const IPAddress target = faults.Current().AnswersByBroadcast ? IPAddress::Broadcast() : request.Sender;
+    answers.Add(Clock::now() + treatment.Delay, {device, participant.Device.Signature(), target, treatment});
 }
 
 template <class TMessage>
@@ -228,16 +228,18 @@ void Simulation::Announce(std::size_t device)
 {
     Participant& participant = participants[device];
     const Treatment treatment = faults.Treat(device, participant.Datagrams++);
-    Deliver({device, IPAddress::Broadcast(), treatment}, participant.Device.Say<TMessage>());
+    const auto text = std::make_shared<const String>(participant.Device.Say<TMessage>());
+    Deliver({device, text, IPAddress::Broadcast(), treatment});
 }
 
-void Simulation::Deliver(const Delivery& delivery, const String& text)
+void Simulation::Deliver(const Delivery& delivery)
 {
     const Behaviour& behaviour = faults.Current();
     if (delivery.How.Copies == 0 || !IsAlive(delivery.Device))
     {
         return;
     }
+    const String& text = *delivery.Text;
     const bool needsPadding = text.View().size() < behaviour.SignatureBytes;
     const String datagram = Formed(needsPadding ? PaddedTo(behaviour.SignatureBytes, text) : text, delivery.How);
     for (unsigned copy = 0; copy < delivery.How.Copies; ++copy)

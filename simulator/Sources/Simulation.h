@@ -54,7 +54,7 @@ private:
     template <class TMessage>
     void Announce(std::size_t device);
 
-    void Deliver(const Delivery& delivery, const Nfx::System::String& text);
+    void Deliver(const Delivery& delivery);
 
     /// Sends from the address that the device was given, or from the one before when it is not one of this machine.
     void Send(Participant& participant, const Nfx::System::String& text, const Nfx::System::Net::IPAddress& target);

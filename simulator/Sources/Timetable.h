@@ -2,10 +2,12 @@
 
 #include "FaultPlan.h"
 #include "system/Net/IPAddress.h"
+#include "system/String.h"
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -15,6 +17,7 @@ namespace Zent::Discovery::Simulator
 struct Delivery
 {
     std::size_t Device;
+    std::shared_ptr<const Nfx::System::String> Text;
     Nfx::System::Net::IPAddress Target;
     Treatment How;
 };

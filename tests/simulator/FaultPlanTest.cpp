@@ -125,7 +125,7 @@ TEST(TimetableTest, GivesWhatIsDueFirstAndEqualOnesInOrder)
     const Timetable::Time start{};
     for (const auto& [due, device] : {std::pair(3ms, 0u), std::pair(1ms, 1u), std::pair(1ms, 2u), std::pair(2ms, 3u)})
     {
-        timetable.Add(start + due, {.Device = device, .Target = {}, .How = {}});
+        timetable.Add(start + due, {.Device = device, .Text = nullptr, .Target = {}, .How = {}});
     }
     EXPECT_EQ(timetable.Next(), start + 1ms);
     for (const std::size_t device : {1u, 2u, 3u, 0u})
