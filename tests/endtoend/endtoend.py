@@ -291,9 +291,9 @@ class TestCase(unittest.TestCase):
         self.assertEqual(result.returncode, status, f"{arguments}: {output}{errors}")
         return output, errors
 
-    def start_console(self, *arguments):
+    def start_console(self, *arguments, machine=None):
         """A discovery-console that goes on."""
-        return Process(*command("discovery-console", *self.console_options(), *arguments))
+        return Process(*command("discovery-console", *self.console_options(), *arguments, machine=machine))
 
     def console_options(self):
         return [

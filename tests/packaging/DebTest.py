@@ -38,6 +38,9 @@ class DebTest(TestCase):
             env={"PYTHONPATH": setting("source") / "bindings/python", "LD_LIBRARY_PATH": runtime.parent},
         )  # fmt: skip
 
+        for name in ("etc/ufw/applications.d/discoveryserver", "usr/lib/firewalld/services/discoveryserver.xml"):
+            self.assertIn("12001", (self.root / name).read_text())
+
         self.unpack("libdiscoveryserver.extc-dev")
         (library,) = self.root.glob("usr/lib/*/libDiscoveryServer.ExtC.so")
         program = self.folder / "consumer"
@@ -55,7 +58,7 @@ class DebTest(TestCase):
         files = run("dpkg-deb", "--contents", self.packages[name])
         self.assertRegex(files, rf"/usr/share/doc/{re.escape(name)}/copyright\n")
         self.assertNotRegex(files, r"(?m)^[^l](.{4}|.{7})w", "others may write")
-        self.assertNotRegex(files, r" \./(?!usr/)\w", "out of place")
+        self.assertNotRegex(files, r" \./(?!usr/|etc/(ufw/(applications\.d/)?)?)\w", "out of place")
 
 
 if __name__ == "__main__":

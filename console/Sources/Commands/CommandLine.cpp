@@ -7,6 +7,7 @@
 #include "Commands/InventoryShowCommand.h"
 #include "Commands/RequestCommands.h"
 #include "Commands/WatchCommand.h"
+#include "Doctor/DoctorCommand.h"
 #include "Programs/ProgramVersion.h"
 
 #include <CLI/CLI.hpp>
@@ -59,6 +60,7 @@ CommandLine::CommandLine()
     inventory.require_subcommand(1);
     Add(inventory, std::make_unique<InventoryShowCommand>());
     Add(inventory, std::make_unique<InventoryDiffCommand>());
+    Add(*app, std::make_unique<DoctorCommand>());
     Add(*app, std::make_unique<ErrorCommand>());
     app->footer(ExitStatusTable()); // last: commands would take it over
 }

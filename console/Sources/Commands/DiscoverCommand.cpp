@@ -4,6 +4,7 @@
 #include "Commands/CommandContext.h"
 #include "Commands/SessionDriver.h"
 #include "Commands/SharedOptions.h"
+#include "Doctor/Examination.h"
 #include "Show/Output.h"
 #include "Text/TextFile.h"
 
@@ -149,7 +150,9 @@ ExitStatus DiscoverCommand::Conclude(const SearchReport& report, std::size_t sho
     const std::size_t found = report.Devices;
     if (found == 0)
     {
-        output.Complain("no device found; see the log " + context.Options().Session.LogFile);
+        const double seconds = std::chrono::duration<double>(report.Elapsed).count();
+        output.Complain("no device found. " + Doctor::Examination::ReasonForSilence(context.Options(), seconds) +
+                        " See the log " + context.Options().Session.LogFile);
         return ExitStatus::NoAnswer;
     }
     if (shown < expectedDevices)

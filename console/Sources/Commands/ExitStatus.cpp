@@ -16,7 +16,9 @@ constexpr Meaning Meanings[] = {
     {ExitStatus::Usage, "wrong arguments"},
     {ExitStatus::NoAnswer, "no device has answered in time, or not as it should, or no interface takes part"},
     {ExitStatus::Different, "the two saved results differ"},
+    {ExitStatus::Warnings, "the doctor has found something that affects some devices or hosts"},
     {ExitStatus::Incomplete, "devices were found, but the search ended before it was complete"},
+    {ExitStatus::Errors, "the doctor has found something that keeps all devices from being found"},
     {ExitStatus::Interrupted, "interrupted; watch ends with 0 then"},
 };
 } // namespace

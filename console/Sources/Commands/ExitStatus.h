@@ -12,7 +12,9 @@ enum class ExitStatus
     Usage = 2,
     NoAnswer = 3,   // no device answered in time, or not as it should
     Different = 4,  // two saved results tell different things
+    Warnings = 5,   // the doctor has found something that affects some devices or some hosts
     Incomplete = 6, // a search that found devices ended before it could tell that there are no others
+    Errors = 7,     // the doctor has found something that keeps all devices from being found
     Interrupted = 130
 };
 

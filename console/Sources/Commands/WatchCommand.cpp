@@ -3,6 +3,7 @@
 #include "Commands/CommandContext.h"
 #include "Commands/DeviceReader.h"
 #include "Commands/SharedOptions.h"
+#include "Doctor/Examination.h"
 #include "Inventory/DeviceList.h"
 #include "Show/LiveWatchView.h"
 #include "Show/Output.h"
@@ -22,6 +23,7 @@ namespace
 {
 constexpr std::chrono::milliseconds RefreshInterval{200};
 constexpr std::chrono::minutes TimeAfterBye{1}; // for which a device that has left is still shown
+constexpr std::chrono::seconds Patience{3};     // after which nobody's answer to the first question calls for a reason
 constexpr std::size_t MaximumDevices = 10000;   // a sender of invented devices must not exhaust the memory
 } // namespace
 
@@ -50,6 +52,8 @@ ExitStatus WatchCommand::Watch(CommandContext& context, IWatchView& view) const
         context.Messages(), [&view](const std::string& text) { view.Complain(text); }, context.Options().Wait);
     MessageQueue::TimePoint nextRefresh = std::chrono::steady_clock::now();
     MessageQueue::TimePoint nextQuestion = nextRefresh;
+    std::optional<MessageQueue::TimePoint> endOfPatience;
+    bool isExplained = false;
     while (!reader.IsOver())
     {
         const MessageQueue::TimePoint now = std::chrono::steady_clock::now();
@@ -58,6 +62,7 @@ ExitStatus WatchCommand::Watch(CommandContext& context, IWatchView& view) const
         {
             session.Discover();
             knownChanges = changes;
+            endOfPatience = endOfPatience.value_or(now + Patience);
             nextQuestion = now + interval.value_or(std::chrono::milliseconds(0));
         }
         if (now >= nextRefresh)
@@ -65,6 +70,12 @@ ExitStatus WatchCommand::Watch(CommandContext& context, IWatchView& view) const
             inventory.Forget(std::chrono::system_clock::now() - TimeAfterBye, MaximumDevices);
             view.Refresh(inventory);
             nextRefresh = now + RefreshInterval;
+        }
+        if (!isExplained && endOfPatience && now >= *endOfPatience && inventory.Devices().empty())
+        {
+            view.Complain("no device has answered. " +
+                          Doctor::Examination::ReasonForSilence(context.Options(), Patience.count()));
+            isExplained = true;
         }
         if (const std::optional<Device> device = reader.Next(nextRefresh))
         {

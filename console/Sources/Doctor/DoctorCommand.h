@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Commands/ICommand.h"
+
+#include <string>
+#include <vector>
+
+namespace Zent::Discovery::Console
+{
+class Output;
+
+namespace Doctor
+{
+struct Finding;
+}
+
+/// Looks for what keeps devices from being found.
+class DoctorCommand final : public ICommand
+{
+public:
+    CLI::App& AddTo(CLI::App& parent) override;
+    ExitStatus Run(CommandContext& context) override;
+
+private:
+    bool NeedsSearch() const;
+    void Show(const Doctor::Finding& finding, Output& output) const;
+
+    std::vector<std::string> codes; // of the checks to make; empty for all
+    bool isVerbose = false;
+    bool onlyLists = false;
+};
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,160 @@
+#include "Doctor/Examination.h"
+
+#include "Commands/CommandContext.h"
+#include "Commands/DeviceReader.h"
+#include "Doctor/Diagnosis.h"
+#include "Doctor/HostProbe.h"
+#include "Doctor/LogReader.h"
+#include "Programs/HostSession.h"
+#include "Programs/InterfaceChoice.h"
+#include "Programs/SystemNetwork.h"
+#include "Show/Output.h"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <system_error>
+
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Inventory::IPv4;
+using Zent::Discovery::Programs::HostSession;
+using Zent::Discovery::Programs::InterfaceChoice;
+using Zent::Discovery::Programs::NetworkInterface;
+using Zent::Discovery::Programs::SystemNetwork;
+using Zent::Discovery::Programs::UdpSocket;
+using Zent::Discovery::Programs::UdpSockets;
+
+namespace Zent::Discovery::Console::Doctor
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+constexpr std::uint16_t HostPort = 12001;
+
+/// A folder that only the user may look into, for as long as the object lives.
+class PrivateFolder final
+{
+public:
+    PrivateFolder()
+        : path(HostProbe::MakePrivateFolder())
+    {
+    }
+
+    ~PrivateFolder()
+    {
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+    }
+
+    PrivateFolder(const PrivateFolder&) = delete;
+    PrivateFolder& operator=(const PrivateFolder&) = delete;
+
+    fs::path File(const std::string& name) const { return path / name; }
+
+private:
+    const fs::path path;
+};
+
+HeardDevice Heard(const Device& device)
+{
+    const Device::Interface& main = device.MainInterface();
+    return {device.HostName, device.SerialNumber, main.MACAddress, main.IPAddress};
+}
+
+/// The library has split a log that grew too large.
+LogSummary ReadLog(const fs::path& file)
+{
+    std::stringstream log;
+    for (const char* const suffix : {".3.bak", ".2.bak", ".1.bak", ""})
+    {
+        if (std::ifstream part(fs::path(file).concat(suffix)); part)
+        {
+            log << part.rdbuf();
+            log.clear(); // an empty part is a failure to the stream
+        }
+    }
+    return LogReader::Read(log);
+}
+} // namespace
+
+Observations Examination::OfSystem(const ProgramOptions& options)
+{
+    constexpr IPv4 Elsewhere = 0xC0000201; // 192.0.2.1, which no network has
+    const std::vector<NetworkInterface> interfaces = SystemNetwork::Interfaces();
+    InterfaceChoice::Check(interfaces, options.Session.Interfaces);
+    const InterfaceChoice choice(interfaces, options.Session.Interfaces);
+
+    Observations observations;
+    observations.System = HostProbe::System();
+    observations.HasInterface = !choice.Addresses().empty();
+    observations.LeftOut = choice.LeftOut();
+    for (const NetworkInterface& interface : interfaces)
+    {
+        observations.SubNets.insert(observations.SubNets.end(), interface.Addresses.begin(), interface.Addresses.end());
+    }
+    observations.HasBroadcastRoute = SystemNetwork::HasRoute(Elsewhere);
+    observations.Firewall = HostProbe::Firewall();
+    observations.IsPortTaken = !UdpSockets::CanShare(HostPort);
+    for (const UdpSocket& socket : UdpSockets::OnPort(HostPort))
+    {
+        if (!socket.IsOwn)
+        {
+            observations.PortHolders.push_back(socket);
+        }
+    }
+    return observations;
+}
+
+std::optional<SearchResult> Examination::Search(CommandContext& context)
+{
+    const PrivateFolder folder;
+    const fs::path logFile = folder.File("doctor.log");
+    HostSession::Settings settings = context.Options().Session;
+    settings.LogFile = logFile.string();
+    settings.LogLevel = DiscoveryLogDebug;
+    MessageQueue& messages = context.Messages();
+    const auto queue = [&messages](DeviceMessage::MessageKind kind) {
+        return [&messages, kind](const std::string& document) { messages.Push({kind, document}); };
+    };
+    const auto complain = [&context](const std::string& text) { context.Out().Complain(text); };
+    SearchResult result;
+    {
+        HostSession session(settings, {complain, queue(DeviceMessage::MessageKind::Signature),
+                                       queue(DeviceMessage::MessageKind::Hello), nullptr});
+        session.Requests().Discover();
+        DeviceReader reader(messages, complain, context.Wait());
+        context.Out().ShowStatus("Waiting for answers");
+        while (!reader.IsOver())
+        {
+            if (const std::optional<Device> device = reader.Next())
+            {
+                result.Devices.insert(Heard(*device));
+            }
+        }
+        result.BufferDrops = UdpSockets::OwnDrops(HostPort);
+        session.Close();
+        if (reader.IsInterrupted())
+        {
+            return std::nullopt;
+        }
+    }
+    result.Seconds = std::chrono::duration<double>(context.Wait()).count();
+    result.Log = ReadLog(logFile);
+    return result;
+}
+
+std::string Examination::ReasonForSilence(const ProgramOptions& options, double seconds)
+{
+    Observations observations = OfSystem(options);
+    SearchResult& search = observations.Search.emplace();
+    search.Seconds = seconds;
+    search.Log = ReadLog(options.Session.LogFile);
+    const std::string wanted[] = {"nobody-answers"};
+    const std::vector<Finding> findings = Diagnosis::Of(observations, wanted);
+    const Finding& reason = findings.front(); // nobody has answered, so there is one
+    return reason.Of->Code == wanted[0] ? reason.Of->Affects : reason.Text;
+}
+} // namespace Zent::Discovery::Console::Doctor

@@ -1,0 +1,130 @@
+#include "Doctor/LogReader.h"
+
+#include <istream>
+#include <string>
+#include <string_view>
+
+namespace Zent::Discovery::Console::Doctor
+{
+namespace
+{
+struct Line
+{
+    std::string_view Channel;
+    std::string_view Message;
+};
+
+/// The columns Date, RefTime, Channel, T and Error come before the message, each after a bar. No column holds one.
+Line Split(std::string_view text)
+{
+    Line line;
+    for (int column = 0; column < 6; ++column)
+    {
+        const std::size_t bar = text.find('|');
+        if (bar == std::string_view::npos)
+        {
+            return {};
+        }
+        if (column == 3)
+        {
+            const std::string_view channel = text.substr(0, bar);
+            line.Channel = channel.substr(0, channel.find_last_not_of(' ') + 1);
+        }
+        text.remove_prefix(bar + 1);
+    }
+    line.Message = text.substr(0, text.find_last_not_of('\r') + 1);
+    return line;
+}
+
+/// The version in a line that ends with "<> [VERSION]."
+std::string VersionIn(std::string_view message)
+{
+    const std::size_t open = message.rfind('[');
+    const std::size_t close = message.find(']', open);
+    return close == std::string_view::npos ? "" : std::string(message.substr(open + 1, close - open - 1));
+}
+
+/// Follows the lines of a log; those of one datagram come one after the other on their channels.
+class Summarizer final
+{
+public:
+    void Add(const Line& line)
+    {
+        const std::string_view message = line.Message;
+        if (line.Channel == "Start" && message == "Start Log")
+        {
+            *this = Summarizer();
+        }
+        else if (message.ends_with("=> BAD MESSAGE FORMAT !"))
+        {
+            defect = message.substr(0, message.find(" !!! =>"));
+        }
+        else if (line.Channel == "MessageParser")
+        {
+            AddOfParser(message);
+        }
+        else if (line.Channel == "ServerTaskProcessor" && message.starts_with("Semaphore is full"))
+        {
+            ++summary.QueueFull;
+        }
+        else if (line.Channel == "Receiver" && message.starts_with("MessageSize is too low"))
+        {
+            ++summary.Oversize;
+        }
+        else if (message.starts_with("Another socket on this machine is bound to port"))
+        {
+            summary.SharesPort = true;
+        }
+        else if (message == "Thread priority Highest refused by the system.")
+        {
+            summary.IsRealTimeRefused = true;
+        }
+    }
+
+    const LogSummary& Summary() const { return summary; }
+
+private:
+    void AddOfParser(std::string_view message)
+    {
+        if (message.starts_with("Version mismatch with received message"))
+        {
+            version = VersionIn(message);
+        }
+        else if (message.starts_with("The protocol version of the message is not supported"))
+        {
+            ++summary.VersionDropped;
+            if (!version.empty())
+            {
+                summary.Versions.insert(version);
+            }
+        }
+        else if (message.starts_with("Message dropped : bad format"))
+        {
+            if (summary.FormatDropped++ == 0)
+            {
+                summary.Defect = defect;
+            }
+            defect.clear();
+        }
+        else if (message.starts_with("Semaphore is full"))
+        {
+            ++summary.QueueFull;
+        }
+    }
+
+    LogSummary summary;
+    std::string version; // of the last mismatch
+    std::string defect;  // that was named last
+};
+} // namespace
+
+LogSummary LogReader::Read(std::istream& log)
+{
+    Summarizer summarizer;
+    for (std::string text; std::getline(log, text);)
+    {
+        summarizer.Add(Split(text));
+    }
+    return summarizer.Summary();
+}
+} // namespace Zent::Discovery::Console::Doctor

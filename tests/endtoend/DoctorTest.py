@@ -1,0 +1,145 @@
+"""Each thing that keeps devices from being found is brought about on a machine of its own, and the doctor names it."""
+
+import signal
+import subprocess
+
+import endtoend
+from endtoend import Simulator, TestCase, main, wait_until
+from networks import Cable, End, Machine, Occupant
+
+DEVICE = "10.6.0.10"
+WITHOUT_RIGHTS = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"]
+
+
+class DoctorTest(TestCase):
+    """A laptop with a cable to the devices' network, and a default route."""
+
+    def setUp(self):
+        super().setUp()
+        self.laptop = self.enterContext(Machine())
+        self.field = self.enterContext(Machine())
+        self.cable = self.enterContext(Cable(End(self.laptop, "10.6.0.1/24"), End(self.field, f"{DEVICE}/24")))
+        self.laptop.ip("route", "add", "default", "via", "10.6.0.254")
+
+    wait = "1"  # seconds
+    local_addresses = []
+
+    def console_options(self):
+        return [*super().console_options(), "--wait", self.wait]
+
+    def devices(self, *options, addresses=(DEVICE,)):
+        for address in addresses:
+            options += ("--address", address)
+        options += ("--count", str(len(addresses)), "--no-hello", "--no-bye")
+        return self.enterContext(Simulator(*options, machine=self.field))
+
+    def findings(self, *options, status):
+        """What the doctor finds wrong, by code."""
+        documents = self.console_documents("doctor", *options, machine=self.laptop, status=status)
+        return {document["Code"]: document for document in documents}
+
+    def assert_finds(self, code, text, *options, status=5):
+        """Nothing else is found, either."""
+        findings = self.findings(*options, status=status)
+        self.assertEqual(list(findings), [code], findings)
+        self.assertRegex(findings[code]["Text"], text)
+        self.assertTrue(findings[code]["Affects"] and findings[code]["Title"])
+        return findings[code]
+
+    def reason(self):
+        """What discover says when nobody answers."""
+        return self.console("discover", machine=self.laptop, status=3)[1]
+
+    def test_a_healthy_network_is_told_healthy(self):
+        self.devices()
+        self.assertEqual(self.findings(status=0), {})
+        listed = [document["Code"] for document in self.console_documents("doctor", "--list")]
+        self.assertEqual(list(self.findings("-v", status=0)), listed)
+        output, _ = self.console("doctor", machine=self.laptop)
+        self.assertEqual([line.split()[:2] for line in output.splitlines()], [["[ok]", code] for code in listed])
+        self.assertEqual(list(self.findings("-v", "--check", "firewall", status=0)), ["firewall"])
+        self.console("doctor", "--check", "luck", status=2)
+
+    def test_a_network_that_is_not_there(self):
+        self.assert_finds("nobody-answers", "within 1 s", status=7)
+        self.assertIn("no device found. Look for devices without power", self.reason())
+        self.wait = "4"
+        with self.start_console("watch", "--every", "1", machine=self.laptop) as watch:
+            watch.line_with("no device has answered. Look for devices without power")
+        self.wait = "1"
+        self.laptop.ip("route", "delete", "default")
+        self.devices()
+        self.assert_finds("no-route", "No default route")
+        self.cable.near.down()
+        self.assert_finds("no-interface", r"left out: lo \(loopback\), eth1 \(", status=7)
+
+    def test_other_programs_on_the_port(self):
+        self.devices()
+        with Occupant(self.laptop) as other:
+            self.assert_finds("port-shared", rf"with python3 \(process {other.process.pid}\)")
+        with Occupant(self.laptop, shares=False) as other:
+            finding = self.assert_finds("port-taken", rf"by python3 \(process {other.process.pid}\)", status=7)
+            self.assertEqual(finding["Commands"], ["sudo ss -ulpn sport = :12001"])
+            hidden = self.findings("--check", "nobody-answers", status=7)
+            self.assertEqual(list(hidden), ["port-taken"])
+
+    def test_a_firewall_that_drops_answers(self):
+        self.devices()
+        rules = "table inet guard { chain input { type filter hook input priority 0; policy drop; iif lo accept; }; }"
+        self.laptop.run("nft", "-f", "-", text=rules)
+        finding = self.assert_finds("firewall", "is dropped by the rules of chain input of table inet guard")
+        self.assertIn(finding["Text"], self.reason())
+        (command,) = finding["Commands"]
+        self.laptop.run(*command.split()[1:])  # without sudo
+        self.assertEqual(self.findings(status=0), {})
+
+    def test_messages_that_the_library_drops(self):
+        simulator = self.devices("--protocol-version", "1.0.17")
+        self.assert_finds("version-dropped", r"1 message was dropped: version 1\.0\.17", "--min-version", "1.0.18")
+        simulator.behave("malformed 100%")
+        self.assert_finds("format-dropped", "1 datagram was dropped")
+        simulator.behave("malformed 0%")
+        simulator.behave("oversize 100%")
+        self.assertIn("1 datagram was too large", self.findings(status=7)["answers-lost"]["Text"])
+
+    def test_answers_that_find_the_receive_buffer_full(self):
+        addresses = [f"10.6.0.{number}" for number in range(10, 250)]
+        self.field.own(addresses[1:])
+        simulator = self.devices("--delay", "1000", "--size", "4000", "--verbose", addresses=addresses)
+        self.wait = "5"
+        doctor = self.start_console("doctor", "--json", machine=self.laptop)
+        self.addCleanup(doctor.process.stdin.close)
+        simulator.line_with("answers AllSendYourSignature")
+        doctor.process.send_signal(signal.SIGSTOP)
+        try:
+            wait_until(lambda: self.drops() > 0, "a full receive buffer")
+        finally:
+            doctor.process.send_signal(signal.SIGCONT)
+        self.assertRegex(doctor.line_with("answers-lost"), r"\d+ datagrams? found the receive buffer full")
+        self.assertEqual(doctor.wait(), 5)
+
+    def drops(self):
+        tables = subprocess.run([*self.laptop.prefix(), "cat", "/proc/net/udp"], stdout=subprocess.PIPE, text=True)
+        return sum(int(line.split()[-1]) for line in tables.stdout.splitlines() if ":2EE1 " in line)
+
+    def test_addresses_that_do_not_fit(self):
+        with self.subTest("foreign"):
+            self.field.own(["10.7.0.10"])
+            with Simulator("--count", "1", "--address", "10.7.0.10", "--no-hello", machine=self.field):
+                self.assert_finds("foreign-subnet", r"\(10\.7\.0\.10\) lies in none")
+        with self.subTest("the same twice"):
+            self.devices(addresses=(DEVICE, DEVICE))
+            self.assert_finds("conflict", r"the IP address 10\.6\.0\.10 belongs to 2 devices")
+
+    def test_what_a_user_without_rights_is_told(self):
+        self.devices()
+        endtoend.launcher()[:0] = WITHOUT_RIGHTS
+        self.addCleanup(endtoend.launcher().__delitem__, slice(len(WITHOUT_RIGHTS)))
+        findings = self.findings(status=0)
+        self.assertEqual({code: each["Severity"] for code, each in findings.items()},
+                         {"firewall": "note", "no-realtime": "note"})  # fmt: skip
+        self.assertIn("shows to root alone", findings["firewall"]["Text"])
+
+
+if __name__ == "__main__":
+    main()
