@@ -13,6 +13,7 @@ struct Figure
 {
     enum class Goal
     {
+        None, // a figure to know, mostly of the system's own
         RatioAtLeast,
         RatioAtMost,
         AtLeast, // the library's figure as it is

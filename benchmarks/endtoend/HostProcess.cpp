@@ -3,9 +3,12 @@
 #include "endtoend/Clock.h"
 
 #include <fstream>
+#include <linux/capability.h>
 #include <new>
 #include <stdexcept>
 #include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,9 +23,18 @@ constexpr std::int64_t QuietNanoseconds = 60'000'000;
 {
     throw std::runtime_error(what);
 }
+
+/// A program that this process becomes may not enter the real-time class, nor rise above the ordinary priority.
+void GiveUpRealTime()
+{
+    prctl(PR_CAPBSET_DROP, CAP_SYS_NICE); // refused to those who have no rights to lose
+    constexpr rlimit nothing{0, 0};
+    setrlimit(RLIMIT_RTPRIO, &nothing);
+    setrlimit(RLIMIT_NICE, &nothing);
+}
 } // namespace
 
-HostProcess::HostProcess(const Contender& contender, Level level, const std::string& folder)
+HostProcess::HostProcess(const Contender& contender, Level level, const std::string& folder, Rights rights)
 {
     const int memory = memfd_create("bench", 0);
     int ends[2];
@@ -45,6 +57,10 @@ HostProcess::HostProcess(const Contender& contender, Level level, const std::str
     if (process == 0)
     {
         close(ends[0]);
+        if (rights == Rights::Taken)
+        {
+            GiveUpRealTime();
+        }
         execl(contender.Program.c_str(), contender.Program.c_str(), memoryText.c_str(), commandText.c_str(),
               level == Level::Standard ? "Standard" : "None", log.c_str(), contender.Library.c_str(), nullptr);
         _exit(127);

@@ -22,13 +22,20 @@ enum class Level
     Standard
 };
 
+/// What becomes of the right to the real-time class that the bench may have.
+enum class Rights
+{
+    Given,
+    Taken
+};
+
 /// A running host program. The destructor ends it.
 class HostProcess final
 {
 public:
     /// Returns once the program receives. The log goes to a file of its own in the folder.
     /// @throws std::runtime_error when the program does not start.
-    HostProcess(const Contender& contender, Level level, const std::string& folder);
+    HostProcess(const Contender& contender, Level level, const std::string& folder, Rights rights = Rights::Given);
     ~HostProcess();
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;

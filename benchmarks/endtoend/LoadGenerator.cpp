@@ -130,6 +130,22 @@ Run LoadGenerator::InBursts(std::uint64_t bursts, std::uint64_t size, std::int64
     return Finish(bursts * size, before, static_cast<double>(Now() - start) / 1e9);
 }
 
+Run LoadGenerator::ByCable(std::uint64_t count, double rate)
+{
+    const std::uint64_t before = host.CallBacks();
+    const std::int64_t start = Now();
+    runStart = next;
+    for (std::uint64_t sent = 0; sent < count; ++sent)
+    {
+        const std::int64_t due = start + static_cast<std::int64_t>(static_cast<double>(sent) * 1e9 / rate);
+        while (Now() < due)
+        {
+        }
+        Send();
+    }
+    return Finish(count, before, static_cast<double>(Now() - start) / 1e9);
+}
+
 std::vector<double> LoadGenerator::Latencies() const
 {
     std::vector<double> latencies;

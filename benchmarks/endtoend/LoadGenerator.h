@@ -43,6 +43,10 @@ public:
     /// As fast as one sender can, so many times, at intervals of so many nanoseconds.
     Run InBursts(std::uint64_t bursts, std::uint64_t size, std::int64_t interval);
 
+    /// As a cable hands them over: each at its time, however short, and late ones at once. The sender keeps one
+    /// processor busy meanwhile.
+    Run ByCable(std::uint64_t count, double rate);
+
     /// Nanoseconds from datagram to callback of the latest run.
     std::vector<double> Latencies() const;
 

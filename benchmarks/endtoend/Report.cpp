@@ -49,6 +49,18 @@ double Ratio(const std::vector<double>& library, const std::vector<double>& limi
     return Median(ratios);
 }
 
+/// The goal and whether it is met; two blank columns for a figure without one.
+std::string Judgement(const Figure& figure, Level level, double value)
+{
+    if (figure.Kind == Figure::Goal::None)
+    {
+        return Format("%-9s | %-6s", "", "");
+    }
+    const bool atLeast = figure.Kind == Figure::Goal::RatioAtLeast || figure.Kind == Figure::Goal::AtLeast;
+    return Format("%s %-6s | %-6s", atLeast ? ">=" : "<=", Format("%g", figure.GoalAt(level)).c_str(),
+                  figure.IsMet(value, level) ? "met" : "missed");
+}
+
 std::string JsonOf(const Values& values)
 {
     std::string text = "{";
@@ -89,13 +101,10 @@ std::string Report::Table(Level level, const Scale& scale) const
         const std::vector<double>& limit = Of(Limit[index], figure);
         const std::vector<double>& library = Of(Library[index], figure);
         const double ratio = Ratio(library, limit);
-        const double judged = figure.IsRatio() ? ratio : Median(library);
-        const bool atLeast = figure.Kind == Figure::Goal::RatioAtLeast || figure.Kind == Figure::Goal::AtLeast;
-        text += Format("| %-43s | %8s | %8s | %-4s | %5s | %s %-6s | %-6s |\n", figure.Title.c_str(),
+        text += Format("| %-43s | %8s | %8s | %-4s | %5s | %s |\n", figure.Title.c_str(),
                        limit.empty() ? "" : Number(Median(limit)).c_str(), Number(Median(library)).c_str(),
                        figure.Unit.c_str(), limit.empty() ? "" : Format("%.2f", ratio).c_str(),
-                       atLeast ? ">=" : "<=", Format("%g", figure.GoalAt(level)).c_str(),
-                       figure.IsMet(judged, level) ? "met" : "missed");
+                       Judgement(figure, level, figure.IsRatio() ? ratio : Median(library)).c_str());
     }
     return text + "\n";
 }

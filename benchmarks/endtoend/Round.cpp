@@ -41,6 +41,8 @@ void Round::Measure()
 {
     MeasureThroughput();
     MeasureBursts();
+    MeasureCable("cable_rights", Rights::Given);
+    MeasureCable("cable_plain", Rights::Taken);
     MeasureLatency();
     MeasureDiscover();
     if (!contender.Library.empty()) // the limit program has no server to start, nor defences, and keeps nothing
@@ -94,6 +96,19 @@ void Round::MeasureBursts()
     Note("burst_10000", Median(callBacks));
     Note("bursts_10x1000", static_cast<double>(generator->InBursts(10, 1'000, 100 * Millisecond).CallBacks));
     Note("bursts_100x100", static_cast<double>(generator->InBursts(100, 100, 10 * Millisecond).CallBacks));
+}
+
+void Round::MeasureCable(const char* figure, Rights rights)
+{
+    constexpr double Rate = 106'000; // datagrams of the signature's size that 1 Gbit/s carries
+    HostProcess host(contender, level, folder, rights);
+    const auto generator = std::make_unique<LoadGenerator>(host, Signature());
+    std::vector<double> callBacks;
+    for (int burst = 0; burst < scale.CableCount; ++burst)
+    {
+        callBacks.push_back(static_cast<double>(generator->ByCable(1'000, Rate).CallBacks));
+    }
+    Note(figure, Median(callBacks));
 }
 
 void Round::MeasureLatency()

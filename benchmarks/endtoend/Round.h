@@ -20,12 +20,13 @@ struct Scale
     double LatencySeconds;       // of each rate
     std::uint64_t DiscoverCount; // calls
     int BurstCount;              // bursts of 10,000
+    int CableCount;              // bursts of 1000 by a cable
 
-    static Scale Quick() { return {1, 2'000, 1'000, 3'000, 0.05, 0.2, 20, 1}; }
+    static Scale Quick() { return {1, 2'000, 1'000, 3'000, 0.05, 0.2, 20, 1, 1}; }
 
-    static Scale Short() { return {3, 40'000, 10'000, 110'000, 0.4, 2, 200, 3}; }
+    static Scale Short() { return {3, 40'000, 10'000, 110'000, 0.4, 2, 200, 3, 15}; }
 
-    static Scale Full() { return {5, 100'000, 10'000, 1'000'000, 0.8, 4, 500, 5}; }
+    static Scale Full() { return {5, 100'000, 10'000, 1'000'000, 0.8, 4, 500, 5, 25}; }
 };
 
 /// Measures all figures of one contender at one level once.
@@ -39,6 +40,7 @@ public:
 private:
     void MeasureThroughput();
     void MeasureBursts();
+    void MeasureCable(const char* figure, Rights rights);
     void MeasureLatency();
     void MeasureDiscover();
     void MeasureMemory();
