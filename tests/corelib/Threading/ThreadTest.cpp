@@ -47,6 +47,7 @@ TEST(ThreadTest, GoesFromUnstartedOverRunningToStopped)
     EXPECT_EQ(thread.GetThreadState().ToString(), "Background, WaitSleepJoin");
     EXPECT_EQ(thread.GetThreadId(), ownId);
     EXPECT_NE(thread.GetThreadId(), Thread::CurrentThreadId());
+    EXPECT_EQ(thread.GetThreadId(), Thread::RunningThreadIds()[Thread::RunningThreadIds().Count() - 1]);
     EXPECT_ERROR(thread.Start(), ErrorCodes::ThreadState);
 
     proceed.Set();
