@@ -29,5 +29,6 @@ TEST(EnumTest, AValueWithoutANameIsItsNumberAndTextsAreExact)
     const ThreadPriority three(3);
     EXPECT_TRUE(debug.Equals(&same));
     EXPECT_FALSE(debug.Equals(&three));
+    EXPECT_EQ("AboveNormal", three.ToString());
 }
 } // namespace

@@ -47,7 +47,8 @@ TEST(ThreadTest, GoesFromUnstartedOverRunningToStopped)
     EXPECT_EQ(thread.GetThreadState().ToString(), "Background, WaitSleepJoin");
     EXPECT_EQ(thread.GetThreadId(), ownId);
     EXPECT_NE(thread.GetThreadId(), Thread::CurrentThreadId());
-    EXPECT_EQ(thread.GetThreadId(), Thread::RunningThreadIds()[Thread::RunningThreadIds().Count() - 1]);
+    const Collections::Generic::List<UInt64> running = Thread::RunningThreadIds();
+    EXPECT_TRUE(!running.IsEmpty() && running[running.Count() - 1] == thread.GetThreadId());
     EXPECT_ERROR(thread.Start(), ErrorCodes::ThreadState);
 
     proceed.Set();
