@@ -6,12 +6,11 @@ import re
 import shutil
 import subprocess
 import sys
-import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "endtoend"))
 
 import discovery_server  # noqa: E402
-from endtoend import TIMEOUT, Peer, Simulator, TestCase, library_path, main, message, setting  # noqa: E402
+from endtoend import TIMEOUT, Peer, Simulator, TestCase, library_path, main, message, setting, wait_until  # noqa: E402
 
 
 class PythonTestCase(TestCase):
@@ -36,9 +35,7 @@ class EventsTest(PythonTestCase):
         with Peer() as peer, self.session(max_waiting_events=2) as session:
             for name in ("one", "two", "three"):
                 peer.send(message("Hello", name))
-            deadline = time.monotonic() + TIMEOUT
-            while session.lost_events == 0 and time.monotonic() < deadline:
-                time.sleep(0.01)
+            wait_until(lambda: session.lost_events > 0, "an event too many")
             self.assertEqual([event.host["HostName"] for event in session.events(timeout=0)], ["two", "three"])
 
     def test_a_handler_without_on_error_fails_into_the_log(self):

@@ -1,12 +1,10 @@
 #include "system/SmartPointer.h"
 
+#include "support/RunOnThreads.h"
 #include "system/Int32.h"
 #include "system/Interface.h"
 
 #include <gtest/gtest.h>
-
-#include <thread>
-#include <vector>
 
 namespace
 {
@@ -130,20 +128,12 @@ TEST(SmartPointerTest, SharesOneObjectUnderSeveralTypes)
 TEST(SmartPointerTest, IsCopiedAndDroppedOnManyThreads)
 {
     const SmartPointer<Base> shared(new Base());
-    std::vector<std::thread> threads;
-    for (int count = 0; count < 4; ++count)
-    {
-        threads.emplace_back([&shared] {
-            for (int round = 0; round < 10000; ++round)
-            {
-                const SmartPointer<Base> copy(shared);
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-    {
-        thread.join();
-    }
+    Tests::RunOnThreads(4, [&shared](int) {
+        for (int round = 0; round < 10000; ++round)
+        {
+            const SmartPointer<Base> copy(shared);
+        }
+    });
     EXPECT_EQ("Aliases Count=1]", CountText(shared));
 }
 } // namespace

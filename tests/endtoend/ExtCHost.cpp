@@ -1,9 +1,8 @@
-// A host program driven by lines on standard input: the name of a function and its arguments, separated by tabs, where
-// NULL stands for a null pointer. Each call answers "= CODE"; GetErrorMessage answers "= TEXT". What the callbacks
-// receive is printed when it comes: "signature", "hello" or "bye" and the document. The callback setters take "on" or
-// "off". Ends with its input, without any call of its own.
+// A host program driven by lines on standard input: the name of a function and its arguments, separated by tabs. Each
+// call answers "= CODE"; GetErrorMessage answers "= TEXT". Initialize sets the callbacks, too. What they receive is
+// printed when it comes: "signature", "hello" or "bye" and the document. Ends with its input.
 
-#include "DiscoveryLibrary.h"
+#include "support/Server.h"
 
 #include <functional>
 #include <iostream>
@@ -11,13 +10,14 @@
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
 {
 using Arguments = std::vector<std::string>;
-using Zent::Discovery::DiscoveryFunctions;
-using Zent::Discovery::DiscoveryLibrary;
+using Call = std::function<std::string(const Arguments&)>;
+using Tests::Server;
 
 void Print(const std::string& line)
 {
@@ -41,62 +41,42 @@ void DISCOVERY_EXTC_CALL OnBye(const char* hostJson)
     Print(std::string("bye ") + hostJson);
 }
 
-const char* Text(const Arguments& arguments, std::size_t index)
+std::string Initialize(const Arguments& arguments)
 {
-    const std::string& text = arguments.at(index);
-    return text == "NULL" ? nullptr : text.c_str();
+    int code = Server().Initialize(arguments.at(1).c_str(), std::stoi(arguments.at(2)));
+    code = code != 0 ? code : Server().SetClientSignatureReceivedEventCallBack(&OnSignature);
+    code = code != 0 ? code : Server().SetHelloMessageReceivedEventCallBack(&OnHello);
+    return std::to_string(code != 0 ? code : Server().SetByeMessageReceivedEventCallBack(&OnBye));
 }
 
-using Call = std::function<std::string(const Arguments&)>;
-
-Call NoTexts(int(DISCOVERY_EXTC_CALL* function)())
-{
-    return [function](const Arguments&) { return std::to_string(function()); };
-}
-
-Call OneText(int(DISCOVERY_EXTC_CALL* function)(const char*))
-{
-    return [function](const Arguments& arguments) { return std::to_string(function(Text(arguments, 1))); };
-}
-
-Call TwoTexts(int(DISCOVERY_EXTC_CALL* function)(const char*, const char*))
+/// A function that takes texts alone, if anything.
+template <class... TTexts>
+Call Function(int(DISCOVERY_EXTC_CALL* function)(TTexts...))
 {
     return [function](const Arguments& arguments) {
-        return std::to_string(function(Text(arguments, 1), Text(arguments, 2)));
+        return [&]<std::size_t... Index>(std::index_sequence<Index...>)
+        {
+            return std::to_string(function(arguments.at(Index + 1).c_str()...));
+        }
+        (std::index_sequence_for<TTexts...>());
     };
 }
 
-template <class TCallback>
-Call Setter(int(DISCOVERY_EXTC_CALL* function)(TCallback), TCallback callback)
+std::map<std::string, Call> Calls()
 {
-    return [=](const Arguments& arguments) {
-        return std::to_string(function(arguments.at(1) == "on" ? callback : nullptr));
-    };
-}
-
-std::map<std::string, Call> Calls(const DiscoveryFunctions& library)
-{
-    return {{"Initialize",
-             [&library](const Arguments& arguments) {
-                 return std::to_string(library.Initialize(Text(arguments, 1), std::stoi(arguments.at(2))));
-             }},
-            {"GetErrorMessage",
-             [&library](const Arguments& arguments) { return library.TextOf(std::stoi(arguments.at(1))); }},
-            {"Terminate", NoTexts(library.Terminate)},
-            {"StartServer", NoTexts(library.StartServer)},
-            {"StopServer", NoTexts(library.StopServer)},
-            {"Discover", NoTexts(library.Discover)},
-            {"ChangeClientsIPConfigurations", OneText(library.ChangeClientsIPConfigurations)},
-            {"ChangeClientsHostName", TwoTexts(library.ChangeClientsHostName)},
-            {"ChangeClientsHostNameWithIP", TwoTexts(library.ChangeClientsHostNameWithIP)},
-            {"RefreshClient", OneText(library.RefreshClient)},
-            {"ReachClient", OneText(library.ReachClient)},
-            {"InitBroadcastProvider", OneText(library.InitBroadcastProvider)},
-            {"SetMinCompatibleVersion", OneText(library.SetMinCompatibleVersion)},
-            {"SetClientSignatureReceivedEventCallBack",
-             Setter(library.SetClientSignatureReceivedEventCallBack, &OnSignature)},
-            {"SetHelloMessageReceivedEventCallBack", Setter(library.SetHelloMessageReceivedEventCallBack, &OnHello)},
-            {"SetByeMessageReceivedEventCallBack", Setter(library.SetByeMessageReceivedEventCallBack, &OnBye)}};
+    return {{"Initialize", &Initialize},
+            {"GetErrorMessage", [](const Arguments& arguments) { return Server().TextOf(std::stoi(arguments.at(1))); }},
+            {"Terminate", Function(Server().Terminate)},
+            {"StartServer", Function(Server().StartServer)},
+            {"StopServer", Function(Server().StopServer)},
+            {"Discover", Function(Server().Discover)},
+            {"ChangeClientsIPConfigurations", Function(Server().ChangeClientsIPConfigurations)},
+            {"ChangeClientsHostName", Function(Server().ChangeClientsHostName)},
+            {"ChangeClientsHostNameWithIP", Function(Server().ChangeClientsHostNameWithIP)},
+            {"RefreshClient", Function(Server().RefreshClient)},
+            {"ReachClient", Function(Server().ReachClient)},
+            {"InitBroadcastProvider", Function(Server().InitBroadcastProvider)},
+            {"SetMinCompatibleVersion", Function(Server().SetMinCompatibleVersion)}};
 }
 
 Arguments Split(const std::string& line)
@@ -111,19 +91,13 @@ Arguments Split(const std::string& line)
 }
 } // namespace
 
-int main(int argc, char* argv[])
+int main()
 {
-    if (argc != 2)
-    {
-        std::cerr << "usage: extc-host LIBRARY\n";
-        return 2;
-    }
-    const DiscoveryFunctions library = DiscoveryLibrary(argv[1]).Functions();
-    const std::map<std::string, Call> calls = Calls(library);
+    const std::map<std::string, Call> calls = Calls();
     for (std::string line; std::getline(std::cin, line);)
     {
         const Arguments arguments = Split(line);
         Print("= " + calls.at(arguments.at(0))(arguments));
     }
-    return library.Terminate(); // takes its leave as hosts should
+    return Server().Terminate(); // takes its leave as hosts should
 }

@@ -20,7 +20,6 @@ SERVER_PORT = 12001
 TIMEOUT = 20  # seconds for anything that must happen; generous, because sanitizers and Wine are slow
 
 INVALID_FORMAT = 0xC0090114 - 2**32
-NOT_FOUND = 0xC0090109 - 2**32
 
 _settings = None
 
@@ -167,8 +166,8 @@ class Simulator(Process):
 class Host(Process):
     """A host program that calls the library's functions one by one and notes the callbacks."""
 
-    def __init__(self, log, level=3, prefix=()):
-        super().__init__(*prefix, *command("extc-host", library_path()))
+    def __init__(self, log, level=3):
+        super().__init__(*command("extc-host"))
         self.log = pathlib.Path(log)
         self.level = level
         self.events = []
@@ -187,9 +186,8 @@ class Host(Process):
             raise AssertionError(f"{function}: {code}, {self.call('GetErrorMessage', code)}")
 
     def initialize(self):
+        """Begins with the callbacks set."""
         self.must("Initialize", self.log, self.level)
-        for event in ("ClientSignature", "HelloMessage", "ByeMessage"):
-            self.must(f"Set{event}ReceivedEventCallBack", "on")
 
     def start(self, *addresses):
         """Starts the server; broadcasts leave from the addresses, 127.0.0.1 without any."""

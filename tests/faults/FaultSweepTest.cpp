@@ -30,7 +30,6 @@ constexpr Kind Kinds[] = {{"socket", Call::OpenSocket, SocketError::TooManyOpenS
                           {"semaphore", Call::CreateSemaphore, 0},
                           {"release", Call::ReleaseSemaphore, 0},
                           {"wait", Call::WaitSemaphore, 0},
-                          {"folder", Call::CreateFolder, 13},
                           {"open", Call::OpenFile, 28},
                           {"write", Call::WriteFile, 28},
                           {"rename", Call::RenameFile, 13}};

@@ -3,6 +3,7 @@
 #include "support/FakeDiscoverySocket.h"
 #include "support/Gate.h"
 #include "support/LogCapture.h"
+#include "support/RunOnThreads.h"
 #include "support/WaitUntil.h"
 #include "system/Net/Sockets/SocketException.h"
 
@@ -99,72 +100,49 @@ protected:
 
 TEST_F(DiscoveryServerTaskProcessorTest, EachRequestBecomesItsDatagramAndItsLine)
 {
+    using NICConfigList = SendChangeYourIPConfigAction::NICConfigList;
     const MACAddress mac = MACAddress::Parse("00:1a:2b:3c:4d:5e");
     const IPAddress ip = IPAddress::Parse("192.0.2.7");
-    const std::string head = R"({"DiscoveryMessageType":")";
+    const std::string toMac = R"(,"TargetedMACAddress":"00:1A:2B:3C:4D:5E")";
+    const std::string toNobody = R"(,"TargetedMACAddress":"00:00:00:00:00:00")";
+    const std::string name = R"(,"NewHostName":"press-4")";
 
-    FakeDiscoverySocket::Sent sent = SentBy(new SendAllSendYourSignatureAction());
-    EXPECT_EQ(head + R"(AllSendYourSignature","DiscoveryVersion":"1.0.18","Broadcast":"True"})", sent.Text);
-    EXPECT_EQ(Everybody, sent.Target);
-
-    sent = SentBy(new SendSendYourSignatureAction(mac));
-    EXPECT_EQ(head + R"(SendYourSignature","DiscoveryVersion":"1.0.18","Broadcast":"False",)"
-                     R"("TargetedMACAddress":"00:1A:2B:3C:4D:5E"})",
-              sent.Text);
-    EXPECT_EQ(Everybody, sent.Target);
-
-    sent = SentBy(new SendSendYourSignatureAction(ip));
-    EXPECT_EQ(head + R"(SendYourSignature","DiscoveryVersion":"1.0.18","Broadcast":"True",)"
-                     R"("TargetedMACAddress":"00:00:00:00:00:00"})",
-              sent.Text);
-    EXPECT_EQ("192.0.2.7", sent.Target);
-
-    sent = SentBy(new SendChangeYourHostNameAction("press-4", mac));
-    EXPECT_EQ(head + R"(ChangeYourHostName","DiscoveryVersion":"1.0.18","Broadcast":"False",)"
-                     R"("NewHostName":"press-4","TargetedMACAddress":"00:1A:2B:3C:4D:5E"})",
-              sent.Text);
-    EXPECT_EQ(Everybody, sent.Target);
-
-    sent = SentBy(new SendChangeYourHostNameAction("press-4", ip));
-    EXPECT_EQ(head + R"(ChangeYourHostName","DiscoveryVersion":"1.0.18","Broadcast":"True",)"
-                     R"("NewHostName":"press-4","TargetedMACAddress":"00:00:00:00:00:00"})",
-              sent.Text);
-    EXPECT_EQ("192.0.2.7", sent.Target);
-
-    // The broadcast address is no device's: nobody may take this for himself.
-    for (ServerAction* const action :
-         {static_cast<ServerAction*>(new SendSendYourSignatureAction(IPAddress::Broadcast())),
-          static_cast<ServerAction*>(new SendChangeYourHostNameAction("press-4", IPAddress::Broadcast()))})
+    const struct
     {
-        sent = SentBy(action);
-        EXPECT_NE(std::string::npos, sent.Text.find(R"("Broadcast":"False")")) << sent.Text;
-        EXPECT_NE(std::string::npos, sent.Text.find(R"("TargetedMACAddress":"00:00:00:00:00:00")")) << sent.Text;
-        EXPECT_EQ(Everybody, sent.Target);
-    }
+        ServerAction* Action;
+        std::string Type;
+        std::string Broadcast;
+        std::string Members;
+        std::string Target;
+        std::string LineEnd;
+    } cases[] = {
+        {new SendAllSendYourSignatureAction(), "AllSendYourSignature", "True", "", Everybody, ""},
+        {new SendSendYourSignatureAction(mac), "SendYourSignature", "False", toMac, Everybody, " to 00:1A:2B:3C:4D:5E"},
+        {new SendSendYourSignatureAction(ip), "SendYourSignature", "True", toNobody, "192.0.2.7", " to 192.0.2.7"},
+        {new SendChangeYourHostNameAction("press-4", mac), "ChangeYourHostName", "False", name + toMac, Everybody,
+         " to 00:1A:2B:3C:4D:5E."},
+        {new SendChangeYourHostNameAction("press-4", ip), "ChangeYourHostName", "True", name + toNobody, "192.0.2.7",
+         " to 192.0.2.7."},
+        // The broadcast address is no device's: nobody may take these for himself.
+        {new SendSendYourSignatureAction(IPAddress::Broadcast()), "SendYourSignature", "False", toNobody, Everybody,
+         " to 00:00:00:00:00:00"},
+        {new SendChangeYourHostNameAction("press-4", IPAddress::Broadcast()), "ChangeYourHostName", "False",
+         name + toNobody, Everybody, " to 00:00:00:00:00:00."},
+        {new SendChangeYourIPConfigAction(SmartPointer<NICConfigList>(new NICConfigList())), "ChangeYourIPConfig",
+         "True", R"(,"NewNICConfigs":[])", Everybody, "."}};
 
-    const SmartPointer<SendChangeYourIPConfigAction::NICConfigList> none(
-        new SendChangeYourIPConfigAction::NICConfigList());
-    sent = SentBy(new SendChangeYourIPConfigAction(none));
-    EXPECT_EQ(head + R"(ChangeYourIPConfig","DiscoveryVersion":"1.0.18","Broadcast":"True","NewNICConfigs":[]})",
-              sent.Text);
-    EXPECT_EQ(Everybody, sent.Target);
-
-    ASSERT_TRUE(log.WaitFor("|S|           |Message sent", 8));
-    for (const char* line : {"Sending message of type AllSendYourSignature",
-                             "Sending message of type SendYourSignature to 00:1A:2B:3C:4D:5E",
-                             "Sending message of type SendYourSignature to 192.0.2.7",
-                             "Sending message of type ChangeYourHostName to 00:1A:2B:3C:4D:5E.",
-                             "Sending message of type ChangeYourHostName to 192.0.2.7.",
-                             "Sending message of type SendYourSignature to 00:00:00:00:00:00",
-                             "Sending message of type ChangeYourHostName to 00:00:00:00:00:00.",
-                             "Sending message of type ChangeYourIPConfig."})
+    for (int number = 1; const auto& one : cases)
     {
-        EXPECT_EQ(1, log.Count("|S|           |" + std::string(line) + "\r") +
-                         log.Count("|S|           |" + std::string(line) + "\n"))
-            << line << "\n"
-            << log.Text();
+        const FakeDiscoverySocket::Sent sent = SentBy(one.Action);
+        EXPECT_EQ(R"({"DiscoveryMessageType":")" + one.Type + R"(","DiscoveryVersion":"1.0.18","Broadcast":")" +
+                      one.Broadcast + "\"" + one.Members + "}",
+                  sent.Text);
+        EXPECT_EQ(one.Target, sent.Target);
+        ASSERT_TRUE(log.WaitFor("|S|           |Message sent", number));
+        EXPECT_EQ(number++, log.Count("|D|           |Message (JSON) : {"));
+        const std::string line = "|S|           |Sending message of type " + one.Type + one.LineEnd;
+        EXPECT_EQ(1, log.Count(line + "\r") + log.Count(line + "\n")) << line << "\n" << log.Text();
     }
-    EXPECT_EQ(8, log.Count("|D|           |Message (JSON) : {"));
 }
 
 TEST_F(DiscoveryServerTaskProcessorTest, TheProviderTakesBroadcastsAndNothingElse)
@@ -182,20 +160,12 @@ TEST_F(DiscoveryServerTaskProcessorTest, RefusesWhatDoesNotFitAndAcceptsAgainAsS
 {
     Gate gate;
     const SmartPointer<FakeProvider> provider = HoldUpAt(gate);
-    std::vector<std::thread> producers;
-    for (int producer = 0; producer < 8; ++producer)
-    {
-        producers.emplace_back([this] {
-            for (int count = 0; count < DiscoveryTaskProcessor::MaximumPending / 8; ++count)
-            {
-                Discover();
-            }
-        });
-    }
-    for (std::thread& producer : producers)
-    {
-        producer.join();
-    }
+    Tests::RunOnThreads(8, [this](int) {
+        for (int count = 0; count < DiscoveryTaskProcessor::MaximumPending / 8; ++count)
+        {
+            Discover();
+        }
+    });
     EXPECT_FALSE(log.Has("Semaphore is full"));
     Discover();
     EXPECT_EQ(1, log.Count("|C|           |Semaphore is full (512) !!! Ignoring this task..."));

@@ -18,9 +18,6 @@ ProcessState CurrentState();
 /// none. Not while the server is started or stopped: the port may seem taken for a moment.
 bool ShutDownSocketOn(std::uint16_t port);
 
-/// Closes that socket under whoever uses it, by putting another file in its place.
-bool CloseSocketOn(std::uint16_t port);
-
 /// What tells the socket that is bound to the port at every address from others before and after it; 0 for none.
 std::uint64_t SocketOn(std::uint16_t port);
 } // namespace Tests

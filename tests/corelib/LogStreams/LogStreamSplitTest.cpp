@@ -1,3 +1,4 @@
+#include "support/RunOnThreads.h"
 #include "support/TemporaryFolder.h"
 #include "system/Exceptions.h"
 #include "system/LogStreams/LogStream.h"
@@ -6,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
-#include <thread>
+#include <numeric>
 
 using namespace Nfx::System;
 using namespace Nfx::System::LogStreams;
@@ -65,11 +66,8 @@ protected:
 
     static std::vector<int> Range(int first, int count)
     {
-        std::vector<int> numbers;
-        for (int number = first; number < first + count; ++number)
-        {
-            numbers.push_back(number);
-        }
+        std::vector<int> numbers(static_cast<std::size_t>(count));
+        std::iota(numbers.begin(), numbers.end(), first);
         return numbers;
     }
 
@@ -85,17 +83,9 @@ TEST_F(LogStreamSplitTest, NoLineIsLostTornOrOutOfOrderWhenManyThreadsFillTheFil
     constexpr int LinesPerThread = 400;
     constexpr std::int32_t EnoughFiles = 1000;
     log.SetFileCount(EnoughFiles);
-    std::vector<std::thread> threads;
-    for (int number = 0; number < Threads; ++number)
-    {
-        threads.emplace_back([this, number] {
-            WriteNumbered(0, LinesPerThread, LogStreamChannel(String(("T" + std::to_string(number)).c_str())));
-        });
-    }
-    for (std::thread& thread : threads)
-    {
-        thread.join();
-    }
+    Tests::RunOnThreads(Threads, [this](int number) {
+        WriteNumbered(0, LinesPerThread, LogStreamChannel(String(("T" + std::to_string(number)).c_str())));
+    });
 
     std::vector<std::string> files = {"test.log"};
     for (int number = 1; std::filesystem::exists(folder.PathOf("test.log." + std::to_string(number) + ".bak"));

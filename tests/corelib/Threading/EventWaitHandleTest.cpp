@@ -1,15 +1,13 @@
 #include "system/Threading/EventWaitHandle.h"
 
 #include "support/ExpectError.h"
-#include "support/LambdaDelegate.h"
+#include "support/RunOnThreads.h"
 #include "system/Threading/AutoResetEvent.h"
-#include "system/Threading/Thread.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <string>
-#include <vector>
 
 namespace Nfx::System::Threading
 {
@@ -40,17 +38,13 @@ TEST(EventWaitHandleTest, ManualOneLetsAllThroughUntilItIsReset)
 {
     EventWaitHandle event(false, EventResetMode::ManualReset);
     EXPECT_FALSE(event.WaitOne(0));
-    std::vector<SmartPointer<Thread>> threads;
-    for (int index = 0; index < 4; ++index)
-    {
-        threads.emplace_back(new Thread(MakeLambda([&] { EXPECT_TRUE(event.WaitOne(Deadline)); })));
-        threads.back()->Start();
-    }
-    event.Set();
-    for (const SmartPointer<Thread>& thread : threads)
-    {
-        EXPECT_TRUE(thread->Join(Deadline));
-    }
+    Tests::RunOnThreads(4, [&event](int number) {
+        if (number == 0)
+        {
+            event.Set();
+        }
+        EXPECT_TRUE(event.WaitOne(Deadline));
+    });
     EXPECT_TRUE(event.WaitOne(0));
     event.Reset();
     EXPECT_FALSE(event.WaitOne(0));

@@ -1,12 +1,9 @@
 #include "system/Threading/Interlocked.h"
 
 #include "support/ExpectError.h"
-#include "support/LambdaDelegate.h"
-#include "system/Threading/Thread.h"
+#include "support/RunOnThreads.h"
 
 #include <gtest/gtest.h>
-
-#include <vector>
 
 namespace Nfx::System::Threading
 {
@@ -42,21 +39,12 @@ TYPED_TEST(InterlockedTest, LosesNoStepOfManyThreads)
 {
     constexpr int rounds = 20000;
     TypeParam number(0);
-    std::vector<SmartPointer<Thread>> threads;
-    for (int index = 0; index < 4; ++index)
-    {
-        threads.emplace_back(new Thread(MakeLambda([&] {
-            for (int round = 0; round < rounds; ++round)
-            {
-                Interlocked::Increment(&number);
-            }
-        })));
-        threads.back()->Start();
-    }
-    for (const SmartPointer<Thread>& thread : threads)
-    {
-        thread->Join();
-    }
+    Tests::RunOnThreads(4, [&number](int) {
+        for (int round = 0; round < rounds; ++round)
+        {
+            Interlocked::Increment(&number);
+        }
+    });
     EXPECT_EQ(number, 4 * rounds);
 }
 } // namespace

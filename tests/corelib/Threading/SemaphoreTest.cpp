@@ -2,16 +2,14 @@
 
 #include "corelib/Threading/ThrowsAt.h"
 #include "support/ExpectError.h"
-#include "support/LambdaDelegate.h"
+#include "support/RunOnThreads.h"
 #include "system/Threading/AutoResetEvent.h"
 #include "system/Threading/Mutex.h"
-#include "system/Threading/Thread.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <string>
-#include <vector>
 
 namespace Nfx::System::Threading
 {
@@ -108,31 +106,19 @@ TEST(SemaphoreTest, EveryUnitIsTakenOnceWhoeverRacesForIt)
     constexpr int unitsPerThread = 6000;
     Semaphore units(0, pairs * unitsPerThread);
     std::atomic<int> taken{0};
-    std::vector<SmartPointer<Thread>> threads;
-    for (int pair = 0; pair < pairs; ++pair)
-    {
-        threads.emplace_back(new Thread(MakeLambda([&] {
-            for (int released = 0; released < unitsPerThread; released += 3)
-            {
-                units.Release(1);
-                units.Release(2);
-            }
-        })));
-        threads.emplace_back(new Thread(MakeLambda([&] {
-            for (int unit = 0; unit < unitsPerThread; ++unit)
+    Tests::RunOnThreads(2 * pairs, [&](int number) {
+        for (int unit = 0; unit < unitsPerThread; ++unit)
+        {
+            if (number % 2 != 0)
             {
                 taken += units.WaitOne(unit % 2 == 0 ? -1 : 30000) ? 1 : 0;
             }
-        })));
-    }
-    for (const SmartPointer<Thread>& thread : threads)
-    {
-        thread->Start();
-    }
-    for (const SmartPointer<Thread>& thread : threads)
-    {
-        thread->Join();
-    }
+            else if (unit % 3 != 0)
+            {
+                units.Release(unit % 3);
+            }
+        }
+    });
     EXPECT_EQ(taken, pairs * unitsPerThread);
     EXPECT_FALSE(units.WaitOne(0));
 }

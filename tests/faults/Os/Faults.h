@@ -24,7 +24,6 @@ enum class Call
     CreateSemaphore,
     ReleaseSemaphore,
     WaitSemaphore,
-    CreateFolder,
     OpenFile,
     WriteFile,
     RenameFile
@@ -39,7 +38,7 @@ public:
     static constexpr int Always = 1'000'000;
 
     /// Lets calls of this kind fail, the first of them being number first from now on, counted from 1. The error is a
-    /// socket error, or a native one for files and folders; the others have none.
+    /// socket error, or a native one for files; the others have none.
     static void Fail(Call call, int first, int count = 1, std::int32_t error = 0);
 
     /// Sends the calls of this kind through the gate, from number first on, counted as in Fail. The gate must live

@@ -1,5 +1,4 @@
 #include "Os/Faults.h"
-#include "Os/IDirectory.h"
 #include "Os/IEvent.h"
 #include "Os/IFile.h"
 #include "Os/IOs.h"
@@ -52,26 +51,6 @@ TResult Counted(TResult result, bool isOpened)
     Faults::CountOpened(isOpened);
     return result;
 }
-
-class DirectoryFaulty final : public IDirectory
-{
-public:
-    bool Exists(const String& path) override { return real.Exists(path); }
-
-    FileResult Create(const String& path) override
-    {
-        return Attempt(Call::CreateFolder, [&] { return real.Create(path); });
-    }
-
-    FileResult GetFullPath(const String& path, String& fullPath) override { return real.GetFullPath(path, fullPath); }
-
-    bool IsSeparator(char character) override { return real.IsSeparator(character); }
-
-    std::size_t RootLength(std::string_view path) override { return real.RootLength(path); }
-
-private:
-    IDirectory& real = RealPlatform().Directory();
-};
 
 class EventFaulty final : public IEvent
 {
@@ -335,7 +314,7 @@ class OsFaulty final : public IOs
 public:
     IDateTime& DateTime() override { return RealPlatform().DateTime(); }
 
-    IDirectory& Directory() override { return directory; }
+    IDirectory& Directory() override { return RealPlatform().Directory(); }
 
     IEvent& Event() override { return event; }
 
@@ -356,7 +335,6 @@ public:
     IThread& Thread() override { return thread; }
 
 private:
-    DirectoryFaulty directory;
     EventFaulty event;
     FileFaulty file;
     SemaphoreFaulty semaphore;

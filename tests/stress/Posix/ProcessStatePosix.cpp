@@ -2,7 +2,6 @@
 
 #include <arpa/inet.h>
 #include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -11,7 +10,6 @@
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <vector>
 
 namespace Tests
 {
@@ -22,20 +20,6 @@ namespace fs = std::filesystem;
 std::int64_t Entries(const char* folder)
 {
     return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
-}
-
-std::vector<int> Sockets()
-{
-    std::vector<int> found;
-    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd"))
-    {
-        std::error_code gone;
-        if (fs::read_symlink(entry.path(), gone).string().starts_with("socket:"))
-        {
-            found.push_back(std::stoi(entry.path().filename().string()));
-        }
-    }
-    return found;
 }
 
 bool IsBoundToEveryAddress(int socket, std::uint16_t port)
@@ -60,9 +44,10 @@ bool ShutDownSocketOn(std::uint16_t port)
     // Works on duplicates: the library may close its descriptor at any moment, and the number may then be another's.
     const int self = static_cast<int>(syscall(SYS_pidfd_open, getpid(), 0));
     bool isDone = false;
-    for (const int socket : Sockets())
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd"))
     {
-        const int duplicate = static_cast<int>(syscall(SYS_pidfd_getfd, self, socket, 0));
+        const int number = std::stoi(entry.path().filename().string());
+        const int duplicate = static_cast<int>(syscall(SYS_pidfd_getfd, self, number, 0));
         if (duplicate >= 0)
         {
             if (IsBoundToEveryAddress(duplicate, port))
@@ -74,19 +59,6 @@ bool ShutDownSocketOn(std::uint16_t port)
         }
     }
     close(self);
-    return isDone;
-}
-
-bool CloseSocketOn(std::uint16_t port)
-{
-    const int other = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    bool isDone = false;
-    for (const int socket : Sockets())
-    {
-        // By its number: in dup2 the thread sanitizer would find the race that this is about.
-        isDone = (IsBoundToEveryAddress(socket, port) && syscall(SYS_dup3, other, socket, 0) == socket) || isDone;
-    }
-    close(other);
     return isDone;
 }
 

@@ -139,30 +139,6 @@ TEST_F(LogStreamPosixTest, SizeLimitSplitsTheFileWithoutLoss)
     EXPECT_FALSE(std::filesystem::exists(folder.PathOf("test.log.2.bak")));
 }
 
-TEST_F(LogStreamPosixTest, SizeLimitWithoutRoomForALineDoesNotPushOutKeptFiles)
-{
-    folder.Write("test.log.1.bak", "kept");
-    const FileSizeLimit limit(100);
-    const SmartPointer<LogStream> log = Open(folder.PathOf("test.log"));
-    log->SetFileCount(3);
-    Write(*log, 0, 100);
-
-    EXPECT_EQ(folder.Read("test.log.1.bak"), "kept");
-}
-
-TEST_F(LogStreamPosixTest, FullDeviceIsNeitherAnErrorNorSplit)
-{
-    const std::string path = folder.PathOf("test.log");
-    std::filesystem::create_symlink("/dev/full", path);
-    const SmartPointer<LogStream> log = Open(path);
-    log->SetFileCount(3);
-    log->SetMaximumSize(1);
-    Write(*log, 0, 100);
-    log->Close();
-
-    EXPECT_TRUE(std::filesystem::is_symlink(path));
-}
-
 TEST_F(LogStreamPosixTest, PipeIsNeitherSplitNorWaitedForNorDeadly)
 {
     const std::string path = folder.PathOf("test.log");
