@@ -2,6 +2,7 @@
 #include "Os/ISocket.h"
 #include "corelib/Net/LoopbackSocket.h"
 #include "corelib/Net/Repeater.h"
+#include "support/RunOnThreads.h"
 #include "support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
+#include <iterator>
 #include <pthread.h>
 #include <string>
 #include <sys/socket.h>
@@ -107,12 +109,12 @@ TEST(SocketPosixTest, ReceiveNoticesThatSomebodyHasClosedItsDescriptor)
 
 TEST(SocketPosixTest, EveryTimeoutEndsItsReceive)
 {
-    for (const int milliseconds : {1, 490, 491, 500, 501})
-    {
+    constexpr int Timeouts[] = {1, 490, 491, 500, 501}; // milliseconds
+    Tests::RunOnThreads(static_cast<int>(std::size(Timeouts)), [&Timeouts](int number) {
         const SmartPointer<Socket> socket = OpenLoopback();
-        socket->SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, milliseconds);
-        EXPECT_EQ(ErrorOf([&] { ReceiveText(*socket); }), SocketError::TimedOut) << milliseconds;
-    }
+        socket->SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, Timeouts[number]);
+        EXPECT_EQ(ErrorOf([&] { ReceiveText(*socket); }), SocketError::TimedOut) << Timeouts[number];
+    });
 }
 
 TEST(SocketPosixTest, ProgramsThatTheProcessStartsInheritNoSocket)
