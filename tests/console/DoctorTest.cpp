@@ -98,9 +98,11 @@ TEST(DiagnosisTest, EachFaultIsFoundAndNamesWhatIsWrong)
         {"format-dropped",
          [](Observations& all) {
              all.Search->Log.FormatDropped = 1;
+             all.Search->Log.FormatSenders = {"10.0.0.1", "10.0.0.2", "10.0.0.3", "10.0.0.4", "10.0.0.5"};
              all.Search->Log.Defect = "No Host key";
          },
-         "1 datagram was dropped, the first one for \"No Host key\"."},
+         "1 datagram was dropped from 10.0.0.1, 10.0.0.2, 10.0.0.3, 10.0.0.4, 1 other, the first one for \"No Host "
+         "key\"."},
         {"answers-lost",
          [](Observations& all) {
              all.Search->BufferDrops = 944;
@@ -163,6 +165,7 @@ TEST(LogReaderTest, CountsWhatTheLastUseOfTheLibraryHasDropped)
         << line("Receiver", "Thread priority Highest refused by the system.")
         << line("MessageParser", "Version mismatch with received message ! [1.0.18] <> [1.0.17].")
         << line("MessageParser", "The protocol version of the message is not supported ! Message dropped.")
+        << line("MessageParser", "Sender of the dropped message : 10.0.0.5")
         << line("SignatureBroadcastMessage", "No Host key !!! => BAD MESSAGE FORMAT !")
         << line("MessageParser", "Message dropped : bad format !")
         << line("MessageParser", "Message : {\"a\":\"|Semaphore is full\"}")
@@ -173,6 +176,7 @@ TEST(LogReaderTest, CountsWhatTheLastUseOfTheLibraryHasDropped)
     const LogSummary summary = LogReader::Read(log);
     EXPECT_EQ(summary.VersionDropped, 1u);
     EXPECT_EQ(summary.Versions, std::set<std::string>{"1.0.17"});
+    EXPECT_EQ(summary.VersionSenders, std::set<std::string>{"10.0.0.5"});
     EXPECT_EQ(summary.FormatDropped, 1u);
     EXPECT_EQ(summary.Defect, "No Host key");
     EXPECT_EQ(summary.QueueFull, 2u);

@@ -95,9 +95,9 @@ class DoctorTest(TestCase):
 
     def test_messages_that_the_library_drops(self):
         simulator = self.devices("--protocol-version", "1.0.17")
-        self.assert_finds("version-dropped", r"1 message was dropped: version 1\.0\.17", "--min-version", "1.0.18")
+        self.assert_finds("version-dropped", r"1 message was dropped from 10\.6\.0\.10: version 1\.0\.17", "--min-version", "1.0.18")
         simulator.behave("malformed 100%")
-        self.assert_finds("format-dropped", "1 datagram was dropped")
+        self.assert_finds("format-dropped", r"1 datagram was dropped from 10\.6\.0\.10")
         simulator.behave("malformed 0%")
         simulator.behave("oversize 100%")
         self.assertIn("1 datagram was too large", self.findings(status=7)["answers-lost"]["Text"])

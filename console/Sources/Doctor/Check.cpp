@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -134,6 +135,20 @@ std::optional<Symptom> FindForeignSubNet(const Observations& observations)
                                              Counted(foreign.size() - 1, "other device", "other devices") + " lie"};
 }
 
+/// " from 10.0.0.5, 10.0.0.6"; empty when none is known.
+std::string From(const std::set<std::string>& addresses)
+{
+    constexpr std::size_t Shown = 4;
+    std::vector<std::string> names;
+    std::ranges::copy_n(addresses.begin(), static_cast<std::ptrdiff_t>(std::min(addresses.size(), Shown)),
+                        std::back_inserter(names));
+    if (addresses.size() > Shown)
+    {
+        names.push_back(Counted(addresses.size() - Shown, "other", "others"));
+    }
+    return names.empty() ? "" : " from " + Joined(names, ", ");
+}
+
 std::optional<Symptom> FindVersionDropped(const Observations& observations)
 {
     const LogSummary& log = observations.Search->Log;
@@ -141,7 +156,7 @@ std::optional<Symptom> FindVersionDropped(const Observations& observations)
     {
         return std::nullopt;
     }
-    return Symptom{Counted(log.VersionDropped, "message was", "messages were") + " dropped" +
+    return Symptom{Counted(log.VersionDropped, "message was", "messages were") + " dropped" + From(log.VersionSenders) +
                    (log.Versions.empty() ? "" : ": version " + Joined(log.Versions, ", "))};
 }
 
@@ -152,7 +167,7 @@ std::optional<Symptom> FindFormatDropped(const Observations& observations)
     {
         return std::nullopt;
     }
-    return Symptom{Counted(log.FormatDropped, "datagram was", "datagrams were") + " dropped" +
+    return Symptom{Counted(log.FormatDropped, "datagram was", "datagrams were") + " dropped" + From(log.FormatSenders) +
                    (log.Defect.empty() ? "" : ", the first one for \"" + log.Defect + '"')};
 }
 

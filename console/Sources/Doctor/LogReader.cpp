@@ -93,6 +93,7 @@ private:
         else if (message.starts_with("The protocol version of the message is not supported"))
         {
             ++summary.VersionDropped;
+            senders = &LogSummary::VersionSenders;
             if (!version.empty())
             {
                 summary.Versions.insert(version);
@@ -105,6 +106,11 @@ private:
                 summary.Defect = defect;
             }
             defect.clear();
+            senders = &LogSummary::FormatSenders;
+        }
+        else if (message.starts_with(SenderLine))
+        {
+            (summary.*senders).emplace(message.substr(SenderLine.size()));
         }
         else if (message.starts_with("Semaphore is full"))
         {
@@ -112,9 +118,12 @@ private:
         }
     }
 
+    static constexpr std::string_view SenderLine = "Sender of the dropped message : ";
+
     LogSummary summary;
-    std::string version; // of the last mismatch
-    std::string defect;  // that was named last
+    std::set<std::string> LogSummary::*senders = &LogSummary::FormatSenders; // of the last dropped datagram
+    std::string version;                                                     // of the last mismatch
+    std::string defect;                                                      // that was named last
 };
 } // namespace
 

@@ -13,7 +13,8 @@ public:
     LogReader() = delete;
 
     /// What the last use of the library that the log tells of has dropped: all since its "Start Log". How much a log of
-    /// a lower level tells is less: versions need Standard, the refused priority Debug.
+    /// a lower level tells is less: versions need Standard, senders and the refused priority
+    /// Debug.
     static LogSummary Read(std::istream& log);
 };
 } // namespace Zent::Discovery::Console::Doctor

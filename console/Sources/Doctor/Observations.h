@@ -31,12 +31,14 @@ struct FirewallState
 /// What a log of the library tells about what was dropped.
 struct LogSummary
 {
-    std::size_t VersionDropped = 0; // datagrams
-    std::set<std::string> Versions; // of these
-    std::size_t FormatDropped = 0;  // datagrams
-    std::string Defect;             // of the first of these, when the log names it
-    std::size_t QueueFull = 0;      // datagrams, requests and notifications
-    std::size_t Oversize = 0;       // datagrams
+    std::size_t VersionDropped = 0;       // datagrams
+    std::set<std::string> Versions;       // of these
+    std::set<std::string> VersionSenders; // addresses
+    std::size_t FormatDropped = 0;        // datagrams
+    std::string Defect;                   // of the first of these, when the log names it
+    std::set<std::string> FormatSenders;  // addresses
+    std::size_t QueueFull = 0;            // datagrams, requests and notifications
+    std::size_t Oversize = 0;             // datagrams
     bool SharesPort = false;
     bool IsRealTimeRefused = false;
 };
