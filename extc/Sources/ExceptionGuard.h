@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Discovery/Attempt.h"
 #include "system/Exceptions.h"
 
 #include <cstdint>
-#include <new>
 #include <utility>
 
 namespace Zent::Discovery::ExtC
@@ -34,19 +34,9 @@ private:
     template <class TBody>
     static std::int32_t Guard(TBody&& body, Handler handler)
     {
-        try
-        {
-            std::forward<TBody>(body)();
-            return Nfx::System::ErrorCodes::None;
-        }
-        catch (const Nfx::System::Exception& exception)
-        {
-            return handler(exception);
-        }
-        catch (const std::bad_alloc&)
-        {
-            return handler(Nfx::System::OutOfMemoryException("extc/Sources/ExceptionGuard", __LINE__));
-        }
+        std::int32_t code = Nfx::System::ErrorCodes::None;
+        Attempt(std::forward<TBody>(body), [&](const Nfx::System::Exception& exception) { code = handler(exception); });
+        return code;
     }
 
     static std::int32_t CodeOf(const Nfx::System::Exception& exception) noexcept { return exception.GetError().Code(); }
