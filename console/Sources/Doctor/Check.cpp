@@ -19,12 +19,12 @@ std::string Counted(std::uint64_t count, const std::string& one, const std::stri
     return count == 1 ? "1 " + one : std::to_string(count) + " " + several;
 }
 
-std::string Joined(const auto& texts, std::string_view separator)
+std::string Joined(const auto& texts)
 {
     std::string joined;
     for (const std::string& text : texts)
     {
-        joined.append(joined.empty() ? "" : separator).append(text);
+        joined.append(joined.empty() ? "" : ", ").append(text);
     }
     return joined;
 }
@@ -51,7 +51,7 @@ std::string NamesOf(const std::vector<Programs::UdpSocket>& holders)
     {
         names.insert(NameOf(holder));
     }
-    return names.empty() ? "another program" : Joined(names, ", ");
+    return names.empty() ? "another program" : Joined(names);
 }
 
 std::optional<Symptom> FindNoInterface(const Observations& observations)
@@ -111,7 +111,7 @@ std::optional<Symptom> FindAnswersLost(const Observations& observations)
     {
         causes.push_back(Counted(oversize, "datagram was", "datagrams were") + " too large for the first try");
     }
-    return causes.empty() ? std::nullopt : std::optional(Symptom{Joined(causes, ", ")});
+    return causes.empty() ? std::nullopt : std::optional(Symptom{Joined(causes)});
 }
 
 std::optional<Symptom> FindForeignSubNet(const Observations& observations)
@@ -146,7 +146,7 @@ std::string From(const std::set<std::string>& addresses)
     {
         names.push_back(Counted(addresses.size() - Shown, "other", "others"));
     }
-    return names.empty() ? "" : " from " + Joined(names, ", ");
+    return names.empty() ? "" : " from " + Joined(names);
 }
 
 std::optional<Symptom> FindVersionDropped(const Observations& observations)
@@ -157,7 +157,7 @@ std::optional<Symptom> FindVersionDropped(const Observations& observations)
         return std::nullopt;
     }
     return Symptom{Counted(log.VersionDropped, "message was", "messages were") + " dropped" + From(log.VersionSenders) +
-                   (log.Versions.empty() ? "" : ": version " + Joined(log.Versions, ", "))};
+                   (log.Versions.empty() ? "" : ": version " + Joined(log.Versions))};
 }
 
 std::optional<Symptom> FindFormatDropped(const Observations& observations)
@@ -211,7 +211,7 @@ std::optional<Symptom> FindConflict(const Observations& observations)
                 conflicts);
     FindClashes(devices, "the IP address ", &HeardDevice::IPAddress, &HeardDevice::MACAddress, " devices", conflicts);
     FindClashes(devices, "the name ", &HeardDevice::HostName, &HeardDevice::MACAddress, " devices", conflicts);
-    return conflicts.empty() ? std::nullopt : std::optional(Symptom{Joined(conflicts, ", ")});
+    return conflicts.empty() ? std::nullopt : std::optional(Symptom{Joined(conflicts)});
 }
 
 std::optional<Symptom> FindNoRealTime(const Observations& observations)

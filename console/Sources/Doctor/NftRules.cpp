@@ -179,12 +179,12 @@ public:
     {
     }
 
-    Fates Follow(const Chain& chain, int depth = 0) const
+    Fates Follow(const Chain& chain)
     {
         Fates fates;
         for (const Words& rule : chain.Rules)
         {
-            const Fates each = FatesOf(rule, chain, depth);
+            const Fates each = FatesOf(rule, chain);
             fates.Accepted |= each.Accepted;
             fates.Dropped |= each.Dropped;
             fates.Returned |= each.Returned;
@@ -199,13 +199,13 @@ public:
     }
 
 private:
-    Fates FatesOf(const Words& rule, const Chain& chain, int depth) const
+    Fates FatesOf(const Words& rule, const Chain& chain)
     {
         Match match = Match::Yes;
         for (auto word = rule.begin(); word != rule.end() && match != Match::No;)
         {
             Fates fates;
-            if (IsVerdict(word, rule.end(), chain, depth, fates))
+            if (IsVerdict(word, rule.end(), chain, fates))
             {
                 fates.GoesOn |= match == Match::Unknown;
                 return fates;
@@ -218,7 +218,7 @@ private:
     using Word = Words::const_iterator;
 
     /// What the verdict does, if the word is one.
-    bool IsVerdict(Word word, Word end, const Chain& chain, int depth, Fates& fates) const
+    bool IsVerdict(Word word, Word end, const Chain& chain, Fates& fates)
     {
         if (*word == "accept")
         {
@@ -234,7 +234,7 @@ private:
         }
         else if ((*word == "jump" || *word == "goto") && word + 1 != end)
         {
-            const Fates inner = FatesIn(*(word + 1), chain, depth);
+            const Fates inner = FatesIn(*(word + 1), chain);
             const bool comesBack = *word == "jump";
             fates = {inner.Accepted, inner.Dropped, inner.GoesOn && comesBack, inner.GoesOn && !comesBack};
         }
@@ -249,16 +249,22 @@ private:
         return true;
     }
 
-    Fates FatesIn(const std::string& name, const Chain& from, int depth) const
+    /// Each chain is followed once, however many rules jump there. One that is on its way to itself stays unknown.
+    Fates FatesIn(const std::string& name, const Chain& from)
     {
-        constexpr int MaximumDepth = 16; // the system's own
+        constexpr Fates Unknown{true, true, true, false};
         const auto found = std::ranges::find_if(
             chains, [&](const Chain& chain) { return chain.Name == name && chain.Table == from.Table; });
-        if (found == chains.end() || depth == MaximumDepth)
+        if (found == chains.end())
         {
-            return {true, true, true, false};
+            return Unknown;
         }
-        return Follow(*found, depth + 1);
+        const auto [place, isNew] = known.emplace(&*found, Unknown);
+        if (isNew)
+        {
+            place->second = Follow(*found);
+        }
+        return place->second;
     }
 
     /// Takes the words of one condition or statement, and says whether the datagram meets it.
@@ -359,13 +365,14 @@ private:
 
     const std::vector<Chain>& chains;
     const std::uint16_t port;
+    std::map<const Chain*, Fates> known; // of chains that were jumped to
 };
 } // namespace
 
 FirewallState NftRules::Judge(std::string_view ruleSet, std::uint16_t port)
 {
     const std::vector<Chain> chains = Reader(ruleSet).Read();
-    const Follower follower(chains, port);
+    Follower follower(chains, port);
     FirewallState state;
     for (const Chain& chain : chains)
     {

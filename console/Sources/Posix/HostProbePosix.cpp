@@ -25,7 +25,7 @@ constexpr std::uint16_t HostPort = 12001;
 std::optional<std::string> OutputOf(const std::string& command)
 {
     // The folders of the administrator's programs are not in every user's path.
-    FILE* const pipe = popen(("PATH=\"$PATH:/usr/sbin:/sbin\" " + command + " 2>/dev/null").c_str(), "re");
+    FILE* const pipe = popen(("export PATH=\"$PATH:/usr/sbin:/sbin\"; { " + command + "; } 2>/dev/null").c_str(), "re");
     if (pipe == nullptr)
     {
         return std::nullopt;
@@ -96,7 +96,7 @@ FirewallState HostProbe::Firewall()
     {
         state = NftRules::Judge(*rules, HostPort);
     }
-    else if (!keeper.Name.empty() || OutputOf("command -v nft iptables"))
+    else if (!keeper.Name.empty() || OutputOf("command -v nft || command -v iptables"))
     {
         state.Verdict = FirewallState::Verdicts::Unclear;
         state.Reason = "by the rules of " + (keeper.Name.empty() ? "the packet filter" : keeper.Name) +
