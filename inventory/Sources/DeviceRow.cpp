@@ -31,7 +31,7 @@ std::string DeviceRow::ToJson() const
         .Number("FirstSeen", FirstSeen.count())
         .Number("LastSeen", LastSeen.count())
         .Text("Source", Source)
-        .Raw("Changes", JsonText::Array(Changes, changeJson))
+        .Array("Changes", Changes, changeJson)
         .Raw("Device", Latest->Message.Document)
         .Take();
 }

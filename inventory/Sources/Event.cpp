@@ -47,7 +47,7 @@ std::string Event::ToJson() const
     }
     if (!Changes.empty())
     {
-        json.Raw("Changes", JsonText::Array(Changes, [](const auto& each) { return each.ToJson(); }));
+        json.Array("Changes", Changes, [](const auto& each) { return each.ToJson(); });
     }
     if (Contradiction)
     {

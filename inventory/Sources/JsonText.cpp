@@ -31,7 +31,8 @@ JsonText& JsonText::Raw(std::string_view key, std::string_view json)
 
 std::string JsonText::Take()
 {
-    return text.empty() ? "{}" : std::exchange(text, {}) + "}";
+    text += text.empty() ? "{}" : "}";
+    return std::exchange(text, {});
 }
 
 std::string JsonText::Quoted(std::string_view text)

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Zent::Discovery::Inventory
 {
@@ -10,6 +12,9 @@ namespace Zent::Discovery::Inventory
 class JsonText final
 {
 public:
+    /// size is about how many bytes it will have.
+    explicit JsonText(std::size_t size = 0) { text.reserve(size); }
+
     JsonText& Text(std::string_view key, std::string_view value);
     JsonText& Number(std::string_view key, std::int64_t value);
     JsonText& Flag(std::string_view key, bool value);
@@ -23,16 +28,19 @@ public:
     /// The text of a JSON string; bytes that are no valid UTF-8 stay.
     static std::string Quoted(std::string_view text);
 
-    /// Joins what each element gives to an array.
+    /// An array of what json(element) gives for each element.
     template <class TElements, class TJson>
-    static std::string Array(const TElements& elements, TJson&& json)
+    JsonText& Array(std::string_view key, const TElements& elements, TJson&& json)
     {
-        std::string text = "[";
+        Raw(key, "[");
+        const char* separator = "";
         for (const auto& element : elements)
         {
-            text += (text.size() > 1 ? "," : "") + json(element);
+            text += std::exchange(separator, ",");
+            text += json(element);
         }
-        return text + "]";
+        text += ']';
+        return *this;
     }
 
 private:

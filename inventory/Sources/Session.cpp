@@ -7,6 +7,11 @@
 
 namespace Zent::Discovery::Inventory
 {
+namespace
+{
+constexpr std::size_t TypicalRow = 1536; // bytes of JSON
+} // namespace
+
 Session::Session(DeviceTableOptions options)
     : devices(std::move(options), questions, events)
 {
@@ -114,12 +119,10 @@ Time Session::NextTime() const
 
 std::string Session::ToJson() const
 {
-    return JsonText()
-        .Number("Now", now.count())
-        .Number("LostEvents", static_cast<std::int64_t>(events.Lost()))
-        .Raw("Devices", JsonText::Array(devices.Rows(), [](const DeviceRow* row) { return row->ToJson(); }))
-        .Raw("Search", search ? search->Report().ToJson() : "null")
-        .Take();
+    JsonText json(devices.Size() * TypicalRow);
+    json.Number("Now", now.count()).Number("LostEvents", static_cast<std::int64_t>(events.Lost()));
+    json.Array("Devices", devices.Rows(), [](const DeviceRow* row) { return row->ToJson(); });
+    return json.Raw("Search", search ? search->Report().ToJson() : "null").Take();
 }
 
 void Session::GoOn(Time time)

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Zent::Discovery::Inventory
@@ -25,6 +27,11 @@ public:
     void Forget(DeviceMessage::TimePoint byeBefore, std::size_t maximum);
 
 private:
+    std::optional<std::size_t> PlaceOf(const Device& device) const;
+    void Enter(std::size_t place);
+    void Withdraw(std::size_t place);
+
     std::vector<Device> devices;
+    std::unordered_map<std::string, std::size_t> places; // of devices by what they are known by
 };
 } // namespace Zent::Discovery::Inventory
