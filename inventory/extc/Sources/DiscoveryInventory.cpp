@@ -43,7 +43,7 @@ int Fail(ResultCode code, const char* what) noexcept
 template <class TAction, class... TArguments>
 int Guard(TAction&& action, const TArguments*... arguments) noexcept
 {
-    if (((arguments == nullptr) || ...))
+    if ((!arguments || ...))
     {
         return Fail(ArgumentNull, "an argument is null");
     }
