@@ -1,6 +1,7 @@
 #include "Discovery/DiscoveryLogger.h"
 #include "Discovery/Message/DiscoveryMessageDeserializer.h"
 #include "support/FuzzTarget.h"
+#include "support/MemoryFaults.h"
 
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
@@ -12,7 +13,7 @@ namespace
 /// Changes the level of the log when it is another one.
 void UseLevel(const LogStreamLevel& level)
 {
-    const Fuzzing::AllocationFaults::Pause pause;
+    const Tests::MemoryFaults::Scope spared(false);
     static std::int32_t current = 0;
     if (level != current)
     {

@@ -1,5 +1,6 @@
 #include "LogStream/LogLines.h"
 #include "support/FuzzTarget.h"
+#include "support/MemoryFaults.h"
 #include "system/Exceptions.h"
 #include "system/LogStreams/LogStream.h"
 #include "system/LogStreams/LogStreamChannel.h"
@@ -26,7 +27,7 @@ void CheckLine(const LogLines& lines)
 
 LogStream* OpenStream(const char* path)
 {
-    const Fuzzing::AllocationFaults::Pause pause;
+    const Tests::MemoryFaults::Scope spared(false);
     return new LogStream(path, LogStreamLevel::Debug, {"author", "company", "product"});
 }
 

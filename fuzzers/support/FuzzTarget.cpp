@@ -1,5 +1,6 @@
 #include "support/FuzzTarget.h"
 
+#include "support/MemoryFaults.h"
 #include "system/Memory.h"
 
 #include <cstdint>
@@ -10,8 +11,8 @@
 #include <new>
 #include <sanitizer/asan_interface.h>
 
-using Fuzzing::AllocationFaults;
 using Nfx::System::Memory;
+using Tests::MemoryFaults;
 
 namespace
 {
@@ -21,29 +22,30 @@ const std::terminate_handler defaultTerminateHandler = std::set_terminate(&OnTer
 
 void OnTerminate()
 {
-    AllocationFaults::Stop();
+    MemoryFaults::Clear();
     defaultTerminateHandler();
 }
 
 /// Ends the program with a finding.
 [[noreturn]] void Report(const char* what)
 {
-    AllocationFaults::Stop();
+    MemoryFaults::Clear();
     std::fprintf(stderr, "does not hold: %s\n", what);
     std::abort();
 }
 
 /// Runs an input without failures. Returns how many allocations it makes.
-std::size_t RunUndisturbed(std::string_view input)
+int RunUndisturbed(std::string_view input)
 {
-    const AllocationFaults counter;
+    MemoryFaults::Fail(MemoryFaults::Always);
     Fuzzing::Fuzz(input);
-    return counter.Count();
+    MemoryFaults::Clear();
+    return MemoryFaults::Seen();
 }
 
-void RunWithFault(std::string_view input, std::size_t number, bool lasting)
+void RunWithFault(std::string_view input, int number, bool lasting)
 {
-    const AllocationFaults faults(number, lasting);
+    MemoryFaults::Fail(number, lasting ? MemoryFaults::Always : 1);
     try
     {
         Fuzzing::Fuzz(input);
@@ -55,12 +57,13 @@ void RunWithFault(std::string_view input, std::size_t number, bool lasting)
     catch (const std::bad_alloc&)
     {
     }
+    MemoryFaults::Clear();
 }
 } // namespace
 
 void Fuzzing::Check(bool condition, const char* what)
 {
-    if (!condition && !AllocationFaults::HaveOccurred())
+    if (!condition && MemoryFaults::Failed() == 0)
     {
         Report(what);
     }
@@ -73,23 +76,24 @@ extern "C"
 
     void __ubsan_on_report()
     {
-        AllocationFaults::Stop();
+        MemoryFaults::Clear();
     }
 
     void __asan_on_error()
     {
-        AllocationFaults::Stop();
+        MemoryFaults::Clear();
     }
 
     int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     {
         const std::string_view input(reinterpret_cast<const char*>(data), size);
         const std::int64_t before = Memory::LiveCount();
-        const std::size_t allocations = RunUndisturbed(input);
+        const int allocations = RunUndisturbed(input);
         if (allocations > 0)
         {
             const std::size_t choice = std::hash<std::string_view>()(input);
-            RunWithFault(input, 1 + choice / 2 % allocations, choice % 2 != 0);
+            RunWithFault(input, 1 + static_cast<int>(choice / 2 % static_cast<std::size_t>(allocations)),
+                         choice % 2 != 0);
         }
         if (Memory::LiveCount() != before)
         {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/AllocationFaults.h"
 #include "system/ErrorCodes.h"
 #include "system/Exception.h"
 

@@ -1,6 +1,6 @@
 #include "support/Grammar.h"
 
-#include "support/AllocationFaults.h"
+#include "support/MemoryFaults.h"
 
 #include <algorithm>
 #include <regex>
@@ -29,14 +29,14 @@ bool IsNumber(std::string_view text)
 
 bool Grammar::IsMACAddress(std::string_view text)
 {
-    const AllocationFaults::Pause pause;
+    const Tests::MemoryFaults::Scope spared(false);
     static const std::regex pattern("[0-9A-Fa-f]{1,2}(:[0-9A-Fa-f]{1,2}){5}");
     return IsMatch(text, pattern);
 }
 
 bool Grammar::IsIPAddress(std::string_view text)
 {
-    const AllocationFaults::Pause pause;
+    const Tests::MemoryFaults::Scope spared(false);
     static const std::string octet = "(0?[0-9]?[0-9]|1[0-9]{2}|2[0-4][0-9]|25[0-5])";
     static const std::regex pattern(octet + "(\\." + octet + "){3}");
     return IsMatch(text, pattern);
