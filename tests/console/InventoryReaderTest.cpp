@@ -41,11 +41,15 @@ TEST(InventoryReaderTest, TakesDocumentsHoweverTheyAreLaidOut)
     EXPECT_EQ(inventory.Devices()[0].Message.Document, Document("b", "02:02", ""));
 }
 
-TEST(InventoryReaderTest, NamesFileAndLineOfWhatIsNoResult)
+TEST(InventoryReaderTest, NamesThePlaceOfWhatIsNoResult)
 {
     const std::string good = Document("a", "02:01", "") + "\n";
-    for (const char* bad :
-         {"text", "{}", "{\"Host\":1}", "{\"Host\":{", "{\"Host\":{}", "{\"Host\" {}}", "[[", "]", "1"})
+    for (const auto& [bad, place] : {std::pair("text", "2, column 1: no JSON object"),
+                                     {" {}", "2, column 2: the document has no \"Host\""},
+                                     {"{\"Host\":1}", "2, column 1: the document has no \"Host\""},
+                                     {"{\"Host\":{\n", "3, column 1: syntax error"},
+                                     {"{\"Host\" {}}", "2, column 9: syntax error"},
+                                     {"[[", "2, column 1: no JSON object"}})
     {
         SCOPED_TRACE(bad);
         try
@@ -55,9 +59,10 @@ TEST(InventoryReaderTest, NamesFileAndLineOfWhatIsNoResult)
         }
         catch (const std::runtime_error& error)
         {
-            EXPECT_TRUE(std::string(error.what()).starts_with("saved.json is no saved result: line 2: "))
+            EXPECT_TRUE(std::string(error.what()).starts_with(std::string("saved.json: line ") + place))
                 << error.what();
         }
     }
+    EXPECT_THROW(InventoryReader::ReadText("[" + good + good + "]", "file"), std::runtime_error);
 }
 } // namespace

@@ -149,8 +149,8 @@ class InventoryTest(TestCase):
     def test_files_that_are_no_results_are_named(self):
         bad = self.folder / "bad.json"
         bad.write_text('{"Host":{"HostName":"a"}}\n{"Host":', encoding="utf-8")
-        _, errors = self.console("inventory", "show", str(bad), status=1)
-        self.assertIn(f"{bad} is no saved result: line 2: ", errors)
+        _, errors = self.console("inventory", "show", str(bad), status=2)
+        self.assertIn(f"{bad}: line 2, column 9: ", errors)
         missing = str(self.folder / "missing.json")
         _, errors = self.console("inventory", "diff", missing, str(bad), status=1)
         self.assertIn(f"cannot read {missing}: ", errors)
@@ -222,10 +222,16 @@ class RequestTest(TestCase):
         _, errors = self.console("configure", str(self.folder), status=1)
         self.assertIn(f"cannot read {self.folder}", errors)
         file = self.folder / "nics.json"
-        for content in ("text", "{}", "[1]", '[{"MACAddress": "0:1:2:3:4:5"}]'):
+        for content, place in (
+            ("text", ": line 1, column 1: no JSON object"),
+            ("[\n1]", ": line 2, column 1: no JSON object"),
+            ('[{"FriendlyName": "eth0"}]', ': line 1, column 2: the interface has no "MACAddress"'),
+            ('[{"FriendlyName": 1}]', ': line 1, column 2: "FriendlyName" is no text'),
+            ("[]", " has no settings"),
+        ):
             file.write_text(content)
-            _, errors = self.console("configure", str(file), status=1)
-            self.assertIn(f"{file} is no JSON array of objects with MACAddress", errors)
+            _, errors = self.console("configure", str(file), status=2)
+            self.assertIn(f"{file}{place}", errors)
 
 
 class VersionTest(TestCase):

@@ -5,24 +5,25 @@
 #include "Inventory/AddressText.h"
 #include "Inventory/DeviceList.h"
 #include "Inventory/DeviceSelection.h"
-#include "Json/JSONArray.h"
-#include "Json/JSONObject.h"
+#include "Programs/WrongArgument.h"
 #include "Show/Output.h"
+#include "Text/JsonFile.h"
 #include "Text/TextFile.h"
-#include "system/Exception.h"
 
 #include <CLI/CLI.hpp>
 
-#include <stdexcept>
+#include <algorithm>
+#include <cctype>
+#include <optional>
+#include <string_view>
 
-using Nfx::System::String;
 using Zent::Discovery::Inventory::AddressText;
 using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceList;
 using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Discovery::Inventory::DeviceSelection;
-using Zent::Utils::Json::JSONArray;
-using Zent::Utils::Json::JSONObject;
+using Zent::Discovery::Inventory::Network;
+using Zent::Discovery::Programs::WrongArgument;
 
 namespace Zent::Discovery::Console
 {
@@ -40,21 +41,52 @@ bool Agrees(const std::string& wanted, const std::string& shown)
     return Normal(wanted) == Normal(shown);
 }
 
-std::string Text(const JSONObject& object, const char* key)
+/// The text of a member, whose name is matched without regard to ASCII letter case as the library matches it; nothing
+/// when there is none.
+/// @throws WrongArgument when it is no text.
+std::optional<std::string> FindText(const JsonFile::Object& object, std::string_view name)
 {
-    return std::string(object.GetString(key).View());
+    const auto isSame = [](char left, char right) { return std::tolower(left) == std::tolower(right); };
+    for (const auto& [key, value] : object.Value.items())
+    {
+        if (std::ranges::equal(key, name, isSame))
+        {
+            if (!value.is_string())
+            {
+                throw WrongArgument(object.Place + ": \"" + key + "\" is no text");
+            }
+            return value.get<std::string>();
+        }
+    }
+    return std::nullopt;
 }
 
-NICSettings SettingsOf(const JSONObject& object)
+std::string Text(const JsonFile::Object& object, const std::string& name)
 {
-    NICSettings settings{Text(object, "FriendlyName"), Text(object, "MACAddress"), Text(object, "IPAddress"),
-                         Text(object, "SubNetMask"), Text(object, "DefaultGateway")};
-    String text;
-    if (object.TryGetString("MTU", text))
+    const std::optional<std::string> text = FindText(object, name);
+    if (!text)
     {
-        settings.MTU = std::string(text.View());
+        throw WrongArgument(object.Place + ": the interface has no \"" + name + "\"");
     }
-    return settings;
+    return *text;
+}
+
+std::string Address(const JsonFile::Object& object, const std::string& name)
+{
+    const std::string text = Text(object, name);
+    const bool isNone = name == "DefaultGateway" && text.empty();
+    if (!isNone && !Network::ParseAddress(text))
+    {
+        throw WrongArgument(object.Place + ": \"" + name + "\" is no IPv4 address: \"" + text + "\"");
+    }
+    return text;
+}
+
+NICSettings SettingsOf(const JsonFile::Object& object)
+{
+    return {Text(object, "FriendlyName"),      Text(object, "MACAddress"),
+            Address(object, "IPAddress"),      Address(object, "SubNetMask"),
+            Address(object, "DefaultGateway"), FindText(object, "MTU").value_or(NICSettings().MTU)};
 }
 
 /// An interface may keep an MTU that the settings do not tell.
@@ -122,18 +154,13 @@ ExitStatus ConfigureCommand::Run(CommandContext& context)
 std::vector<NICSettings> ConfigureCommand::Read() const
 {
     std::vector<NICSettings> interfaces;
-    try
+    for (const JsonFile::Object& object : JsonFile::Read(TextFile::Read(file), file))
     {
-        const JSONArray array{String(std::string_view(TextFile::Read(file)))};
-        for (std::int32_t i = 0; i < array.Length(); ++i)
-        {
-            interfaces.push_back(SettingsOf(array.GetJSONObject(i)));
-        }
+        interfaces.push_back(SettingsOf(object));
     }
-    catch (const Nfx::System::Exception&)
+    if (interfaces.empty())
     {
-        throw std::runtime_error(file + " is no JSON array of objects with MACAddress, IPAddress, SubNetMask, " +
-                                 "DefaultGateway and FriendlyName; the manual shows one");
+        throw WrongArgument(file + " has no settings of an interface; the manual shows some");
     }
     return interfaces;
 }

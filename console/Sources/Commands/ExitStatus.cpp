@@ -13,7 +13,7 @@ struct Meaning
 constexpr Meaning Meanings[] = {
     {ExitStatus::Success, "success; of a search: it is complete"},
     {ExitStatus::Failure, "the library or the system refused, or a file could not be used"},
-    {ExitStatus::Usage, "wrong arguments"},
+    {ExitStatus::Usage, "wrong arguments, or a file that holds something else than it should"},
     {ExitStatus::NoAnswer, "no device has answered in time, or not as it should, or no interface takes part"},
     {ExitStatus::Different, "the two saved results differ"},
     {ExitStatus::Warnings, "the doctor has found something that affects some devices or hosts"},
