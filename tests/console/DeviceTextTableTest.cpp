@@ -36,7 +36,7 @@ TEST(DeviceTextTableTest, ColumnsAreAsWideAsTheirWidestText)
 
 TEST(DeviceTextTableTest, NarrowTerminalsLoseDetailsBeforeAddresses)
 {
-    DeviceTextTable table = DeviceTextTable::WithAges({});
+    DeviceTextTable table = DeviceTextTable::WithStates({});
     table.Add(Device(Message(Kind::Hello, "a name of a device that is rather long", Details)));
     for (const std::size_t width : {70u, 90u, 120u})
     {

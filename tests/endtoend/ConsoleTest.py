@@ -296,7 +296,8 @@ class InterfaceTest(TestCase):
                 with self.simulator():
                     cable.plug()
                     start = time.monotonic()
-                    self.assertEqual(json.loads(console.line())["SourceNIC"]["IPAddress"], "10.1.0.10")
+                    document = json.loads(console.line_with('"Message"'))
+                    self.assertEqual(document["SourceNIC"]["IPAddress"], "10.1.0.10")
                     self.assertLess(time.monotonic() - start, 2)
             console.interrupt()
             self.assertEqual(console.wait(), 0)

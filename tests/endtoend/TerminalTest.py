@@ -85,37 +85,62 @@ class TerminalTestCase(TestCase):
 class LiveTableTest(TerminalTestCase):
     def test_devices_appear_change_and_leave(self):
         with Peer() as peer, self.terminal("watch", "--sort", "name") as terminal:
-            terminal.wait_for("No message yet")
+            terminal.wait_for("No device has answered yet")
             self.assertTrue(terminal.has_other_screen())
 
             first, second = "02:00:00:00:00:01", "02:00:00:00:00:02"
             peer.send(message("Hello", "press-10", first))
             peer.send(message("SignatureBroadcast", "press-9", second))
             terminal.wait_for("press-9 (127.0.0.1) appeared")
-            self.assertRegex(terminal.wait_for(first), r"^press-10 .* 127\.0\.0\.1 .* Hello +\d+ s$")
-            self.assertEqual([line.split()[0] for line in terminal.lines()[2:5]], ["HOST", "press-9", "press-10"])
+            self.assertRegex(terminal.wait_for(first), r"^present +press-10 .* 127\.0\.0\.1 .* Hello +\d+ s$")
+            self.assertEqual([line.split()[1] for line in terminal.lines()[2:5]], ["HOST", "press-9", "press-10"])
 
             peer.send(message("SignatureBroadcast", "new-name", first))
             terminal.wait_for("new-name (127.0.0.1) HostName: press-10 -> new-name")
-            self.assertRegex(terminal.wait_for(first), r"^new-name .* Signature ")
+            self.assertRegex(terminal.wait_for(first), r"^present +new-name .* Signature ")
 
             peer.send(message("Bye", "press-9", second))
             terminal.wait_for("press-9 (127.0.0.1) left")
             self.assertRegex(terminal.lines()[0], r"^\d\d:\d\d:\d\d  2 devices, 1 left  ")
-            self.assertRegex(terminal.wait_for(second), r" Bye ")
+            self.assertRegex(terminal.wait_for(second), r"^left .* Bye ")
             peer.send(message("Hello", "press-9", second))
             terminal.wait_for("press-9 (127.0.0.1) came back")
 
-            terminal.press("C-c")
+            peer.send(message("Hello", "press-9", "02:00:00:00:00:03", SerialNumber="2"))
+            terminal.wait_for("2 devices have the name press-9")
+
+            terminal.press("q")
             self.assertEqual(terminal.status(), 0)
             self.assertFalse(terminal.has_other_screen())
             self.assertEqual(terminal.property("cursor_flag"), "1")
-            self.assertRegex(terminal.wait_for(first), r"^new-name .* Signature ")  # the last state stays
-            terminal.wait_without("Ctrl-C")
+            self.assertRegex(terminal.wait_for(first), r"^present +new-name .* Signature ")  # the last state stays
+            terminal.wait_without("q ends")
+
+    def test_silent_devices_are_asked_and_gone_in_the_end(self):
+        with Peer() as peer, self.terminal("watch", "--every", "1") as terminal:
+            terminal.wait_for("No device has answered yet")
+            peer.send(message("Hello", "press-9"))
+            terminal.wait_for("press-9 (127.0.0.1) is gone")
+            self.assertRegex(terminal.wait_for("02:00:00:00:00:01"), r"^gone ")
+            peer.send(message("SignatureBroadcast", "press-9"))
+            terminal.wait_for("press-9 (127.0.0.1) came back")
+
+    def test_scrolls(self):
+        with Simulator("--count", "30", "--no-hello"), self.terminal("watch", "--sort", "ip") as terminal:
+            terminal.wait_for("... and ")
+            terminal.press("End")
+            terminal.wait_for("127.0.0.39")
+            terminal.wait_for("above and 0 more")
+            terminal.press("Up")
+            terminal.wait_for("above and 1 more")
+            terminal.press("Home")
+            terminal.wait_for("127.0.0.10 ")
+            terminal.press("PageDown")
+            terminal.wait_without("127.0.0.10 ")
 
     def test_asks_again_and_again(self):
         with Simulator("--count", "1", "--no-hello") as simulator, self.terminal("watch", "--every", "1") as terminal:
-            self.assertRegex(terminal.wait_for(simulator.devices[0].mac), r" Signature +\d s$")
+            self.assertRegex(terminal.wait_for(simulator.devices[0].mac), r"^present .* Signature +\d s$")
             self.console("rename", "new-name", "--ip", simulator.devices[0].ip)
             terminal.wait_for("new-name")
 
@@ -135,14 +160,14 @@ class LiveTableTest(TerminalTestCase):
         """Whether each line is whole, and the titles and the last news are there."""
         return (
             all(columns(line) < width for line in lines)
-            and lines[2].startswith("HOST NAME")
+            and lines[2].startswith("STATE")
             and len(lines) <= height
             and re.match(r"\d\d:\d\d:\d\d  ", lines[-1])
         )
 
     def test_columns_hold_whatever_the_names_are(self):
         names = ["plain", "日本語のプレス", "e\u0301tuve", "\u0301mark first", "한국어", "😀-1", "line\nbreak\x1b[2J"]
-        with Peer() as peer, self.terminal("watch") as terminal:
+        with Peer() as peer, self.terminal("watch", "--listen") as terminal:
             terminal.wait_for("No message yet")
             for number, name in enumerate(names):
                 peer.send(message("Hello", name, f"02:00:00:00:00:0{number}"))
@@ -155,7 +180,7 @@ class LiveTableTest(TerminalTestCase):
     def test_leaves_the_screen_while_it_is_suspended(self):
         with Terminal(self.folder, "env", "PS1=prompt ", "bash", "--norc") as terminal:
             terminal.wait_for("prompt")
-            terminal.type(shlex.join(command("discovery-console", *self.console_options(), "watch")))
+            terminal.type(shlex.join(command("discovery-console", *self.console_options(), "watch", "--listen")))
             terminal.wait_for("No message yet")
             terminal.press("C-z")
             terminal.wait_for("Stopped")
@@ -164,7 +189,7 @@ class LiveTableTest(TerminalTestCase):
             terminal.type("fg")
             terminal.wait_for("No message yet")
             self.assertTrue(terminal.has_other_screen())
-            terminal.press("C-c")
+            terminal.press("q")
             wait_until(lambda: not terminal.has_other_screen(), "the user's own screen")
 
 

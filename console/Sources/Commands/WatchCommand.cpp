@@ -1,101 +1,133 @@
 #include "Commands/WatchCommand.h"
 
 #include "Commands/CommandContext.h"
-#include "Commands/DeviceReader.h"
+#include "Commands/SessionDriver.h"
 #include "Commands/SharedOptions.h"
 #include "Doctor/Examination.h"
-#include "Inventory/DeviceList.h"
+#include "Programs/UdpSockets.h"
 #include "Show/LiveWatchView.h"
 #include "Show/Output.h"
 #include "Show/PlainWatchView.h"
+#include "Terminal/Terminal.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
 
-using Zent::Discovery::Inventory::Device;
-using Zent::Discovery::Inventory::DeviceList;
 using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Inventory::DeviceTableOptions;
+using Zent::Discovery::Inventory::Event;
+using Zent::Discovery::Inventory::Time;
+using Zent::Discovery::Programs::UdpSocket;
+using Zent::Discovery::Programs::UdpSockets;
 
 namespace Zent::Discovery::Console
 {
 namespace
 {
-constexpr std::chrono::milliseconds RefreshInterval{200};
-constexpr std::chrono::minutes TimeAfterBye{1}; // for which a device that has left is still shown
-constexpr std::chrono::seconds Patience{3};     // after which nobody's answer to the first question calls for a reason
-constexpr std::size_t MaximumDevices = 10000;   // a sender of invented devices must not exhaust the memory
+constexpr Time RefreshInterval{200};
+constexpr Time UsualInterval{10000};
+constexpr Time PortLookInterval{5000};
+constexpr std::chrono::seconds Patience{3}; // after which nobody's answer calls for a reason
+constexpr std::uint16_t ServerPort = 12001;
+
+/// Whether another program on this machine receives what devices send, too.
+bool IsPortHeld()
+{
+    return std::ranges::any_of(UdpSockets::OnPort(ServerPort), [](const UdpSocket& each) { return !each.IsOwn; });
+}
 } // namespace
 
 CLI::App& WatchCommand::AddTo(CLI::App& parent)
 {
     CLI::App& command = *parent.add_subcommand(
-        "watch", "show devices as they come, change and leave, until Ctrl-C: on a terminal in a live table");
+        "watch", "show devices as they come, change, fall silent and leave: on a terminal in a live table");
     SharedOptions::AddSeconds(command, "--every", interval,
-                              "ask all devices at the start and again after so many seconds", 1.0);
+                              "ask all devices again after so many seconds; 10 without it", 1.0);
+    command.add_flag("--listen", listensOnly, "ask nobody; then silence says nothing")
+        ->excludes(command.get_option("--every"));
     SharedOptions::AddSelection(command, selection);
     return command;
 }
 
 ExitStatus WatchCommand::Run(CommandContext& context)
 {
+    context.Session(); // says what is wrong before the view takes the terminal
     const Terminal terminal(Terminal::Stream::Output);
-    return Watch(context, *MakeView(terminal, context.Out()));
+    const std::unique_ptr<IWatchView> view = MakeView(terminal, context);
+    bool isRead = true; // by somebody
+    SessionDriver driver(
+        context, OptionsOfTable(), [&view](const std::string& text) { view->Complain(text); },
+        [&view, &isRead](const DeviceMessage& message) { isRead = view->Show(message) && isRead; });
+    Watch(context, driver, *view, isRead);
+    view->End(driver.Session().Devices());
+    return isRead ? ExitStatus::Success : ExitStatus::Failure; // interrupting is how to end it
 }
 
-ExitStatus WatchCommand::Watch(CommandContext& context, IWatchView& view) const
+DeviceTableOptions WatchCommand::OptionsOfTable() const
 {
-    DiscoverySession& session = context.Requests();
+    DeviceTableOptions options;
+    options.AskEvery = listensOnly ? Time(0) : interval.value_or(UsualInterval);
+    options.StaleAfter = options.AskEvery * 3 / 2;
+    return options;
+}
+
+/// Until the time is over, the user wants no more, or nobody reads what is written.
+void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchView& view, const bool& isRead)
+{
+    const Time end = context.Options().Wait.value_or(Time::max());
     unsigned knownChanges = 0; // of the interfaces
-    DeviceList inventory;
-    DeviceReader reader(
-        context.Messages(), [&view](const std::string& text) { view.Complain(text); }, context.Options().Wait);
-    MessageQueue::TimePoint nextRefresh = std::chrono::steady_clock::now();
-    MessageQueue::TimePoint nextQuestion = nextRefresh;
-    std::optional<MessageQueue::TimePoint> endOfPatience;
-    bool isExplained = false;
-    while (!reader.IsOver())
+    Time nextPortLook{0};
+    bool isExplained = listensOnly;
+    for (Time nextRefresh{0}; isRead && driver.Now() < end;)
     {
-        const MessageQueue::TimePoint now = std::chrono::steady_clock::now();
-        const unsigned changes = context.Session().InterfaceChanges();
-        if ((interval && now >= nextQuestion) || changes != knownChanges)
+        const Time now = driver.Now();
+        if (now >= nextPortLook)
         {
-            session.Discover();
+            driver.Session().SetPortHeld(IsPortHeld(), now);
+            nextPortLook = now + PortLookInterval;
+        }
+        if (const unsigned changes = context.Session().InterfaceChanges(); changes != knownChanges && !listensOnly)
+        {
+            context.Requests().Discover();
             knownChanges = changes;
-            endOfPatience = endOfPatience.value_or(now + Patience);
-            nextQuestion = now + interval.value_or(std::chrono::milliseconds(0));
         }
-        if (now >= nextRefresh)
-        {
-            inventory.Forget(std::chrono::system_clock::now() - TimeAfterBye, MaximumDevices);
-            view.Refresh(inventory);
-            nextRefresh = now + RefreshInterval;
-        }
-        if (!isExplained && endOfPatience && now >= *endOfPatience && inventory.Devices().empty())
+        if (!isExplained && now >= Patience && driver.Session().Devices().Size() == 0)
         {
             view.Complain("no device has answered. " +
                           Doctor::Examination::ReasonForSilence(context.Options(), Patience.count()));
             isExplained = true;
         }
-        if (const std::optional<Device> device = reader.Next(nextRefresh))
+        while (const std::optional<Event> event = driver.Session().NextEvent())
         {
-            const std::optional<Device> before = inventory.Add(*device);
-            if (!view.Show(*device, before ? &*before : nullptr))
+            view.Tell(*event);
+        }
+        if (const bool isPressed = isKeyPressed.exchange(false); isPressed || now >= nextRefresh)
+        {
+            if (!view.Refresh(driver.Session().Devices()))
             {
-                return ExitStatus::Failure;
+                return;
             }
+            nextRefresh = now + RefreshInterval;
+        }
+        if (!driver.Run(std::min(nextRefresh, end) - now))
+        {
+            return;
         }
     }
-    view.End(inventory);
-    return ExitStatus::Success; // interrupting is how to end it
 }
 
-std::unique_ptr<IWatchView> WatchCommand::MakeView(const Terminal& terminal, Output& output) const
+std::unique_ptr<IWatchView> WatchCommand::MakeView(const Terminal& terminal, CommandContext& context)
 {
-    if (terminal.IsInteractive() && !output.IsJson())
+    if (terminal.IsInteractive() && !context.Out().IsJson())
     {
-        return std::make_unique<LiveWatchView>(std::cout, terminal, output, selection, interval.has_value());
+        return std::make_unique<LiveWatchView>(std::cout, terminal, context.Out(), selection, !listensOnly,
+                                               [this, &messages = context.Messages()] {
+                                                   isKeyPressed = true;
+                                                   messages.Wake();
+                                               });
     }
-    return std::make_unique<PlainWatchView>(output, selection);
+    return std::make_unique<PlainWatchView>(context.Out(), selection);
 }
 } // namespace Zent::Discovery::Console

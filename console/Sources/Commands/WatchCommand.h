@@ -2,9 +2,10 @@
 
 #include "Commands/ICommand.h"
 #include "Inventory/DeviceSelection.h"
-#include "Terminal/Terminal.h"
+#include "Inventory/DeviceTable.h"
 #include "Text/TerminalText.h"
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -12,22 +13,26 @@
 namespace Zent::Discovery::Console
 {
 class IWatchView;
-class Output;
+class SessionDriver;
+class Terminal;
 
-/// Shows devices as their messages come: in a live table on a terminal, else message by message.
+/// Watches over the devices and shows what becomes of them: in a live table on a terminal, else message by message.
 class WatchCommand final : public ICommand
 {
 public:
     CLI::App& AddTo(CLI::App& parent) override;
 
-    /// Watches until the user interrupts when no time is given.
+    /// Watches until the user wants no more, when no time is given.
     ExitStatus Run(CommandContext& context) override;
 
 private:
-    ExitStatus Watch(CommandContext& context, IWatchView& view) const;
-    std::unique_ptr<IWatchView> MakeView(const Terminal& terminal, Output& output) const;
+    Inventory::DeviceTableOptions OptionsOfTable() const;
+    std::unique_ptr<IWatchView> MakeView(const Terminal& terminal, CommandContext& context);
+    void Watch(CommandContext& context, SessionDriver& driver, IWatchView& view, const bool& isRead);
 
-    std::optional<std::chrono::milliseconds> interval; // from one question to the next; nothing to listen only
+    bool listensOnly = false;
+    std::optional<std::chrono::milliseconds> interval; // from one question to all to the next
     Inventory::DeviceSelection selection{&TerminalText::Plain};
+    std::atomic<bool> isKeyPressed{false}; // set by a thread of the view
 };
 } // namespace Zent::Discovery::Console

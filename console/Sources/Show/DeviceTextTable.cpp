@@ -73,9 +73,9 @@ DeviceTextTable DeviceTextTable::Snapshot()
     return {nullptr, Without({"age"}), false, {}};
 }
 
-DeviceTextTable DeviceTextTable::WithAges(DeviceColumn::TimePoint now)
+DeviceTextTable DeviceTextTable::WithStates(DeviceColumn::TimePoint now)
 {
-    return {nullptr, Without({}), false, now};
+    return {"STATE", Without({}), false, now};
 }
 
 DeviceTextTable DeviceTextTable::Stream()

@@ -17,8 +17,8 @@ public:
     /// Devices as they are, without the age of what they said.
     static DeviceTextTable Snapshot();
 
-    /// Devices with the age of their last messages at the moment now.
-    static DeviceTextTable WithAges(Inventory::DeviceColumn::TimePoint now);
+    /// Devices behind their states, with the age of their last messages at the moment now.
+    static DeviceTextTable WithStates(Inventory::DeviceColumn::TimePoint now);
 
     /// Rows that appear one by one, below the times at which their messages came.
     static DeviceTextTable Stream();

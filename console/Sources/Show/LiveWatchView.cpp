@@ -1,18 +1,21 @@
 #include "Show/LiveWatchView.h"
 
-#include "Inventory/DeviceDifferences.h"
+#include "Inventory/DeviceTable.h"
+#include "Show/EventText.h"
 #include "Terminal/HostPlatform.h"
 #include "Text/TerminalText.h"
 
 #include <algorithm>
+#include <iterator>
 #include <ostream>
 #include <utility>
 
 using Zent::Discovery::Inventory::Device;
-using Zent::Discovery::Inventory::DeviceDifferences;
-using Zent::Discovery::Inventory::DeviceList;
 using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Inventory::DeviceRow;
 using Zent::Discovery::Inventory::DeviceSelection;
+using Zent::Discovery::Inventory::DeviceTable;
+using Zent::Discovery::Inventory::Event;
 
 namespace Zent::Discovery::Console
 {
@@ -26,11 +29,7 @@ constexpr std::size_t MaximumNews = 6;
 constexpr std::size_t MaximumNewsWidth = 400;
 constexpr std::size_t LinesAroundRows = 4; // the headline, the titles and two empty ones
 constexpr std::chrono::seconds HighlightTime{5};
-
-bool HasLeft(const Device& device)
-{
-    return device.Message.Kind == DeviceMessage::MessageKind::Bye;
-}
+constexpr std::chrono::minutes TimeAfterBye{1}; // for which a device that has left is still shown
 
 std::string Counted(std::size_t count, const std::string& what)
 {
@@ -38,13 +37,24 @@ std::string Counted(std::size_t count, const std::string& what)
 }
 } // namespace
 
-LiveWatchView::LiveWatchView(
-    std::ostream& out, const Terminal& terminal, Output& output, const DeviceSelection& selection, bool asks)
+LiveWatchView::LiveWatchView(std::ostream& out,
+                             const Terminal& terminal,
+                             Output& output,
+                             const DeviceSelection& selection,
+                             bool asks,
+                             std::function<void()> onKey)
     : out(out)
     , terminal(terminal)
     , output(output)
     , selection(selection)
     , asks(asks)
+    , keyboard([this, onKey = std::move(onKey)](Keyboard::Key key) {
+        {
+            const Programs::Lock guard(keyLock);
+            keys.push_back(key);
+        }
+        onKey();
+    })
 {
     out << EnterScreen << std::flush;
     Terminal::RestoreWhenSuspended(LeaveScreenText, EnterScreen);
@@ -55,35 +65,31 @@ LiveWatchView::~LiveWatchView()
     LeaveScreen();
 }
 
-bool LiveWatchView::Show(const Device& device, const Device* before)
+bool LiveWatchView::Show(const DeviceMessage& /*message*/)
 {
-    if (!selection.Accepts(device, device.Message.Received))
-    {
-        return out.good();
-    }
-    if (HasLeft(device))
-    {
-        if (before == nullptr || !HasLeft(*before))
-        {
-            NoteDevice(device, "left", Style::Left);
-        }
-    }
-    else if (before == nullptr || HasLeft(*before))
-    {
-        NoteDevice(device, before == nullptr ? "appeared" : "came back", Style::Appeared);
-    }
-    else
-    {
-        for (const DeviceDifferences::Difference& difference : DeviceDifferences::Between(*before, device))
-        {
-            NoteDevice(device, difference.ToString(), Style::Changed);
-        }
-    }
-    return out.good();
+    return out.good(); // the table shows what has come of it
 }
 
-void LiveWatchView::Refresh(const DeviceList& inventory)
+void LiveWatchView::Tell(const Event& event)
 {
+    const TimePoint now = std::chrono::system_clock::now();
+    if (event.Subject != nullptr && !selection.Accepts(*event.Subject, now))
+    {
+        return;
+    }
+    for (EventText& each : EventText::Of(event))
+    {
+        if (event.Subject != nullptr)
+        {
+            latest.insert_or_assign(event.Subject->MainInterface().MACAddress, Highlight{now, each.Look});
+        }
+        Note({now, std::move(each.Text), each.Look});
+    }
+}
+
+bool LiveWatchView::Refresh(const DeviceTable& devices)
+{
+    keyboard.Renew();
     const TimePoint now = std::chrono::system_clock::now();
     std::erase_if(latest, [now](const auto& each) { return each.second.Time + HighlightTime < now; });
 
@@ -92,17 +98,22 @@ void LiveWatchView::Refresh(const DeviceList& inventory)
     const std::size_t newsCount = std::min(news.size(), size.Height / 4);
     const std::size_t space = std::max(size.Height, LinesAroundRows + newsCount + 1) - LinesAroundRows - newsCount;
 
-    const std::vector<const Device*> devices = selection.Of(inventory.Devices(), now);
-    std::vector<std::string> lines = {TerminalText::Shorten(Headline(inventory, devices.size(), now), width), ""};
-    std::ranges::move(TableLines(devices, space, width, now), std::back_inserter(lines));
-    if (devices.empty())
+    const Rows rows = Chosen(devices, now);
+    if (!Scroll(rows.size(), space))
     {
-        lines.back() = TerminalText::Shorten(NothingText(inventory), width);
+        return false;
+    }
+    std::vector<std::string> lines = {TerminalText::Shorten(Headline(devices, rows.size(), now), width), ""};
+    std::ranges::move(TableLines(rows, space, width, now), std::back_inserter(lines));
+    if (rows.empty())
+    {
+        lines.back() = TerminalText::Shorten(NothingText(devices), width);
     }
     lines.emplace_back();
     std::ranges::move(NewsLines(newsCount, width), std::back_inserter(lines));
     lines.resize(std::min(lines.size(), size.Height));
     Draw(lines);
+    return true;
 }
 
 void LiveWatchView::Complain(const std::string& text)
@@ -110,14 +121,14 @@ void LiveWatchView::Complain(const std::string& text)
     Note({std::chrono::system_clock::now(), text, Style::Left});
 }
 
-void LiveWatchView::End(const DeviceList& inventory)
+void LiveWatchView::End(const DeviceTable& devices)
 {
     LeaveScreen();
     const TimePoint now = std::chrono::system_clock::now();
-    const std::vector<const Device*> devices = selection.Of(inventory.Devices(), now);
-    if (!devices.empty())
+    const Rows rows = Chosen(devices, now);
+    if (!rows.empty())
     {
-        output.Show(TableOf(devices, now));
+        output.Show(TableOf(rows, now));
     }
 }
 
@@ -131,45 +142,103 @@ void LiveWatchView::Note(News item)
     }
 }
 
-void LiveWatchView::NoteDevice(const Device& device, const std::string& what, Style look)
+/// The rows that the user wants to see, in that order.
+LiveWatchView::Rows LiveWatchView::Chosen(const DeviceTable& devices, TimePoint now) const
 {
-    Note({device.Message.Received, device.HostName + " (" + device.MainInterface().IPAddress + ") " + what, look});
-    latest.insert_or_assign(device.MainInterface().MACAddress, Event{device.Message.Received, look});
-}
-
-Style LiveWatchView::LookOf(const Device& device, TimePoint now) const
-{
-    if (HasLeft(device))
+    std::unordered_map<const Device*, const DeviceRow*> rowOf;
+    std::vector<const Device*> all;
+    for (const DeviceRow* row : devices.Rows())
     {
-        return Style::Left;
+        if (row->Condition != DeviceRow::RowState::Left || row->Latest->Message.Received + TimeAfterBye > now)
+        {
+            rowOf.emplace(row->Latest.get(), row);
+            all.push_back(row->Latest.get());
+        }
     }
-    const auto found = latest.find(device.MainInterface().MACAddress);
-    return found == latest.end() || found->second.Time + HighlightTime < now ? Style::Plain : found->second.Look;
+    Rows rows;
+    std::ranges::transform(selection.Of(std::move(all), now), std::back_inserter(rows),
+                           [&rowOf](const Device* each) { return rowOf.at(each); });
+    return rows;
 }
 
-DeviceTextTable LiveWatchView::TableOf(const std::vector<const Device*>& devices, TimePoint now) const
+Style LiveWatchView::LookOf(const DeviceRow& row, TimePoint now) const
 {
-    DeviceTextTable table = DeviceTextTable::WithAges(now);
-    for (const Device* device : devices)
+    switch (row.State())
     {
-        table.Add(*device, LookOf(*device, now));
+    case DeviceRow::RowState::Gone:
+    case DeviceRow::RowState::Left:
+    case DeviceRow::RowState::Flapping:
+        return Style::Left;
+    case DeviceRow::RowState::Stale:
+    case DeviceRow::RowState::Asked:
+        return Style::Faint;
+    default:
+        const auto found = latest.find(row.Latest->MainInterface().MACAddress);
+        return found == latest.end() || found->second.Time + HighlightTime < now ? Style::Plain : found->second.Look;
+    }
+}
+
+DeviceTextTable LiveWatchView::TableOf(const Rows& rows, TimePoint now) const
+{
+    DeviceTextTable table = DeviceTextTable::WithStates(now);
+    for (const DeviceRow* row : rows)
+    {
+        table.Add(*row->Latest, LookOf(*row, now), row->StateName());
     }
     return table;
 }
 
+/// Moves the window of rows as the keys say. False when one of them ends the view.
+bool LiveWatchView::Scroll(std::size_t rows, std::size_t space)
+{
+    const Programs::Lock guard(keyLock);
+    const std::size_t shown = rows > space ? space - 1 : rows; // a line tells of the hidden ones
+    const std::size_t last = rows - shown;
+    for (const Keyboard::Key key : std::exchange(keys, {}))
+    {
+        switch (key)
+        {
+        case Keyboard::Key::Up:
+            top -= std::min<std::size_t>(top, 1);
+            break;
+        case Keyboard::Key::Down:
+            ++top;
+            break;
+        case Keyboard::Key::PageUp:
+            top -= std::min(top, shown);
+            break;
+        case Keyboard::Key::PageDown:
+            top += shown;
+            break;
+        case Keyboard::Key::Home:
+            top = 0;
+            break;
+        case Keyboard::Key::End:
+            top = last;
+            break;
+        case Keyboard::Key::Quit:
+            return false;
+        }
+        top = std::min(top, last);
+    }
+    top = std::min(top, last);
+    return true;
+}
+
 /// The titles and as many rows as there is space for.
-std::vector<std::string> LiveWatchView::TableLines(const std::vector<const Device*>& devices,
+std::vector<std::string> LiveWatchView::TableLines(const Rows& rows,
                                                    std::size_t space,
                                                    std::size_t width,
                                                    TimePoint now) const
 {
-    const std::size_t hidden = devices.size() > space ? devices.size() - space + 1 : 0;
+    const std::size_t shown = rows.size() > space ? space - 1 : rows.size();
+    const auto first = rows.begin() + static_cast<std::ptrdiff_t>(top);
     std::vector<std::string> lines =
-        TableOf({devices.begin(), devices.end() - static_cast<std::ptrdiff_t>(hidden)}, now)
-            .Lines(output.OutColours(), width);
-    if (hidden > 0)
+        TableOf({first, first + static_cast<std::ptrdiff_t>(shown)}, now).Lines(output.OutColours(), width);
+    if (shown < rows.size())
     {
-        lines.push_back("... and " + std::to_string(hidden) + " more");
+        const std::string above = top == 0 ? "... and " : "... " + std::to_string(top) + " above and ";
+        lines.push_back(TerminalText::Shorten(above + std::to_string(rows.size() - top - shown) + " more", width));
     }
     return lines;
 }
@@ -185,24 +254,25 @@ std::vector<std::string> LiveWatchView::NewsLines(std::size_t count, std::size_t
     return lines;
 }
 
-std::string LiveWatchView::Headline(const DeviceList& inventory, std::size_t shown, TimePoint now) const
+std::string LiveWatchView::Headline(const DeviceTable& devices, std::size_t shown, TimePoint now) const
 {
-    const std::size_t known = inventory.Devices().size();
-    const auto left = std::ranges::count_if(inventory.Devices(), &HasLeft);
-    std::string text = HostPlatform::TimeOfDay(now) + "  " + Counted(known, "device");
-    text += left > 0 ? ", " + std::to_string(left) + " left" : "";
-    text += shown < known ? ", " + std::to_string(shown) + " shown" : "";
-    return text + "  (Ctrl-C ends)";
+    using State = DeviceRow::RowState;
+    std::string text = HostPlatform::TimeOfDay(now) + "  " + Counted(devices.Size(), "device");
+    const std::vector<const DeviceRow*> rows = devices.Rows();
+    for (const auto& [state, name] : {std::pair(State::Left, "left"), std::pair(State::Gone, "gone")})
+    {
+        const auto count = std::ranges::count(rows, state, &DeviceRow::Condition);
+        text += count > 0 ? ", " + std::to_string(count) + " " + name : "";
+    }
+    text += shown < devices.Size() ? ", " + std::to_string(shown) + " shown" : "";
+    return text + "  (q ends)";
 }
 
-std::string LiveWatchView::NothingText(const DeviceList& inventory) const
+std::string LiveWatchView::NothingText(const DeviceTable& devices) const
 {
-    if (!inventory.Devices().empty())
-    {
-        return "None that --filter accepts.";
-    }
-    return asks ? "No device has answered yet."
-                : "No message yet. With --every 10 all devices are asked every 10 seconds.";
+    return devices.Size() > 0 ? "No device to show."
+           : asks             ? "No device has answered yet."
+                              : "No message yet; nobody is asked.";
 }
 
 void LiveWatchView::Draw(const std::vector<std::string>& lines)

@@ -1,31 +1,39 @@
 #pragma once
 
+#include "Inventory/DeviceRow.h"
 #include "Inventory/DeviceSelection.h"
+#include "Programs/Mutex.h"
+#include "Show/DeviceTextTable.h"
 #include "Show/IWatchView.h"
 #include "Show/Output.h"
+#include "Terminal/Keyboard.h"
 #include "Terminal/Terminal.h"
 
 #include <chrono>
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <iosfwd>
-#include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Zent::Discovery::Console
 {
 /// Shows the devices in a table that fills a terminal and changes with them, and below it what happened last. Uses the
 /// terminal's other screen, so that what the user had before is there again afterwards, and then prints the last state.
+/// The user scrolls with the keys of the cursor, and ends with q.
 class LiveWatchView final : public IWatchView
 {
 public:
-    /// asks tells whether devices are asked for their signatures again and again. All others must outlive the view.
+    /// asks tells whether devices are asked for their signatures. onKey is called on a thread of the view when a key
+    /// was pressed that Refresh will act on. All others must outlive the view.
     LiveWatchView(std::ostream& out,
                   const Terminal& terminal,
                   Output& output,
                   const Inventory::DeviceSelection& selection,
-                  bool asks);
+                  bool asks,
+                  std::function<void()> onKey);
 
     /// Leaves the other screen.
     ~LiveWatchView() override;
@@ -33,13 +41,15 @@ public:
     LiveWatchView(const LiveWatchView&) = delete;
     LiveWatchView& operator=(const LiveWatchView&) = delete;
 
-    bool Show(const Inventory::Device& device, const Inventory::Device* before) override;
-    void Refresh(const Inventory::DeviceList& inventory) override;
+    bool Show(const Inventory::DeviceMessage& message) override;
+    void Tell(const Inventory::Event& event) override;
+    bool Refresh(const Inventory::DeviceTable& devices) override;
     void Complain(const std::string& text) override;
-    void End(const Inventory::DeviceList& inventory) override;
+    void End(const Inventory::DeviceTable& devices) override;
 
 private:
     using TimePoint = Inventory::DeviceMessage::TimePoint;
+    using Rows = std::vector<const Inventory::DeviceRow*>;
 
     /// A line about something that happened.
     struct News
@@ -50,7 +60,7 @@ private:
     };
 
     /// What happened to a device, and how its row shows it.
-    struct Event
+    struct Highlight
     {
         TimePoint Time;
         Style Look;
@@ -58,15 +68,13 @@ private:
 
     /// The text may come from outside.
     void Note(News item);
-    void NoteDevice(const Inventory::Device& device, const std::string& what, Style look);
-    Style LookOf(const Inventory::Device& device, TimePoint now) const;
-    DeviceTextTable TableOf(const std::vector<const Inventory::Device*>& devices, TimePoint now) const;
-    std::string Headline(const Inventory::DeviceList& inventory, std::size_t shown, TimePoint now) const;
-    std::string NothingText(const Inventory::DeviceList& inventory) const;
-    std::vector<std::string> TableLines(const std::vector<const Inventory::Device*>& devices,
-                                        std::size_t space,
-                                        std::size_t width,
-                                        TimePoint now) const;
+    Rows Chosen(const Inventory::DeviceTable& devices, TimePoint now) const;
+    Style LookOf(const Inventory::DeviceRow& row, TimePoint now) const;
+    DeviceTextTable TableOf(const Rows& rows, TimePoint now) const;
+    std::string Headline(const Inventory::DeviceTable& devices, std::size_t shown, TimePoint now) const;
+    std::string NothingText(const Inventory::DeviceTable& devices) const;
+    bool Scroll(std::size_t rows, std::size_t space);
+    std::vector<std::string> TableLines(const Rows& rows, std::size_t space, std::size_t width, TimePoint now) const;
     std::vector<std::string> NewsLines(std::size_t count, std::size_t width) const;
     void Draw(const std::vector<std::string>& lines);
     void LeaveScreen();
@@ -76,9 +84,14 @@ private:
     Output& output;
     const Inventory::DeviceSelection& selection;
     const bool asks;
-    std::deque<News> news;               // the latest last
-    std::map<std::string, Event> latest; // of the devices that something has just happened to, by their MAC addresses
-    std::string drawn;                   // what is on the screen
+    std::deque<News> news;                             // the latest last
+    std::unordered_map<std::string, Highlight> latest; // of devices that something has just happened to, by their MACs
+    std::string drawn;                                 // what is on the screen
+    std::size_t top = 0;                               // the first row that is shown
     bool isOnScreen = true;
+
+    Programs::Mutex keyLock;
+    std::deque<Keyboard::Key> keys NFX_GUARDED_BY(keyLock); // pressed and not yet acted on
+    Keyboard keyboard;
 };
 } // namespace Zent::Discovery::Console

@@ -1,8 +1,12 @@
 #include "Show/PlainWatchView.h"
 
+#include "Show/EventText.h"
+
 using Zent::Discovery::Inventory::Device;
-using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Discovery::Inventory::DeviceSelection;
+using Zent::Discovery::Inventory::DeviceTable;
+using Zent::Discovery::Inventory::Event;
 
 namespace Zent::Discovery::Console
 {
@@ -12,14 +16,30 @@ PlainWatchView::PlainWatchView(Output& output, const DeviceSelection& selection)
 {
 }
 
-bool PlainWatchView::Show(const Device& device, const Device* /*before*/)
+bool PlainWatchView::Show(const DeviceMessage& message)
 {
-    return !selection.Accepts(device, device.Message.Received) || output.ShowNow(device);
+    const Device device(message);
+    return !selection.Accepts(device, message.Received) || output.ShowNow(device);
 }
 
-void PlainWatchView::Refresh(const DeviceList& /*inventory*/)
+void PlainWatchView::Tell(const Event& event)
 {
-    // What was printed stays.
+    using Kind = Event::EventKind;
+    const bool isTold = event.Kind == Kind::Appeared || event.Kind == Kind::Changed || event.Kind == Kind::Left ||
+                        event.Kind == Kind::Returned; // by the message
+    if (isTold || (event.Subject != nullptr && !selection.Accepts(*event.Subject, event.Subject->Message.Received)))
+    {
+        return;
+    }
+    for (const EventText& each : EventText::Of(event))
+    {
+        output.Complain(each.Text);
+    }
+}
+
+bool PlainWatchView::Refresh(const DeviceTable& /*devices*/)
+{
+    return true; // what was printed stays
 }
 
 void PlainWatchView::Complain(const std::string& text)
@@ -27,7 +47,7 @@ void PlainWatchView::Complain(const std::string& text)
     output.Complain(text);
 }
 
-void PlainWatchView::End(const DeviceList& /*inventory*/)
+void PlainWatchView::End(const DeviceTable& /*devices*/)
 {
     // The last line has been printed already.
 }
