@@ -1,6 +1,7 @@
 #include "Timetable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Zent::Discovery::Simulator
 {
@@ -21,7 +22,7 @@ std::optional<Timetable::Time> Timetable::Next() const
 Delivery Timetable::Take()
 {
     std::pop_heap(heap.begin(), heap.end());
-    const Delivery delivery = heap.back().What;
+    Delivery delivery = std::move(heap.back().What);
     heap.pop_back();
     return delivery;
 }

@@ -39,7 +39,7 @@ class Machine:
 
     def own(self, addresses):
         """Makes these addresses, of devices for instance, its own as well."""
-        self.run("ip", "-batch", "-", text="".join(f"route add local {address} dev lo\n" for address in addresses))
+        self.run("ip", "-batch", "-", text="".join(f"route replace local {address} dev lo\n" for address in addresses))
 
     def __enter__(self):
         return self
