@@ -78,9 +78,12 @@ std::vector<UdpSocket> UdpSockets::OnPort(std::uint16_t port)
         if (ntohs(static_cast<u_short>(row.dwLocalPort)) == port)
         {
             UdpSocket& socket = sockets.emplace_back();
-            socket.Process = row.dwOwningPid;
-            socket.Program = ProgramOf(row.dwOwningPid);
-            socket.IsOwn = row.dwOwningPid == GetCurrentProcessId();
+            if (row.dwOwningPid != 0) // of no process that the system knows
+            {
+                socket.Process = row.dwOwningPid;
+                socket.Program = ProgramOf(row.dwOwningPid);
+                socket.IsOwn = row.dwOwningPid == GetCurrentProcessId();
+            }
         }
     }
     return sockets;
