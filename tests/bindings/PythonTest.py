@@ -1,5 +1,6 @@
 """What the binding for Python has of its own: its iterator, its packaging, and its manners in a Python process."""
 
+import asyncio
 import os
 import pathlib
 import re
@@ -10,6 +11,7 @@ import sys
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "endtoend"))
 
 import discovery_server  # noqa: E402
+from discovery_server.inventory import IncompleteSearchError, Inventory, InventoryError  # noqa: E402
 from endtoend import TIMEOUT, Peer, Simulator, TestCase, library_path, main, message, setting, wait_until  # noqa: E402
 
 
@@ -48,6 +50,50 @@ class EventsTest(PythonTestCase):
                 self.assertEqual(next(session.events()).host["HostName"], "one")
                 session.stop()  # waits for the handler
         self.assertIn("events failed", logs.output[0])
+
+
+class InventoryTest(PythonTestCase):
+    def test_a_search_returns_the_devices_and_a_device_that_leaves_is_told(self):
+        with self.session() as session, Inventory(session) as inventory:
+            changes = inventory.changes(timeout=TIMEOUT)
+            with Simulator("--count", "3") as simulator:
+                names = {device.name for device in simulator.devices}
+                self.assertEqual({device.host["HostName"] for device in inventory.discover()}, names)
+            told = [next(changes) for _ in range(6)]
+            self.assertEqual([change.kind.value for change in told], 3 * ["appeared"] + 3 * ["left"])
+            self.assertEqual({device.state.value for device in inventory.devices}, {"left"})
+        self.assertEqual((list(changes), inventory.devices), ([], []))
+
+    def test_changes_come_to_async_for(self):
+        async def watch(inventory):
+            asyncio.get_running_loop().call_soon(peer.send, message("Hello", "one"))
+            told = []
+            async for change in inventory:
+                told.append(change)
+                if len(told) == 1:
+                    peer.send(message("SignatureBroadcast", "two"))
+                else:
+                    inventory.close()
+            return told
+
+        with Peer() as peer, self.session() as session, Inventory(session, AskEvery=0) as inventory:
+            told = asyncio.run(asyncio.wait_for(watch(inventory), TIMEOUT))
+        self.assertEqual([change.kind.value for change in told], ["appeared", "changed"])
+        (difference,) = told[1].differences
+        self.assertEqual((difference.property, difference.before, difference.after), ("HostName", "one", "two"))
+
+    def test_what_is_not_possible_is_refused(self):
+        with self.session() as session:
+            with self.assertRaisesRegex(discovery_server.LibraryError, "cannot use the library"):
+                Inventory(session, library=self.folder / "missing.so")
+            with self.assertRaisesRegex(InventoryError, "no \"Askevery\""):
+                Inventory(session, Askevery=1)
+            with Inventory(session, AskEvery=0) as inventory:
+                with self.assertRaisesRegex(InventoryError, '"10.0.0.300" is no IPv4 address'):
+                    inventory.discover(also=["10.0.0.300"])
+                with self.assertRaises(IncompleteSearchError) as context:
+                    inventory.discover(wait=0.2)  # nobody is there
+            self.assertEqual((context.exception.devices, context.exception.report["Devices"]), ([], 0))
 
 
 class ProcessTest(PythonTestCase):

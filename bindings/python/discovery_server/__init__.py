@@ -182,6 +182,7 @@ class LibraryError(OSError):
 
 Handler = Callable[[Event], None]
 Path = Union[str, "os.PathLike[str]"]
+_Listener = Callable[[EventKind, bytes], None]  # takes documents as they come, on the library's thread
 
 _IS_WINDOWS = sys.platform == "win32"
 _FUNCTIONS: Dict[str, Tuple[Any, ...]] = {
@@ -349,6 +350,7 @@ class Session:
         self._waiting: Deque[Event] = collections.deque(maxlen=max_waiting_events)  # guarded by _arrived
         self._lost = 0  # guarded by _arrived
         self._is_ended = False  # guarded by _arrived
+        self._listeners: Tuple[_Listener, ...] = ()  # replaced, never changed
         self._refuse_in_handler("Initialize")
         with _life_cycle:
             if any(session._library.is_same(self._library) for session in _open_sessions):
@@ -556,7 +558,17 @@ class Session:
 
         return _callback_type(receive)
 
+    def _add_listener(self, listener: _Listener) -> None:
+        with self._arrived:
+            self._listeners += (listener,)
+
+    def _remove_listener(self, listener: _Listener) -> None:
+        with self._arrived:
+            self._listeners = tuple(each for each in self._listeners if each != listener)
+
     def _receive(self, kind: EventKind, host_json: bytes) -> None:
+        for listener in self._listeners:
+            listener(kind, host_json)
         event = Event(kind, json.loads(host_json.decode("utf-8", "replace")))
         with self._arrived:
             if len(self._waiting) == self._waiting.maxlen:

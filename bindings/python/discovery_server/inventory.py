@@ -1,0 +1,485 @@
+"""Which devices are on the network, what becomes of them, and whether that is all: the library DiscoveryInventory.
+
+    with discovery_server.Session("discovery.log") as session, Inventory(session) as inventory:
+        for device in inventory.discover():
+            print(device.host["HostName"])
+        for change in inventory.changes(timeout=60):
+            print(change.kind.value, change.host and change.host["HostName"])
+"""
+
+from __future__ import annotations
+
+import asyncio
+import ctypes
+import enum
+import json
+import logging
+import os
+import queue
+import re
+import socket
+import sys
+import threading
+import time
+from dataclasses import dataclass, field
+from types import TracebackType
+from typing import Any, AsyncIterator, Callable, Dict, Iterable, Iterator, List, Optional, Tuple, Type
+
+from . import DiscoveryError, Document, EventKind, Host, LibraryError, Nic, Path, Session
+
+__all__ = [
+    "Change",
+    "ChangeKind",
+    "Conflict",
+    "Device",
+    "DeviceState",
+    "Difference",
+    "INVENTORY_LIBRARY_VARIABLE",
+    "IncompleteSearchError",
+    "Inventory",
+    "InventoryError",
+]
+
+INVENTORY_LIBRARY_VARIABLE = "DISCOVERY_INVENTORY_LIBRARY"
+"""The environment variable that names the library's file for inventories that are not given a path."""
+
+_logger = logging.getLogger(__name__)
+_IS_WINDOWS = sys.platform == "win32"
+_DEVICE_PORT = 12000
+_SERVER_PORT = 12001
+_BATCH_TIME = 0.02  # seconds, in which messages are collected
+_LONGEST_WAIT = 1.0
+_MESSAGES = {EventKind.SIGNATURE: 0, EventKind.HELLO: 1, EventKind.BYE: 2}
+
+
+class DeviceState(enum.Enum):
+    """What has become of a device."""
+
+    PRESENT = "present"
+    STALE = "stale"
+    """Silent for a while; is going to be asked."""
+    ASKED = "asked"
+    GONE = "gone"
+    """Has answered none of several questions."""
+    LEFT = "left"
+    """Has said Bye."""
+    FLAPPING = "flapping"
+    """Comes and goes."""
+
+
+class ChangeKind(enum.Enum):
+    """What an inventory has to tell."""
+
+    APPEARED = "appeared"
+    CHANGED = "changed"
+    LEFT = "left"
+    """It said Bye."""
+    GONE = "gone"
+    """It answers no more."""
+    RETURNED = "returned"
+    FLAPPING = "flapping"
+    """It comes and goes; that is not told any more until it has settled."""
+    SETTLED = "settled"
+    FORGOTTEN = "forgotten"
+    """It gave way to another one: there are too many."""
+    CONFLICT = "conflict"
+
+
+@dataclass(frozen=True)
+class _Documented:
+    document: Document
+    """Texts are as the device sent them, with U+FFFD for bytes that are not UTF-8."""
+
+    @property
+    def host(self) -> Host:
+        """The device."""
+        return self.document["Host"]
+
+    @property
+    def source_nic(self) -> Optional[Nic]:
+        """The interface that the device was heard from, when it named it."""
+        return self.document.get("SourceNIC")
+
+
+@dataclass(frozen=True)
+class Device(_Documented):
+    """A device of the inventory."""
+
+    state: DeviceState
+    is_here: bool
+    """Neither gone nor left."""
+    first_seen: float
+    """As time.time() has it."""
+    last_seen: float
+
+
+@dataclass(frozen=True)
+class Difference:
+    """A property, such as HostName, that a device tells otherwise than before."""
+
+    property: str
+    before: Optional[str]
+    """None when it was not there."""
+    after: Optional[str]
+
+
+@dataclass(frozen=True)
+class Conflict:
+    """Devices that cannot all be as they say."""
+
+    kind: str
+    """mac, ip or name."""
+    value: str
+    """The address or name that they have in common."""
+    count: int
+    first: Document
+    second: Document
+
+
+@dataclass(frozen=True)
+class Change(_Documented):
+    """Something that has happened to a device."""
+
+    kind: ChangeKind
+    differences: List[Difference] = field(default_factory=list)
+    conflict: Optional[Conflict] = None
+    """Of ChangeKind.CONFLICT; document is that of its second device."""
+
+
+class InventoryError(ValueError):
+    """The library has refused options; the text names the member and what it may be."""
+
+
+class IncompleteSearchError(Exception):
+    """A search has ended before it was complete."""
+
+    def __init__(self, devices: List[Device], report: Dict[str, Any]) -> None:
+        super().__init__(f"{len(devices)} devices found, but the search has ended before it was complete")
+        self.devices = devices
+        """Those that were found."""
+        self.report = report
+        """How it went: Devices, Rounds, LostHere, EstimatedUnseen, Complete, Seconds."""
+
+
+class _Wish(ctypes.Structure):
+    _fields_ = [("kind", ctypes.c_int), ("address", ctypes.c_char_p), ("id", ctypes.c_longlong)]
+
+
+_NO_WISH, _ASK_ALL, _ASK_MAC, _ASK_IP, _IS_REACHABLE, _COUNT_LOST = range(6)
+_TEXT = ctypes.POINTER(ctypes.c_char_p)
+_FUNCTIONS: Dict[str, Tuple[Any, ...]] = {
+    "AdvanceTime": (ctypes.c_void_p, ctypes.c_longlong),
+    "AnswerWish": (ctypes.c_void_p, ctypes.c_longlong, ctypes.c_longlong),
+    "Create": (ctypes.c_char_p, ctypes.POINTER(ctypes.c_void_p)),
+    "Feed": (ctypes.c_void_p, ctypes.c_int, ctypes.c_char_p, ctypes.c_longlong),
+    "Free": (ctypes.c_void_p,),
+    "GetLastError": (),
+    "NextEvent": (ctypes.c_void_p, _TEXT),
+    "NextTime": (ctypes.c_void_p, ctypes.POINTER(ctypes.c_longlong)),
+    "NextWish": (ctypes.c_void_p, ctypes.POINTER(_Wish)),
+    "Snapshot": (ctypes.c_void_p, _TEXT),
+    "StartSearch": (ctypes.c_void_p, ctypes.c_char_p, ctypes.c_longlong),
+}
+
+
+class _Library:
+    """The functions of a loaded library that the inventory needs."""
+
+    def __init__(self, path: Optional[Path]) -> None:
+        path = path or os.environ.get(INVENTORY_LIBRARY_VARIABLE) or None
+        usual = "DiscoveryInventory.dll" if _IS_WINDOWS else "libDiscoveryInventory.so.1"
+        name = usual if path is None else os.path.abspath(path)
+        loader: Any = getattr(ctypes, "WinDLL" if _IS_WINDOWS else "CDLL")
+        try:
+            self._library: ctypes.CDLL = loader(name)
+            self._functions = {each: self._bind(each, arguments) for each, arguments in _FUNCTIONS.items()}
+        except (OSError, AttributeError) as error:
+            raise LibraryError(
+                f"cannot use the library {name}: {error}; give its path as the argument library or in the environment "
+                f"variable {INVENTORY_LIBRARY_VARIABLE}"
+            ) from error
+        self._functions["GetLastError"].restype = ctypes.c_char_p
+        self.free = self._functions["Free"]
+        self.free.restype = None
+
+    def _bind(self, name: str, arguments: Tuple[Any, ...]) -> Any:
+        is_decorated = _IS_WINDOWS and ctypes.sizeof(ctypes.c_void_p) == 4
+        size = sum(max(4, ctypes.sizeof(each)) for each in arguments)
+        function = self._library[f"_DiscoveryInventory{name}@{size}" if is_decorated else f"DiscoveryInventory{name}"]
+        function.argtypes = arguments
+        function.restype = ctypes.c_int
+        return function
+
+    def call(self, name: str, *arguments: Any) -> None:
+        if self._functions[name](*arguments) != 0:
+            raise InventoryError(self._functions["GetLastError"]().decode("utf-8", "replace"))
+
+
+def _has_route(address: str) -> bool:
+    """Asks the system; nothing is sent."""
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as probe:
+        try:
+            probe.connect((address, _DEVICE_PORT))
+        except OSError:
+            return False
+        return True
+
+
+def _lost_answers() -> int:
+    """How many datagrams the system has dropped for this process's socket of the library; -1 when it does not tell."""
+    try:
+        links = [os.readlink(entry.path) for entry in os.scandir("/proc/self/fd") if entry.is_symlink()]
+        with open("/proc/net/udp", encoding="ascii") as table:
+            rows = [line.split() for line in table][1:]
+    except OSError:
+        return -1
+    inodes = {match[1] for match in map(re.compile(r"socket:\[(\d+)\]").fullmatch, links) if match}
+    drops = [int(row[-1]) for row in rows if row[1].endswith(f":{_SERVER_PORT:04X}") and row[9] in inodes]
+    return sum(drops) if drops else -1
+
+
+class Inventory:
+    """The devices that a session hears of, from the constructor until close.
+
+    A thread of its own feeds the library, asks devices, and collects changes. All methods may be called from any
+    thread, but none in a handler of the session. As a context manager it is closed at the end, before the session is.
+    """
+
+    def __init__(
+        self,
+        session: Session,
+        *,
+        library: Optional[Path] = None,
+        networks: Iterable[str] = (),
+        **options: Any,
+    ) -> None:
+        """Begins to listen; with the usual options all devices are asked at once and again every ten seconds.
+
+        library: the library's file. Without it the environment variable DISCOVERY_INVENTORY_LIBRARY names it, and
+            without that the system searches for it.
+        networks: this machine's addresses and networks, such as "192.168.1.10/24", whose addresses a search may ask
+            one by one when answers were lost.
+        options: of the library's session, such as AskEvery=5000 and AcceptedConflicts=["ip:10.0.0.5"].
+        Raises LibraryError, and InventoryError when an option is not possible.
+        """
+        self._session = session
+        self._networks = list(networks)
+        self._library = _Library(library)
+        self._start = (time.monotonic(), time.time())
+        self._messages: queue.SimpleQueue[Optional[Tuple[EventKind, bytes]]] = queue.SimpleQueue()  # None wakes
+        self._lock = threading.Condition()  # guards all that follows
+        self._handle: Optional[ctypes.c_void_p] = ctypes.c_void_p()
+        self._is_closing = False
+        self._search: Optional[Dict[str, Any]] = None  # the report of the last search, once it has ended
+        self._receivers: List[Callable[[Optional[Change]], None]] = []
+        self._library.call("Create", json.dumps(options).encode("ascii"), ctypes.byref(self._handle))
+        self._thread = threading.Thread(target=self._run, name="discovery inventory", daemon=True)
+        self._thread.start()
+        session._add_listener(self._listen)
+
+    def __enter__(self) -> Inventory:
+        return self
+
+    def __exit__(
+        self,
+        kind: Optional[Type[BaseException]],
+        error: Optional[BaseException],
+        traceback: Optional[TracebackType],
+    ) -> None:
+        self.close()
+
+    def close(self) -> None:
+        """Ends all iterators; does nothing when it is closed. Devices are not known any more."""
+        self._session._remove_listener(self._listen)
+        with self._lock:
+            self._is_closing = True
+        self._messages.put(None)
+        self._thread.join()
+
+    @property
+    def devices(self) -> List[Device]:
+        """All devices that are known, in the order in which they were first seen."""
+        with self._lock:
+            if self._handle is None:
+                return []
+            return [self._device(row) for row in self._read("Snapshot")["Devices"]]
+
+    def discover(self, wait: float = 10, *, sweep: bool = True, also: Iterable[str] = ()) -> List[Device]:
+        """Searches until all devices are found, and returns those that are here.
+
+        wait: seconds after which it ends at the latest.
+        sweep: whether the addresses of the networks may be asked one by one when answers were lost.
+        also: addresses elsewhere to ask one by one, such as "10.2.0.5" and "10.2.1.0/26".
+        Raises IncompleteSearchError with what was found, and InventoryError when an argument is not possible.
+        """
+        options = {"Wait": round(wait * 1000), "Sweep": sweep, "Networks": self._networks, "Also": list(also)}
+        with self._lock:
+            self._search = None
+            self._library.call("StartSearch", self._handle, json.dumps(options).encode("ascii"), self._now())
+            self._messages.put(None)
+            while self._search is None and self._handle is not None:
+                self._lock.wait(1)  # on Windows Ctrl-C takes effect between waits only
+            report = self._search or {"Complete": False}
+        devices = [device for device in self.devices if device.is_here]
+        if not report["Complete"]:
+            raise IncompleteSearchError(devices, report)
+        return devices
+
+    def changes(self, timeout: Optional[float] = None) -> Iterator[Change]:
+        """Yields what happens from now on.
+
+        Ends when the inventory is closed, or when nothing has happened for timeout seconds; None waits without limit.
+        """
+        arrived: queue.SimpleQueue[Optional[Change]] = queue.SimpleQueue()
+        self._subscribe(arrived.put)
+        return self._iterate(arrived, timeout)
+
+    async def __aiter__(self) -> AsyncIterator[Change]:
+        """The same for async for, without limit."""
+        loop = asyncio.get_running_loop()
+        arrived: asyncio.Queue[Optional[Change]] = asyncio.Queue()
+
+        def receive(change: Optional[Change]) -> None:
+            if not loop.is_closed():
+                loop.call_soon_threadsafe(arrived.put_nowait, change)
+
+        self._subscribe(receive)
+        try:
+            while (change := await arrived.get()) is not None:
+                yield change
+        finally:
+            self._unsubscribe(receive)
+
+    def _iterate(self, arrived: queue.SimpleQueue[Optional[Change]], timeout: Optional[float]) -> Iterator[Change]:
+        try:
+            while True:
+                try:
+                    change = arrived.get(timeout=1.0 if timeout is None else timeout)
+                except queue.Empty:
+                    if timeout is None:
+                        continue
+                    return
+                if change is None:
+                    return
+                yield change
+        finally:
+            self._unsubscribe(arrived.put)
+
+    def _subscribe(self, receiver: Callable[[Optional[Change]], None]) -> None:
+        with self._lock:
+            if self._handle is None:
+                receiver(None)
+            else:
+                self._receivers.append(receiver)
+
+    def _unsubscribe(self, receiver: Callable[[Optional[Change]], None]) -> None:
+        with self._lock:
+            if receiver in self._receivers:
+                self._receivers.remove(receiver)
+
+    def _listen(self, kind: EventKind, document: bytes) -> None:
+        self._messages.put((kind, document))
+
+    def _run(self) -> None:
+        """Until close: the messages of a moment at once, then the time, wishes and events."""
+        wait = 0.0
+        while not self._is_closing:
+            messages = self._take_messages(wait)
+            with self._lock:
+                for kind, document in messages:
+                    self._feed(kind, document)
+                self._library.call("AdvanceTime", self._handle, self._now())
+                wishes = list(self._take_wishes())
+                self._tell()
+                wait = self._time_to_wait()
+            for wish, address in wishes:
+                self._ask(wish, address)
+        with self._lock:
+            self._library.free(self._handle)
+            self._handle = None
+            for receiver in self._receivers:
+                receiver(None)
+            self._lock.notify_all()
+
+    def _take_messages(self, wait: float) -> List[Tuple[EventKind, bytes]]:
+        """Waits for one and then for those that come with it."""
+        messages = []
+        try:
+            messages.append(self._messages.get(timeout=wait))
+            time.sleep(_BATCH_TIME)
+            while True:
+                messages.append(self._messages.get_nowait())
+        except queue.Empty:
+            return [message for message in messages if message is not None]
+
+    def _time_to_wait(self) -> float:
+        following = ctypes.c_longlong()
+        self._library.call("NextTime", self._handle, ctypes.byref(following))
+        return min(max((following.value - self._now()) / 1000, 0.001), _LONGEST_WAIT)
+
+    def _feed(self, kind: EventKind, document: bytes) -> None:
+        try:
+            self._library.call("Feed", self._handle, _MESSAGES[kind], document, self._now())
+        except InventoryError as error:
+            _logger.warning("unreadable message left out: %s", error)
+
+    def _take_wishes(self) -> Iterator[Tuple[int, str]]:
+        """Answers what is to be answered, and gives the rest: requests wait for no lock of ours."""
+        wish = _Wish()
+        while True:
+            self._library.call("NextWish", self._handle, ctypes.byref(wish))
+            address = (wish.address or b"").decode("ascii", "replace")
+            if wish.kind == _NO_WISH:
+                return
+            if wish.kind == _IS_REACHABLE:
+                self._library.call("AnswerWish", self._handle, wish.id, int(_has_route(address)))
+            elif wish.kind == _COUNT_LOST:
+                self._library.call("AnswerWish", self._handle, wish.id, _lost_answers())
+            else:
+                yield wish.kind, address
+
+    def _ask(self, kind: int, address: str) -> None:
+        try:
+            if kind == _ASK_ALL:
+                self._session.discover()
+            elif kind == _ASK_MAC:
+                self._session.refresh_client(address)
+            elif kind == _ASK_IP:
+                self._session.reach_client(address)
+        except (DiscoveryError, ValueError) as error:  # the server is stopped, for instance: nobody answers
+            _logger.debug("not asked: %s", error)
+
+    def _tell(self) -> None:
+        kinds = {kind.value: kind for kind in ChangeKind}
+        while (event := self._read("NextEvent")) is not None:
+            if event["Event"] == "SearchEnded":
+                self._search = event["Search"]
+                self._lock.notify_all()
+            kind = kinds.get(event["Event"].lower())
+            if kind is not None:
+                change = Change(event["Device"], kind, _differences(event), _conflict(event))
+                for receiver in self._receivers:
+                    receiver(change)
+
+    def _read(self, function: str) -> Any:
+        text = ctypes.c_char_p()
+        self._library.call(function, self._handle, ctypes.byref(text))
+        return None if text.value is None else json.loads(text.value.decode("utf-8", "replace"))
+
+    def _device(self, row: Dict[str, Any]) -> Device:
+        first, last = (self._start[1] + row[key] / 1000 for key in ("FirstSeen", "LastSeen"))
+        return Device(row["Device"], DeviceState(row["State"]), row["Here"], first, last)
+
+    def _now(self) -> int:
+        return int((time.monotonic() - self._start[0]) * 1000)
+
+
+def _differences(event: Dict[str, Any]) -> List[Difference]:
+    return [Difference(each["Property"], each.get("Before"), each.get("After")) for each in event.get("Changes", ())]
+
+
+def _conflict(event: Dict[str, Any]) -> Optional[Conflict]:
+    each = event.get("Conflict")
+    if each is None:
+        return None
+    return Conflict(each["Kind"], each["Value"], each["Count"], each["First"], each["Second"])
