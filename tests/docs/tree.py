@@ -14,7 +14,7 @@ LONG_SCRIPTS = (
     "run", "test", "package", "soak", "bench", "fuzzers/run",
     "scripts/demo", "scripts/install-dependencies", "scripts/lint", "scripts/plant-faults",
 )  # fmt: skip
-PROGRAMS = ("cmake", "ctest", "gcc", "g++", "c++")
+PROGRAMS = ("cmake", "ctest", "gcc", "g++", "c++", "discovery-console")
 
 
 class Tree:
