@@ -58,6 +58,7 @@ bool DeviceSelection::Accepts(const Device& device, DeviceColumn::TimePoint now)
 std::vector<const Device*> DeviceSelection::Of(const std::vector<Device>& devices, DeviceColumn::TimePoint now) const
 {
     std::vector<const Device*> all;
+    all.reserve(devices.size());
     for (const Device& device : devices)
     {
         all.push_back(&device);

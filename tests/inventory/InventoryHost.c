@@ -123,7 +123,7 @@ static void TestRefusals(DiscoveryInventory* session)
     CHECK(DiscoveryInventoryCreate("{\n \"Misses\":}", &none) == invalidFormat);
     CHECK(strstr(DiscoveryInventoryGetLastError(), "line 2, column 11") != NULL);
     CHECK(DiscoveryInventoryCreate("{\"misses\":1}", &none) == invalidFormat);
-    CHECK(strstr(DiscoveryInventoryGetLastError(), "there is no \"misses\"; there are AcceptedConflicts,") != NULL);
+    CHECK(strstr(DiscoveryInventoryGetLastError(), "\"misses\" is none of AcceptedConflicts, ") != NULL);
     CHECK(DiscoveryInventoryStartSearch(session, "{\"Also\":[\"10.0.0.300\"]}", now) == invalidFormat);
     CHECK(strstr(DiscoveryInventoryGetLastError(), "\"Also\": \"10.0.0.300\" is no IPv4 address") != NULL);
     CHECK(DiscoveryInventorySearchState(session, NULL, &text) == 0 && text == NULL);

@@ -121,12 +121,7 @@ public:
         {
             if (!known.contains(key))
             {
-                std::string names;
-                for (const std::string& each : known)
-                {
-                    names += (names.empty() ? "" : ", ") + each;
-                }
-                Refuse("there is no \"" + key + "\"; there are " + names);
+                Refuse('"' + key + "\" is none of " + Names());
             }
         }
     }
@@ -143,6 +138,18 @@ private:
         known.insert(key);
         const auto found = object.find(key);
         return found == object.end() ? nullptr : &*found;
+    }
+
+    /// Of the members that there may be.
+    std::string Names() const
+    {
+        std::string names;
+        for (const std::string& each : known)
+        {
+            names += names.empty() ? "" : ", ";
+            names += each;
+        }
+        return names;
     }
 
     static std::string Named(const char* key, const json& value)

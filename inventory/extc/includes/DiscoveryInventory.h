@@ -19,18 +19,18 @@
  *         for (int message; (message = TakeMessage(&text)) >= 0;)
  *             DiscoveryInventoryFeed(session, message, text, TellTime());
  *         DiscoveryInventoryAdvanceTime(session, TellTime());
- *         while (DiscoveryInventoryNextWish(session, &wish) == 0 && wish.kind != DiscoveryInventoryNoWish)
+ *         while (DiscoveryInventoryNextWish(session, &wish) == 0 && wish.Kind != DiscoveryInventoryNoWish)
  *         {
- *             if (wish.kind == DiscoveryInventoryAskAll)
+ *             if (wish.Kind == DiscoveryInventoryAskAll)
  *                 Discover();
- *             else if (wish.kind == DiscoveryInventoryAskMAC)
- *                 RefreshClient(wish.address);
- *             else if (wish.kind == DiscoveryInventoryAskIP)
- *                 ReachClient(wish.address);
- *             else if (wish.kind == DiscoveryInventoryIsReachable)
- *                 DiscoveryInventoryAnswerWish(session, wish.id, HasRoute(wish.address));
+ *             else if (wish.Kind == DiscoveryInventoryAskMAC)
+ *                 RefreshClient(wish.Address);
+ *             else if (wish.Kind == DiscoveryInventoryAskIP)
+ *                 ReachClient(wish.Address);
+ *             else if (wish.Kind == DiscoveryInventoryIsReachable)
+ *                 DiscoveryInventoryAnswerWish(session, wish.Id, HasRoute(wish.Address));
  *             else
- *                 DiscoveryInventoryAnswerWish(session, wish.id, CountLost());
+ *                 DiscoveryInventoryAnswerWish(session, wish.Id, CountLost());
  *         }
  *         while (DiscoveryInventoryNextEvent(session, &text) == 0 && text != NULL)
  *             Show(text);
@@ -126,9 +126,9 @@ extern "C"
     /** A wish of a session. */
     typedef struct DiscoveryInventoryWish
     {
-        int kind;            /**< one of DiscoveryInventoryWishKind */
-        const char* address; /**< empty where the kind has none */
-        long long id;        /**< to answer with */
+        int Kind;            /**< one of DiscoveryInventoryWishKind */
+        const char* Address; /**< empty where the kind has none */
+        long long Id;        /**< to answer with */
     } DiscoveryInventoryWish;
 
     /**
@@ -183,7 +183,7 @@ extern "C"
      * Gives the next wish.
      *
      * @param session the session.
-     * @param wish    where it is put; its kind is DiscoveryInventoryNoWish when there is none.
+     * @param wish    where it is put; its Kind is DiscoveryInventoryNoWish when there is none.
      * @return 0, or a result code.
      */
     DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextWish(DiscoveryInventory* session,
