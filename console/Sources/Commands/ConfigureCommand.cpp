@@ -73,7 +73,7 @@ std::string Text(const JsonFile::Object& object, const std::string& name)
 
 std::string Address(const JsonFile::Object& object, const std::string& name)
 {
-    const std::string text = Text(object, name);
+    std::string text = Text(object, name);
     const bool isNone = name == "DefaultGateway" && text.empty();
     if (!isNone && !Network::ParseAddress(text))
     {

@@ -14,7 +14,6 @@
 #include <cstdio>
 #include <stdexcept>
 
-using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceRow;
 using Zent::Discovery::Inventory::SearchOptions;
 using Zent::Discovery::Inventory::SearchReport;

@@ -31,19 +31,19 @@ std::string TextOf(const Conflict& conflict)
 
 struct Words
 {
-    Event::EventKind Kind;
     const char* Text; // behind the device's name
+    Event::EventKind Kind;
     Style Look;
 };
 
 constexpr Words AboutDevices[] = {
-    {Event::EventKind::Appeared, "appeared", Style::Appeared},
-    {Event::EventKind::Left, "left", Style::Left},
-    {Event::EventKind::Gone, "is gone: it does not answer any more", Style::Left},
-    {Event::EventKind::Returned, "came back", Style::Appeared},
-    {Event::EventKind::Flapping, "comes and goes", Style::Left},
-    {Event::EventKind::Settled, "no longer comes and goes", Style::Appeared},
-    {Event::EventKind::Forgotten, "is forgotten: there are too many devices", Style::Faint},
+    {"appeared", Event::EventKind::Appeared, Style::Appeared},
+    {"left", Event::EventKind::Left, Style::Left},
+    {"is gone: it does not answer any more", Event::EventKind::Gone, Style::Left},
+    {"came back", Event::EventKind::Returned, Style::Appeared},
+    {"comes and goes", Event::EventKind::Flapping, Style::Left},
+    {"no longer comes and goes", Event::EventKind::Settled, Style::Appeared},
+    {"is forgotten: there are too many devices", Event::EventKind::Forgotten, Style::Faint},
 };
 } // namespace
 
