@@ -210,6 +210,9 @@ TEST(HostRecordsTest, FileTransferInfosKeepTheOrderAndTheFirstValueOfAKey)
     EXPECT_EQ(value, "x");
     EXPECT_EQ(infos.ToJson(), R"({"Path":"/a/b","User":"x"})");
     EXPECT_EQ(infos.Count(), 2u);
+    const std::string repeated = R"(","abC":"","aBc":"","aBC":"","Abc":"","AbC":""})"; // the value six times
+    EXPECT_ERROR(Rewrite<FileTransferInfos>(R"({"abc":")" + std::string(300, 'x') + repeated),
+                 ErrorCodes::InvalidFormat);
 }
 
 } // namespace
