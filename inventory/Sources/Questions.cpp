@@ -30,7 +30,7 @@ bool Questions::CanAskIP(Time now)
 
 void Questions::AskAll()
 {
-    Wait(Wish::WishKind::AskAll, {});
+    WaitOnce(Wish::WishKind::AskAll);
 }
 
 void Questions::AskMAC(const std::string& address, Time now)
@@ -47,7 +47,7 @@ void Questions::AskIP(const std::string& address, Time now)
 
 void Questions::CountLost()
 {
-    Wait(Wish::WishKind::CountLost, {});
+    WaitOnce(Wish::WishKind::CountLost);
 }
 
 void Questions::NoteAnswer(const Device& device)
@@ -100,6 +100,15 @@ std::optional<Wish> Questions::Answer(std::int64_t id, std::int64_t value)
 void Questions::Wait(Wish::WishKind kind, const std::string& address)
 {
     wishes.push_back({kind, ++lastId, address});
+}
+
+/// Leaves it out when the same one has not been taken yet.
+void Questions::WaitOnce(Wish::WishKind kind)
+{
+    if (std::ranges::find(wishes, kind, &Wish::Kind) == wishes.end())
+    {
+        Wait(kind, {});
+    }
 }
 
 void Questions::NoteQuestion(const std::string& address, bool isByIP, Time now)

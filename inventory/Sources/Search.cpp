@@ -144,6 +144,7 @@ void Search::Counted(std::optional<std::uint64_t> lost, Time now)
 
 void Search::Advance(Time now)
 {
+    report.Elapsed = IsOver() ? report.Elapsed : now - start;
     if ((phase == Phase::Beginning || phase == Phase::Closing) && now >= phaseStart + CountTime)
     {
         Counted(std::nullopt, now);

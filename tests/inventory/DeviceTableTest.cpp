@@ -96,6 +96,17 @@ TEST_F(TableTest, ASilentComputerAsksBeforeItBelievesInSilence)
     EXPECT_EQ(Told(), "Appeared a;");
 }
 
+TEST_F(TableTest, WishesThatNobodyTakesDoNotPileUp)
+{
+    for (Time time{0}; time < 24h; time += 10s)
+    {
+        session->Feed({Kind::Signature, Document("a", "02:01", "10.0.0.1")}, time);
+        session->Advance(time);
+    }
+    EXPECT_EQ(session->NextWish()->Kind, Wish::WishKind::AskAll);
+    EXPECT_FALSE(session->NextWish());
+}
+
 TEST_F(TableTest, NobodyIsGoneWhileAnotherProgramHoldsThePort)
 {
     Feed(Document("a", "02:01", "10.0.0.1"), 0s);

@@ -80,6 +80,7 @@ SearchReport SearchWithTheSame(std::size_t heard, std::int64_t lostEachTime, Sea
     for (Time now{0}; !session.SearchState()->IsOver; now += 5ms)
     {
         session.Advance(now);
+        EXPECT_EQ(session.SearchState()->Elapsed, now);
         while (const auto wish = session.NextWish())
         {
             session.Answer(wish->Id, wish->Kind == Wish::WishKind::IsReachable ? 1 : lostEachTime < 0 ? -1 : lost);

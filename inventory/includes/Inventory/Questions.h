@@ -60,6 +60,7 @@ public:
 
 private:
     void Wait(Wish::WishKind kind, const std::string& address);
+    void WaitOnce(Wish::WishKind kind);
     bool CanAsk(Time now);
     void NoteQuestion(const std::string& address, bool isByIP, Time now);
     void Settle(const std::string& address);
