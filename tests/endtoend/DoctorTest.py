@@ -73,6 +73,14 @@ class DoctorTest(TestCase):
         self.cable.near.down()
         self.assert_finds("no-interface", r"left out: lo \(loopback\), eth1 \(", status=7)
 
+    def test_the_address_to_send_from_goes_away(self):
+        self.local_addresses = ["10.6.0.1"]
+        with self.start_console("discover", machine=self.laptop) as search:
+            wait_until(lambda: "---Listening..." in self.log_text(), "the start of the server")
+            self.cable.near.readdress(None)
+            search.line_with("no device found. No network interface can take part in a search; left out: 10.6.0.1")
+            self.assertEqual(search.wait(), 3)
+
     def test_other_programs_on_the_port(self):
         self.devices()
         with Occupant(self.laptop) as other:

@@ -78,13 +78,10 @@ LogSummary ReadLog(const fs::path& file)
     }
     return LogReader::Read(log);
 }
-} // namespace
 
-Observations Examination::OfSystem(const ProgramOptions& options)
+Observations Observe(const ProgramOptions& options, const std::vector<NetworkInterface>& interfaces)
 {
     constexpr IPv4 Elsewhere = 0xC0000201; // 192.0.2.1, which no network has
-    const std::vector<NetworkInterface> interfaces = SystemNetwork::Interfaces();
-    InterfaceChoice::Check(interfaces, options.Session.Interfaces);
     const InterfaceChoice choice(interfaces, options.Session.Interfaces);
 
     Observations observations;
@@ -106,6 +103,14 @@ Observations Examination::OfSystem(const ProgramOptions& options)
         }
     }
     return observations;
+}
+} // namespace
+
+Observations Examination::OfSystem(const ProgramOptions& options)
+{
+    const std::vector<NetworkInterface> interfaces = SystemNetwork::Interfaces();
+    InterfaceChoice::Check(interfaces, options.Session.Interfaces);
+    return Observe(options, interfaces);
 }
 
 std::optional<SearchResult> Examination::Search(CommandContext& context)
@@ -148,7 +153,7 @@ std::optional<SearchResult> Examination::Search(CommandContext& context)
 
 std::string Examination::ReasonForSilence(const ProgramOptions& options, double seconds)
 {
-    Observations observations = OfSystem(options);
+    Observations observations = Observe(options, SystemNetwork::Interfaces());
     SearchResult& search = observations.Search.emplace();
     search.Seconds = seconds;
     search.Log = ReadLog(options.Session.LogFile);
