@@ -47,7 +47,7 @@ bool SessionDriver::Run(std::chrono::milliseconds longest)
         CarryOut(*wish);
     }
     const Time now = Now();
-    const Time next = std::clamp(session.NextTime(), now, now + longest);
+    const Time next = std::clamp(session.NextTime(), now, now + std::max(longest, Time(0)));
     for (DeviceMessage& message : context.Messages().Take(start + next))
     {
         Feed(std::move(message));
@@ -72,7 +72,13 @@ void SessionDriver::Feed(DeviceMessage message)
     }
 }
 
-void SessionDriver::CarryOut(const Wish& wish)
+bool SessionDriver::AskAll()
+{
+    return CarryOut({Wish::WishKind::AskAll, 0});
+}
+
+/// False when the library takes no requests, as while it restarts itself. What was not asked now is asked later.
+bool SessionDriver::CarryOut(const Wish& wish)
 {
     try
     {
@@ -98,14 +104,15 @@ void SessionDriver::CarryOut(const Wish& wish)
             break;
         }
         }
+        return true;
     }
     catch (const DiscoveryError& error)
     {
-        // While the library restarts itself it takes no requests. What was not asked now is asked later.
         if (error.Code() != DiscoveryError::NullPointer)
         {
             throw;
         }
+        return false;
     }
 }
 

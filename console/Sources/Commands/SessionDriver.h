@@ -34,9 +34,12 @@ public:
     /// Waits for messages, for that time at most, and lets the session go on. False once the user has interrupted.
     bool Run(std::chrono::milliseconds longest);
 
+    /// Asks all devices at once. False while the library restarts itself and takes no requests.
+    bool AskAll();
+
 private:
     void Feed(Inventory::DeviceMessage message);
-    void CarryOut(const Inventory::Wish& wish);
+    bool CarryOut(const Inventory::Wish& wish);
     void ComplainAboutLoss();
 
     CommandContext& context;

@@ -88,9 +88,9 @@ void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchV
             driver.Session().SetPortHeld(IsPortHeld(), now);
             nextPortLook = now + PortLookInterval;
         }
-        if (const unsigned changes = context.Session().InterfaceChanges(); changes != knownChanges && !listensOnly)
+        const unsigned changes = context.Session().InterfaceChanges();
+        if (changes != knownChanges && !listensOnly && driver.AskAll())
         {
-            context.Requests().Discover();
             knownChanges = changes;
         }
         if (!isExplained && now >= Patience && driver.Session().Devices().Size() == 0)
