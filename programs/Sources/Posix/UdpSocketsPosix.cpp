@@ -71,32 +71,41 @@ std::optional<std::uint32_t> ProcessId(std::string_view name)
     return error == std::errc() && stop == end ? std::optional(id) : std::nullopt;
 }
 
+using Owners = std::map<std::uint64_t, std::uint32_t>; // process ids by inode
+
+/// Notes which of the sockets, by their names as links, the process has.
+void NoteOwned(std::uint32_t process, const std::map<std::string, std::uint64_t>& wanted, Owners& owners)
+{
+    std::error_code error;
+    for (fs::directory_iterator file("/proc/" + std::to_string(process) + "/fd", error), end; !error && file != end;
+         file.increment(error))
+    {
+        std::error_code gone;
+        const auto found = wanted.find(fs::read_symlink(file->path(), gone).native());
+        if (found != wanted.end())
+        {
+            owners.emplace(found->second, process);
+        }
+    }
+}
+
 /// The processes that have the sockets with these inodes. Those of other users are seen by root alone.
-std::map<std::uint64_t, std::uint32_t> OwnersOf(const std::vector<Row>& rows)
+Owners OwnersOf(const std::vector<Row>& rows)
 {
     std::map<std::string, std::uint64_t> wanted;
     for (const Row& row : rows)
     {
         wanted.emplace("socket:[" + std::to_string(row.INode) + "]", row.INode);
     }
-    std::map<std::uint64_t, std::uint32_t> owners;
+    Owners owners;
+    NoteOwned(static_cast<std::uint32_t>(getpid()), wanted, owners); // mostly the only one: the others take long
     std::error_code error;
-    for (const fs::directory_entry& process : fs::directory_iterator("/proc", error))
+    for (fs::directory_iterator process("/proc", error), end;
+         !error && process != end && owners.size() != wanted.size(); process.increment(error))
     {
-        const std::optional<std::uint32_t> id = ProcessId(process.path().filename().native());
-        if (!id || owners.size() == wanted.size())
+        if (const std::optional<std::uint32_t> id = ProcessId(process->path().filename().native()))
         {
-            continue;
-        }
-        for (fs::directory_iterator file(process.path() / "fd", error), end; !error && file != end;
-             file.increment(error))
-        {
-            std::error_code gone;
-            const auto found = wanted.find(fs::read_symlink(file->path(), gone).native());
-            if (found != wanted.end())
-            {
-                owners.emplace(found->second, *id);
-            }
+            NoteOwned(*id, wanted, owners);
         }
     }
     return owners;
@@ -117,7 +126,7 @@ std::vector<UdpSocket> UdpSockets::OnPort(std::uint16_t port)
     {
         return {};
     }
-    const std::map<std::uint64_t, std::uint32_t> owners = OwnersOf(rows);
+    const Owners owners = OwnersOf(rows);
     std::vector<UdpSocket> sockets;
     for (const Row& row : rows)
     {
