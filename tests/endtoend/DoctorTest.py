@@ -4,7 +4,7 @@ import signal
 import subprocess
 
 import endtoend
-from endtoend import Simulator, TestCase, main, wait_until
+from endtoend import Peer, Simulator, TestCase, main, message, wait_until
 from networks import Cable, End, Machine, Occupant
 
 DEVICE = "10.6.0.10"
@@ -147,6 +147,18 @@ class DoctorTest(TestCase):
         self.assertEqual({code: each["Severity"] for code, each in findings.items()},
                          {"firewall": "note", "no-realtime": "note"})  # fmt: skip
         self.assertIn("shows to root alone", findings["firewall"]["Text"])
+
+class InterfacesTest(TestCase):
+    def test_a_device_that_answers_on_two_interfaces_is_one(self):
+        answers = [message("SignatureBroadcast", mac=f"02:00:00:00:00:0{number}") for number in (1, 2)]
+        nics = [answer["SourceNIC"] for answer in answers]
+        with Peer() as peer, self.start_console("--wait", "1", "doctor", "--json", "-v", "--check", "conflict") as doctor:
+            peer.receive()
+            for answer in answers:
+                answer["Host"]["NICs"] = nics
+                peer.send(answer)
+            self.assertIn('"Severity":"ok"', doctor.line_with('"conflict"'))
+            self.assertEqual(doctor.wait(), 0)
 
 
 if __name__ == "__main__":

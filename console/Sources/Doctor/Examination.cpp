@@ -10,6 +10,7 @@
 #include "Programs/SystemNetwork.h"
 #include "Show/Output.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -60,8 +61,12 @@ private:
 
 HeardDevice Heard(const Device& device)
 {
-    const Device::Interface& main = device.MainInterface();
-    return {device.HostName, device.SerialNumber, main.MACAddress, main.IPAddress};
+    std::string address = device.MainInterface().MACAddress;
+    for (const Device::Interface& interface : device.Interfaces())
+    {
+        address = std::min(address, interface.MACAddress);
+    }
+    return {device.HostName, device.SerialNumber, address, device.MainInterface().IPAddress};
 }
 
 /// The library has split a log that grew too large.

@@ -48,8 +48,8 @@ struct HeardDevice
 {
     std::string HostName;
     std::string SerialNumber;
-    std::string MACAddress;
-    std::string IPAddress; // that it sends from
+    std::string MACAddress; // the lowest of its interfaces: a device that answers on several is one
+    std::string IPAddress;  // that it sends from
 
     std::strong_ordering operator<=>(const HeardDevice&) const = default;
 };
