@@ -20,6 +20,15 @@ constexpr Time FlappingTime{600000}; // within which a device that comes and goe
 constexpr std::size_t FlappingReturns = 3;
 constexpr std::size_t MaximumAskedByIP = 1024; // many more than may be unanswered
 
+/// Whether it is an address of one device. Devices without one say 0.0.0.0.
+bool CanBeAsked(const std::string& text)
+{
+    constexpr IPv4 FirstOfNetworks = 0x01000000;
+    constexpr IPv4 FirstOfGroups = 0xE0000000;
+    const std::optional<IPv4> address = Network::ParseAddress(text);
+    return address && *address >= FirstOfNetworks && *address < FirstOfGroups;
+}
+
 /// What tells a device from others: the addresses of its interfaces, the sending one first.
 std::vector<std::string> KeysOf(const Device& device)
 {
@@ -361,7 +370,7 @@ void DeviceTable::AskWaiting(Time now)
 bool DeviceTable::Ask(Entry& entry, Time now)
 {
     const Device::Interface& interface = entry.Latest->MainInterface();
-    const bool hasIP = entry.HasRoute && Network::ParseAddress(interface.IPAddress).has_value();
+    const bool hasIP = entry.HasRoute && CanBeAsked(interface.IPAddress);
     const bool wantsIP = hasIP && (entry.Misses % 2 == 1 || interface.MACAddress.empty());
     if (wantsIP && questions.CanAskIP(now))
     {

@@ -107,6 +107,25 @@ TEST_F(TableTest, WishesThatNobodyTakesDoNotPileUp)
     EXPECT_FALSE(session->NextWish());
 }
 
+TEST_F(TableTest, AddressesOfNobodyAndOfManyAreNotAsked)
+{
+    for (const char* address : {"0.0.0.0", "224.0.0.1", "255.255.255.255", ""})
+    {
+        SCOPED_TRACE(address);
+        session.emplace();
+        session->Feed({Kind::Signature, Document("a", "02:01", address)}, 0s);
+        for (Time time{0}; StateOf("02:01") != State::Gone && time < 60s; time += 1s)
+        {
+            session->Advance(time);
+            while (const auto wish = session->NextWish())
+            {
+                EXPECT_NE(wish->Kind, Wish::WishKind::IsReachable);
+            }
+        }
+        EXPECT_EQ(StateOf("02:01"), State::Gone);
+    }
+}
+
 TEST_F(TableTest, NobodyIsGoneWhileAnotherProgramHoldsThePort)
 {
     Feed(Document("a", "02:01", "10.0.0.1"), 0s);
