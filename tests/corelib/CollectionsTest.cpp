@@ -47,7 +47,6 @@ TEST(CollectionsTest, AQueueKeepsTheOrder)
 TEST(CollectionsTest, ADictionaryKeepsTheOrderAndTheFirstValue)
 {
     Dictionary<String, int> dictionary;
-    dictionary.Reserve(2);
     dictionary.Add("z", 1);
     dictionary.Add("a", 2);
     dictionary.Add("m", 3);

@@ -2,7 +2,6 @@
 #include "system/Boolean.h"
 #include "system/Byte.h"
 #include "system/Collections/Generic/List.h"
-#include "system/Convert.h"
 #include "system/Double.h"
 #include "system/Int64.h"
 #include "system/IntPtr.h"
@@ -81,14 +80,6 @@ TEST(NumberTest, WritesAndReadsTheWholeRange)
     }
     EXPECT_ERROR(Byte::Parse("256"), ErrorCodes::InvalidFormat);
     EXPECT_ERROR(Byte::Parse("-1"), ErrorCodes::InvalidFormat);
-}
-
-TEST(ConvertTest, ReadsBytesOfABase)
-{
-    EXPECT_EQ(0xAB, Convert::ToByte("aB", 16));
-    EXPECT_ERROR(Convert::ToByte("100", 16), ErrorCodes::InvalidFormat);
-    EXPECT_ERROR(Convert::ToByte("0x1", 16), ErrorCodes::InvalidFormat);
-    EXPECT_EQ("0xC0090114", Convert::ToHexadecimal(ErrorCodes::InvalidFormat));
 }
 
 TEST(StringTest, SplitsWithAndWithoutEmptyParts)

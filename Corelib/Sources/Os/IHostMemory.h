@@ -11,9 +11,6 @@ public:
     /// Memory that the host frees, by the means that hosts of the platform have. Null when there is none.
     virtual void* Allocate(std::size_t size) = 0;
 
-    /// What the host does with it. Null is allowed.
-    virtual void Free(void* memory) = 0;
-
     /// Gives what is free back to the system, as far as the platform can. It holds up other threads that allocate.
     virtual void GiveBack() = 0;
 

@@ -22,8 +22,9 @@ public:
     /// Gives the record back, at once or, when the thread still runs, at its end. False without a record.
     virtual bool Close(ThreadRecord* thread) = 0;
 
-    /// Starts a thread; signals sent to the process are not delivered to it. Null when all records are taken or the
-    /// platform refuses. The stack size is in bytes.
+    /// Starts a thread. Null when all records are taken or the platform refuses. The stack size is in bytes. On POSIX
+    /// the thread blocks the signals of the process but those of its own faults, and real-time ones, SIGPWR and
+    /// SIGXCPU, which it takes when the thread that creates it does.
     virtual ThreadRecord* Create(ThreadRoutine start,
                                  void* parameter,
                                  std::uint64_t& threadId,

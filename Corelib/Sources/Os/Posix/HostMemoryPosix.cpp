@@ -10,11 +10,6 @@ void* HostMemoryPosix::Allocate(std::size_t size)
     return std::malloc(size);
 }
 
-void HostMemoryPosix::Free(void* memory)
-{
-    std::free(memory);
-}
-
 void HostMemoryPosix::GiveBack()
 {
     malloc_trim(0);

@@ -9,7 +9,6 @@ class HostMemoryPosix final : public IHostMemory
 {
 public:
     void* Allocate(std::size_t size) override;
-    void Free(void* memory) override;
     void GiveBack() override;
 };
 } // namespace Nfx::Os

@@ -35,23 +35,8 @@ bool SetNumber(int descriptor, int level, int name, std::int32_t value) noexcept
     return SetValue(descriptor, level, name, int{value});
 }
 
-bool SetOpposite(int descriptor, int level, int name, std::int32_t value) noexcept
-{
-    return SetValue(descriptor, level, name, value == 0 ? 1 : 0);
-}
-
 constexpr std::int32_t MillisecondsPerSecond = 1000;
 constexpr suseconds_t MicrosecondsPerMillisecond = 1000;
-
-/// In milliseconds; 0 waits without limit on both platforms.
-bool SetTimeout(int descriptor, int level, int name, std::int32_t value) noexcept
-{
-    const std::int32_t milliseconds = value < 0 ? 0 : value;
-    timeval time = {};
-    time.tv_sec = milliseconds / MillisecondsPerSecond;
-    time.tv_usec = milliseconds % MillisecondsPerSecond * MicrosecondsPerMillisecond;
-    return SetValue(descriptor, level, name, time);
-}
 
 constexpr std::int32_t HeartBeatMilliseconds = SocketOptionPosix::HeartBeatMilliseconds;
 
@@ -61,41 +46,24 @@ constexpr std::int32_t LongestTickMilliseconds = 10;
 
 bool SetReceiveTimeout(int descriptor, int level, int name, std::int32_t value) noexcept
 {
-    if (value <= 0)
-    {
-        return SetTimeout(descriptor, level, name, HeartBeatMilliseconds);
-    }
     const bool isLikeHeartBeat =
         value <= HeartBeatMilliseconds && value > HeartBeatMilliseconds - LongestTickMilliseconds;
-    return SetTimeout(descriptor, level, name,
-                      isLikeHeartBeat ? HeartBeatMilliseconds + LongestTickMilliseconds : value);
+    const std::int32_t milliseconds = value <= 0        ? HeartBeatMilliseconds
+                                      : isLikeHeartBeat ? HeartBeatMilliseconds + LongestTickMilliseconds
+                                                        : value;
+    timeval time = {};
+    time.tv_sec = milliseconds / MillisecondsPerSecond;
+    time.tv_usec = milliseconds % MillisecondsPerSecond * MicrosecondsPerMillisecond;
+    return SetValue(descriptor, level, name, time);
 }
 
-bool SetDontFragment(int descriptor, int level, int name, std::int32_t value) noexcept
-{
-    return SetValue(descriptor, level, name, value == 0 ? IP_PMTUDISC_DONT : IP_PMTUDISC_DO);
-}
-
-// Missing are the options of streams, and those that take a structure: there is no operation to pass one.
+// The options that programs of this framework use.
 constexpr Row Rows[] = {
-    {SocketOptionLevel::Socket, SocketOptionName::Debug, SOL_SOCKET, SO_DEBUG, SetNumber},
     {SocketOptionLevel::Socket, SocketOptionName::ReuseAddress, SOL_SOCKET, SO_REUSEADDR, SetNumber},
-    {SocketOptionLevel::Socket, SocketOptionName::ExclusiveAddressUse, SOL_SOCKET, SO_REUSEADDR, SetOpposite},
-    {SocketOptionLevel::Socket, SocketOptionName::DontRoute, SOL_SOCKET, SO_DONTROUTE, SetNumber},
     {SocketOptionLevel::Socket, SocketOptionName::Broadcast, SOL_SOCKET, SO_BROADCAST, SetNumber},
-    {SocketOptionLevel::Socket, SocketOptionName::SendBuffer, SOL_SOCKET, SO_SNDBUF, SetNumber},
     {SocketOptionLevel::Socket, SocketOptionName::ReceiveBuffer, SOL_SOCKET, SO_RCVBUF, SetNumber},
-    {SocketOptionLevel::Socket, SocketOptionName::ReceiveLowWater, SOL_SOCKET, SO_RCVLOWAT, SetNumber},
-    {SocketOptionLevel::Socket, SocketOptionName::SendTimeout, SOL_SOCKET, SO_SNDTIMEO, SetTimeout},
     {SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, SOL_SOCKET, SO_RCVTIMEO, SetReceiveTimeout},
-    {SocketOptionLevel::IP, SocketOptionName::HeaderIncluded, IPPROTO_IP, IP_HDRINCL, SetNumber},
-    {SocketOptionLevel::IP, SocketOptionName::TypeOfService, IPPROTO_IP, IP_TOS, SetNumber},
-    {SocketOptionLevel::IP, SocketOptionName::IpTimeToLive, IPPROTO_IP, IP_TTL, SetNumber},
-    {SocketOptionLevel::IP, SocketOptionName::MulticastTimeToLive, IPPROTO_IP, IP_MULTICAST_TTL, SetNumber},
-    {SocketOptionLevel::IP, SocketOptionName::MulticastLoopback, IPPROTO_IP, IP_MULTICAST_LOOP, SetNumber},
-    {SocketOptionLevel::IP, SocketOptionName::DontFragment, IPPROTO_IP, IP_MTU_DISCOVER, SetDontFragment},
     {SocketOptionLevel::IP, SocketOptionName::PacketInformation, IPPROTO_IP, IP_PKTINFO, SetNumber},
-    {SocketOptionLevel::Udp, SocketOptionName::NoChecksum, SOL_SOCKET, SO_NO_CHECK, SetNumber},
 };
 } // namespace
 
@@ -112,15 +80,12 @@ bool SocketOptionPosix::Set(int descriptor, std::int32_t level, std::int32_t nam
     return false;
 }
 
-bool SocketOptionPosix::HasTimeout(int descriptor, int option) noexcept
+bool SocketOptionPosix::HasReceiveTimeout(int descriptor) noexcept
 {
     timeval time = {};
     socklen_t size = sizeof time;
-    if (::getsockopt(descriptor, SOL_SOCKET, option, &time, &size) != 0 || (time.tv_sec == 0 && time.tv_usec == 0))
-    {
-        return false;
-    }
-    const bool isHeartBeat = time.tv_sec == 0 && time.tv_usec == HeartBeatMilliseconds * MicrosecondsPerMillisecond;
-    return option != SO_RCVTIMEO || !isHeartBeat;
+    return ::getsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &time, &size) == 0 &&
+           (time.tv_sec != 0 ||
+            (time.tv_usec != 0 && time.tv_usec != HeartBeatMilliseconds * MicrosecondsPerMillisecond));
 }
 } // namespace Nfx::Os

@@ -18,7 +18,7 @@ public:
     /// False with errno set on failure: ENOPROTOOPT for an option that this platform does not have.
     static bool Set(int descriptor, std::int32_t level, std::int32_t name, std::int32_t value) noexcept;
 
-    /// True when a caller has set this timeout, SO_RCVTIMEO or SO_SNDTIMEO; the heart beat does not count.
-    static bool HasTimeout(int descriptor, int option) noexcept;
+    /// True when a caller has set a receive timeout; the heart beat does not count.
+    static bool HasReceiveTimeout(int descriptor) noexcept;
 };
 } // namespace Nfx::Os

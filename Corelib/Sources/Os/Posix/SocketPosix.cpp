@@ -65,8 +65,8 @@ std::int32_t AwaitReady(int descriptor, short event) noexcept
 }
 
 /// What to do about a transfer that failed with errno: 0 repeats it, any other number is the error to report.
-/// event and timeoutOption are those of its direction.
-std::int32_t AfterFailure(int descriptor, short event, int timeoutOption) noexcept
+/// event is that of its direction.
+std::int32_t AfterFailure(int descriptor, short event) noexcept
 {
     const int error = errno;
     if (error == EINTR)
@@ -77,8 +77,8 @@ std::int32_t AfterFailure(int descriptor, short event, int timeoutOption) noexce
     {
         return SocketErrorPosix::FromTransferErrno(error);
     }
-    return SocketOptionPosix::HasTimeout(descriptor, timeoutOption) ? std::int32_t{SocketError::TimedOut}
-                                                                    : AwaitReady(descriptor, event);
+    const bool hasTimeout = event == POLLIN && SocketOptionPosix::HasReceiveTimeout(descriptor);
+    return hasTimeout ? std::int32_t{SocketError::TimedOut} : AwaitReady(descriptor, event);
 }
 } // namespace
 
@@ -131,7 +131,7 @@ std::int32_t SocketPosix::SendTo(Handle handle,
             sent = static_cast<std::int32_t>(result);
             return Success;
         }
-        const std::int32_t error = AfterFailure(descriptor, POLLOUT, SO_SNDTIMEO);
+        const std::int32_t error = AfterFailure(descriptor, POLLOUT);
         if (error != Success)
         {
             return error;
@@ -160,7 +160,7 @@ std::int32_t SocketPosix::ReceiveFrom(
             received = static_cast<std::int32_t>(result);
             return addressSize == 0 ? std::int32_t{SocketError::Shutdown} : Success;
         }
-        const std::int32_t error = AfterFailure(descriptor, POLLIN, SO_RCVTIMEO);
+        const std::int32_t error = AfterFailure(descriptor, POLLIN);
         if (error != Success)
         {
             return error;

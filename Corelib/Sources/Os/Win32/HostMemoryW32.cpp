@@ -11,11 +11,6 @@ void* HostMemoryW32::Allocate(std::size_t size)
     return CoTaskMemAlloc(size);
 }
 
-void HostMemoryW32::Free(void* memory)
-{
-    CoTaskMemFree(memory);
-}
-
 void HostMemoryW32::GiveBack()
 {
     HeapCompact(GetProcessHeap(), 0); // the C library's memory is there, too

@@ -50,16 +50,6 @@ EventWaitHandle::~EventWaitHandle()
     Close();
 }
 
-SmartPointer<EventWaitHandle> EventWaitHandle::OpenExisting(const String& name)
-{
-    Os::ObjectHandle handle = 0;
-    if (!Os::Platform().Event().Open(handle, name.View()))
-    {
-        throw IO::IOException(SourceName, __LINE__);
-    }
-    return SmartPointer<EventWaitHandle>(new EventWaitHandle(NewHandle{handle}));
-}
-
 void EventWaitHandle::Set()
 {
     RequireOpen(__LINE__);

@@ -12,7 +12,7 @@ namespace Nfx::System::Threading
 {
 namespace
 {
-const char SourceName[] = "Corelib/Sources/System/Threading/Monitor";
+const char SourceName[] = "Corelib/Sources/System/Threading/MonitorData";
 }
 
 class Monitor::MonitorData::Outside final

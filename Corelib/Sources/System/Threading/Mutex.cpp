@@ -46,16 +46,6 @@ Mutex::~Mutex()
     Close();
 }
 
-SmartPointer<Mutex> Mutex::OpenExisting(const String& name)
-{
-    Os::ObjectHandle handle = 0;
-    if (!Os::Platform().Mutex().Open(handle, name.View()))
-    {
-        throw IO::IOException(SourceName, __LINE__);
-    }
-    return SmartPointer<Mutex>(new Mutex(NewHandle{handle}));
-}
-
 void Mutex::ReleaseMutex()
 {
     if (IsClosed())

@@ -50,16 +50,6 @@ Semaphore::~Semaphore()
     Close();
 }
 
-SmartPointer<Semaphore> Semaphore::OpenExisting(const String& name)
-{
-    Os::ObjectHandle handle = 0;
-    if (!Os::Platform().Semaphore().Open(handle, name.View()))
-    {
-        throw IO::IOException(SourceName, __LINE__);
-    }
-    return SmartPointer<Semaphore>(new Semaphore(NewHandle{handle}));
-}
-
 Int32 Semaphore::Release(Int32 count)
 {
     if (IsClosed())

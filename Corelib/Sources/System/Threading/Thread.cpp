@@ -29,7 +29,33 @@ void RequireTimeout(std::int32_t timeout)
         throw ArgumentException(SourceName, __LINE__);
     }
 }
+
+void RequireState(bool isRight)
+{
+    if (!isRight)
+    {
+        throw ThreadStateException(SourceName, __LINE__);
+    }
+}
+
+void RequireOther(bool isCurrent)
+{
+    if (isCurrent)
+    {
+        throw InvalidOperationException(SourceName, __LINE__);
+    }
+}
 } // namespace
+
+void Thread::ThreadData::ThrowWaitFailure()
+{
+    throw IO::IOException(SourceName, __LINE__);
+}
+
+void Thread::ThreadData::ThrowInterrupted()
+{
+    throw ThreadInterruptedException(SourceName, __LINE__);
+}
 
 Thread::Thread(const SmartPointer<Delegate<>>& start)
     : data(new ThreadData(NotNull(start), nullptr))
@@ -45,7 +71,7 @@ Thread::~Thread() = default;
 
 void Thread::Start()
 {
-    data->Start(data, nullptr);
+    StartWith(nullptr);
 }
 
 void Thread::Start(Object* parameter)
@@ -54,17 +80,29 @@ void Thread::Start(Object* parameter)
     {
         throw InvalidOperationException(SourceName, __LINE__);
     }
-    data->Start(data, parameter);
+    StartWith(parameter);
+}
+
+void Thread::StartWith(Object* parameter)
+{
+    const ThreadData::StartResult result = data->Start(data, parameter);
+    RequireState(result != ThreadData::StartResult::WrongState);
+    if (result == ThreadData::StartResult::NoThread)
+    {
+        throw OutOfMemoryException(SourceName, __LINE__);
+    }
 }
 
 void Thread::Join()
 {
-    data->Join(-1);
+    Join(-1);
 }
 
 Boolean Thread::Join(Int32 timeout)
 {
     RequireTimeout(timeout);
+    RequireOther(data->IsCurrent());
+    RequireState((data->GetState() & ThreadState::Unstarted) == 0);
     return data->Join(timeout);
 }
 
@@ -92,17 +130,18 @@ void Thread::Interrupt()
 
 void Thread::Suspend()
 {
-    data->Suspend();
+    RequireOther(data->IsCurrent());
+    RequireState(data->Suspend());
 }
 
 void Thread::Resume()
 {
-    data->Resume();
+    RequireState(data->Resume());
 }
 
 void Thread::Abort()
 {
-    data->Abort();
+    RequireState(data->Abort());
 }
 
 ThreadState Thread::GetThreadState() const
@@ -125,11 +164,6 @@ void Thread::SetBackground(Boolean isBackground)
     data->SetBackground(isBackground);
 }
 
-String Thread::GetName() const
-{
-    return data->GetName();
-}
-
 void Thread::SetName(const String& name)
 {
     data->SetName(name);
@@ -147,11 +181,6 @@ UInt64 Thread::CurrentThreadId()
 
 Collections::Generic::List<UInt64> Thread::RunningThreadIds()
 {
-    return ThreadRegistry::Ids();
-}
-
-String Thread::GetFailure() const
-{
-    return data->GetFailure();
+    return ThreadRegistry::Instance().Ids();
 }
 } // namespace Nfx::System::Threading

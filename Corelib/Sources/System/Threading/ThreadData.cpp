@@ -5,18 +5,15 @@
 #include "System/Threading/ThreadRegistry.h"
 #include "system/Exceptions.h"
 #include "system/Threading/Lock.h"
-#include "system/Type.h"
 
 #include <cxxabi.h>
-#include <new>
+#include <list>
 #include <utility>
 
 namespace Nfx::System::Threading
 {
 namespace
 {
-const char SourceName[] = "Corelib/Sources/System/Threading/Thread";
-
 // Enough for what the library does on a thread; the platforms' own defaults would use up a 32-bit host's addresses.
 constexpr std::uint32_t StackSize = 1024 * 1024;
 
@@ -25,27 +22,6 @@ constinit thread_local Thread::ThreadData* currentThread = nullptr;
 Os::IThread& Threads()
 {
     return Os::Platform().Thread();
-}
-
-String Describe(const std::exception_ptr& exception)
-{
-    try
-    {
-        std::rethrow_exception(exception);
-    }
-    catch (const Exception& thrown)
-    {
-        return thrown.ToString() + ", location: " + thrown.GetSourceFile() + "(" + thrown.GetSourceLine().ToString() +
-               ")";
-    }
-    catch (const std::exception& thrown)
-    {
-        return Type::NameOf(typeid(thrown)) + ": " + thrown.what();
-    }
-    catch (...)
-    {
-        return "an exception of unknown type";
-    }
 }
 } // namespace
 
@@ -104,19 +80,25 @@ Thread::ThreadData* Thread::ThreadData::Current() noexcept
     return currentThread;
 }
 
+bool Thread::ThreadData::IsCurrent() const noexcept
+{
+    return currentThread == this;
+}
+
 bool Thread::ThreadData::TakesParameter() const
 {
     return startWithParameter != nullptr;
 }
 
-void Thread::ThreadData::Start(const SmartPointer<ThreadData>& alias, Object* startParameter)
+Thread::ThreadData::StartResult Thread::ThreadData::Start(const SmartPointer<ThreadData>& alias, Object* startParameter)
 {
-    const Lock lock(control); // the new thread may end at once, but not before all of this is done
+    ThreadRegistry& registry = ThreadRegistry::Instance();
+    std::list<ThreadRegistry::Entry> entry(1); // takes its memory while the start can still fail
+    const Lock lock(control);                  // the new thread may end at once, but not before all of this is done
     if (!Has(ThreadState::Unstarted))
     {
-        throw ThreadStateException(SourceName, __LINE__);
+        return StartResult::WrongState;
     }
-    ThreadRegistry::Place place;
     self = alias;
     parameter = startParameter;
     Change(ThreadState::Unstarted, 0);
@@ -125,10 +107,11 @@ void Thread::ThreadData::Start(const SmartPointer<ThreadData>& alias, Object* st
     {
         Change(0, ThreadState::Unstarted);
         self = nullptr;
-        throw OutOfMemoryException(SourceName, __LINE__);
+        return StartResult::NoThread;
     }
     record.store(created);
-    place.Take(id, self);
+    entry.front() = {id, self};
+    registry.Add(entry);
     ApplyName();
     if (priority != ThreadPriority::Normal)
     {
@@ -138,6 +121,7 @@ void Thread::ThreadData::Start(const SmartPointer<ThreadData>& alias, Object* st
     {
         Threads().Interrupt(created);
     }
+    return StartResult::Started;
 }
 
 std::uint32_t Thread::ThreadData::Run(void* data)
@@ -169,9 +153,9 @@ void Thread::ThreadData::InvokeDelegate()
     {
         throw; // the platform ends the thread and must get through
     }
-    catch (...) // past a thread's edge it would end the process
+    catch (...)
     {
-        RecordFailure(std::current_exception());
+        // past a thread's edge it would end the process; whoever wants to know of it catches it in the delegate
     }
 }
 
@@ -179,19 +163,6 @@ Object* Thread::ThreadData::TakeParameter()
 {
     const Lock lock(control);
     return std::exchange(parameter, nullptr);
-}
-
-void Thread::ThreadData::RecordFailure(const std::exception_ptr& exception) noexcept
-{
-    const Lock lock(control);
-    try
-    {
-        failure = Describe(exception);
-    }
-    catch (const std::bad_alloc&)
-    {
-        failure = "out of memory"; // short enough to need none
-    }
 }
 
 SmartPointer<Thread::ThreadData> Thread::ThreadData::End()
@@ -202,7 +173,7 @@ SmartPointer<Thread::ThreadData> Thread::ThreadData::End()
         return nullptr;
     }
     hasEnded = true;
-    ThreadRegistry::Remove(id);
+    ThreadRegistry::Instance().Remove(*this);
     const std::int32_t end = Has(ThreadState::AbortRequested) ? ThreadState::Aborted : ThreadState::Stopped;
     Change(~ThreadState::Background, end);
     return std::move(self);
@@ -220,11 +191,6 @@ void Thread::ThreadData::CollectTerminated()
 
 bool Thread::ThreadData::Join(std::int32_t timeout)
 {
-    ThrowIfCurrent();
-    if (Has(ThreadState::Unstarted))
-    {
-        throw ThreadStateException(SourceName, __LINE__);
-    }
     Os::ThreadRecord* const joined = RecordOfStarted();
     if (joined == nullptr)
     {
@@ -258,66 +224,64 @@ void Thread::ThreadData::Interrupt()
     }
 }
 
-void Thread::ThreadData::Suspend()
+bool Thread::ThreadData::Suspend()
 {
-    ThrowIfCurrent();
     const Lock lock(control);
     if (hasEnded || Has(ThreadState::Unstarted))
     {
-        throw ThreadStateException(SourceName, __LINE__);
+        return false;
     }
     if (Has(ThreadState::Suspended))
     {
-        return;
+        return true;
     }
     Change(0, ThreadState::SuspendRequested);
     const bool suspended = Threads().Suspend(record.load());
     Change(ThreadState::SuspendRequested, suspended ? ThreadState::Suspended : 0);
-    if (!suspended)
-    {
-        throw ThreadStateException(SourceName, __LINE__);
-    }
+    return suspended;
 }
 
-void Thread::ThreadData::Resume()
+bool Thread::ThreadData::Resume()
 {
     const Lock lock(control);
     if (!Has(ThreadState::Suspended) || !Threads().Resume(record.load()))
     {
-        throw ThreadStateException(SourceName, __LINE__);
+        return false;
     }
     Change(ThreadState::Suspended, 0);
+    return true;
 }
 
-void Thread::ThreadData::Abort()
+bool Thread::ThreadData::Abort()
 {
     {
         const Lock lock(control);
         if (hasEnded)
         {
-            return;
+            return true;
         }
         if (Has(ThreadState::Suspended))
         {
-            throw ThreadStateException(SourceName, __LINE__);
+            return false;
         }
         if (Has(ThreadState::Unstarted))
         {
             hasEnded = true;
             Change(ThreadState::Unstarted, ThreadState::Aborted);
-            return;
+            return true;
         }
         Change(0, ThreadState::AbortRequested);
-        if (currentThread != this)
+        if (!IsCurrent())
         {
             Threads().Terminate(record.load(), 0);
         }
     }
-    if (currentThread == this)
+    if (IsCurrent())
     {
         throw AbortSignal();
     }
     CollectTerminated();
+    return true;
 }
 
 ThreadState Thread::ThreadData::GetState()
@@ -357,12 +321,6 @@ bool Thread::ThreadData::ApplyPriority()
     return running == nullptr || Threads().SetPriority(running, priority);
 }
 
-String Thread::ThreadData::GetName() const
-{
-    const Lock lock(control);
-    return name;
-}
-
 void Thread::ThreadData::SetName(const String& newName)
 {
     const Lock lock(control);
@@ -385,12 +343,6 @@ std::uint64_t Thread::ThreadData::GetId() const
     return id;
 }
 
-String Thread::ThreadData::GetFailure() const
-{
-    const Lock lock(control);
-    return hasEnded ? failure : String();
-}
-
 void Thread::ThreadData::ThrowIfAborted() const
 {
     if (Has(ThreadState::AbortRequested))
@@ -404,20 +356,7 @@ void Thread::ThreadData::ThrowIfWoken() const
     if (Threads().TakeInterrupt())
     {
         ThrowIfAborted();
-        throw ThreadInterruptedException(SourceName, __LINE__);
-    }
-}
-
-void Thread::ThreadData::ThrowWaitFailure()
-{
-    throw IO::IOException(SourceName, __LINE__);
-}
-
-void Thread::ThreadData::ThrowIfCurrent() const
-{
-    if (currentThread == this)
-    {
-        throw InvalidOperationException(SourceName, __LINE__);
+        ThrowInterrupted();
     }
 }
 

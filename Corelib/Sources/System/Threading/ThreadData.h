@@ -8,7 +8,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <exception>
 
 namespace Nfx::Os
 {
@@ -52,23 +51,37 @@ public:
 
     bool TakesParameter() const;
 
-    /// This object keeps itself until the thread has ended, as an alias of self.
-    void Start(const SmartPointer<ThreadData>& alias, Object* startParameter);
+    bool IsCurrent() const noexcept;
 
+    enum class StartResult
+    {
+        Started,
+        WrongState,
+        NoThread // the platform has none; the start may be tried again
+    };
+
+    /// This object keeps itself until the thread has ended, as an alias of self.
+    StartResult Start(const SmartPointer<ThreadData>& alias, Object* startParameter);
+
+    /// Needs a thread that is not unstarted, and not the calling one. False when the time was over first.
     bool Join(std::int32_t timeout);
     void Interrupt();
-    void Suspend();
-    void Resume();
-    void Abort();
+
+    /// Needs a thread that is not the calling one. False when the state does not allow it, or the platform does not.
+    bool Suspend();
+
+    /// False when the thread is not suspended.
+    bool Resume();
+
+    /// False when the thread is suspended. Does not return to a thread that aborts itself.
+    bool Abort();
 
     ThreadState GetState();
     void SetBackground(bool isBackground);
     ThreadPriority GetPriority() const;
     bool SetPriority(const ThreadPriority& newPriority);
-    String GetName() const;
     void SetName(const String& newName);
     std::uint64_t GetId() const;
-    String GetFailure() const;
 
 private:
     class Life;
@@ -99,19 +112,19 @@ private:
         return succeeded;
     }
 
+    // In Thread's own source, which the exceptions name.
     [[noreturn]] static void ThrowWaitFailure();
+    [[noreturn]] static void ThrowInterrupted();
 
     static std::uint32_t Run(void* data);
     void InvokeDelegate();
     Object* TakeParameter();
-    void RecordFailure(const std::exception_ptr& exception) noexcept;
     SmartPointer<ThreadData> End();
     void CollectTerminated();
     Os::ThreadRecord* RecordOfStarted() const;
 
     void ThrowIfAborted() const;
     void ThrowIfWoken() const;
-    void ThrowIfCurrent() const;
 
     bool Has(std::int32_t flags) const noexcept;
     void Change(std::int32_t cleared, std::int32_t set) noexcept;
@@ -129,7 +142,6 @@ private:
     std::uint64_t id NFX_GUARDED_BY(control) = 0;
     bool isInterruptedAtStart NFX_GUARDED_BY(control) = false;
     bool hasEnded NFX_GUARDED_BY(control) = false;
-    String failure NFX_GUARDED_BY(control);         // written by the thread itself
     std::atomic<Os::ThreadRecord*> record{nullptr}; // set once, by Start
     std::atomic<std::int32_t> state{ThreadState::Unstarted};
 };

@@ -2,7 +2,10 @@
 
 #include "System/Threading/ThreadData.h"
 #include "system/Collections/Generic/List.h"
+#include "system/Immortal.h"
 #include "system/UInt64.h"
+
+#include <list>
 
 namespace Nfx::System::Threading
 {
@@ -10,26 +13,32 @@ namespace Nfx::System::Threading
 class ThreadRegistry final
 {
 public:
-    ThreadRegistry() = delete;
-
-    /// The memory for a thread that is about to be started: once it runs, it cannot lack a place.
-    class Place final
+    struct Entry
     {
-    public:
-        /// @throws OutOfMemoryException when there is none.
-        Place();
-        ~Place();
-
-        Place(const Place&) = delete;
-        Place& operator=(const Place&) = delete;
-
-        /// Once at the most.
-        void Take(const UInt64& id, const SmartPointer<Thread::ThreadData>& data) noexcept;
+        UInt64 Id;
+        SmartPointer<Thread::ThreadData> Data;
     };
 
-    static void Remove(const UInt64& id) noexcept;
+    /// @throws OutOfMemoryException or std::bad_alloc when there is no memory to make it; the next call tries again.
+    static ThreadRegistry& Instance();
+
+    ThreadRegistry(const ThreadRegistry&) = delete;
+    ThreadRegistry& operator=(const ThreadRegistry&) = delete;
+
+    /// Moves the entries to the end of the table: once a thread runs, it cannot lack the memory for its own.
+    void Add(std::list<Entry>& entries) noexcept;
+
+    void Remove(const Thread::ThreadData& data) noexcept;
 
     /// In the order in which the threads were started.
-    static Collections::Generic::List<UInt64> Ids();
+    Collections::Generic::List<UInt64> Ids() const;
+
+private:
+    friend class Immortal<ThreadRegistry>;
+
+    ThreadRegistry() = default;
+
+    mutable Monitor access; // taken after a thread's control
+    std::list<Entry> threads NFX_GUARDED_BY(access);
 };
 } // namespace Nfx::System::Threading

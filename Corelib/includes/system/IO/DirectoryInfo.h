@@ -11,8 +11,6 @@ class DirectoryInfo final : public Object
 public:
     explicit DirectoryInfo(const String& path);
 
-    const String& FullName() const noexcept { return fullName; }
-
     bool Exists() const;
 
     /// Creates the folder and every missing one above it; does nothing when it exists already.

@@ -11,8 +11,6 @@ class FileInfo final : public Object
 public:
     explicit FileInfo(const String& path);
 
-    const String& FullName() const noexcept { return fullName; }
-
     bool Exists() const;
 
     /// Renames the file; a file that has the new path already is replaced. An open file stays open. This object goes

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/SmartPointer.h"
+#include "system/String.h"
 #include "system/Threading/EventResetMode.h"
 #include "system/Threading/WaitHandle.h"
 
@@ -16,10 +16,6 @@ public:
     EventWaitHandle(Boolean signalled, const EventResetMode& mode, const String& name = String());
 
     ~EventWaitHandle() override;
-
-    /// The event that has this name.
-    /// @throws IOException when there is none.
-    static SmartPointer<EventWaitHandle> OpenExisting(const String& name);
 
     /// @throws InvalidOperationException after Close.
     /// @throws IOException when the platform refuses.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/SmartPointer.h"
+#include "system/String.h"
 #include "system/Threading/WaitHandle.h"
 
 namespace Nfx::System::Threading
@@ -22,10 +22,6 @@ public:
     explicit Mutex(Boolean initiallyOwned, const String& name = String());
 
     ~Mutex() override;
-
-    /// The mutex that has this name.
-    /// @throws IOException when there is none.
-    static SmartPointer<Mutex> OpenExisting(const String& name);
 
     /// Gives up one of the owner's waits; after the last one the mutex is free.
     /// @throws InvalidOperationException when the calling thread is not the owner, or after Close.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/SmartPointer.h"
+#include "system/String.h"
 #include "system/Threading/WaitHandle.h"
 
 namespace Nfx::System::Threading
@@ -23,10 +23,6 @@ public:
     Semaphore(Int32 initialCount, Int32 maximumCount, const String& name);
 
     ~Semaphore() override;
-
-    /// The semaphore that has this name.
-    /// @throws IOException when there is none.
-    static SmartPointer<Semaphore> OpenExisting(const String& name);
 
     /// Adds to the count and returns what it was before.
     /// @throws ArgumentOutOfRangeException when count is below 1.

@@ -15,8 +15,8 @@ namespace Nfx::System::Threading
 /// Any thread may use a Thread. Timeouts are milliseconds, -1 waits without limit.
 ///
 /// Waiting means Join, Sleep, WaitHandle::WaitOne and Monitor::Wait; entering a Monitor does not count. What the
-/// delegate throws ends the thread and nothing else: see GetFailure. On POSIX the thread gets no signals of the
-/// process but those of its own faults, and real-time ones, SIGPWR and SIGXCPU, which it takes when the thread that
+/// delegate throws ends the thread and nothing else, and is not told to anybody. On POSIX the thread gets no signals of
+/// the process but those of its own faults, and real-time ones, SIGPWR and SIGXCPU, which it takes when the thread that
 /// starts it does.
 class Thread final : public Object
 {
@@ -42,7 +42,7 @@ public:
 
     /// Starts the thread; a delegate that takes an object gets null.
     /// @throws ThreadStateException when it was started, or aborted, before.
-    /// @throws OutOfMemoryException when the thread cannot be created; it may be tried again.
+    /// @throws OutOfMemoryException or std::bad_alloc when the thread cannot be created; it may be tried again.
     void Start();
 
     /// The parameter must live until the delegate is through with it.
@@ -95,8 +95,6 @@ public:
     /// A mark for those who look at the state; it has no other effect.
     void SetBackground(Boolean isBackground);
 
-    String GetName() const;
-
     /// Shows in debuggers as far as the platform can: on Linux the first 15 bytes.
     void SetName(const String& name);
 
@@ -108,10 +106,9 @@ public:
     /// The ids of the threads that were started and have not ended, in the order of their start; shows what leaks.
     static Collections::Generic::List<UInt64> RunningThreadIds();
 
-    /// Once the thread has ended: the text of the exception that left the delegate, empty when there was none.
-    String GetFailure() const;
-
 private:
+    void StartWith(Object* parameter);
+
     const SmartPointer<ThreadData> data; // shared with the running thread
 };
 } // namespace Nfx::System::Threading

@@ -39,7 +39,7 @@ public:
         entries.emplace_back(key, std::move(value));
         try
         {
-            AddToIndex(std::move(key), entries.size() - 1);
+            index.try_emplace(std::move(key), entries.size() - 1);
         }
         catch (...) // nobody would find it
         {
@@ -47,18 +47,6 @@ public:
             throw;
         }
         return true;
-    }
-
-    /// Takes the memory for so many entries in all: none of them can then lack a place.
-    void Reserve(std::size_t count)
-    {
-        entries.reserve(count);
-        while (index.size() + spareNodes.size() < count)
-        {
-            Index node;
-            node.try_emplace(K(), 0);
-            spareNodes.push_back(node.extract(node.begin()));
-        }
     }
 
     /// Null when there is no such key.
@@ -112,22 +100,7 @@ public:
 private:
     using Index = std::map<K, std::size_t>; // key to place in entries
 
-    void AddToIndex(K key, std::size_t place)
-    {
-        if (spareNodes.empty())
-        {
-            index.try_emplace(std::move(key), place);
-            return;
-        }
-        auto node = std::move(spareNodes.back());
-        spareNodes.pop_back();
-        node.key() = std::move(key);
-        node.mapped() = place;
-        index.insert(std::move(node));
-    }
-
     Index index;
-    std::vector<typename Index::node_type> spareNodes;
     std::vector<Entry> entries;
 };
 } // namespace Nfx::System::Collections::Generic
