@@ -1,61 +1,50 @@
 #include "ExtCCallBacks.h"
 
+#include "system/Guarded.h"
 #include "system/Immortal.h"
-#include "system/Threading/Lock.h"
 
 namespace Zent::Discovery::ExtC
 {
+using Nfx::System::Guarded;
 using Nfx::System::Immortal;
 using Nfx::System::InvalidOperationException;
 using Nfx::System::SmartPointer;
-using Nfx::System::Threading::Lock;
-using Nfx::System::Threading::Monitor;
 
 namespace
 {
-struct Block final
-{
-    Monitor Guard;
-    SmartPointer<ExtCCallBacks> CallBacks NFX_GUARDED_BY(Guard);
-};
+const char SourceName[] = "extc/Sources/ExtCCallBacks";
 
-Block& TheBlock()
+using Block = SmartPointer<ExtCCallBacks>; // null unless initialized
+
+Guarded<Block>& TheBlock()
 {
-    static const Immortal<Block> block;
+    static const Immortal<Guarded<Block>> block;
     return block.Get();
 }
 } // namespace
 
 SmartPointer<ExtCCallBacks> ExtCCallBacks::Instance()
 {
-    Block& block = TheBlock();
-    const Lock lock(block.Guard);
-    if (block.CallBacks.IsNull())
+    const Block block = TheBlock().Use([](const Block& current) { return current; });
+    if (block.IsNull())
     {
-        throw InvalidOperationException("DiscoveryServerFacade instance is not initialized!",
-                                        "extc/Sources/ExtCCallBacks", __LINE__);
+        throw InvalidOperationException("DiscoveryServerFacade instance is not initialized!", SourceName, __LINE__);
     }
-    return block.CallBacks;
+    return block;
 }
 
 bool ExtCCallBacks::Exists()
 {
-    Block& block = TheBlock();
-    const Lock lock(block.Guard);
-    return !block.CallBacks.IsNull();
+    return TheBlock().Use([](const Block& current) { return !current.IsNull(); });
 }
 
 void ExtCCallBacks::Install(const SmartPointer<ExtCCallBacks>& callBacks)
 {
-    Block& block = TheBlock();
-    const Lock lock(block.Guard);
-    block.CallBacks = callBacks;
+    TheBlock().Use([&](Block& current) { current = callBacks; });
 }
 
 void ExtCCallBacks::Destroy()
 {
-    Block& block = TheBlock();
-    const Lock lock(block.Guard);
-    block.CallBacks = nullptr;
+    TheBlock().Use([](Block& current) { current = nullptr; });
 }
 } // namespace Zent::Discovery::ExtC

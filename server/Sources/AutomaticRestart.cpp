@@ -42,7 +42,7 @@ void AutomaticRestart::Report(Kind kind)
 {
     if (!log.Guard("Failed to start the background operation", [&] { Begin(kind); }))
     {
-        throw OutOfMemoryException("Sources/AutomaticRestart", __LINE__);
+        throw OutOfMemoryException("server/Sources/AutomaticRestart", __LINE__);
     }
 }
 

@@ -1,39 +1,36 @@
 #include "Server/DiscoveryServerFacade.h"
 
+#include "system/Guarded.h"
 #include "system/Immortal.h"
-#include "system/Threading/Lock.h"
+
+#include <utility>
 
 namespace Zent::Discovery::Server
 {
+using Nfx::System::Guarded;
 using Nfx::System::Immortal;
 using Nfx::System::SmartPointer;
-using Nfx::System::Threading::Lock;
-using Nfx::System::Threading::Monitor;
 
 namespace
 {
-struct Singleton final
-{
-    Monitor Guard;
-    SmartPointer<DiscoveryServerFacade> Instance NFX_GUARDED_BY(Guard);
-};
+using Facade = SmartPointer<DiscoveryServerFacade>; // null until it is asked for
 
-Singleton& TheSingleton()
+Guarded<Facade>& TheFacade()
 {
-    static const Immortal<Singleton> singleton;
-    return singleton.Get();
+    static const Immortal<Guarded<Facade>> facade;
+    return facade.Get();
 }
 } // namespace
 
 SmartPointer<DiscoveryServerFacade> DiscoveryServerFacade::Instance()
 {
-    Singleton& singleton = TheSingleton();
-    const Lock lock(singleton.Guard);
-    if (singleton.Instance.IsNull())
-    {
-        singleton.Instance = new DiscoveryServerFacade();
-    }
-    return singleton.Instance;
+    return TheFacade().Use([](Facade& facade) {
+        if (facade.IsNull())
+        {
+            facade = new DiscoveryServerFacade();
+        }
+        return facade;
+    });
 }
 
 SmartPointer<DiscoveryServerFacade> DiscoveryServerFacade::InstanceThatCanStart()
@@ -47,9 +44,7 @@ SmartPointer<DiscoveryServerFacade> DiscoveryServerFacade::InstanceThatCanStart(
 
 void DiscoveryServerFacade::Destroy()
 {
-    Singleton& singleton = TheSingleton();
-    SmartPointer<DiscoveryServerFacade> released; // destroyed outside the lock: the server may have to wait
-    const Lock lock(singleton.Guard);
-    released = std::move(singleton.Instance);
+    // It goes at the end of this function, without the lock: its server may have to wait.
+    const Facade released = TheFacade().Use([](Facade& facade) { return std::move(facade); });
 }
 } // namespace Zent::Discovery::Server

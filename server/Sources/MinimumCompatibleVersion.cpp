@@ -1,50 +1,39 @@
 #include "Server/MinimumCompatibleVersion.h"
 
+#include "system/Guarded.h"
 #include "system/Immortal.h"
-#include "system/Threading/Lock.h"
+
+#include <optional>
 
 namespace Zent::Discovery::Server
 {
+using Nfx::System::Guarded;
 using Nfx::System::Immortal;
 using Nfx::System::Version;
-using Nfx::System::Threading::Lock;
-using Nfx::System::Threading::Monitor;
 
 namespace
 {
-struct State final
-{
-    Monitor Guard;
-    Version Minimum NFX_GUARDED_BY(Guard);
-    bool IsSet NFX_GUARDED_BY(Guard) = false;
-};
+using Minimum = std::optional<Version>; // empty until it is set
 
-State& Instance()
+Guarded<Minimum>& TheMinimum()
 {
-    static const Immortal<State> state;
-    return state.Get();
+    static const Immortal<Guarded<Minimum>> minimum;
+    return minimum.Get();
 }
 } // namespace
 
 Version MinimumCompatibleVersion::Get()
 {
-    State& state = Instance();
-    const Lock lock(state.Guard);
-    return state.Minimum;
+    return TheMinimum().Use([](const Minimum& minimum) { return minimum.value_or(Version()); });
 }
 
 void MinimumCompatibleVersion::Set(const Version& version)
 {
-    State& state = Instance();
-    const Lock lock(state.Guard);
-    state.Minimum = version;
-    state.IsSet = true;
+    TheMinimum().Use([&](Minimum& minimum) { minimum = version; });
 }
 
 bool MinimumCompatibleVersion::IsSet()
 {
-    State& state = Instance();
-    const Lock lock(state.Guard);
-    return state.IsSet;
+    return TheMinimum().Use([](const Minimum& minimum) { return minimum.has_value(); });
 }
 } // namespace Zent::Discovery::Server

@@ -11,6 +11,8 @@ namespace Nfx::System
 {
 namespace
 {
+const char SourceName[] = "Corelib/Sources/System/AdoptionCheck";
+
 struct Adoptions final
 {
     Threading::Monitor Guard;
@@ -43,8 +45,7 @@ void AdoptionCheck::Add(const void* address)
     {
         return; // there is not even a lock for the notes
     }
-    throw InvalidOperationException("Object adopted by a second SmartPointer.", "Corelib/Sources/System/AdoptionCheck",
-                                    __LINE__);
+    throw InvalidOperationException("Object adopted by a second SmartPointer.", SourceName, __LINE__);
 }
 
 void AdoptionCheck::Remove(const void* address) noexcept

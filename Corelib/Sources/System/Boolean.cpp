@@ -6,6 +6,11 @@
 
 namespace Nfx::System
 {
+namespace
+{
+const char SourceName[] = "Corelib/Sources/System/Boolean";
+} // namespace
+
 Boolean Boolean::Equals(const Object* object) const
 {
     const Boolean* other = dynamic_cast<const Boolean*>(object);
@@ -27,8 +32,7 @@ Boolean Boolean::Parse(const String& text)
     Boolean result;
     if (!TryParse(text, result))
     {
-        throw Exception(ErrorCodes::InvalidFormat, "neither True nor False : " + text.Quoted(),
-                        "Corelib/Sources/System/Boolean", __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "neither True nor False : " + text.Quoted(), SourceName, __LINE__);
     }
     return result;
 }

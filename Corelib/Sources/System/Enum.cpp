@@ -4,6 +4,11 @@
 
 namespace Nfx::System
 {
+namespace
+{
+const char SourceName[] = "Corelib/Sources/System/Enum";
+} // namespace
+
 Int32 EnumBase::GetHashCode() const
 {
     return value;
@@ -44,8 +49,7 @@ std::int32_t EnumBase::ParseName(std::span<const EnumName> names, const String& 
     const EnumName* const row = FindValue(names, name);
     if (row == nullptr)
     {
-        throw Exception(ErrorCodes::InvalidFormat, "no such name : " + name.Quoted(), "Corelib/Sources/System/Enum",
-                        __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no such name : " + name.Quoted(), SourceName, __LINE__);
     }
     return row->Value;
 }

@@ -20,6 +20,8 @@ namespace Nfx::System
 {
 namespace
 {
+const char SourceName[] = "Corelib/Sources/System/Number";
+
 template <class TValue>
 bool IsFinite(TValue value)
 {
@@ -61,8 +63,7 @@ TDerived Number<TDerived, TValue>::Parse(const String& text)
     const std::from_chars_result end = std::from_chars(first, last, result);
     if (end.ec != std::errc() || end.ptr != last || !IsFinite(result))
     {
-        throw Exception(ErrorCodes::InvalidFormat, "no number : " + text.Quoted(), "Corelib/Sources/System/Number",
-                        __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no number : " + text.Quoted(), SourceName, __LINE__);
     }
     return TDerived(result);
 }

@@ -12,11 +12,13 @@ namespace Nfx::System
 {
 namespace
 {
+const char SourceName[] = "Corelib/Sources/System/String";
+
 const char* NotNull(const char* text)
 {
     if (text == nullptr)
     {
-        throw ArgumentNullException("Corelib/Sources/System/String", __LINE__);
+        throw ArgumentNullException(SourceName, __LINE__);
     }
     return text;
 }

@@ -21,14 +21,6 @@ public:
     /// revision without a build.
     Version(std::int32_t major, std::int32_t minor, std::int32_t build = Undefined, std::int32_t revision = Undefined);
 
-    std::int32_t Major() const noexcept { return major; }
-
-    std::int32_t Minor() const noexcept { return minor; }
-
-    std::int32_t Build() const noexcept { return build; }
-
-    std::int32_t Revision() const noexcept { return revision; }
-
     Boolean Equals(const Object* object) const override;
     Int32 GetHashCode() const override;
 

@@ -69,7 +69,7 @@ public:
     {
         if (action.IsNull())
         {
-            throw Nfx::System::ArgumentNullException("includes/Server/ServerAction", __LINE__);
+            throw Nfx::System::ArgumentNullException("server/includes/Server/ServerAction", __LINE__);
         }
     }
 

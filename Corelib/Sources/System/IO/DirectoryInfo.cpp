@@ -11,6 +11,8 @@ namespace Nfx::System::IO
 {
 namespace
 {
+const char SourceName[] = "Corelib/Sources/System/IO/DirectoryInfo";
+
 Os::FileResult CreateOne(const String& path)
 {
     Os::IDirectory& directory = Os::Platform().Directory();
@@ -26,8 +28,7 @@ void ThrowUnlessDone(const Os::FileResult& result, const String& path)
 {
     if (!result.Succeeded())
     {
-        ThrowFileError(result, "cannot create the folder " + path.Quoted(), "Corelib/Sources/System/IO/DirectoryInfo",
-                       __LINE__);
+        ThrowFileError(result, "cannot create the folder " + path.Quoted(), SourceName, __LINE__);
     }
 }
 } // namespace

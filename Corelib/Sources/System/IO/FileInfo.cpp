@@ -7,6 +7,11 @@
 
 namespace Nfx::System::IO
 {
+namespace
+{
+const char SourceName[] = "Corelib/Sources/System/IO/FileInfo";
+} // namespace
+
 FileInfo::FileInfo(const String& path)
     : fullName(Path::GetFullPath(path))
 {
@@ -23,8 +28,7 @@ void FileInfo::MoveTo(const String& newPath) const
     const Os::FileResult result = Os::Platform().File().Rename(fullName, newFullName);
     if (!result.Succeeded())
     {
-        ThrowFileError(result, "cannot rename \"" + fullName + "\" to \"" + newFullName + "\"",
-                       "Corelib/Sources/System/IO/FileInfo", __LINE__);
+        ThrowFileError(result, "cannot rename \"" + fullName + "\" to \"" + newFullName + "\"", SourceName, __LINE__);
     }
 }
 

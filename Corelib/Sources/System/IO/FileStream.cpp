@@ -7,6 +7,11 @@
 
 namespace Nfx::System::IO
 {
+namespace
+{
+const char SourceName[] = "Corelib/Sources/System/IO/FileStream";
+} // namespace
+
 FileStream::FileStream(const String& path)
 {
     Os::IFile& files = Os::Platform().File();
@@ -22,7 +27,7 @@ FileStream::FileStream(const String& path)
     }
     if (!result.Succeeded())
     {
-        ThrowFileError(result, "cannot open \"" + path + "\"", "Corelib/Sources/System/IO/FileStream", __LINE__);
+        ThrowFileError(result, "cannot open \"" + path + "\"", SourceName, __LINE__);
     }
     length = properties.Size;
     isRegular = properties.IsRegular;

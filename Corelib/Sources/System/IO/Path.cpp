@@ -12,6 +12,8 @@ namespace Nfx::System::IO
 {
 namespace
 {
+const char SourceName[] = "Corelib/Sources/System/IO/Path";
+
 /// The length of a path without its last name, trailing separators included.
 std::size_t LengthBeforeName(std::string_view path)
 {
@@ -37,8 +39,7 @@ String Path::GetFullPath(const String& path)
     const Os::FileResult result = Os::Platform().Directory().GetFullPath(converted, fullPath);
     if (!result.Succeeded())
     {
-        ThrowFileError(result, "cannot find the folder of \"" + converted + "\"", "Corelib/Sources/System/IO/Path",
-                       __LINE__);
+        ThrowFileError(result, "cannot find the folder of \"" + converted + "\"", SourceName, __LINE__);
     }
     return fullPath;
 }

@@ -4,12 +4,17 @@
 
 namespace Nfx::System::IO
 {
+namespace
+{
+const char SourceName[] = "Corelib/Sources/System/IO/StreamWriter";
+} // namespace
+
 StreamWriter::StreamWriter(const SmartPointer<Stream>& stream)
     : stream(stream)
 {
     if (stream.IsNull())
     {
-        throw ArgumentNullException("Corelib/Sources/System/IO/StreamWriter", __LINE__);
+        throw ArgumentNullException(SourceName, __LINE__);
     }
 }
 

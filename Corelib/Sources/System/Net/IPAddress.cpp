@@ -12,6 +12,8 @@ namespace Nfx::System::Net
 {
 namespace
 {
+const char SourceName[] = "Corelib/Sources/System/Net/IPAddress";
+
 constexpr std::size_t OctetCount = 4;
 constexpr std::size_t MaxDigits = 3; // of one octet
 
@@ -81,8 +83,7 @@ IPAddress IPAddress::Parse(const String& text)
     std::uint32_t address = 0;
     if (!TryParse(text.View(), address))
     {
-        throw Exception(ErrorCodes::InvalidFormat, "no IP address : " + text.Quoted(),
-                        "Corelib/Sources/System/Net/IPAddress", __LINE__);
+        throw Exception(ErrorCodes::InvalidFormat, "no IP address : " + text.Quoted(), SourceName, __LINE__);
     }
     return address;
 }

@@ -2,6 +2,11 @@
 
 namespace Nfx::System::Net::Sockets
 {
+namespace
+{
+const char SourceName[] = "Corelib/Sources/System/Net/Sockets/UdpClient";
+} // namespace
+
 void UdpClient::SetClient(const SmartPointer<Socket>& socket)
 {
     client = socket;
@@ -39,7 +44,7 @@ Socket& UdpClient::RequireClient() const
 {
     if (client.IsNull())
     {
-        throw NullReferenceException("Corelib/Sources/System/Net/Sockets/UdpClient", __LINE__);
+        throw NullReferenceException(SourceName, __LINE__);
     }
     return *client;
 }
