@@ -173,7 +173,8 @@ bool LogFile::TryReportLost()
 
 bool LogFile::IsFull() const
 {
-    // Where a limit leaves no room for header and line, files without a line would push out those that have some.
+    // A file that holds no line yet is never full. Were it split when a limit leaves room for the header alone, each
+    // split would keep one more file without a line and delete one that has lines.
     return !isFresh && (stream->Length() >= maximumSize || stream->IsAtSizeLimit());
 }
 

@@ -8,7 +8,8 @@ namespace Nfx::Os
 class IHostMemory
 {
 public:
-    /// Memory that the host frees, by the means that hosts of the platform have. Null when there is none.
+    /// Memory that is handed to the host application, which frees it: with free on POSIX, with CoTaskMemFree on
+    /// Windows. Null when there is none.
     virtual void* Allocate(std::size_t size) = 0;
 
     /// Gives what is free back to the system, as far as the platform can. It holds up other threads that allocate.

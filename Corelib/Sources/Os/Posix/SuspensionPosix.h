@@ -21,7 +21,7 @@ public:
     /// Makes this the suspension of the calling thread; null before the thread ends.
     static void SetCurrent(SuspensionPosix* suspension) noexcept;
 
-    /// Until as many calls of Allow the calling thread goes on when it is suspended, or sleeps on when it sleeps.
+    /// From Defer on, a suspension does not stop the calling thread where it is; the matching Allow does. Calls nest.
     static void Defer() noexcept;
     static void Allow() noexcept;
 

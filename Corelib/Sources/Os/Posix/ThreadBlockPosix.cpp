@@ -63,10 +63,12 @@ bool SetNice(pid_t thread, int nice) noexcept
     return setpriority(PRIO_PROCESS, static_cast<id_t>(thread), nice) == 0;
 }
 
-// However nice the others are, a thread of their class that wakes may wait for milliseconds until one of them has had
-// its turn, and what comes meanwhile is lost for good. The lowest real-time priority goes before all of them. A host
-// that runs in a class of its own choice stays there; and one whose real-time threads may run for so long only without
-// a rest would be ended by the kernel in a flood.
+// A thread of the class SCHED_OTHER that wakes may wait for milliseconds until another one has had its turn, whatever
+// their nice values. The receiver of datagrams, which has the highest priority, would lose what comes meanwhile.
+// Threads of the real-time class SCHED_RR go before all of SCHED_OTHER, even with the lowest real-time priority.
+//
+// The class is not entered by a thread whose host has put it into another class, nor under a limit RLIMIT_RTTIME: the
+// kernel would end the process in a flood of datagrams.
 bool EnterRealTimeClass(pid_t thread) noexcept
 {
     rlimit longestRun = {};

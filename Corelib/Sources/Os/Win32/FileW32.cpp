@@ -3,10 +3,10 @@
 #include "Os/Win32/FileFailureW32.h"
 #include "Os/Win32/PlatformW32.h"
 #include "Os/Win32/WideTextW32.h"
-#include "system/Int32.h"
 #include "system/String.h"
 
 #include <algorithm>
+#include <string>
 
 namespace Nfx::Os
 {
@@ -94,7 +94,7 @@ System::String FileW32::Describe(std::int32_t nativeError)
     const std::size_t last = all.find_last_not_of(L". \r\n");
     if (last == std::wstring_view::npos)
     {
-        return "error " + System::Int32(nativeError).ToString();
+        return ("error " + std::to_string(nativeError)).c_str();
     }
     return FromWideText(all.substr(0, last + 1));
 }

@@ -37,7 +37,10 @@ private:
     /// One thread in Wait: in the queue until it is pulsed or gives up.
     class Waiter;
 
+    /// By the thread that has just entered the platform's lock.
     void TakeOver();
+
+    /// By the owner, when entries is 0.
     void LetGo();
 
     Os::IMonitor& service;

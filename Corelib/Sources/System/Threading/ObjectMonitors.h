@@ -36,7 +36,10 @@ private:
 
     ObjectMonitors() = default;
 
+    /// Counts a user; without access. The lock stays until Unuse.
     Monitor::MonitorData& Use(const Object& object);
+
+    /// Once for each Use; without access, and after the last exit that belongs to it.
     void Unuse(const Object& object);
 
     Monitor access;

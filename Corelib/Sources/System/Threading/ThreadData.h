@@ -116,13 +116,17 @@ private:
     [[noreturn]] static void ThrowWaitFailure();
     [[noreturn]] static void ThrowInterrupted();
 
+    // On the running thread, without control.
     static std::uint32_t Run(void* data);
     void InvokeDelegate();
     Object* TakeParameter();
-    SmartPointer<ThreadData> End();
+
+    // On any thread, without control.
+    SmartPointer<ThreadData> End(); // what keeps this object may be the result alone
     void CollectTerminated();
     Os::ThreadRecord* RecordOfStarted() const;
 
+    // On the running thread, in or before a wait.
     void ThrowIfAborted() const;
     void ThrowIfWoken() const;
 

@@ -86,6 +86,7 @@ public:
     void SetMaximumSize(std::int32_t size);
 
 private:
+    /// Without the lock, which it takes to write what add(lines) has made.
     template <class TAdd>
     void WriteLines(const TAdd& add);
 
