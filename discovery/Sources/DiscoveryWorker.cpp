@@ -1,5 +1,6 @@
 #include "Discovery/DiscoveryWorker.h"
 
+#include "Discovery/Attempt.h"
 #include "system/Net/Sockets/SocketException.h"
 #include "system/Threading/ThreadState.h"
 
@@ -59,15 +60,11 @@ void DiscoveryWorker::Start()
 void DiscoveryWorker::Stop()
 {
     Log().Write("Stopping worker", LogStreamLevel::Critical);
-    try
-    {
-        EndSocket();
-    }
-    catch (const Exception&)
-    {
-        Join(); // a socket that resists must not leave a thread behind
-        throw;
-    }
+    Attempt([this] { EndSocket(); },
+            [this](const Exception&) {
+                Join(); // a socket that resists must not leave a thread behind
+                throw;
+            });
     Join();
     Log().Write("Worker stopped", LogStreamLevel::Critical);
 }
@@ -129,8 +126,8 @@ void DiscoveryWorker::RaiseSocketClosed()
 
 void DiscoveryWorker::CheckThread()
 {
-    if (stopRequested || thread->GetThreadState() == ThreadState::Unstarted ||
-        thread->GetThreadId() == Thread::CurrentThreadId() || !thread->Join(0))
+    if (thread->GetThreadState() == ThreadState::Unstarted || thread->GetThreadId() == Thread::CurrentThreadId() ||
+        !thread->Join(0) || stopRequested) // asked last: a stop may have ended the thread just now
     {
         return;
     }

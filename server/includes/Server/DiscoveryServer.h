@@ -48,7 +48,8 @@ public:
     /// server is not running. Waits for a callback that is running.
     void Stop();
 
-    /// Stop without a word when the server is not running. From the beginning on no event reaches a handler.
+    /// Stop without a word when the server is not running. Removes the handlers of events before it waits for anything
+    /// but another start or stop.
     void StopIfRunning();
 
     /// True when a start or stop has failed, so that neither can succeed any more. Waits while one is under way.
