@@ -30,9 +30,10 @@ struct DeviceMessage
             return "Hello";
         case MessageKind::Bye:
             return "Bye";
-        default:
-            return "Signature";
+        case MessageKind::Signature:
+            break;
         }
+        return "Signature";
     }
 };
 } // namespace Zent::Discovery::Inventory
