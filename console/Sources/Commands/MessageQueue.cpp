@@ -8,7 +8,7 @@ namespace Zent::Discovery::Console
 {
 void MessageQueue::Push(DeviceMessage message)
 {
-    const std::lock_guard guard(lock);
+    const Programs::Lock guard(lock);
     if (bytes + message.Document.size() > MaximumBytes)
     {
         ++lost;
@@ -24,19 +24,16 @@ void MessageQueue::Push(DeviceMessage message)
 
 std::deque<DeviceMessage> MessageQueue::Take(const std::optional<TimePoint>& deadline)
 {
-    std::unique_lock guard(lock);
-    const auto hasNews = [this] { return interrupted || isWoken || !messages.empty(); };
-    if (deadline)
+    const Programs::Lock guard(lock);
+    while (!HasNews() && WaitUntil(deadline))
     {
-        changed.wait_until(guard, *deadline, hasNews);
-    }
-    else
-    {
-        changed.wait(guard, hasNews);
     }
     if (!messages.empty())
     {
-        changed.wait_for(guard, GatherTime, [this] { return interrupted || isWoken; });
+        const TimePoint end = TimePoint::clock::now() + GatherTime;
+        while (!interrupted && !isWoken && WaitUntil(end))
+        {
+        }
     }
     isWoken = false;
     if (interrupted)
@@ -47,29 +44,44 @@ std::deque<DeviceMessage> MessageQueue::Take(const std::optional<TimePoint>& dea
     return std::exchange(messages, {});
 }
 
+bool MessageQueue::HasNews() const
+{
+    return interrupted || isWoken || !messages.empty();
+}
+
+bool MessageQueue::WaitUntil(const std::optional<TimePoint>& time)
+{
+    if (!time)
+    {
+        changed.wait(lock);
+        return true;
+    }
+    return changed.wait_until(lock, *time) == std::cv_status::no_timeout;
+}
+
 void MessageQueue::Wake()
 {
-    const std::lock_guard guard(lock);
+    const Programs::Lock guard(lock);
     isWoken = true;
     changed.notify_all();
 }
 
 void MessageQueue::Interrupt()
 {
-    const std::lock_guard guard(lock);
+    const Programs::Lock guard(lock);
     interrupted = true;
     changed.notify_all();
 }
 
 bool MessageQueue::IsInterrupted() const
 {
-    const std::lock_guard guard(lock);
+    const Programs::Lock guard(lock);
     return interrupted;
 }
 
 std::size_t MessageQueue::Lost() const
 {
-    const std::lock_guard guard(lock);
+    const Programs::Lock guard(lock);
     return lost;
 }
 } // namespace Zent::Discovery::Console

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Inventory/DeviceMessage.h"
+#include "Programs/Mutex.h"
 
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
-#include <mutex>
 #include <optional>
 
 namespace Zent::Discovery::Console
@@ -41,12 +41,17 @@ public:
     static constexpr std::chrono::milliseconds GatherTime{20};
 
 private:
-    mutable std::mutex lock;
-    std::condition_variable changed;
-    std::deque<Inventory::DeviceMessage> messages; // guarded by lock, and so is all below
-    std::size_t bytes = 0;
-    std::size_t lost = 0;
-    bool isWoken = false;
-    bool interrupted = false;
+    bool HasNews() const NFX_REQUIRES(lock);
+
+    /// False once the time has passed; without one waits without limit. May return true for nothing.
+    bool WaitUntil(const std::optional<TimePoint>& time) NFX_REQUIRES(lock);
+
+    mutable Programs::Mutex lock;
+    std::condition_variable_any changed;
+    std::deque<Inventory::DeviceMessage> messages NFX_GUARDED_BY(lock);
+    std::size_t bytes NFX_GUARDED_BY(lock) = 0;
+    std::size_t lost NFX_GUARDED_BY(lock) = 0;
+    bool isWoken NFX_GUARDED_BY(lock) = false;
+    bool interrupted NFX_GUARDED_BY(lock) = false;
 };
 } // namespace Zent::Discovery::Console
