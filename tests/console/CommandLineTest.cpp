@@ -78,6 +78,7 @@ TEST(CommandLineTest, MisuseEndsWithTheUsageStatus)
                                                {"discover", "--expect", "0"},
                                                {"discover", "--expect", "-1"},
                                                {"discover", "--expect", "100001"},
+                                               {"discover", "--also", "10.0.0.0/8"},
                                                {"discover", "--log-level", "loud"},
                                                {"discover", "--log-level", "7"},
                                                {"rename", "name", "--ip", "255.255.255.0255"},

@@ -59,7 +59,7 @@ class DiscoverTest(TestCase):
             _, errors = self.console("discover", "--wait", "0.5", "--filter", "name=nobody", status=3)
             one, _ = self.console("discover", "--expect", "1", "--filter", "ip=127.0.0.20", "--wait", "600")
         self.assertEqual([row[0] for row in rows(table)], names)
-        self.assertEqual(count, "12 devices found, 11 shown\n")
+        self.assertEqual(count, "12 devices found; 11 shown\n")
         self.assertIn("12 devices found, but none that --filter accepts", errors)
         self.assertEqual([row[5] for row in rows(one)], ["127.0.0.20"])
 

@@ -99,6 +99,7 @@ void CommandLine::Add(CLI::App& parent, std::unique_ptr<ICommand> command)
 {
     CLI::App& added = command->AddTo(parent);
     added.fallthrough();
+    added.footer("The options of discovery-console --help, such as --from, --wait and --json, may stand here, too.\n");
     added.callback([this, each = command.get()] { chosen = each; });
     commands.push_back(std::move(command));
 }

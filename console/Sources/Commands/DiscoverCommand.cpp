@@ -5,6 +5,7 @@
 #include "Commands/SessionDriver.h"
 #include "Commands/SharedOptions.h"
 #include "Doctor/Examination.h"
+#include "Inventory/Search.h"
 #include "Show/Output.h"
 #include "Text/TextFile.h"
 
@@ -47,23 +48,24 @@ CLI::App& DiscoverCommand::AddTo(CLI::App& parent)
     command.add_flag("--once", once, "ask a single time and show who answers within --wait, 2 seconds without it");
     command.add_option("--expect", expectedDevices, "stop when so many devices have answered")
         ->type_name("COUNT")
-        ->check(CLI::Range(1, 100000).description(""));
+        ->check(SharedOptions::Between(1, 100000, "devices"));
     command.add_flag("--no-sweep", noSweep, "never ask the addresses of the local networks one by one");
     command
         .add_option_function<std::vector<std::string>>(
             "--also",
             [this](const std::vector<std::string>& texts) {
-                for (const std::string& text : texts)
+                try
                 {
-                    try
+                    for (const std::string& text : texts)
                     {
                         const std::vector<Inventory::Network> list = AddressList::Parse(text);
                         also.insert(also.end(), list.begin(), list.end());
                     }
-                    catch (const std::runtime_error& error)
-                    {
-                        throw CLI::ValidationError("--also", error.what());
-                    }
+                    Inventory::Search::Check({.Also = also});
+                }
+                catch (const std::exception& error)
+                {
+                    throw CLI::ValidationError("--also", error.what());
                 }
             },
             "ask these addresses one by one, too, such as those behind routers; may be repeated")
@@ -166,7 +168,7 @@ ExitStatus DiscoverCommand::Conclude(const SearchReport& report, std::size_t sho
     }
     const bool isSearch = !once && expectedDevices == 0;
     output.Conclude((isSearch ? report.ToString() : Counted(found) + " found") +
-                    (shown < found ? ", " + std::to_string(shown) + " shown" : ""));
+                    (shown < found ? "; " + std::to_string(shown) + " shown" : ""));
     if (isSearch && !report.Complete)
     {
         output.Complain("the search is incomplete: there may be more devices; --wait gives it more time");

@@ -63,7 +63,7 @@ ExitStatus RequestCommand::Await(CommandContext& context,
 
 CLI::App& RefreshCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("refresh", "ask one device for its signature");
+    CLI::App& command = *parent.add_subcommand("refresh", "ask the device with a MAC address for its signature");
     command.add_option("MAC", macAddress, "a MAC address of the device")->required()->type_name("");
     return command;
 }

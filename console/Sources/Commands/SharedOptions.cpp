@@ -35,6 +35,20 @@ CLI::Option& AddPart(
 }
 } // namespace
 
+CLI::Validator SharedOptions::Between(double minimum, double maximum, const std::string& unit)
+{
+    return CLI::Validator(
+        [minimum, maximum, unit](const std::string& text) {
+            double number = 0;
+            const bool isNumber = CLI::detail::lexical_cast(text, number);
+            return isNumber && number >= minimum && number <= maximum // nan is neither
+                       ? std::string()
+                       : '"' + text + "\" is not a number of " + unit + " from " + CLI::detail::to_string(minimum) +
+                             " to " + CLI::detail::to_string(maximum);
+        },
+        "");
+}
+
 void SharedOptions::AddSeconds(CLI::App& command,
                                const std::string& name,
                                std::optional<std::chrono::milliseconds>& target,
@@ -49,10 +63,7 @@ void SharedOptions::AddSeconds(CLI::App& command,
             },
             description)
         ->type_name("SECONDS")
-        ->check(CLI::Range(minimum, 86400.0).description(""))
-        ->check([](const std::string& text) {
-            return text.find_first_of("nN") == std::string::npos ? "" : text + " is not a time"; // nan
-        });
+        ->check(Between(minimum, 86400.0, "seconds"));
 }
 
 void SharedOptions::AddSelection(CLI::App& command, DeviceSelection& target)

@@ -9,7 +9,8 @@
 namespace CLI
 {
 class App;
-}
+class Validator;
+} // namespace CLI
 
 namespace Zent::Discovery::Console
 {
@@ -18,6 +19,9 @@ class SharedOptions final
 {
 public:
     SharedOptions() = delete;
+
+    /// Refuses what is not a number in the range, both ends included, and says of what.
+    static CLI::Validator Between(double minimum, double maximum, const std::string& unit);
 
     /// A time of minimum to 86400 seconds.
     static void AddSeconds(CLI::App& command,
