@@ -1,5 +1,6 @@
 #include "Commands/InventoryReader.h"
 
+#include "Text/TimeText.h"
 #include "support/DeviceDocuments.h"
 
 #include <gtest/gtest.h>
@@ -39,6 +40,19 @@ TEST(InventoryReaderTest, TakesDocumentsHoweverTheyAreLaidOut)
     // As the documents of the library, so that they can be printed again.
     const DeviceList inventory = InventoryReader::ReadText(b, "file");
     EXPECT_EQ(inventory.Devices()[0].Message.Document, Document("b", "02:02", ""));
+}
+
+TEST(InventoryReaderTest, KeepsTheTimeOfTheMessage)
+{
+    const auto timeOf = [](const std::string& text) {
+        const std::string document = R"({"Time":)" + text + "," + Document("a", "02:01", "").substr(1);
+        return InventoryReader::ReadText(document, "file").Devices()[0].Message.Received;
+    };
+    EXPECT_EQ(TimeText::Utc(timeOf(R"("2026-02-28T23:59:58.007Z")")), "2026-02-28T23:59:58.007Z");
+    for (const char* const bad : {"1", R"("")", R"("2026-02-30T00:00:00.000Z")", R"("2026-99-01T00:00:00.000Z")"})
+    {
+        EXPECT_EQ(timeOf(bad).time_since_epoch().count(), 0) << bad;
+    }
 }
 
 TEST(InventoryReaderTest, NamesThePlaceOfWhatIsNoResult)

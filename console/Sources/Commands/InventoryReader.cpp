@@ -3,6 +3,7 @@
 #include "Programs/WrongArgument.h"
 #include "Text/JsonFile.h"
 #include "Text/TextFile.h"
+#include "Text/TimeText.h"
 
 #include <stdexcept>
 
@@ -29,6 +30,15 @@ DeviceMessage::MessageKind KindOf(const JsonFile::Json& document)
                                    : DeviceMessage::MessageKind::Signature;
 }
 
+/// The zero of the clock for a document that tells no time, such as one that a host program has saved.
+DeviceMessage::TimePoint TimeOf(const JsonFile::Json& document)
+{
+    const auto found = document.find("Time");
+    return found == document.end() || !found->is_string()
+               ? DeviceMessage::TimePoint()
+               : TimeText::ParseUtc(found->get<std::string>()).value_or(DeviceMessage::TimePoint());
+}
+
 /// As the library's document, without what the program has added.
 Device DeviceOf(const JsonFile::Object& object)
 {
@@ -45,7 +55,7 @@ Device DeviceOf(const JsonFile::Object& object)
     }
     try
     {
-        return Device({KindOf(object.Value), document + "}"});
+        return Device({KindOf(object.Value), document + "}", TimeOf(object.Value)});
     }
     catch (const std::invalid_argument& error)
     {

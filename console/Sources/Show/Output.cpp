@@ -8,6 +8,7 @@
 #include <utility>
 
 using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceMessage;
 
 namespace Zent::Discovery::Console
 {
@@ -16,8 +17,9 @@ namespace
 /// What a document says of the message, which the library's does not hold.
 std::string MembersOf(const Device& device)
 {
-    return std::string(R"("Message":")") + device.Message.KindName() + R"(","Time":")" +
-           TimeText::Utc(device.Message.Received) + '"';
+    const bool hasTime = device.Message.Received != DeviceMessage::TimePoint();
+    return std::string(R"("Message":")") + device.Message.KindName() + '"' +
+           (hasTime ? R"(,"Time":")" + TimeText::Utc(device.Message.Received) + '"' : "");
 }
 } // namespace
 

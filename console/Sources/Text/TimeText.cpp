@@ -18,4 +18,25 @@ std::string TimeText::Utc(std::chrono::system_clock::time_point time)
                       static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
     return {text, static_cast<std::size_t>(length)};
 }
+
+std::optional<std::chrono::system_clock::time_point> TimeText::ParseUtc(const std::string& text)
+{
+    int year = 0;
+    unsigned month = 0;
+    unsigned day = 0;
+    int hours = 0;
+    int minutes = 0;
+    int seconds = 0;
+    int milliseconds = 0;
+    if (std::sscanf(text.c_str(), "%4d-%2u-%2uT%2d:%2d:%2d.%3dZ", &year, &month, &day, &hours, &minutes, &seconds,
+                    &milliseconds) != 7)
+    {
+        return std::nullopt;
+    }
+    const std::chrono::sys_days date = std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day);
+    const std::chrono::system_clock::time_point time = date + std::chrono::hours(hours) +
+                                                       std::chrono::minutes(minutes) + std::chrono::seconds(seconds) +
+                                                       std::chrono::milliseconds(milliseconds);
+    return Utc(time) == text ? std::optional(time) : std::nullopt;
+}
 } // namespace Zent::Discovery::Console

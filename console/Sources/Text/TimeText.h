@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 namespace Zent::Discovery::Console
@@ -13,5 +14,8 @@ public:
 
     /// UTC for scripts, such as 2026-03-09T14:07:09.250Z.
     static std::string Utc(std::chrono::system_clock::time_point time);
+
+    /// The time that Utc has written; nothing for any other text.
+    static std::optional<std::chrono::system_clock::time_point> ParseUtc(const std::string& text);
 };
 } // namespace Zent::Discovery::Console
