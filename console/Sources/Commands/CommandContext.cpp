@@ -1,7 +1,10 @@
 #include "Commands/CommandContext.h"
 
+#include "DiscoverySession.h"
 #include "Programs/SystemNetwork.h"
 #include "Show/Output.h"
+
+#include <stdexcept>
 
 using Zent::Discovery::Programs::HostSession;
 using Zent::Discovery::Programs::SystemNetwork;
@@ -30,9 +33,20 @@ HostSession& CommandContext::Session()
     };
     if (!session)
     {
-        session.emplace(options.Session,
-                        HostSession::Handlers{[this](const std::string& text) { output.Complain(text); },
-                                              queue(Kind::Signature), queue(Kind::Hello), queue(Kind::Bye)});
+        try
+        {
+            session.emplace(options.Session,
+                            HostSession::Handlers{[this](const std::string& text) { output.Complain(text); },
+                                                  queue(Kind::Signature), queue(Kind::Hello), queue(Kind::Bye)});
+        }
+        catch (const DiscoveryError& error)
+        {
+            if (error.Code() != DiscoveryError::Socket)
+            {
+                throw;
+            }
+            throw std::runtime_error(std::string(error.what()) + "; discovery-console doctor says why");
+        }
     }
     return *session;
 }
