@@ -451,11 +451,9 @@ std::size_t DeviceTable::Size() const
 
 Time DeviceTable::NextTime(Time now) const
 {
-    if (!waiting.empty())
-    {
-        return now + Questions::Distance;
-    }
-    const Time question = options.AskEvery > Time{0} ? nextQuestion : Time::max();
-    return std::max(now, due.empty() ? question : std::min(question, due.begin()->first));
+    Time next = options.AskEvery > Time{0} ? nextQuestion : Time::max();
+    next = due.empty() ? next : std::min(next, due.begin()->first);
+    next = waiting.empty() ? next : std::min(next, questions.NextTime(now));
+    return std::max(now, next);
 }
 } // namespace Zent::Discovery::Inventory

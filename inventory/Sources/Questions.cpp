@@ -10,6 +10,9 @@ namespace
 {
 /// A host program that takes no wishes must not find thousands of them later.
 constexpr std::size_t MaximumWishes = 100;
+
+/// Within it a few questions fall due: fewer wake-ups than questions.
+constexpr Time Pause{5};
 } // namespace
 
 bool Questions::CanAsk(Time now)
@@ -26,6 +29,12 @@ bool Questions::CanAskMAC(Time now)
 bool Questions::CanAskIP(Time now)
 {
     return CanAsk(now) && unansweredByIP < MaximumUnansweredByIP;
+}
+
+Time Questions::NextTime(Time now) const
+{
+    const bool isFull = unanswered.size() >= MaximumUnanswered;
+    return std::max(now + Pause, isFull ? inOrder.front().first + AnswerTime : now);
 }
 
 void Questions::AskAll()

@@ -47,6 +47,7 @@ protected:
         for (Time time = from; time <= to; time = std::max(time + 1ms, std::min(to, session->NextTime())))
         {
             Advance(time);
+            ++wakeUps;
         }
     }
 
@@ -55,6 +56,7 @@ protected:
     State StateOf(const char* address) const { return session->Devices().Find(address)->State(); }
 
     std::optional<Session> session{std::in_place};
+    std::size_t wakeUps = 0; // of Pass
 
 private:
     std::string told;
@@ -178,6 +180,17 @@ TEST_F(TableTest, InterfacesOfOneDeviceAreOneRow)
     EXPECT_EQ(session->Devices().Size(), 2u);
     EXPECT_THROW(session->Feed({Kind::Hello, "{}"}, 6s), std::invalid_argument);
     EXPECT_EQ(session->Devices().Size(), 2u);
+}
+
+TEST_F(TableTest, ManySilentDevicesAreFewWakeUps)
+{
+    for (int i = 0; i < 1000; ++i)
+    {
+        Feed(Document("a", "02:" + std::to_string(i), "10.0.0." + std::to_string(i % 250 + 1)), 0s);
+    }
+    Pass(0s, 120s);
+    EXPECT_EQ(StateOf("02:999"), State::Gone);
+    EXPECT_LT(wakeUps, 9000u);
 }
 
 TEST_F(TableTest, TheOneLongestUnseenGivesWay)

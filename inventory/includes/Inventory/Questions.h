@@ -38,6 +38,9 @@ public:
     bool CanAskMAC(Time now);
     bool CanAskIP(Time now);
 
+    /// When it is worth looking again whether devices may be asked.
+    Time NextTime(Time now) const;
+
     void AskAll();
 
     /// Only while CanAskMAC.
