@@ -36,6 +36,9 @@ void Complain(const std::string& text)
     std::cerr << "device-simulator: " + text + "\n";
 }
 
+/// About wrong lines in a row: the input may be no text at all, and endless.
+constexpr unsigned MaximumComplaints = 10;
+
 /// Closer to the time than a sleeping thread is woken. What is left of a wait is spent running.
 constexpr std::chrono::microseconds TimerSlack(200);
 
@@ -154,6 +157,7 @@ void Simulation::Follow(const std::string& line)
     {
         const std::optional<std::size_t> revived = faults.Follow(line);
         out << line << std::endl;
+        wrongLines = 0;
         if (revived && options.SaysHello)
         {
             Announce<HelloMessage>(*revived);
@@ -161,7 +165,15 @@ void Simulation::Follow(const std::string& line)
     }
     catch (const std::invalid_argument& error)
     {
-        Complain("standard input: " + std::string(error.what()));
+        ++wrongLines;
+        if (wrongLines <= MaximumComplaints)
+        {
+            Complain("standard input: " + std::string(error.what()));
+        }
+        if (wrongLines == MaximumComplaints)
+        {
+            Complain("standard input: nothing more is said until a line is right");
+        }
     }
 }
 

@@ -72,5 +72,6 @@ private:
     Cable cable;
     std::vector<Participant> participants;
     DeviceNetwork network;
+    unsigned wrongLines = 0; // in a row
 };
 } // namespace Zent::Discovery::Simulator

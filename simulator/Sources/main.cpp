@@ -9,6 +9,7 @@
 #include <iostream>
 #include <string>
 #include <thread>
+#include <utility>
 
 using namespace Zent::Discovery::Simulator;
 using Zent::Discovery::Programs::Interruption;
@@ -25,10 +26,11 @@ Inbox& TheInbox()
 
 void ReadInput(bool endsWithInput)
 {
-    Process::ReadInput([](const std::string& line) {
-        if (!TheInbox().Push(line))
+    Process::ReadInput([isTold = false](const std::string& line) mutable {
+        if (!TheInbox().Push(line) && !std::exchange(isTold, true))
         {
-            std::cerr << "device-simulator: standard input: too many lines wait, dropped \"" + line + "\"\n";
+            std::cerr << "device-simulator: standard input: too many lines wait, dropped \"" + line +
+                             "\"; further ones are dropped without a word\n";
         }
     });
     if (endsWithInput)

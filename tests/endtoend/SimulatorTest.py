@@ -141,7 +141,12 @@ class FaultTest(TestCase):
                 self.assertEqual(json.loads(data)["DiscoveryMessageType"], "SignatureBroadcast")
             simulator.write("oversize 1")
             simulator.line_with('standard input: "1" is not a share from 0% to 100%')
-            simulator.behave("silent on")
+            for _ in range(50):
+                simulator.write("oversize 1")
+            simulator.write("silent on")
+            complaints = list(iter(simulator.line, "silent on"))
+            self.assertEqual(len(complaints), 10, complaints)
+            self.assertIn("nothing more is said until a line is right", complaints[-1])
             self.assertFalse(asker.ask()[0])
 
     def test_devices_die_after_a_while_without_a_word(self):
