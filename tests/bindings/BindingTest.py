@@ -18,7 +18,7 @@ from endtoend import (  # noqa: E402
     main,
     message,
 )
-from networks import Occupant  # noqa: E402
+from networks import HERE, Occupant  # noqa: E402
 
 INVALID_OPERATION = 30
 NULL_POINTER = 41
@@ -278,6 +278,58 @@ if options.language != "cpp":  # there the linker finds the library, and memory 
                         host.note("signature")
                         if len(host.notes) % 10 == 0:
                             host.must("collect")
+
+
+if options.language == "csharp":
+
+    class InventoryTest(TestCase):
+        def setUp(self):
+            super().setUp()
+            self.host = self.enterContext(Host(self.folder))
+            self.host.open()
+            self.host.must("start")
+
+        def search(self, *arguments):
+            self.host.must("search", *arguments)
+            complete, lost, rounds, names = self.host.note("found").split(" ")
+            self.assertEqual(lost, "lost:0")  # known, and not the sum of other programs
+            return complete, rounds.split(","), set(names.split(",")) - {""}
+
+        def test_a_search_finds_all_devices_and_those_that_leave_are_told(self):
+            self.host.must("inventory", "10000")
+            with Simulator("--count", "3", "--no-hello") as simulator:
+                names = {device.name for device in simulator.devices}
+                self.assertEqual(self.search("10"), ("True", ["all"], names))
+            self.assertEqual({self.host.note("left") for _ in names}, names)
+            self.host.must("devices")
+            self.assertEqual(set(self.host.note("devices").split(" ")), {name + ":Left" for name in names})
+            self.assertEqual(self.search("0.2"), ("False", ["all"], set()))
+            self.host.must("forget")
+            self.host.must("devices")
+            self.assertEqual(self.host.note("devices"), "")
+
+        def test_addresses_are_asked_one_by_one_where_a_route_leads(self):
+            self.host.must("inventory", "0")
+            HERE.ip("route", "add", "unreachable", "10.77.0.0/16")
+            self.addCleanup(HERE.ip, "route", "delete", "unreachable", "10.77.0.0/16")
+            self.host.must("provider")  # so that nobody hears a question to all
+            with Simulator("--count", "2", "--no-hello") as simulator:
+                device = simulator.devices[1]
+                _, rounds, names = self.search("3", device.ip, "10.77.0.1")
+            self.assertIn("list", rounds)
+            self.assertEqual(names, {device.name})
+            self.assertNotIn("estart", self.host.log.read_text())
+            self.assertIn('"10.0.0.300" is no IPv4 address', self.host.call("search", "1", "10.0.0.300"))
+
+        def test_changes_and_conflicts_are_told_with_what_differs(self):
+            self.host.must("inventory", "0")
+            with Peer() as peer:
+                peer.send(message("Hello", "one", SerialNumber="1"))
+                peer.send(message("SignatureBroadcast", "two", SerialNumber="1"))
+                self.assertEqual(self.host.note("changed"), "HostName one two")
+                peer.send(message("Hello", "two", mac="02:00:00:00:00:02", SerialNumber="3"))
+                self.assertEqual(self.host.note("appeared"), "two")
+                self.assertEqual(self.host.note("conflict"), "name two 2 1 3")
 
 
 if __name__ == "__main__":

@@ -18,6 +18,7 @@ static class CSharpHost
     static string library;
     static string[] addresses;
     static DiscoverySession session;
+    static Inventory inventory;
 
     static readonly Dictionary<string, Action<string[]>> Commands = new Dictionary<string, Action<string[]>>
     {
@@ -35,6 +36,11 @@ static class CSharpHost
         { "configure", Configure },
         { "provider", words => session.InitBroadcastProvider(words) },
         { "min-version", words => session.SetMinCompatibleVersion(words[0]) },
+        { "inventory", words => Watch(int.Parse(words[0])) },
+        { "search", Search },
+        { "devices", words => Say("devices " + string.Join(" ", inventory.Devices.Select(
+                                  device => device.Device.HostName + ":" + device.State))) },
+        { "forget", words => inventory.Dispose() },
         { "on", words => { lock (Actions) Actions[words[0]] = words[1]; } },
         { "release", words => Released.Set() },
         { "collect", words => { GC.Collect(); GC.WaitForPendingFinalizers(); } },
@@ -66,6 +72,29 @@ static class CSharpHost
     {
         session.Start();
         session.InitBroadcastProvider(addresses);
+    }
+
+    static void Watch(int askEvery)
+    {
+        inventory = new Inventory(session, new InventoryOptions { AskEvery = askEvery });
+        inventory.Appeared += (sender, args) => Say("appeared " + args.Device.HostName);
+        inventory.Changed += (sender, args) => Say("changed " + string.Join(
+            ", ", args.Differences.Select(each => each.Property + " " + each.Before + " " + each.After)));
+        inventory.Left += (sender, args) => Say("left " + args.Device.HostName);
+        inventory.Conflict += (sender, args) => Say(string.Join(
+            " ", "conflict", args.Kind, args.Value, args.Count, args.First.Device.SerialNumber,
+            args.Second.Device.SerialNumber));
+        inventory.HandlerFailed += (sender, args) => Say("reported " + args.Exception.Message);
+    }
+
+    // Seconds, and addresses to ask.
+    static void Search(string[] words)
+    {
+        SearchResult found = inventory.DiscoverAsync(TimeSpan.FromSeconds(double.Parse(words[0])),
+                                                     also: words.Skip(1)).Result;
+        Say(string.Join(" ", "found", found.IsComplete, "lost:" + found.LostHere,
+                        string.Join(",", found.Rounds.Select(round => round.Asked).Distinct()),
+                        string.Join(",", found.Devices.Select(device => device.Device.HostName))));
     }
 
     static void CloseInBackground()

@@ -30,11 +30,8 @@ PROJECT = """<?xml version="1.0" encoding="utf-8"?>
 </Project>
 """
 
-NATIVE = {
-    "win-x86": "DiscoveryServer.ExtC.dll",
-    "win-x64": "DiscoveryServer.ExtC.dll",
-    "linux-x64": "libDiscoveryServer.ExtC.so",
-}
+DLLS = ("DiscoveryServer.ExtC.dll", "DiscoveryInventory.dll")
+NATIVE = {"win-x86": DLLS, "win-x64": DLLS, "linux-x64": ("libDiscoveryServer.ExtC.so", "libDiscoveryInventory.so")}
 
 
 class NuGetTest(TestCase):
@@ -50,12 +47,18 @@ class NuGetTest(TestCase):
         return result.stdout
 
     def stand_in(self, rid, compiler):
-        """A DLL for the word size: whether the target of the real one is built does not matter here."""
+        """DLLs for the word size: whether the targets of the real ones are built does not matter here."""
         source = self.folder / "standin.c"
         source.write_text("int StandIn(void) { return 0; }\n")
-        file = self.folder / f"{rid}.dll"
-        self.run_program(compiler, "-shared", str(source), "-o", str(file))
-        return f"{rid}={file}"
+        (self.folder / rid).mkdir()
+        for name in DLLS:
+            self.run_program(compiler, "-shared", str(source), "-o", f"{rid}/{name}")
+        return f"{rid}={rid}/{DLLS[0]}"
+
+    def assert_native(self, folder):
+        for rid, files in NATIVE.items():
+            for file in files:
+                self.assertTrue((folder / "runtimes" / rid / "native" / file).exists(), f"{rid}: {file}")
 
     def test_a_project_finds_assembly_and_library_in_the_package(self):
         self.run_program(
@@ -68,16 +71,14 @@ class NuGetTest(TestCase):
         self.run_program("nuget", "install", "DiscoveryServer.ExtC", "-Source", str(self.folder / "feed"),
                          "-OutputDirectory", "packages", "-NonInteractive")  # fmt: skip
         (package,) = (self.folder / "packages").iterdir()
-        for rid, file in NATIVE.items():
-            self.assertTrue((package / "runtimes" / rid / "native" / file).exists(), rid)
+        self.assert_native(package)
         for framework in ("net46", "netstandard2.0"):
             self.assertTrue((package / "lib" / framework / "DiscoveryServer.Net.dll").exists(), framework)
 
         (self.folder / "Sample.csproj").write_text(PROJECT.replace("PACKAGE", f"packages/{package.name}"))
         (self.folder / "Sample.cs").symlink_to(self.csharp / "Sample.cs")
         self.run_program("xbuild", "/nologo", "/verbosity:quiet", "Sample.csproj")
-        for rid, file in NATIVE.items():
-            self.assertTrue((self.folder / "out" / "runtimes" / rid / "native" / file).exists(), rid)
+        self.assert_native(self.folder / "out")
         with Simulator("--count", "1") as simulator:
             shown = self.run_program("mono", "out/Sample.exe")
         self.assertIn(simulator.devices[0].name, shown)

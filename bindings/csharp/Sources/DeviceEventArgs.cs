@@ -5,8 +5,14 @@ namespace Zent.Discovery
 {
     /// <summary>A message of a device.</summary>
     [DataContract]
-    public sealed class DeviceEventArgs : EventArgs
+    public class DeviceEventArgs : EventArgs
     {
+        internal DeviceEventArgs(Device device, Nic sourceNic)
+        {
+            Device = device;
+            SourceNic = sourceNic;
+        }
+
         /// <summary>The device.</summary>
         [DataMember(Name = "Host", Order = 0)]
         public Device Device { get; private set; }

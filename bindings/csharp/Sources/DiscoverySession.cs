@@ -65,9 +65,9 @@ namespace Zent.Discovery
             this.logPath = DiscoveryLibrary.Bytes(logPath, nameof(logPath));
             this.logLevel = logLevel;
             library = new DiscoveryLibrary(libraryPath);
-            signatureCallback = document => Receive(document, SignatureReceived);
-            helloCallback = document => Receive(document, HelloReceived);
-            byeCallback = document => Receive(document, ByeReceived);
+            signatureCallback = document => Receive(MessageKind.Signature, document, SignatureReceived);
+            helloCallback = document => Receive(MessageKind.Hello, document, HelloReceived);
+            byeCallback = document => Receive(MessageKind.Bye, document, ByeReceived);
             RefuseInHandler("Initialize");
             lock (LifeCycle)
             {
@@ -91,6 +91,9 @@ namespace Zent.Discovery
 
         /// <summary>A handler of one of the other events has thrown.</summary>
         public event EventHandler<HandlerFailedEventArgs> HandlerFailed;
+
+        // Raised with the documents as they come, on the library's thread, before the other events; must not throw.
+        internal event Action<MessageKind, byte[]> DocumentReceived;
 
         /// <summary>
         /// Binds UDP port 12001 and starts the server; does nothing when it is started. After a failure the session is
@@ -320,59 +323,26 @@ namespace Zent.Discovery
         }
 
         // Nothing may leave a callback: an exception that does ends the process.
-        private void Receive(IntPtr document, EventHandler<DeviceEventArgs> handlers)
+        private void Receive(MessageKind kind, IntPtr text, EventHandler<DeviceEventArgs> handlers)
         {
             isInHandler = true;
             try
             {
+                byte[] document = NativeLibrary.TextBytes(text);
+                DocumentReceived?.Invoke(kind, document);
                 if (handlers != null)
                 {
-                    var args = Json.Read<DeviceEventArgs>(DiscoveryLibrary.Text(document));
-                    foreach (EventHandler<DeviceEventArgs> handler in handlers.GetInvocationList())
-                    {
-                        Raise(handler, args);
-                    }
+                    var args = Json.Read<DeviceEventArgs>(document);
+                    Handlers.Raise(handlers, this, args, HandlerFailed);
                 }
             }
             catch (Exception exception)
             {
-                Report(exception);
+                Handlers.Report(exception, this, HandlerFailed);
             }
             finally
             {
                 isInHandler = false;
-            }
-        }
-
-        private void Raise(EventHandler<DeviceEventArgs> handler, DeviceEventArgs args)
-        {
-            try
-            {
-                handler(this, args);
-            }
-            catch (Exception exception)
-            {
-                Report(exception);
-            }
-        }
-
-        private void Report(Exception exception)
-        {
-            try
-            {
-                EventHandler<HandlerFailedEventArgs> handlers = HandlerFailed;
-                if (handlers == null)
-                {
-                    Trace.TraceError("a handler has failed: {0}", exception);
-                }
-                else
-                {
-                    handlers(this, new HandlerFailedEventArgs(exception));
-                }
-            }
-            catch (Exception)
-            {
-                // Whoever is to be told cannot be told.
             }
         }
     }

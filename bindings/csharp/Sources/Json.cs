@@ -10,9 +10,11 @@ namespace Zent.Discovery
         private static readonly DataContractJsonSerializerSettings Settings =
             new DataContractJsonSerializerSettings { UseSimpleDictionaryFormat = true };
 
-        public static T Read<T>(string document)
+        /// <summary>Bytes that are not UTF-8 become U+FFFD.</summary>
+        public static T Read<T>(byte[] document)
         {
-            using (var stream = new MemoryStream(Encoding.UTF8.GetBytes(document)))
+            byte[] valid = Encoding.UTF8.GetBytes(Encoding.UTF8.GetString(document));
+            using (var stream = new MemoryStream(valid))
             {
                 return (T)new DataContractJsonSerializer(typeof(T), Settings).ReadObject(stream);
             }

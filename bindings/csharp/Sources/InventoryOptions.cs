@@ -1,0 +1,40 @@
+using System.Collections.Generic;
+using System.Runtime.Serialization;
+
+namespace Zent.Discovery
+{
+    /// <summary>How an inventory goes about its devices. Null stands for what is usual.</summary>
+    [DataContract]
+    public sealed class InventoryOptions
+    {
+        /// <summary>
+        /// This machine's addresses and networks, such as 192.168.1.10/24, whose addresses a search may ask one by one
+        /// when answers were lost; usually none.
+        /// </summary>
+        public IList<string> Networks { get; set; }
+
+        /// <summary>How many devices are known at most; the one longest unseen gives way. Usually 10000.</summary>
+        [DataMember(EmitDefaultValue = false)]
+        public int? MaximumDevices { get; set; }
+
+        /// <summary>Milliseconds from one question to all devices to the next; 0 asks nobody. Usually 10000.</summary>
+        [DataMember(EmitDefaultValue = false)]
+        public int? AskEvery { get; set; }
+
+        /// <summary>Milliseconds of silence after which a device is asked by itself. Usually 15000.</summary>
+        [DataMember(EmitDefaultValue = false)]
+        public int? StaleAfter { get; set; }
+
+        /// <summary>Milliseconds from such a question to the next one. Usually 1000.</summary>
+        [DataMember(EmitDefaultValue = false)]
+        public int? AnswerTime { get; set; }
+
+        /// <summary>So many of these questions unanswered and a device is gone. Usually 8.</summary>
+        [DataMember(EmitDefaultValue = false)]
+        public int? Misses { get; set; }
+
+        /// <summary>Conflicts that are not told, such as ip:10.0.0.5, name:press-4 or mac:00:1A:2B:3C:4D:5E.</summary>
+        [DataMember(EmitDefaultValue = false)]
+        public IList<string> AcceptedConflicts { get; set; }
+    }
+}
