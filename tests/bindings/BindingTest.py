@@ -13,10 +13,12 @@ from endtoend import (  # noqa: E402
     Process,
     Simulator,
     TestCase,
+    ip,
     launcher,
     library_path,
     main,
     message,
+    setting,
 )
 from networks import HERE, Occupant  # noqa: E402
 
@@ -241,6 +243,74 @@ class LifeCycleTest(TestCase):
         with Peer() as peer:
             peer.send(message("Hello", "first"))
             self.host.event("hello", "first")
+
+
+if options.language == "cpp":
+
+    class InventoryTest(TestCase):
+        PRESENT, LEFT = "0", "4"
+
+        def setUp(self):
+            super().setUp()
+            self.host = self.enterContext(Host(self.folder))
+            self.host.open()
+            self.host.must("start")
+
+        @staticmethod
+        def at(address, sent):
+            sent["SourceNIC"]["IPAddress"] = address  # the host's interface, too
+            return sent
+
+        def states(self):
+            return dict(device.split(":") for device in self.host.note("devices").split())
+
+        def test_a_search_gives_all_devices_and_one_that_leaves_is_told(self):
+            self.host.must("inventory", "10000")
+            with Simulator("--count", "3") as simulator:
+                names = {device.name for device in simulator.devices}
+                self.host.must("search", "10000")
+                self.assertEqual({self.host.note("appeared") for _ in names}, names)
+                self.assertEqual(json.loads(self.host.note("complete"))["Devices"], 3)
+                self.assertEqual(self.states(), dict.fromkeys(names, self.PRESENT))
+            self.assertEqual({self.host.note("left") for _ in names}, names)
+            self.host.must("devices")
+            self.assertEqual(self.states(), dict.fromkeys(names, self.LEFT))
+
+        def test_no_address_without_a_route_is_asked(self):
+            route = ("unreachable", "198.51.100.0/24")
+            ip("route", "add", *route)
+            self.addCleanup(ip, "route", "del", *route)
+            self.host.must("inventory", "0")
+            with Peer() as peer:
+                self.host.write("search\t10000\t198.51.100.7\t127.0.0.77")
+                while peer.receive()[0].get("TargetedMACAddress") != "00:00:00:00:00:00":
+                    pass  # a question to all
+                peer.send(message("SignatureBroadcast", "far"))
+                report = json.loads(self.host.note("complete", "incomplete"))
+                self.assertEqual(self.states(), {"far": self.PRESENT})
+            self.assertIn("list", {each["Asked"] for each in report["Rounds"]})
+            self.assertEqual(report["LostHere"], None if setting("suffix") else 0)
+            self.assertNotIn("Asynchronous restart", self.host.log.read_text(errors="replace"))
+
+        def test_what_devices_contradict_and_what_handlers_throw_is_told(self):
+            self.host.must("inventory", "0")
+            self.host.must("on", "appeared", "throw")
+            with Peer() as peer:
+                peer.send(self.at("10.0.0.5", message("Hello", 'a "b"\t\\ü', SerialNumber="1")))
+                self.assertEqual(self.host.note("appeared"), 'a "b"\t\\ü')
+                self.assertIn("thrown by the handler", self.host.note("reported"))
+                self.host.must("on", "appeared", "search")
+                other = {"mac": "02:00:00:00:00:02", "SerialNumber": "2"}
+                peer.send(self.at("10.0.0.5", message("Hello", "two", **other)))
+                self.assertIn("would wait for the handler", self.host.note("handler"))
+                self.assertEqual(self.host.note("conflict"), "ip 10.0.0.5 1 2")
+                peer.send(self.at("10.0.0.5", message("Hello", "three", **other)))
+                self.assertEqual(self.host.note("changed"), "HostName two three")
+
+        def test_what_is_not_possible_is_refused(self):
+            self.assertIn("AskEvery", self.host.call("inventory", "-1"))
+            self.host.must("inventory", "0")
+            self.assertIn('"10.0.0.300" is no IPv4 address', self.host.call("search", "1000", "10.0.0.300"))
 
 
 if options.language != "cpp":  # there the linker finds the library, and memory is not collected

@@ -1,7 +1,9 @@
 // A host program in C++ for BindingTest.py.
 
+#include "DiscoveryInventorySession.h"
 #include "DiscoverySession.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <iostream>
 #include <map>
@@ -14,7 +16,9 @@
 
 namespace
 {
+using Zent::Discovery::DeviceChange;
 using Zent::Discovery::DiscoveryError;
+using Zent::Discovery::DiscoveryInventorySession;
 using Zent::Discovery::DiscoverySession;
 using Arguments = std::vector<std::string>;
 
@@ -46,6 +50,7 @@ public:
 private:
     void Open(const Arguments& words)
     {
+        inventory.reset();
         session.reset();
         session = std::make_unique<DiscoverySession>(words[0], DiscoveryLogDebug);
         address = words[1];
@@ -63,9 +68,56 @@ private:
         session->InitBroadcastProvider({address});
     }
 
-    void Handle(const std::string& kind, const std::string& hostJson)
+    void OpenInventory(const Arguments& words)
     {
-        Say(kind + " " + hostJson);
+        inventory.reset();
+        Zent::Discovery::InventoryOptions inventoryOptions;
+        inventoryOptions.AskEvery = std::chrono::milliseconds(std::stoi(words[0]));
+        inventory = std::make_unique<DiscoveryInventorySession>(*session, inventoryOptions);
+        inventory->OnAppeared([this](const DeviceChange& change) { Handle("appeared", change.Description.HostName); });
+        inventory->OnLeft([this](const DeviceChange& change) { Handle("left", change.Description.HostName); });
+        inventory->OnChanged([this](const DeviceChange& change) {
+            for (const auto& each : change.Changes)
+            {
+                Handle("changed", each.Property + " " + each.Before.value_or("-") + " " + each.After.value_or("-"));
+            }
+        });
+        inventory->OnConflict([this](const DeviceChange& change) {
+            Handle("conflict", change.Conflict->Kind + " " + change.Conflict->Value + " " +
+                                   change.Conflict->First.SerialNumber + " " + change.Conflict->Second.SerialNumber);
+        });
+        inventory->OnFailure([this](std::exception_ptr failure) {
+            Say("reported " + Outcome([&] { std::rethrow_exception(failure); }));
+        });
+    }
+
+    /// Milliseconds, and addresses to ask one by one.
+    void Search(const Arguments& words)
+    {
+        Zent::Discovery::DiscoverOptions searchOptions;
+        if (!words.empty())
+        {
+            searchOptions.Wait = std::chrono::milliseconds(std::stoi(words[0]));
+            searchOptions.Also.assign(words.begin() + 1, words.end() - (words.back().empty() ? 1 : 0));
+        }
+        const Zent::Discovery::SearchResult result = inventory->Discover(searchOptions);
+        Say((result.IsComplete ? "complete " : "incomplete ") + result.Report);
+        Say("devices" + Listed(result.Devices));
+    }
+
+    static std::string Listed(const std::vector<Zent::Discovery::KnownDevice>& devices)
+    {
+        std::string text;
+        for (const Zent::Discovery::KnownDevice& device : devices)
+        {
+            text += " " + device.Description.HostName + ":" + std::to_string(static_cast<int>(device.State));
+        }
+        return text;
+    }
+
+    void Handle(const std::string& kind, const std::string& text)
+    {
+        Say(kind + " " + text);
         std::unique_lock<std::mutex> lock(mutex);
         std::string action = actions[kind];
         if (action == "throw")
@@ -150,6 +202,9 @@ private:
          }},
         {"provider", [this](const Arguments& words) { session->InitBroadcastProvider(words); }},
         {"min-version", [this](const Arguments& words) { session->SetMinCompatibleVersion(words[0]); }},
+        {"inventory", [this](const Arguments& words) { OpenInventory(words); }},
+        {"search", [this](const Arguments& words) { Search(words); }},
+        {"devices", [this](const Arguments&) { Say("devices" + Listed(inventory->Devices())); }},
         {"on", [this](const Arguments& words) { SetAction(words[0], words[1]); }},
         {"release", [this](const Arguments&) { Release(); }},
     };
@@ -160,6 +215,7 @@ private:
     std::condition_variable released;
     std::string address;
     std::unique_ptr<DiscoverySession> session;
+    std::unique_ptr<DiscoveryInventorySession> inventory; // ends before its session
     std::thread closer;
 };
 } // namespace

@@ -16,7 +16,7 @@ class ZipTest(TestCase):
         root = self.folder / package.stem
         for file in (
             "include/DiscoveryServer.ExtC.h", "include/DiscoveryLibrary.h", "include/DiscoverySession.h",
-            "include/DiscoveryInventory.h", "lib/libDiscoveryInventory.dll.a", "lib/libDiscoveryServer.ExtC.dll.a", "README.md", "copyright", "docs/getting-started.md", "samples/example.c", "bindings/python/sample.py",
+            "include/DiscoveryInventory.h", "include/DiscoveryInventorySession.h", "include/DiscoveryRecords.h", "lib/libDiscoveryInventory.dll.a", "lib/libDiscoveryServer.ExtC.dll.a", "README.md", "copyright", "docs/getting-started.md", "samples/example.c", "bindings/python/sample.py",
             "tools/wireshark/discovery.lua", "bin/open-firewall.cmd",
         ):  # fmt: skip
             self.assertTrue((root / file).is_file(), file)

@@ -2,6 +2,7 @@
 
 #include "DiscoveryServer.ExtC.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -300,12 +301,24 @@ public:
     }
 
 private:
+    friend class DiscoveryInventorySession; // listens beside the handlers
+
+    enum class MessageKind
+    {
+        Signature,
+        Hello,
+        Bye
+    };
+
+    using Listener = std::function<void(MessageKind kind, const char* hostJson)>;
+
     struct Handlers
     {
         Handler Signature;
         Handler Hello;
         Handler Bye;
         FailureHandler Failure;
+        std::vector<std::weak_ptr<const Listener>> Listeners;
     };
 
     /// What the callbacks need: they bear no pointer to a session.
@@ -348,24 +361,48 @@ private:
     template <class TFunction>
     void SetHandler(TFunction Handlers::*slot, TFunction handler)
     {
+        ChangeHandlers("Setting a handler", [&](Handlers& handlers) { handlers.*slot = std::move(handler); });
+    }
+
+    /// Calls the listener for each message from now on, before the handlers, until its owner destroys it.
+    void AddListener(const std::shared_ptr<const Listener>& listener)
+    {
+        ChangeHandlers("Listening", [&](Handlers& handlers) {
+            auto& listeners = handlers.Listeners;
+            const auto isOver = [](const std::weak_ptr<const Listener>& each) { return each.expired(); };
+            listeners.erase(std::remove_if(listeners.begin(), listeners.end(), isOver), listeners.end());
+            listeners.push_back(listener);
+        });
+    }
+
+    template <class TChange>
+    void ChangeHandlers(const char* action, const TChange& change)
+    {
         std::shared_ptr<const Handlers> old;
         const std::lock_guard<std::mutex> lock(requestLock);
-        Check("Setting a handler", isOpen ? 0 : static_cast<int>(DiscoveryError::InvalidOperation));
+        Check(action, isOpen ? 0 : static_cast<int>(DiscoveryError::InvalidOperation));
         Handlers handlers = *CurrentHandlers();
-        handlers.*slot = std::move(handler);
+        change(handlers);
         old = SetHandlers(std::move(handlers));
     }
 
-    template <Handler Handlers::*Slot>
+    template <MessageKind Kind, Handler Handlers::*Slot>
     static void DISCOVERY_EXTC_CALL Receive(const char* hostJson) noexcept
     {
         IsInHandler() = true;
         try
         {
             const std::shared_ptr<const Handlers> handlers = CurrentHandlers();
+            for (const std::weak_ptr<const Listener>& each : handlers->Listeners)
+            {
+                if (const std::shared_ptr<const Listener> listener = each.lock())
+                {
+                    Call([&] { (*listener)(Kind, hostJson); }, handlers->Failure);
+                }
+            }
             if (const Handler& handler = (*handlers).*Slot)
             {
-                Call(handler, hostJson, handlers->Failure);
+                Call([&] { handler(hostJson); }, handlers->Failure);
             }
         }
         catch (...) // nothing may leave a callback
@@ -375,11 +412,13 @@ private:
         IsInHandler() = false;
     }
 
-    static void Call(const Handler& handler, const char* hostJson, const FailureHandler& failure)
+    /// What the handler throws goes to the handler of failures, which may throw.
+    template <class THandler>
+    static void Call(const THandler& handler, const FailureHandler& failure)
     {
         try
         {
-            handler(hostJson);
+            handler();
         }
         catch (const std::exception& exception)
         {
@@ -405,9 +444,9 @@ private:
     {
         Check("Initialize with the log " + logPath, library.Initialize(logPath.c_str(), logLevel));
         // Initialized, these cannot fail.
-        library.SetClientSignatureReceivedEventCallBack(&Receive<&Handlers::Signature>);
-        library.SetHelloMessageReceivedEventCallBack(&Receive<&Handlers::Hello>);
-        library.SetByeMessageReceivedEventCallBack(&Receive<&Handlers::Bye>);
+        library.SetClientSignatureReceivedEventCallBack(&Receive<MessageKind::Signature, &Handlers::Signature>);
+        library.SetHelloMessageReceivedEventCallBack(&Receive<MessageKind::Hello, &Handlers::Hello>);
+        library.SetByeMessageReceivedEventCallBack(&Receive<MessageKind::Bye, &Handlers::Bye>);
         SetOpen(true);
     }
 

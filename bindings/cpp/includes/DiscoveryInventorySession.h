@@ -1,0 +1,552 @@
+#pragma once
+
+#include "DiscoveryInventory.h"
+#include "DiscoveryRecords.h"
+#include "DiscoverySession.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#if defined(_WIN32)
+// clang-format off
+#include <winsock2.h>
+#include <ws2tcpip.h>
+// clang-format on
+#else
+#include <arpa/inet.h>
+#include <filesystem>
+#include <fstream>
+#include <netinet/in.h>
+#include <set>
+#include <sstream>
+#include <sys/socket.h>
+#include <system_error>
+#include <unistd.h>
+#endif
+
+namespace Zent::Discovery
+{
+/// Options that the library DiscoveryInventory has refused; the text names the member and what it may be.
+class InventoryError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// How an inventory is kept.
+struct InventoryOptions
+{
+    std::vector<std::string> Networks;           ///< this machine's, such as 192.168.1.10/24: what a search may sweep
+    std::size_t MaximumDevices = 10000;          ///< the device longest unseen gives way to a new one
+    std::chrono::milliseconds AskEvery{10000};   ///< from one question to all devices to the next; 0 asks nobody
+    std::chrono::milliseconds StaleAfter{15000}; ///< of silence, and a device is asked by itself
+    std::chrono::milliseconds AnswerTime{1000};  ///< from such a question to the next one
+    unsigned Misses = 8;                         ///< so many of them unanswered and the device is gone
+    std::vector<std::string> AcceptedConflicts;  ///< not told, such as ip:10.0.0.5 or name:press-4
+};
+
+/// How to search.
+struct DiscoverOptions
+{
+    std::chrono::milliseconds Wait{10000}; ///< after which it ends at the latest
+    bool Sweep = true; ///< whether the addresses of the networks may be asked one by one if answers are lost
+    std::vector<std::string> Also; ///< addresses elsewhere to ask one by one, such as 10.2.0.5 and 10.2.1.0/26
+};
+
+/// The devices that a session hears of: which there are, what becomes of them, and whether that is all.
+///
+/// Link to the library DiscoveryInventory, and on Windows to ws2_32; there include this before windows.h. A thread of
+/// its own asks the devices and calls the handlers, one at a time. All operations may be called from any thread and in
+/// any handler, but Discover not in a handler, and the destructor in none at all. What a handler throws goes to the
+/// handler of failures and no further.
+class DiscoveryInventorySession final
+{
+public:
+    using Handler = std::function<void(const DeviceChange& change)>;
+    using FailureHandler = DiscoverySession::FailureHandler;
+
+    /// Begins to listen beside the session's handlers; as long as the session is started, all devices are asked at once
+    /// and again every ten seconds. The session must outlive the inventory.
+    /// @throws InventoryError when an option is not possible, DiscoveryError when the session is closed.
+    explicit DiscoveryInventorySession(DiscoverySession& session, const InventoryOptions& options = InventoryOptions())
+        : session(session)
+        , networks(ArrayOf(options.Networks))
+        , engine(Create(options))
+        , listener(std::make_shared<const DiscoverySession::Listener>(
+              [mailbox = mailbox](DiscoverySession::MessageKind kind, const char* hostJson) {
+                  mailbox->Put({static_cast<int>(kind), hostJson});
+              }))
+    {
+        session.AddListener(listener);
+        thread = std::thread([this] { Run(); });
+    }
+
+    /// Returns after a running handler has returned; none runs afterwards.
+    ~DiscoveryInventorySession()
+    {
+        mailbox->Close();
+        thread.join();
+    }
+
+    DiscoveryInventorySession(const DiscoveryInventorySession&) = delete;
+    DiscoveryInventorySession& operator=(const DiscoveryInventorySession&) = delete;
+
+    /// All devices that are known, in the order in which they were first seen.
+    std::vector<KnownDevice> Devices() const
+    {
+        const std::lock_guard<std::mutex> lock(engineLock);
+        const char* text = nullptr;
+        Check(DiscoveryInventorySnapshot(engine.get(), &text));
+        return JsonView(text)["Devices"].Map(
+            [this](const JsonView& row) { return DiscoveryRecords::ReadDevice(row, systemStart); });
+    }
+
+    /// Searches until all devices are found; by then the handlers were told of them. A search of another thread goes
+    /// first.
+    /// @throws InventoryError when an option is not possible, std::logic_error in a handler of the inventory.
+    SearchResult Discover(const DiscoverOptions& options = DiscoverOptions())
+    {
+        if (std::this_thread::get_id() == thread.get_id())
+        {
+            throw std::logic_error("a search in a handler of the inventory would wait for the handler");
+        }
+        const std::string text = "{\"Wait\":" + std::to_string(options.Wait.count()) +
+                                 ",\"Sweep\":" + (options.Sweep ? "true" : "false") + ",\"Networks\":" + networks +
+                                 ",\"Also\":" + ArrayOf(options.Also) + "}";
+        const std::lock_guard<std::mutex> turn(searchTurn);
+        std::unique_lock<std::mutex> lock(engineLock);
+        Check(DiscoveryInventoryStartSearch(engine.get(), text.c_str(), Now()));
+        searchReport.reset();
+        mailbox->Wake();
+        searchEnded.wait(lock, [this] { return searchReport.has_value(); });
+        SearchResult result{{}, JsonView(*searchReport)["Complete"].IsTrue(), *searchReport};
+        lock.unlock();
+        for (KnownDevice& device : Devices())
+        {
+            if (device.IsHere)
+            {
+                result.Devices.push_back(std::move(device));
+            }
+        }
+        return result;
+    }
+
+    /// Set what is called from now on; an empty function for nothing.
+    void OnAppeared(Handler handler) { SetHandler(DeviceEvent::Appeared, std::move(handler)); }
+
+    void OnChanged(Handler handler) { SetHandler(DeviceEvent::Changed, std::move(handler)); }
+
+    void OnLeft(Handler handler) { SetHandler(DeviceEvent::Left, std::move(handler)); }
+
+    void OnGone(Handler handler) { SetHandler(DeviceEvent::Gone, std::move(handler)); }
+
+    void OnReturned(Handler handler) { SetHandler(DeviceEvent::Returned, std::move(handler)); }
+
+    void OnFlapping(Handler handler) { SetHandler(DeviceEvent::Flapping, std::move(handler)); }
+
+    void OnSettled(Handler handler) { SetHandler(DeviceEvent::Settled, std::move(handler)); }
+
+    void OnForgotten(Handler handler) { SetHandler(DeviceEvent::Forgotten, std::move(handler)); }
+
+    void OnConflict(Handler handler) { SetHandler(DeviceEvent::Conflict, std::move(handler)); }
+
+    /// Sets what is told about exceptions of handlers and about messages that cannot be read; without it they are
+    /// written to standard error.
+    void OnFailure(FailureHandler handler)
+    {
+        const std::lock_guard<std::mutex> lock(handlerLock);
+        failureHandler.swap(handler); // the old one is destroyed outside of the lock
+    }
+
+private:
+    static constexpr unsigned short DevicePort = 12000;
+    static constexpr unsigned short ServerPort = 12001;
+    static constexpr std::chrono::milliseconds BatchTime{20}; // in which messages are collected
+    static constexpr std::chrono::milliseconds LongestWait{1000};
+
+    struct Message
+    {
+        int Kind; // as the library numbers them
+        std::string Document;
+    };
+
+    static_assert(static_cast<int>(DiscoverySession::MessageKind::Signature) == DiscoveryInventorySignature);
+    static_assert(static_cast<int>(DiscoverySession::MessageKind::Hello) == DiscoveryInventoryHello);
+    static_assert(static_cast<int>(DiscoverySession::MessageKind::Bye) == DiscoveryInventoryBye);
+
+    /// Where messages wait for the thread. Shared with the listener, which may be running when the inventory ends.
+    class Mailbox final
+    {
+    public:
+        /// @throws std::runtime_error when it is full.
+        void Put(Message message)
+        {
+            const std::lock_guard<std::mutex> guard(lock);
+            if (messages.size() == Capacity)
+            {
+                throw std::runtime_error("the inventory is " + std::to_string(Capacity) +
+                                         " messages behind: one is lost");
+            }
+            messages.push_back(std::move(message));
+            if (messages.size() == 1)
+            {
+                changed.notify_one();
+            }
+        }
+
+        /// Waits for a message and then for those that come with it, or until it is woken.
+        std::vector<Message> Take(std::chrono::milliseconds wait)
+        {
+            std::unique_lock<std::mutex> guard(lock);
+            changed.wait_for(guard, wait, [this] { return !messages.empty() || isWoken || isClosed; });
+            if (!messages.empty())
+            {
+                changed.wait_for(guard, BatchTime, [this] { return isClosed; });
+            }
+            isWoken = false;
+            return std::exchange(messages, {});
+        }
+
+        void Wake() { Set(isWoken); }
+
+        void Close() { Set(isClosed); }
+
+        bool IsClosed() const
+        {
+            const std::lock_guard<std::mutex> guard(lock);
+            return isClosed;
+        }
+
+    private:
+        static constexpr std::size_t Capacity = 65536;
+
+        void Set(bool& flag)
+        {
+            const std::lock_guard<std::mutex> guard(lock);
+            flag = true;
+            changed.notify_one();
+        }
+
+        mutable std::mutex lock;
+        std::condition_variable changed;
+        std::vector<Message> messages; // this and all that follows are guarded by lock
+        bool isWoken = false;
+        bool isClosed = false;
+    };
+
+    struct Freeing
+    {
+        void operator()(::DiscoveryInventory* inventory) const { DiscoveryInventoryFree(inventory); }
+    };
+
+    using Engine = std::unique_ptr<::DiscoveryInventory, Freeing>;
+
+    /// A question that the library wishes to be asked.
+    struct Question
+    {
+        int Kind;
+        std::string Address;
+    };
+
+    static void Check(int code)
+    {
+        if (code != 0)
+        {
+            throw InventoryError(DiscoveryInventoryGetLastError());
+        }
+    }
+
+    static Engine Create(const InventoryOptions& options)
+    {
+        const std::string text = "{\"MaximumDevices\":" + std::to_string(options.MaximumDevices) +
+                                 ",\"AskEvery\":" + std::to_string(options.AskEvery.count()) +
+                                 ",\"StaleAfter\":" + std::to_string(options.StaleAfter.count()) +
+                                 ",\"AnswerTime\":" + std::to_string(options.AnswerTime.count()) +
+                                 ",\"Misses\":" + std::to_string(options.Misses) +
+                                 ",\"AcceptedConflicts\":" + ArrayOf(options.AcceptedConflicts) + "}";
+        ::DiscoveryInventory* inventory = nullptr;
+        Check(DiscoveryInventoryCreate(text.c_str(), &inventory));
+        return Engine(inventory);
+    }
+
+    static std::string ArrayOf(const std::vector<std::string>& texts)
+    {
+        std::vector<std::string> quoted;
+        for (const std::string& text : texts)
+        {
+            quoted.push_back(DiscoverySession::Quoted(text));
+        }
+        return DiscoverySession::Array(quoted);
+    }
+
+    void SetHandler(DeviceEvent event, Handler handler)
+    {
+        const std::lock_guard<std::mutex> lock(handlerLock);
+        handlers[static_cast<std::size_t>(event)].swap(handler); // the old one is destroyed outside of the lock
+    }
+
+    long long Now() const
+    {
+        const auto elapsed = std::chrono::steady_clock::now() - steadyStart;
+        return std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
+    }
+
+    void Run()
+    {
+        std::chrono::milliseconds wait{0};
+        while (!mailbox->IsClosed())
+        {
+            const std::vector<Message> messages = mailbox->Take(wait);
+            wait = LongestWait;
+            Guard([&] { wait = Work(messages); });
+        }
+    }
+
+    /// What the action throws goes to the handler of failures and no further.
+    template <class TAction>
+    void Guard(const TAction& action) noexcept
+    {
+        try
+        {
+            std::unique_lock<std::mutex> lock(handlerLock);
+            const FailureHandler failure = failureHandler;
+            lock.unlock();
+            DiscoverySession::Call(action, failure);
+        }
+        catch (...)
+        {
+            std::fputs("DiscoveryInventorySession: a failure is lost\n", stderr);
+        }
+    }
+
+    /// Messages, then the time, wishes and events. Returns how long nothing is to be done.
+    std::chrono::milliseconds Work(const std::vector<Message>& messages)
+    {
+        std::vector<Question> questions;
+        std::vector<DeviceChange> changes;
+        std::optional<std::string> report;
+        std::chrono::milliseconds wait = LongestWait;
+        Feed(messages);
+        {
+            const std::lock_guard<std::mutex> lock(engineLock);
+            Check(DiscoveryInventoryAdvanceTime(engine.get(), Now()));
+            questions = TakeQuestions();
+            report = TakeEvents(changes);
+            long long next = 0;
+            Check(DiscoveryInventoryNextTime(engine.get(), &next));
+            wait = std::clamp(std::chrono::milliseconds(next - Now()), std::chrono::milliseconds(1), LongestWait);
+        }
+        for (const Question& question : questions) // without a lock: requests may wait for handlers
+        {
+            Ask(question);
+        }
+        for (const DeviceChange& change : changes)
+        {
+            Tell(change);
+        }
+        if (report)
+        {
+            const std::lock_guard<std::mutex> lock(engineLock);
+            searchReport = std::move(report);
+            searchEnded.notify_all();
+        }
+        return wait;
+    }
+
+    void Feed(const std::vector<Message>& messages)
+    {
+        for (const Message& message : messages)
+        {
+            Guard([&] {
+                const std::lock_guard<std::mutex> lock(engineLock);
+                Check(DiscoveryInventoryFeed(engine.get(), message.Kind, message.Document.c_str(), Now()));
+            });
+        }
+    }
+
+    /// Answers the wishes that are to be answered, and gives the others.
+    std::vector<Question> TakeQuestions()
+    {
+        std::vector<Question> questions;
+        DiscoveryInventoryWish wish{};
+        while (Check(DiscoveryInventoryNextWish(engine.get(), &wish)), wish.Kind != DiscoveryInventoryNoWish)
+        {
+            if (wish.Kind == DiscoveryInventoryIsReachable)
+            {
+                Check(DiscoveryInventoryAnswerWish(engine.get(), wish.Id, HasRoute(wish.Address) ? 1 : 0));
+            }
+            else if (wish.Kind == DiscoveryInventoryCountLost)
+            {
+                Check(DiscoveryInventoryAnswerWish(engine.get(), wish.Id, CountLost()));
+            }
+            else
+            {
+                questions.push_back({wish.Kind, wish.Address});
+            }
+        }
+        return questions;
+    }
+
+    /// Returns the report of a search that has ended.
+    std::optional<std::string> TakeEvents(std::vector<DeviceChange>& changes)
+    {
+        std::optional<std::string> report;
+        const char* text = nullptr;
+        while (Check(DiscoveryInventoryNextEvent(engine.get(), &text)), text != nullptr)
+        {
+            const JsonView event(text);
+            if (std::optional<DeviceChange> change = DiscoveryRecords::ReadChange(event))
+            {
+                changes.push_back(std::move(*change));
+            }
+            else if (event["Event"].Text() == "SearchEnded")
+            {
+                report = event["Search"].Raw();
+            }
+        }
+        return report;
+    }
+
+    void Ask(const Question& question)
+    {
+        try
+        {
+            if (question.Kind == DiscoveryInventoryAskAll)
+            {
+                session.Discover();
+            }
+            else if (question.Kind == DiscoveryInventoryAskMAC)
+            {
+                session.RefreshClient(question.Address);
+            }
+            else
+            {
+                session.ReachClient(question.Address);
+            }
+        }
+        catch (const DiscoveryError&)
+        {
+            // The server is stopped, for instance: nobody answers.
+        }
+    }
+
+    void Tell(const DeviceChange& change)
+    {
+        std::unique_lock<std::mutex> lock(handlerLock);
+        const Handler handler = handlers[static_cast<std::size_t>(change.Event)];
+        lock.unlock();
+        if (handler)
+        {
+            Guard([&] { handler(change); });
+        }
+    }
+
+    /// Asks the system; nothing is sent.
+    static bool HasRoute(const char* address)
+    {
+        sockaddr_in target{};
+        target.sin_family = AF_INET;
+        target.sin_port = htons(DevicePort);
+        return inet_pton(AF_INET, address, &target.sin_addr) == 1 && Connects(target);
+    }
+
+#if defined(_WIN32)
+    static bool Connects(const sockaddr_in& target)
+    {
+        WSADATA data{};
+        if (WSAStartup(MAKEWORD(2, 2), &data) != 0)
+        {
+            return false;
+        }
+        const SOCKET probe = socket(AF_INET, SOCK_DGRAM, 0);
+        const bool connects = connect(probe, reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0;
+        closesocket(probe);
+        WSACleanup();
+        return connects;
+    }
+
+    static long long CountLost()
+    {
+        return -1; // the system does not tell
+    }
+#else
+    static bool Connects(const sockaddr_in& target)
+    {
+        const int probe = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        const bool connects = connect(probe, reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0;
+        close(probe);
+        return connects;
+    }
+
+    /// How many datagrams the system has dropped for this process's socket of the library; -1 when it does not tell.
+    static long long CountLost()
+    {
+        const std::set<std::string> own = OwnSockets();
+        char port[8];
+        std::snprintf(port, sizeof port, ":%04X", static_cast<unsigned>(ServerPort));
+        long long lost = -1;
+        std::ifstream table("/proc/net/udp");
+        for (std::string line; std::getline(table, line);)
+        {
+            std::istringstream stream(line);
+            std::vector<std::string> columns;
+            for (std::string column; stream >> column;)
+            {
+                columns.push_back(column);
+            }
+            if (columns.size() > 10 && columns[1].substr(std::min<std::size_t>(columns[1].size(), 8)) == port &&
+                own.count("socket:[" + columns[9] + "]") != 0)
+            {
+                lost = std::max(lost, 0LL) + std::strtoll(columns.back().c_str(), nullptr, 10);
+            }
+        }
+        return lost;
+    }
+
+    static std::set<std::string> OwnSockets()
+    {
+        std::set<std::string> sockets;
+        std::error_code error;
+        for (std::filesystem::directory_iterator file("/proc/self/fd", error), end; !error && file != end;
+             file.increment(error))
+        {
+            std::error_code gone;
+            sockets.insert(std::filesystem::read_symlink(file->path(), gone).string());
+        }
+        return sockets;
+    }
+#endif
+
+    DiscoverySession& session;
+    const std::string networks; // as a JSON array
+    const std::chrono::steady_clock::time_point steadyStart = std::chrono::steady_clock::now();
+    const std::chrono::system_clock::time_point systemStart = std::chrono::system_clock::now();
+    const std::shared_ptr<Mailbox> mailbox = std::make_shared<Mailbox>();
+
+    std::mutex searchTurn; // held during a search, taken before engineLock
+    mutable std::mutex engineLock;
+    const Engine engine;                     // used under engineLock
+    std::optional<std::string> searchReport; // of a search that has ended; guarded by engineLock
+    std::condition_variable searchEnded;
+
+    std::mutex handlerLock; // never held while a handler runs
+    std::array<Handler, static_cast<std::size_t>(DeviceEvent::Conflict) + 1> handlers; // guarded by handlerLock
+    FailureHandler failureHandler;                                                     // guarded by handlerLock
+
+    const std::shared_ptr<const DiscoverySession::Listener> listener;
+    std::thread thread; // last: it uses all of the others
+};
+} // namespace Zent::Discovery
