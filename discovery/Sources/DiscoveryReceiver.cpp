@@ -1,6 +1,7 @@
 #include "Discovery/DiscoveryReceiver.h"
 
 #include "Discovery/ServiceThread.h"
+#include "Discovery/SocketFailure.h"
 
 #include <algorithm>
 #include <atomic>
@@ -123,28 +124,23 @@ bool DiscoveryReceiver::HandOver(const std::uint8_t* bytes, std::int32_t count, 
 
 bool DiscoveryReceiver::GoesOnAfter(const SocketException& exception)
 {
-    switch (exception.GetSocketError())
+    const SocketError error = exception.GetSocketError();
+    if (error == SocketError::MessageSize)
     {
-    case SocketError::MessageSize:
         Log().Write("MessageSize is too low : " + Int32(MessageSize()).ToString() + "! Doubling it...", exception);
         messageSize = std::min(2 * MessageSize(), LargestMessageSize);
         return !IsStopRequested();
-    case SocketError::ConnectionReset:
-        Log().Write("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
-        return !IsStopRequested();
-    case SocketError::Interrupted:
-        LogEnd("The socket has been closed : ending worker.", exception);
-        return false;
-    case SocketError::Shutdown:
-        LogEnd("The socket has been shut down : ending worker.", exception);
-        return false;
-    case SocketError::NotSocket:
-        Log().Write("Socket error : Operation attempted on a non-socket object.", exception);
-        return false;
-    default:
-        Log().Write("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
-        return false;
     }
+    const SocketFailure failure = SocketFailure::OfReceive(error);
+    if (failure.Result == SocketFailure::Outcome::Closed)
+    {
+        LogEnd(failure.Text, exception);
+    }
+    else
+    {
+        failure.Write(Log(), exception);
+    }
+    return failure.Result == SocketFailure::Outcome::Passing && !IsStopRequested();
 }
 
 void DiscoveryReceiver::LogEnd(const char* text, const Exception& exception)

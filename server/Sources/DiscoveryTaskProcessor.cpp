@@ -1,6 +1,7 @@
 #include "Server/DiscoveryTaskProcessor.h"
 
 #include "Discovery/ServiceThread.h"
+#include "Discovery/SocketFailure.h"
 #include "system/Memory.h"
 #include "system/Threading/Lock.h"
 
@@ -15,7 +16,6 @@ using Nfx::System::String;
 using Nfx::System::IO::IOException;
 using Nfx::System::LogStreams::LogStreamLevel;
 using Nfx::System::Net::IPAddress;
-using Nfx::System::Net::Sockets::SocketError;
 using Nfx::System::Net::Sockets::SocketException;
 using Nfx::System::Threading::Lock;
 using Nfx::System::Threading::ThreadPriority;
@@ -143,28 +143,12 @@ void DiscoveryTaskProcessor::Transmit(const String& text, const IPAddress& desti
 
 void DiscoveryTaskProcessor::HandleSendError(const SocketException& exception)
 {
-    switch (exception.GetSocketError())
+    const SocketFailure failure = SocketFailure::OfSend(exception.GetSocketError());
+    failure.Write(Log(), exception);
+    if (failure.Result != SocketFailure::Outcome::Passing)
     {
-    case SocketError::AddressNotAvailable:
-        Log().Write("Message not sent : address not available.", exception);
-        return;
-    case SocketError::ConnectionReset:
-        Log().Write("Socket error : remote peer returned a \"Port Unreachable\" ICMP packet.", exception);
-        return;
-    case SocketError::Interrupted:
-        Log().Write("Message not sent : socket interrupted", exception);
-        break;
-    case SocketError::NotSocket:
-        Log().Write("Socket error : Operation attempted on a non-socket object.", exception);
-        break;
-    case SocketError::Shutdown:
-        Log().Write("Message not sent : socket shut down", exception);
-        break;
-    default:
-        Log().Write("Unexpected socket error  : " + exception.GetSocketError().ToString() + " !", exception);
-        break;
+        CheckSocket();
     }
-    CheckSocket();
 }
 
 void DiscoveryTaskProcessor::CheckSocket()
