@@ -7,6 +7,11 @@ namespace Zent::Utils::Json
 {
 using Nfx::System::SmartPointer;
 
+namespace
+{
+const char SourceName[] = "Serialization.Json/Sources/AbstractJSON";
+} // namespace
+
 AbstractJSON::AbstractJSON() = default;
 
 AbstractJSON::AbstractJSON(const Nfx::System::String& text)
@@ -21,8 +26,7 @@ AbstractJSON::AbstractJSON(const AbstractJSON& owner, const cJSON* item)
 {
     if (item == nullptr)
     {
-        throw Nfx::System::Exception(Nfx::System::ErrorCodes::ParameterIsNull,
-                                     "Serialization.Json/Sources/AbstractJSON", __LINE__);
+        throw Nfx::System::Exception(Nfx::System::ErrorCodes::ParameterIsNull, SourceName, __LINE__);
     }
 }
 

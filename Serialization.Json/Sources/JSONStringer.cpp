@@ -14,12 +14,14 @@ namespace ErrorCodes = Nfx::System::ErrorCodes;
 
 namespace
 {
+const char SourceName[] = "Serialization.Json/Sources/JSONStringer";
+
 constexpr std::size_t TypicalLength = 1024; // of a device's description
 constexpr std::size_t TypicalDepth = 8;
 
 [[noreturn]] void ThrowMisuse(const String& message, std::int32_t line)
 {
-    throw Exception(ErrorCodes::InvalidCommandValue, message, "Serialization.Json/Sources/JSONStringer", line);
+    throw Exception(ErrorCodes::InvalidCommandValue, message, SourceName, line);
 }
 } // namespace
 

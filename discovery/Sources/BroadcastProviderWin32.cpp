@@ -18,6 +18,8 @@ using Nfx::System::Net::Sockets::Socket;
 
 namespace
 {
+const char SourceName[] = "Sources/BroadcastProviderWin32";
+
 /// Connected to the broadcast address the socket accepts nothing. Without that it would be the better match for unicast
 /// answers to its address, and the server's main socket would never see them.
 void LeaveAnswersToTheMainSocket(IDiscoverySocket& socket)
@@ -47,7 +49,7 @@ BroadcastProviderWin32::BroadcastProviderWin32(const SmartPointer<AddressList>& 
 {
     if (addresses.IsNull())
     {
-        throw ArgumentNullException("Sources/BroadcastProviderWin32", __LINE__);
+        throw ArgumentNullException(SourceName, __LINE__);
     }
 }
 

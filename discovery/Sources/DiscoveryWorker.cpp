@@ -23,13 +23,15 @@ using Nfx::System::Threading::ThreadState;
 
 namespace
 {
+const char SourceName[] = "Sources/DiscoveryWorker";
+
 constexpr std::int32_t PatienceMilliseconds = 5000;
 
 const SmartPointer<IDiscoverySocket>& NotNull(const SmartPointer<IDiscoverySocket>& socket)
 {
     if (socket.IsNull())
     {
-        throw ArgumentNullException("Sources/DiscoveryWorker", __LINE__);
+        throw ArgumentNullException(SourceName, __LINE__);
     }
     return socket;
 }

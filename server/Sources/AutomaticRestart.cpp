@@ -18,6 +18,8 @@ using Nfx::System::Threading::Thread;
 
 namespace
 {
+const char SourceName[] = "server/Sources/AutomaticRestart";
+
 constexpr std::chrono::milliseconds RestartPace{1000};
 constexpr std::int32_t LongestRetryDelaySeconds = 10;
 } // namespace
@@ -42,7 +44,7 @@ void AutomaticRestart::Report(Kind kind)
 {
     if (!log.Guard("Failed to start the background operation", [&] { Begin(kind); }))
     {
-        throw OutOfMemoryException("server/Sources/AutomaticRestart", __LINE__);
+        throw OutOfMemoryException(SourceName, __LINE__);
     }
 }
 

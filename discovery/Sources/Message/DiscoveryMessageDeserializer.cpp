@@ -22,6 +22,8 @@ namespace Zent::Discovery
 {
 namespace
 {
+const char SourceName[] = "Sources/Message/DiscoveryMessageDeserializer";
+
 constexpr auto& Log = ComponentLog::Of<"DiscoveryMessageDeserializer">;
 
 template <class T>
@@ -72,7 +74,6 @@ SmartPointer<DiscoveryMessage> DiscoveryMessageDeserializer::CreateMessage(const
         }
     }
     Log().Write("Message type not supported !!!", LogStreamLevel::Critical);
-    throw Nfx::System::Exception(Nfx::System::ErrorCodes::VariableTypeWrong,
-                                 "Sources/Message/DiscoveryMessageDeserializer", __LINE__);
+    throw Nfx::System::Exception(Nfx::System::ErrorCodes::VariableTypeWrong, SourceName, __LINE__);
 }
 } // namespace Zent::Discovery
