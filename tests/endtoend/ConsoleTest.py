@@ -77,6 +77,16 @@ class DiscoverTest(TestCase):
         self.assertEqual({each["Asked"] for each in result["Rounds"]}, {"all", "list"})
         self.assertIn("the search is incomplete", errors)
 
+    def test_as_many_as_are_expected_are_waited_for(self):
+        with Simulator("--count", "2", "--no-hello") as simulator:
+            simulator.behave("kill 2")
+            with self.start_console("--wait", "20", "discover", "--expect", "2") as console:
+                questions = "Sending message of type AllSendYourSignature"
+                wait_until(lambda: self.log_text().count(questions) > 3, "a question after the search")
+                simulator.behave("revive 2")
+                console.line_with("2 devices found")
+                self.assertEqual(console.wait(), 0)
+
     def test_lists_of_addresses_are_refused_with_the_place(self):
         others = self.folder / "others.txt"
         others.write_text("10.0.0.1\n10.0.0.2, 10.0.0.300\n")
@@ -85,6 +95,7 @@ class DiscoverTest(TestCase):
             ("10.0.0.0/33", "has no prefix length"),
             (f"@{others}", f'{others}: line 2, column 11: "10.0.0.300" is no IPv4 address'),
             ("@/nowhere", "cannot read /nowhere"),
+            ("10.0.0.0/8", "--also: a list of more than 65536 addresses"),
         ):
             _, errors = self.console("discover", "--also", text, status=2)
             self.assertIn(cause, errors)

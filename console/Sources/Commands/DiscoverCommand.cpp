@@ -13,11 +13,12 @@
 
 #include <chrono>
 #include <cstdio>
-#include <stdexcept>
+#include <exception>
 
 using Zent::Discovery::Inventory::DeviceRow;
 using Zent::Discovery::Inventory::SearchOptions;
 using Zent::Discovery::Inventory::SearchReport;
+using namespace std::chrono_literals;
 
 namespace Zent::Discovery::Console
 {
@@ -26,19 +27,21 @@ namespace
 constexpr std::chrono::milliseconds StatusInterval{100};
 constexpr std::chrono::seconds UsualWait{10};
 constexpr std::chrono::seconds UsualWaitOnce{2};
+constexpr std::chrono::seconds AskEvery{2}; // for those who are still expected
 
 std::string Counted(std::size_t count)
 {
     return std::to_string(count) + (count == 1 ? " device" : " devices");
 }
 
-std::string StatusText(const SearchReport& report, std::chrono::milliseconds wait)
+std::string StatusText(const SessionDriver& driver, std::chrono::milliseconds wait)
 {
     using Seconds = std::chrono::duration<double>;
     char text[64];
     const int length = std::snprintf(text, sizeof(text), "Waiting for answers: %.1f of %g s, round %zu, ",
-                                     Seconds(report.Elapsed).count(), Seconds(wait).count(), report.Rounds.size());
-    return std::string(text, static_cast<std::size_t>(length)) + Counted(report.Devices);
+                                     Seconds(driver.Now()).count(), Seconds(wait).count(),
+                                     driver.Session().SearchState()->Rounds.size());
+    return std::string(text, static_cast<std::size_t>(length)) + Counted(driver.Session().Devices().Size());
 }
 } // namespace
 
@@ -87,7 +90,7 @@ ExitStatus DiscoverCommand::Run(CommandContext& context)
         return ExitStatus::NoAnswer;
     }
     Output& output = context.Out();
-    SessionDriver driver(context, {.AskEvery = Inventory::Time(0)},
+    SessionDriver driver(context, {.AskEvery = Inventory::Time(expectedDevices == 0 ? 0s : AskEvery)},
                          [&output](const std::string& text) { output.Complain(text); });
     const bool isInterrupted = !Search(driver, context);
     const SearchReport report = *driver.Session().SearchState();
@@ -100,7 +103,7 @@ ExitStatus DiscoverCommand::Run(CommandContext& context)
     {
         TextFile::Write(summaryFile, report.ToJson() + "\n");
     }
-    return isInterrupted ? ExitStatus::Interrupted : Conclude(report, devices.size(), context);
+    return isInterrupted ? ExitStatus::Interrupted : Conclude(driver, devices.size(), context);
 }
 
 SearchOptions DiscoverCommand::OptionsFor(CommandContext& context) const
@@ -120,9 +123,12 @@ bool DiscoverCommand::Search(SessionDriver& driver, CommandContext& context) con
     const SearchOptions options = OptionsFor(context);
     Inventory::Session& session = driver.Session();
     session.StartSearch(options, driver.Now());
-    while (!session.SearchState()->IsOver)
+    const auto isExpecting = [&] {
+        return expectedDevices > 0 && driver.Now() < options.Wait && Chosen(driver).size() < expectedDevices;
+    };
+    while (!session.SearchState()->IsOver || isExpecting())
     {
-        context.Out().ShowStatus(StatusText(*session.SearchState(), options.Wait));
+        context.Out().ShowStatus(StatusText(driver, options.Wait));
         if (!driver.Run(StatusInterval))
         {
             return false;
@@ -145,13 +151,14 @@ DiscoverCommand::Devices DiscoverCommand::Chosen(SessionDriver& driver) const
     return selection.Of(devices, std::chrono::system_clock::now());
 }
 
-ExitStatus DiscoverCommand::Conclude(const SearchReport& report, std::size_t shown, CommandContext& context) const
+ExitStatus DiscoverCommand::Conclude(const SessionDriver& driver, std::size_t shown, CommandContext& context) const
 {
+    const SearchReport& report = *driver.Session().SearchState();
     Output& output = context.Out();
-    const std::size_t found = report.Devices;
+    const std::size_t found = driver.Session().Devices().Size();
     if (found == 0)
     {
-        const double seconds = std::chrono::duration<double>(report.Elapsed).count();
+        const double seconds = std::chrono::duration<double>(driver.Now()).count();
         output.Complain("no device found. " + Doctor::Examination::ReasonForSilence(context.Options(), seconds) +
                         " See the log " + context.Options().Session.LogFile);
         return ExitStatus::NoAnswer;

@@ -13,7 +13,6 @@
 namespace Zent::Discovery::Inventory
 {
 class Device;
-struct SearchReport;
 } // namespace Zent::Discovery::Inventory
 
 namespace Zent::Discovery::Console
@@ -34,7 +33,7 @@ private:
     Inventory::SearchOptions OptionsFor(CommandContext& context) const;
     bool Search(SessionDriver& driver, CommandContext& context) const;
     Devices Chosen(SessionDriver& driver) const;
-    ExitStatus Conclude(const Inventory::SearchReport& report, std::size_t shown, CommandContext& context) const;
+    ExitStatus Conclude(const SessionDriver& driver, std::size_t shown, CommandContext& context) const;
 
     bool once = false;
     bool noSweep = false;

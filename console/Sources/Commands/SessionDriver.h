@@ -28,6 +28,8 @@ public:
 
     Inventory::Session& Session() { return session; }
 
+    const Inventory::Session& Session() const { return session; }
+
     /// Since the driver was made.
     Inventory::Time Now() const;
 
