@@ -313,6 +313,19 @@ class InterfaceTest(TestCase):
             console.interrupt()
             self.assertEqual(console.wait(), 0)
 
+    def test_conflicts_are_told_unless_accepted(self):
+        accepted = self.folder / "accepted.txt"
+        accepted.write_text("# the spare one\nip:10.1.0.10\n")
+        twins = ("--count", "2", "--address", "10.1.0.10", "--address", "10.1.0.10")
+        with self.cable(), Simulator(*twins, machine=self.other):
+            _, told = self.console("watch", "--wait", "1")
+            _, silent = self.console("watch", "--wait", "1", "--accept-conflict", f"@{accepted}")
+        self.assertIn("conflict: 2 devices have the address 10.1.0.10", told)
+        self.assertNotIn("conflict", silent)
+        accepted.write_text("\npress-4\n")
+        _, errors = self.console("watch", "--accept-conflict", f"@{accepted}", status=2)
+        self.assertIn(f'{accepted}: line 2: "press-4" is no conflict, such as', errors)
+
     def test_addresses_without_a_route_are_not_asked(self):
         HERE.ip("route", "add", "unreachable", "10.77.0.0/16")
         self.addCleanup(HERE.ip, "route", "delete", "unreachable", "10.77.0.0/16")

@@ -1,6 +1,7 @@
 #include "Commands/WatchCommand.h"
 
 #include "Commands/CommandContext.h"
+#include "Commands/ConflictList.h"
 #include "Commands/SessionDriver.h"
 #include "Commands/SharedOptions.h"
 #include "Doctor/Examination.h"
@@ -14,6 +15,8 @@
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
+#include <stdexcept>
 
 using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Discovery::Inventory::DeviceTableOptions;
@@ -47,6 +50,25 @@ CLI::App& WatchCommand::AddTo(CLI::App& parent)
                               "ask all devices again after so many seconds; 10 without it", 1.0);
     command.add_flag("--listen", listensOnly, "ask nobody; then silence says nothing")
         ->excludes(command.get_option("--every"));
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--accept-conflict",
+            [this](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts)
+                {
+                    try
+                    {
+                        std::ranges::move(ConflictList::Parse(text), std::back_inserter(acceptedConflicts));
+                    }
+                    catch (const std::runtime_error& error)
+                    {
+                        throw CLI::ValidationError("--accept-conflict", error.what());
+                    }
+                }
+            },
+            "do not tell this conflict between devices, such as ip:10.0.0.5; may be repeated")
+        ->type_name("CONFLICT|@FILE")
+        ->allow_extra_args(false);
     SharedOptions::AddSelection(command, selection);
     return command;
 }
@@ -70,6 +92,7 @@ DeviceTableOptions WatchCommand::OptionsOfTable() const
     DeviceTableOptions options;
     options.AskEvery = listensOnly ? Time(0) : interval.value_or(UsualInterval);
     options.StaleAfter = options.AskEvery * 3 / 2;
+    options.AcceptedConflicts = acceptedConflicts;
     return options;
 }
 

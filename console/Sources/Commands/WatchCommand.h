@@ -9,6 +9,8 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace Zent::Discovery::Console
 {
@@ -31,6 +33,7 @@ private:
     void Watch(CommandContext& context, SessionDriver& driver, IWatchView& view, const bool& isRead);
 
     bool listensOnly = false;
+    std::vector<std::string> acceptedConflicts;
     std::optional<std::chrono::milliseconds> interval; // from one question to all to the next
     Inventory::DeviceSelection selection{&TerminalText::Plain};
     std::atomic<bool> isKeyPressed{false}; // set by a thread of the view
