@@ -1,0 +1,215 @@
+#include "Inventory/Journal.h"
+
+#include "Json/JSONObject.h"
+#include "JsonText.h"
+#include "StandardErrors.h"
+
+#include <algorithm>
+#include <ranges>
+#include <stdexcept>
+#include <utility>
+
+using Nfx::System::String;
+using Zent::Utils::Json::JSONObject;
+
+namespace Zent::Discovery::Inventory
+{
+namespace
+{
+std::string Text(const JSONObject& object, const char* key)
+{
+    String text;
+    object.TryGetString(key, text);
+    return std::string(text.View());
+}
+
+std::optional<std::string> Settings(const JSONObject& object, const char* key)
+{
+    JSONObject settings;
+    if (!object.TryGetJSONObject(key, settings))
+    {
+        return std::nullopt;
+    }
+    return std::string(settings.ToString().View());
+}
+
+/// The members that the entry's line has; an end has a line of its own.
+JsonText Members(const JournalEntry& entry)
+{
+    JsonText json;
+    json.Text("Time", entry.Time).Text("MACAddress", entry.MACAddress);
+    if (entry.Before)
+    {
+        json.Raw("Before", *entry.Before);
+    }
+    json.Raw("After", entry.After);
+    if (!entry.Undoes.empty())
+    {
+        json.Text("Undoes", entry.Undoes);
+    }
+    return json;
+}
+
+std::size_t SizeOf(const JournalEntry& entry)
+{
+    return Journal::BeginLine(entry).size() + 1 +
+           (entry.Verdict.empty() ? 0 : Journal::EndLine(entry, entry.Verdict).size() + 1);
+}
+
+/// Whether the device has, or will have after a reboot, what was sent.
+bool HasComeTrue(std::string_view verdict)
+{
+    return verdict == "applied" || verdict == "reboot-needed";
+}
+} // namespace
+
+std::string JournalEntry::Id() const
+{
+    return Time + "/" + MACAddress;
+}
+
+bool JournalEntry::CanBeUndone() const
+{
+    return Before && Undoes.empty() && !IsUndone && Verdict != "refused";
+}
+
+std::string JournalEntry::UndoingRequest() const
+{
+    const std::string members = Before->substr(1); // behind the brace
+    return R"({"MACAddress":)" + JsonText::Quoted(MACAddress) + (members == "}" ? "" : ",") + members;
+}
+
+std::string JournalEntry::ToJson() const
+{
+    JsonText json = Members(*this);
+    if (!Verdict.empty())
+    {
+        json.Text("Verdict", Verdict);
+    }
+    return json.Text("State", IsUndone ? "undone" : IsOpen() ? "open" : "done").Text("Id", Id()).Take();
+}
+
+std::string Journal::BeginLine(const JournalEntry& entry)
+{
+    return Members(entry).Take();
+}
+
+std::string Journal::EndLine(const JournalEntry& entry, std::string_view verdict)
+{
+    return JsonText().Text("Ended", entry.Id()).Text("Verdict", verdict).Take();
+}
+
+void Journal::Feed(std::string_view line)
+{
+    if (line.find_first_not_of(" \t\r") == std::string_view::npos)
+    {
+        return;
+    }
+    const JSONObject object = WithStandardErrors([line] { return JSONObject(String(line)); });
+    if (std::string ended = Text(object, "Ended"); !ended.empty())
+    {
+        End(ended, Text(object, "Verdict"));
+        return;
+    }
+    JournalEntry entry{.Time = Text(object, "Time"),
+                       .MACAddress = Text(object, "MACAddress"),
+                       .Before = Settings(object, "Before"),
+                       .After = Settings(object, "After").value_or(""),
+                       .Undoes = Text(object, "Undoes")};
+    if (entry.Time.empty() || entry.After.empty())
+    {
+        throw std::invalid_argument("the line tells neither a change nor the end of one");
+    }
+    Begin(std::move(entry));
+}
+
+const JournalEntry* Journal::NewestToUndo(std::string_view macAddress) const
+{
+    for (const JournalEntry& entry : entries | std::views::reverse)
+    {
+        if (entry.CanBeUndone() && (macAddress.empty() || entry.MACAddress == macAddress))
+        {
+            return &entry;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<const JournalEntry*> Journal::OpenEntries() const
+{
+    std::vector<const JournalEntry*> open;
+    for (const JournalEntry& entry : entries)
+    {
+        if (entry.IsOpen())
+        {
+            open.push_back(&entry);
+        }
+    }
+    return open;
+}
+
+std::vector<std::string> Journal::Lines() const
+{
+    std::vector<std::string> lines;
+    for (const JournalEntry& entry : entries)
+    {
+        lines.push_back(BeginLine(entry));
+        if (!entry.Verdict.empty())
+        {
+            lines.push_back(EndLine(entry, entry.Verdict));
+        }
+    }
+    return lines;
+}
+
+void Journal::Begin(JournalEntry entry)
+{
+    bytes += SizeOf(entry);
+    entries.push_back(std::move(entry));
+    while (bytes > MaximumBytes && entries.size() > 1)
+    {
+        DropOldest();
+    }
+}
+
+void Journal::End(std::string_view id, std::string verdict)
+{
+    JournalEntry* const entry = Find(id);
+    if (entry == nullptr || verdict.empty())
+    {
+        return;
+    }
+    bytes -= SizeOf(*entry);
+    entry->Verdict = std::move(verdict);
+    bytes += SizeOf(*entry);
+    JournalEntry* const undone = Find(entry->Undoes);
+    if (undone == nullptr || !HasComeTrue(entry->Verdict))
+    {
+        return;
+    }
+    undone->IsUndone = true;
+    for (JournalEntry& attempt : entries)
+    {
+        // One that broke off is of no interest any more.
+        attempt.IsUndone = attempt.IsUndone || (attempt.IsOpen() && attempt.Undoes == entry->Undoes);
+    }
+}
+
+JournalEntry* Journal::Find(std::string_view id)
+{
+    const auto found = std::ranges::find(entries | std::views::reverse, id, &JournalEntry::Id);
+    return found == entries.rend() ? nullptr : &*found;
+}
+
+void Journal::DropOldest()
+{
+    const auto last = entries.end() - 1;
+    auto oldest = std::find_if(entries.begin(), last, [](const JournalEntry& entry) { return !entry.IsOpen(); });
+    if (oldest == last)
+    {
+        oldest = entries.begin();
+    }
+    bytes -= SizeOf(*oldest);
+    entries.erase(oldest);
+}
+} // namespace Zent::Discovery::Inventory
