@@ -13,6 +13,7 @@
 
 using namespace Zent::Discovery::Console;
 using Zent::Discovery::Programs::Interruption;
+using Zent::Discovery::Programs::MessageQueue;
 using Zent::Discovery::Programs::Process;
 using Zent::Discovery::Programs::WrongArgument;
 

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 using Zent::Discovery::Programs::HostSession;
+using Zent::Discovery::Programs::MessageQueue;
 using Zent::Discovery::Programs::SystemNetwork;
 
 namespace Zent::Discovery::Console

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Commands/MessageQueue.h"
 #include "Commands/ProgramOptions.h"
+#include "Programs/MessageQueue.h"
 
 #include <chrono>
 #include <optional>
@@ -17,7 +17,7 @@ class CommandContext final
 {
 public:
     /// All must outlive the object.
-    CommandContext(const ProgramOptions& options, MessageQueue& messages, Output& output);
+    CommandContext(const ProgramOptions& options, Programs::MessageQueue& messages, Output& output);
 
     const ProgramOptions& Options() const { return options; }
 
@@ -27,7 +27,7 @@ public:
     std::chrono::milliseconds Wait() const;
 
     /// Where the messages of devices come.
-    MessageQueue& Messages() { return messages; }
+    Programs::MessageQueue& Messages() { return messages; }
 
     /// The library at work, whose messages go to the queue.
     /// @throws std::runtime_error when it cannot be loaded or refuses.
@@ -51,7 +51,7 @@ public:
 
 private:
     const ProgramOptions& options;
-    MessageQueue& messages;
+    Programs::MessageQueue& messages;
     Output& output;
     std::optional<Programs::HostSession> session;
 };

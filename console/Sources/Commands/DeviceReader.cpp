@@ -7,6 +7,7 @@
 
 using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Programs::MessageQueue;
 
 namespace Zent::Discovery::Console
 {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Commands/MessageQueue.h"
 #include "Inventory/Device.h"
+#include "Programs/MessageQueue.h"
 
 #include <chrono>
 #include <deque>
@@ -19,11 +19,11 @@ public:
 
     /// The time starts now. complain is told of documents that cannot be read and of lost messages, which are left out.
     /// The queue must outlive the reader.
-    DeviceReader(MessageQueue& messages, Complain complain, std::optional<std::chrono::milliseconds> time);
+    DeviceReader(Programs::MessageQueue& messages, Complain complain, std::optional<std::chrono::milliseconds> time);
 
     /// Waits for the next message and reads it, until then at the latest. Nothing when that moment has come, the time
     /// is over or the user has interrupted.
-    std::optional<Inventory::Device> Next(std::optional<MessageQueue::TimePoint> until = std::nullopt);
+    std::optional<Inventory::Device> Next(std::optional<Programs::MessageQueue::TimePoint> until = std::nullopt);
 
     /// True when no message is taken any more.
     bool IsOver() const;
@@ -33,10 +33,10 @@ public:
 private:
     void ComplainAboutLoss();
 
-    MessageQueue& messages;
+    Programs::MessageQueue& messages;
     std::deque<Inventory::DeviceMessage> taken; // and not yet read
     const Complain complain;
-    const std::optional<MessageQueue::TimePoint> deadline;
+    const std::optional<Programs::MessageQueue::TimePoint> deadline;
     std::size_t knownLoss = 0;
 };
 } // namespace Zent::Discovery::Console

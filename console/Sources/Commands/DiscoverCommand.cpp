@@ -2,10 +2,10 @@
 
 #include "Commands/AddressList.h"
 #include "Commands/CommandContext.h"
-#include "Commands/SessionDriver.h"
 #include "Commands/SharedOptions.h"
 #include "Doctor/Examination.h"
 #include "Inventory/Search.h"
+#include "Programs/SessionDriver.h"
 #include "Show/Output.h"
 #include "Text/TextFile.h"
 
@@ -18,6 +18,7 @@
 using Zent::Discovery::Inventory::DeviceRow;
 using Zent::Discovery::Inventory::SearchOptions;
 using Zent::Discovery::Inventory::SearchReport;
+using Zent::Discovery::Programs::SessionDriver;
 using namespace std::chrono_literals;
 
 namespace Zent::Discovery::Console
@@ -90,7 +91,8 @@ ExitStatus DiscoverCommand::Run(CommandContext& context)
         return ExitStatus::NoAnswer;
     }
     Output& output = context.Out();
-    SessionDriver driver(context, {.AskEvery = Inventory::Time(expectedDevices == 0 ? 0s : AskEvery)},
+    SessionDriver driver(context.Session(), context.Messages(),
+                         {.AskEvery = Inventory::Time(expectedDevices == 0 ? 0s : AskEvery)},
                          [&output](const std::string& text) { output.Complain(text); });
     const bool isInterrupted = !Search(driver, context);
     const SearchReport report = *driver.Session().SearchState();

@@ -15,10 +15,13 @@ namespace Zent::Discovery::Inventory
 class Device;
 } // namespace Zent::Discovery::Inventory
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Programs
 {
 class SessionDriver;
+} // namespace Zent::Discovery::Programs
 
+namespace Zent::Discovery::Console
+{
 /// Searches for all devices, or asks them once, and shows who was heard of.
 class DiscoverCommand final : public ICommand
 {
@@ -31,9 +34,9 @@ private:
     using Devices = std::vector<const Inventory::Device*>;
 
     Inventory::SearchOptions OptionsFor(CommandContext& context) const;
-    bool Search(SessionDriver& driver, CommandContext& context) const;
-    Devices Chosen(SessionDriver& driver) const;
-    ExitStatus Conclude(const SessionDriver& driver, std::size_t shown, CommandContext& context) const;
+    bool Search(Programs::SessionDriver& driver, CommandContext& context) const;
+    Devices Chosen(Programs::SessionDriver& driver) const;
+    ExitStatus Conclude(const Programs::SessionDriver& driver, std::size_t shown, CommandContext& context) const;
 
     bool once = false;
     bool noSweep = false;

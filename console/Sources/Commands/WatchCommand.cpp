@@ -2,9 +2,9 @@
 
 #include "Commands/CommandContext.h"
 #include "Commands/ConflictList.h"
-#include "Commands/SessionDriver.h"
 #include "Commands/SharedOptions.h"
 #include "Doctor/Examination.h"
+#include "Programs/SessionDriver.h"
 #include "Programs/UdpSockets.h"
 #include "Show/LiveWatchView.h"
 #include "Show/Output.h"
@@ -22,6 +22,7 @@ using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Discovery::Inventory::DeviceTableOptions;
 using Zent::Discovery::Inventory::Event;
 using Zent::Discovery::Inventory::Time;
+using Zent::Discovery::Programs::SessionDriver;
 using Zent::Discovery::Programs::UdpSocket;
 using Zent::Discovery::Programs::UdpSockets;
 
@@ -80,7 +81,8 @@ ExitStatus WatchCommand::Run(CommandContext& context)
     const std::unique_ptr<IWatchView> view = MakeView(terminal, context);
     bool isRead = true; // by somebody
     SessionDriver driver(
-        context, OptionsOfTable(), [&view](const std::string& text) { view->Complain(text); },
+        context.Session(), context.Messages(), OptionsOfTable(),
+        [&view](const std::string& text) { view->Complain(text); },
         [&view, &isRead](const DeviceMessage& message) { isRead = view->Show(message) && isRead; });
     Watch(context, driver, *view, isRead);
     view->End(driver.Session().Devices());

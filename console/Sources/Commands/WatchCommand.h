@@ -12,10 +12,14 @@
 #include <string>
 #include <vector>
 
+namespace Zent::Discovery::Programs
+{
+class SessionDriver;
+} // namespace Zent::Discovery::Programs
+
 namespace Zent::Discovery::Console
 {
 class IWatchView;
-class SessionDriver;
 class Terminal;
 
 /// Watches over the devices and shows what becomes of them: in a live table on a terminal, else message by message.
@@ -30,7 +34,7 @@ public:
 private:
     Inventory::DeviceTableOptions OptionsOfTable() const;
     std::unique_ptr<IWatchView> MakeView(const Terminal& terminal, CommandContext& context);
-    void Watch(CommandContext& context, SessionDriver& driver, IWatchView& view, const bool& isRead);
+    void Watch(CommandContext& context, Programs::SessionDriver& driver, IWatchView& view, const bool& isRead);
 
     bool listensOnly = false;
     std::vector<std::string> acceptedConflicts;

@@ -125,7 +125,7 @@ std::optional<SearchResult> Examination::Search(CommandContext& context)
     HostSession::Settings settings = context.Options().Session;
     settings.LogFile = logFile.string();
     settings.LogLevel = DiscoveryLogDebug;
-    MessageQueue& messages = context.Messages();
+    Programs::MessageQueue& messages = context.Messages();
     const auto queue = [&messages](DeviceMessage::MessageKind kind) {
         return [&messages, kind](const std::string& document) { messages.Push({kind, document}); };
     };

@@ -9,9 +9,9 @@
 #include <deque>
 #include <optional>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Programs
 {
-/// Hands messages from the library's thread to the main thread, so that the library never waits for the terminal.
+/// Hands messages from the library's thread to the main thread, so that the library never waits for it.
 /// Any thread.
 class MessageQueue final
 {
@@ -46,7 +46,7 @@ private:
     /// False once the time has passed; without one waits without limit. May return true for nothing.
     bool WaitUntil(const std::optional<TimePoint>& time) NFX_REQUIRES(lock);
 
-    mutable Programs::Mutex lock;
+    mutable Mutex lock;
     std::condition_variable_any changed;
     std::deque<Inventory::DeviceMessage> messages NFX_GUARDED_BY(lock);
     std::size_t bytes NFX_GUARDED_BY(lock) = 0;
@@ -54,4 +54,4 @@ private:
     bool isWoken NFX_GUARDED_BY(lock) = false;
     bool interrupted NFX_GUARDED_BY(lock) = false;
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Programs

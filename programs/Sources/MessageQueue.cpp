@@ -1,14 +1,14 @@
-#include "Commands/MessageQueue.h"
+#include "Programs/MessageQueue.h"
 
 #include <utility>
 
 using Zent::Discovery::Inventory::DeviceMessage;
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Programs
 {
 void MessageQueue::Push(DeviceMessage message)
 {
-    const Programs::Lock guard(lock);
+    const Lock guard(lock);
     if (bytes + message.Document.size() > MaximumBytes)
     {
         ++lost;
@@ -24,7 +24,7 @@ void MessageQueue::Push(DeviceMessage message)
 
 std::deque<DeviceMessage> MessageQueue::Take(const std::optional<TimePoint>& deadline)
 {
-    const Programs::Lock guard(lock);
+    const Lock guard(lock);
     while (!HasNews() && WaitUntil(deadline))
     {
     }
@@ -61,27 +61,27 @@ bool MessageQueue::WaitUntil(const std::optional<TimePoint>& time)
 
 void MessageQueue::Wake()
 {
-    const Programs::Lock guard(lock);
+    const Lock guard(lock);
     isWoken = true;
     changed.notify_all();
 }
 
 void MessageQueue::Interrupt()
 {
-    const Programs::Lock guard(lock);
+    const Lock guard(lock);
     interrupted = true;
     changed.notify_all();
 }
 
 bool MessageQueue::IsInterrupted() const
 {
-    const Programs::Lock guard(lock);
+    const Lock guard(lock);
     return interrupted;
 }
 
 std::size_t MessageQueue::Lost() const
 {
-    const Programs::Lock guard(lock);
+    const Lock guard(lock);
     return lost;
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Programs

@@ -1,10 +1,10 @@
-#include "Commands/MessageQueue.h"
+#include "Programs/MessageQueue.h"
 
 #include <gtest/gtest.h>
 
 #include <thread>
 
-using namespace Zent::Discovery::Console;
+using namespace Zent::Discovery::Programs;
 using Zent::Discovery::Inventory::DeviceMessage;
 using namespace std::chrono_literals;
 

@@ -1,6 +1,7 @@
-#include "Commands/SessionDriver.h"
+#include "Programs/SessionDriver.h"
 
-#include "Commands/CommandContext.h"
+#include "Programs/HostSession.h"
+#include "Programs/MessageQueue.h"
 #include "Programs/SystemNetwork.h"
 #include "Programs/UdpSockets.h"
 
@@ -12,26 +13,25 @@ using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Discovery::Inventory::Network;
 using Zent::Discovery::Inventory::Time;
 using Zent::Discovery::Inventory::Wish;
-using Zent::Discovery::Programs::SystemNetwork;
-using Zent::Discovery::Programs::UdpSockets;
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Programs
 {
 namespace
 {
 constexpr std::uint16_t ServerPort = 12001;
 }
 
-SessionDriver::SessionDriver(CommandContext& context,
+SessionDriver::SessionDriver(HostSession& host,
+                             MessageQueue& messages,
                              const Inventory::DeviceTableOptions& options,
                              Complain complain,
                              Watcher watcher)
-    : context(context)
+    : host(host)
+    , messages(messages)
     , complain(std::move(complain))
     , watcher(std::move(watcher))
     , session(options)
 {
-    context.Requests(); // so that the library is at work before the first question
 }
 
 Time SessionDriver::Now() const
@@ -48,12 +48,12 @@ bool SessionDriver::Run(std::chrono::milliseconds longest)
     }
     const Time now = Now();
     const Time next = std::clamp(session.NextTime(), now, now + std::max(longest, Time(0)));
-    for (DeviceMessage& message : context.Messages().Take(start + next))
+    for (DeviceMessage& message : messages.Take(start + next))
     {
         Feed(std::move(message));
     }
     ComplainAboutLoss();
-    return !context.Messages().IsInterrupted();
+    return !messages.IsInterrupted();
 }
 
 void SessionDriver::Feed(DeviceMessage message)
@@ -85,13 +85,13 @@ bool SessionDriver::CarryOut(const Wish& wish)
         switch (wish.Kind)
         {
         case Wish::WishKind::AskAll:
-            context.Requests().Discover();
+            host.Requests().Discover();
             break;
         case Wish::WishKind::AskMAC:
-            context.Requests().RefreshClient(wish.Address);
+            host.Requests().RefreshClient(wish.Address);
             break;
         case Wish::WishKind::AskIP:
-            context.Requests().ReachClient(wish.Address);
+            host.Requests().ReachClient(wish.Address);
             break;
         case Wish::WishKind::IsReachable: {
             const std::optional<Inventory::IPv4> address = Network::ParseAddress(wish.Address);
@@ -118,11 +118,11 @@ bool SessionDriver::CarryOut(const Wish& wish)
 
 void SessionDriver::ComplainAboutLoss()
 {
-    const std::size_t loss = context.Messages().Lost();
+    const std::size_t loss = messages.Lost();
     if (loss != knownLoss)
     {
         complain(std::to_string(loss - knownLoss) + " messages lost: they come faster than they can be shown");
         knownLoss = loss;
     }
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Programs

@@ -6,9 +6,10 @@
 #include <cstddef>
 #include <functional>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Programs
 {
-class CommandContext;
+class HostSession;
+class MessageQueue;
 
 /// Runs a session: gives it the messages that come and the time, and does what it wishes. Main thread only.
 class SessionDriver final
@@ -20,8 +21,9 @@ public:
     /// What is left out is told there.
     using Complain = std::function<void(const std::string& text)>;
 
-    /// The context must outlive the driver.
-    SessionDriver(CommandContext& context,
+    /// The messages of the host session go to the queue; both must outlive the driver.
+    SessionDriver(HostSession& host,
+                  MessageQueue& messages,
                   const Inventory::DeviceTableOptions& options,
                   Complain complain,
                   Watcher watcher = {});
@@ -44,11 +46,12 @@ private:
     bool CarryOut(const Inventory::Wish& wish);
     void ComplainAboutLoss();
 
-    CommandContext& context;
+    HostSession& host;
+    MessageQueue& messages;
     const Complain complain;
     const Watcher watcher;
     const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     Inventory::Session session;
     std::size_t knownLoss = 0;
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Programs
