@@ -38,6 +38,7 @@ IPAddress AddressOfNumber(std::uint32_t number)
 } // namespace
 
 AddressPlan::AddressPlan(const std::vector<std::string>& addresses, const std::string& network)
+    : network(network)
 {
     for (const std::string& address : addresses)
     {
@@ -63,7 +64,9 @@ IPAddress AddressPlan::AddressOf(std::size_t device) const
     const std::uint64_t number = std::uint64_t{first} + device;
     if ((number & ~std::uint64_t{~mask}) != (first & mask))
     {
-        throw std::runtime_error("the network has too few addresses for so many devices");
+        const String last = AddressOfNumber(first | ~mask).ToString();
+        throw std::runtime_error("the network \"" + network + "\" has no address for device " +
+                                 std::to_string(device + 1) + ": its last one is " + std::string(last.View()));
     }
     return AddressOfNumber(static_cast<std::uint32_t>(number));
 }

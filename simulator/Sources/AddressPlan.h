@@ -25,6 +25,7 @@ public:
 
 private:
     std::vector<Nfx::System::Net::IPAddress> addresses;
+    const std::string network;
     std::uint32_t first; // the most significant byte is the first octet
     std::uint32_t mask;
 };

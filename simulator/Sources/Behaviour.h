@@ -17,6 +17,8 @@ struct Behaviour
     std::chrono::milliseconds Delay{0};
     std::chrono::milliseconds Spread{0}; // each answer comes up to this much later
     std::optional<std::chrono::milliseconds> DiesAfter;
+    std::chrono::milliseconds Reboot{0}; // what changes take to hold; 0 when they hold at once
+    double Refusal = 0;                  // the share of the changes that are refused, from 0 to 1
     std::uint32_t SignatureBytes = 0;    // what signatures are padded to
     std::uint32_t MegabitsPerSecond = 0; // of the cable that all devices send through; 0 is no limit
 
@@ -30,7 +32,8 @@ struct Behaviour
     struct Setting
     {
         const char* Name;
-        const char* Unit; // of the value; empty for a flag, whose values are on and off
+        const char* Unit;  // of the value; empty for a flag, whose values are on and off
+        const char* Alone; // the value of the option without one; null when it needs one
         const char* Help;
 
         /// @throws std::invalid_argument when the text is no such value; nothing is changed then.

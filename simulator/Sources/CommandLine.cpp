@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include <charconv>
+#include <limits>
 #include <stdexcept>
 #include <string_view>
 
@@ -33,24 +34,27 @@ auto Readable(const char* kind, TRead read)
 }
 
 /// Not the parser's own reading of numbers, which takes -1 for the largest one.
-void ReadSeed(const std::string& text, std::uint64_t& seed)
+template <class TNumber>
+void AddNumber(
+    CLI::App& app, const std::string& option, TNumber& number, TNumber least, TNumber greatest, const std::string& help)
 {
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, seed);
-    if (error != std::errc() || stop != end)
-    {
-        throw CLI::ValidationError("--seed", '"' + text + "\" is not a number from 0 to 18446744073709551615");
-    }
+    const auto take = [=, &number](const std::string& text) {
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, number);
+        if (error != std::errc() || stop != end || number < least || number > greatest)
+        {
+            throw CLI::ValidationError(option, '"' + text + "\" is not a number from " + std::to_string(least) +
+                                                   " to " + std::to_string(greatest));
+        }
+    };
+    app.add_option_function<std::string>(option, take, help)->type_name("NUMBER")->default_str(std::to_string(number));
 }
 
 void AddDevices(CLI::App& app, SimulationOptions& options)
 {
-    app.add_option("--count", options.Count, "how many devices")->capture_default_str()->check(CLI::Range(1, 2000));
-    app.add_option_function<std::string>(
-           "--seed", [&options](const std::string& text) { ReadSeed(text, options.Seed); },
-           "the same seed gives the same devices")
-        ->type_name("NUMBER")
-        ->default_str(std::to_string(options.Seed));
+    AddNumber(app, "--count", options.Count, 1, 2000, "how many devices");
+    AddNumber(app, "--seed", options.Seed, std::uint64_t{0}, std::numeric_limits<std::uint64_t>::max(),
+              "the same seed gives the same devices");
     app.add_option("--address", options.Addresses, "the address of a device; may be repeated, for the first devices")
         ->type_name("IP")
         ->allow_extra_args(false)
@@ -72,7 +76,7 @@ void AddBehaviour(CLI::App& app, Behaviour& behaviour)
         const auto take = [&behaviour, &setting, option](const std::string& value) {
             try
             {
-                setting.Take(behaviour, value);
+                setting.Take(behaviour, value.empty() && setting.Alone != nullptr ? setting.Alone : value);
             }
             catch (const std::invalid_argument& error)
             {
@@ -82,11 +86,13 @@ void AddBehaviour(CLI::App& app, Behaviour& behaviour)
         if (*setting.Unit == '\0')
         {
             app.add_flag_callback(
-                option, [take] { take("on"); }, setting.Help);
+                option, [take] { take(""); }, setting.Help);
         }
         else
         {
-            app.add_option_function<std::string>(option, take, setting.Help)->type_name(setting.Unit);
+            app.add_option_function<std::string>(option, take, setting.Help)
+                ->type_name(setting.Unit)
+                ->expected(setting.Alone != nullptr ? 0 : 1, 1);
         }
     }
 }

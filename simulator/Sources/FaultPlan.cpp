@@ -1,8 +1,10 @@
 #include "FaultPlan.h"
 
+#include <algorithm>
 #include <charconv>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace Zent::Discovery::Simulator
 {
@@ -16,7 +18,8 @@ enum class Purpose : std::uint64_t
     Malformed,
     Oversize,
     CutPlace,
-    Spread
+    Spread,
+    Refusal
 };
 
 /// A step of a generator of the kind that spreads neighbouring numbers over the whole range.
@@ -49,6 +52,16 @@ public:
 private:
     const std::uint64_t state;
 };
+
+/// The first word, without the blanks around it, and what comes after it.
+std::pair<std::string_view, std::string_view> SplitWord(std::string_view text)
+{
+    static constexpr std::string_view Blanks = " \t";
+    const std::size_t begin = std::min(text.find_first_not_of(Blanks), text.size());
+    const std::size_t end = std::min(text.find_first_of(Blanks, begin), text.size());
+    const std::size_t next = std::min(text.find_first_not_of(Blanks, end), text.size());
+    return {text.substr(begin, end - begin), text.substr(next)};
+}
 } // namespace
 
 FaultPlan::FaultPlan(std::uint64_t seed, std::size_t deviceCount, const Behaviour& behaviour)
@@ -65,21 +78,23 @@ const Behaviour& FaultPlan::Current() const
 
 std::optional<std::size_t> FaultPlan::Follow(std::string_view line)
 {
-    const std::size_t space = line.find(' ');
-    if (space == std::string_view::npos)
+    const auto [name, rest] = SplitWord(line);
+    const auto [value, more] = SplitWord(rest);
+    if (value.empty() || !more.empty())
     {
         throw std::invalid_argument('"' + std::string(line) + "\" is not a name and a value, such as loss 5%");
     }
-    const std::string_view name = line.substr(0, space);
-    const std::string_view value = line.substr(space + 1);
     if (name == "kill")
     {
-        fates[ReadDevice(value)] = Fates::Killed;
+        const std::size_t device = ReadDevice(value);
+        fates[device] = Fates::Killed;
+        reboots.erase(device);
     }
     else if (name == "revive")
     {
         const std::size_t device = ReadDevice(value);
         fates[device] = Fates::Revived;
+        reboots.erase(device);
         return device;
     }
     else if (const Behaviour::Setting* const setting = Behaviour::FindSetting(name))
@@ -95,6 +110,11 @@ std::optional<std::size_t> FaultPlan::Follow(std::string_view line)
 
 bool FaultPlan::IsAlive(std::size_t device, std::chrono::milliseconds sinceStart) const
 {
+    const auto reboot = reboots.find(device);
+    if (reboot != reboots.end() && sinceStart >= reboot->second.Begin)
+    {
+        return false;
+    }
     switch (fates[device])
     {
     case Fates::Killed:
@@ -105,6 +125,34 @@ bool FaultPlan::IsAlive(std::size_t device, std::chrono::milliseconds sinceStart
         break;
     }
     return !behaviour.DiesAfter || sinceStart < *behaviour.DiesAfter;
+}
+
+bool FaultPlan::Refuses(std::size_t device, std::uint64_t earlierChanges) const
+{
+    return Chances(seed, device, earlierChanges).Hits(Purpose::Refusal, behaviour.Refusal);
+}
+
+void FaultPlan::Reboot(std::size_t device, std::chrono::milliseconds sinceStart)
+{
+    reboots.try_emplace(device, Interval{sinceStart + behaviour.Reboot / 2, sinceStart + behaviour.Reboot});
+}
+
+std::optional<std::chrono::milliseconds> FaultPlan::NextRebooted() const
+{
+    const auto next = FirstRebooted();
+    return next == reboots.end() ? std::nullopt : std::optional(next->second.End);
+}
+
+std::optional<std::size_t> FaultPlan::TakeRebooted(std::chrono::milliseconds sinceStart)
+{
+    const auto next = FirstRebooted();
+    if (next == reboots.end() || next->second.End > sinceStart)
+    {
+        return std::nullopt;
+    }
+    const std::size_t device = next->first;
+    reboots.erase(next);
+    return device;
 }
 
 Treatment FaultPlan::Treat(std::size_t device, std::uint64_t earlierDatagrams) const
@@ -131,6 +179,11 @@ Treatment FaultPlan::Treat(std::size_t device, std::uint64_t earlierDatagrams) c
         treatment.Form = Treatment::Forms::Padded;
     }
     return treatment;
+}
+
+FaultPlan::Reboots::const_iterator FaultPlan::FirstRebooted() const
+{
+    return std::ranges::min_element(reboots, {}, [](const auto& reboot) { return reboot.second.End; });
 }
 
 std::size_t FaultPlan::ReadDevice(std::string_view text) const

@@ -4,11 +4,29 @@
 #include "Discovery/Message/SendYourSignatureMessage.h"
 
 #include <algorithm>
+#include <utility>
 
 using Nfx::System::SmartPointer;
 
 namespace Zent::Discovery::Simulator
 {
+namespace
+{
+void TakeSettings(DiscoveryHost& host, const ChangeYourIPConfigMessage& message)
+{
+    for (const SmartPointer<NICConfig>& settings : message.NewNICConfigs)
+    {
+        for (const SmartPointer<NICConfig>& nic : host.NICs)
+        {
+            if (nic->MACAddress == settings->MACAddress)
+            {
+                *nic = *settings;
+            }
+        }
+    }
+}
+} // namespace
+
 SimulatedDevice::SimulatedDevice(const SmartPointer<DiscoveryHost>& host,
                                  const Nfx::System::Version& version,
                                  bool namesSourceNIC)
@@ -34,25 +52,77 @@ std::shared_ptr<const Nfx::System::String> SimulatedDevice::Signature() const
     return signature;
 }
 
-bool SimulatedDevice::Obey(const DiscoveryMessage& message)
+SimulatedDevice::Requests SimulatedDevice::RequestIn(const DiscoveryMessage& message) const
 {
     if (dynamic_cast<const AllSendYourSignatureMessage*>(&message) != nullptr)
     {
-        return true;
+        return Requests::Signature;
     }
     if (const auto* const question = dynamic_cast<const SendYourSignatureMessage*>(&message))
     {
-        return IsMeant(*question, question->TargetedMACAddress);
+        return question->Broadcast || Has(question->TargetedMACAddress) ? Requests::Signature : Requests::None;
     }
     if (const auto* const rename = dynamic_cast<const ChangeYourHostNameMessage*>(&message))
     {
-        return IsMeant(*rename, rename->TargetedMACAddress) && TakeHostName(*rename);
+        return rename->Broadcast || Has(rename->TargetedMACAddress) ? Requests::Change : Requests::None;
     }
     if (const auto* const settings = dynamic_cast<const ChangeYourIPConfigMessage*>(&message))
     {
-        return TakeSettings(*settings);
+        const bool isMeant = std::ranges::any_of(
+            settings->NewNICConfigs, [this](const SmartPointer<NICConfig>& nic) { return Has(nic->MACAddress); });
+        return isMeant ? Requests::Change : Requests::None;
     }
-    return false; // what other devices say
+    return Requests::None;
+}
+
+bool SimulatedDevice::Change(const DiscoveryMessage& message)
+{
+    const auto* const rename = dynamic_cast<const ChangeYourHostNameMessage*>(&message);
+    if (rename != nullptr && host->IsHostNameReadOnly)
+    {
+        return false;
+    }
+    if (next.IsNull())
+    {
+        next = SmartPointer<DiscoveryHost>::Create();
+        next->Deserialize(host->ToJson());
+    }
+    if (rename != nullptr)
+    {
+        next->HostName = rename->NewHostName;
+    }
+    else if (const auto* const settings = dynamic_cast<const ChangeYourIPConfigMessage*>(&message))
+    {
+        TakeSettings(*next, *settings);
+    }
+    if (host->RebootRequiredForIPConfigChange)
+    {
+        return true;
+    }
+    Restart();
+    return false;
+}
+
+void SimulatedDevice::SetNeedsReboot(bool needsReboot)
+{
+    if (host->RebootRequiredForIPConfigChange != needsReboot)
+    {
+        if (!needsReboot)
+        {
+            Restart();
+        }
+        host->RebootRequiredForIPConfigChange = host->RebootRequiredForHostNameChange = needsReboot;
+        Resign();
+    }
+}
+
+void SimulatedDevice::Restart()
+{
+    if (!next.IsNull())
+    {
+        host = std::move(next);
+        Resign();
+    }
 }
 
 void SimulatedDevice::Resign()
@@ -60,41 +130,9 @@ void SimulatedDevice::Resign()
     signature = std::make_shared<const Nfx::System::String>(Say<SignatureBroadcastMessage>());
 }
 
-bool SimulatedDevice::IsMeant(const DiscoveryMessage& message, const MACAddress& target) const
+bool SimulatedDevice::Has(const MACAddress& address) const
 {
-    return message.Broadcast || std::ranges::any_of(host->NICs, [&target](const SmartPointer<NICConfig>& nic) {
-               return nic->MACAddress == target;
-           });
-}
-
-bool SimulatedDevice::TakeHostName(const ChangeYourHostNameMessage& message)
-{
-    if (!host->IsHostNameReadOnly)
-    {
-        host->HostName = message.NewHostName;
-        Resign();
-    }
-    return true;
-}
-
-bool SimulatedDevice::TakeSettings(const ChangeYourIPConfigMessage& message)
-{
-    bool isMeant = false;
-    for (const SmartPointer<NICConfig>& settings : message.NewNICConfigs)
-    {
-        for (const SmartPointer<NICConfig>& nic : host->NICs)
-        {
-            if (nic->MACAddress == settings->MACAddress)
-            {
-                *nic = *settings;
-                isMeant = true;
-            }
-        }
-    }
-    if (isMeant)
-    {
-        Resign();
-    }
-    return isMeant;
+    return std::ranges::any_of(host->NICs,
+                               [&address](const SmartPointer<NICConfig>& nic) { return nic->MACAddress == address; });
 }
 } // namespace Zent::Discovery::Simulator

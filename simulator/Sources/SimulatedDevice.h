@@ -23,9 +23,27 @@ public:
     const DiscoveryHost& Host() const;
     const NICConfig& MainInterface() const;
 
-    /// Does what the message asks for. True when the device answers with its signature: when it was asked for it, or
-    /// told to change something, because then it shows its new state.
-    bool Obey(const DiscoveryMessage& message);
+    enum class Requests
+    {
+        None,      // the message is not meant for this device, or is what other devices say
+        Signature, // it is asked for its signature
+        Change     // it is told to change something
+    };
+
+    /// What the message wants of this device. It answers everything with its signature, changes, too: it shows what
+    /// has become of it.
+    Requests RequestIn(const DiscoveryMessage& message) const;
+
+    /// Makes the change that the message asks for; a name that may not be changed stays. True when it holds only after
+    /// Restart.
+    bool Change(const DiscoveryMessage& message);
+
+    /// Whether changes hold only after Restart, which its signature then says. What waits for it holds now when they
+    /// do not.
+    void SetNeedsReboot(bool needsReboot);
+
+    /// What was changed holds from now on.
+    void Restart();
 
     /// The text of its signature, as it is now; made anew only when the device changes.
     std::shared_ptr<const Nfx::System::String> Signature() const;
@@ -42,11 +60,10 @@ public:
 
 private:
     void Resign();
-    bool IsMeant(const DiscoveryMessage& message, const MACAddress& target) const;
-    bool TakeHostName(const ChangeYourHostNameMessage& message);
-    bool TakeSettings(const ChangeYourIPConfigMessage& message);
+    bool Has(const MACAddress& address) const;
 
-    const Nfx::System::SmartPointer<DiscoveryHost> host;
+    Nfx::System::SmartPointer<DiscoveryHost> host;
+    Nfx::System::SmartPointer<DiscoveryHost> next; // what the host becomes with Restart; empty when nothing waits
     const Nfx::System::Version version;
     const bool namesSourceNIC;
     std::shared_ptr<const Nfx::System::String> signature;

@@ -97,6 +97,7 @@ Simulation::Simulation(const SimulationOptions& options, Inbox& inbox, std::ostr
         const SmartPointer<DiscoveryHost> host = factory.Create(i, address, plan.SubNetMask());
         host->IsHostNameReadOnly = options.HostNamesAreReadOnly;
         participants.push_back({SimulatedDevice(host, version, options.NamesSourceNIC), address});
+        participants.back().Device.SetNeedsReboot(options.AtStart.Reboot.count() > 0);
     }
 }
 
@@ -126,10 +127,19 @@ void Simulation::Serve()
     while (!inbox.IsClosed())
     {
         const std::optional<Clock::time_point> next = answers.Next();
-        if (const std::optional<Inbox::Entry> entry =
-                inbox.Take(next ? std::optional(*next - TimerSlack) : std::nullopt))
+        const std::optional<std::chrono::milliseconds> rebooted = faults.NextRebooted();
+        std::optional<Clock::time_point> wake = next ? std::optional(*next - TimerSlack) : std::nullopt;
+        if (rebooted && (!wake || start + *rebooted < *wake))
+        {
+            wake = start + *rebooted;
+        }
+        if (const std::optional<Inbox::Entry> entry = inbox.Take(wake))
         {
             Handle(*entry);
+        }
+        if (const std::optional<std::size_t> device = faults.TakeRebooted(SinceStart()))
+        {
+            Restart(*device);
         }
         if (next && *next <= Clock::now() + TimerSlack)
         {
@@ -158,9 +168,13 @@ void Simulation::Follow(const std::string& line)
         const std::optional<std::size_t> revived = faults.Follow(line);
         out << line << std::endl;
         wrongLines = 0;
-        if (revived && options.SaysHello)
+        for (Participant& participant : participants)
         {
-            Announce<HelloMessage>(*revived);
+            participant.Device.SetNeedsReboot(faults.Current().Reboot.count() > 0);
+        }
+        if (revived)
+        {
+            Restart(*revived);
         }
     }
     catch (const std::invalid_argument& error)
@@ -206,15 +220,25 @@ bool Simulation::Hears(const Participant& participant, const IPAddress& destinat
 
 bool Simulation::IsAlive(std::size_t device) const
 {
-    return faults.IsAlive(device, std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start));
+    return faults.IsAlive(device, SinceStart());
+}
+
+std::chrono::milliseconds Simulation::SinceStart() const
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
 }
 
 void Simulation::Answer(std::size_t device, const DiscoveryMessage& message, const Request& request)
 {
     Participant& participant = participants[device];
-    if (faults.Current().IsSilent || !participant.Device.Obey(message))
+    const SimulatedDevice::Requests asked = participant.Device.RequestIn(message);
+    if (faults.Current().IsSilent || asked == SimulatedDevice::Requests::None)
     {
         return;
+    }
+    if (asked == SimulatedDevice::Requests::Change)
+    {
+        Change(device, message);
     }
     if (options.Talks)
     {
@@ -224,6 +248,24 @@ void Simulation::Answer(std::size_t device, const DiscoveryMessage& message, con
     const Treatment treatment = faults.Treat(device, participant.Datagrams++);
     const IPAddress target = faults.Current().AnswersByBroadcast ? IPAddress::Broadcast() : request.Sender;
     answers.Add(Clock::now() + treatment.Delay, {device, participant.Device.Signature(), target, treatment});
+}
+
+void Simulation::Change(std::size_t device, const DiscoveryMessage& message)
+{
+    Participant& participant = participants[device];
+    if (!faults.Refuses(device, participant.Changes++) && participant.Device.Change(message))
+    {
+        faults.Reboot(device, SinceStart());
+    }
+}
+
+void Simulation::Restart(std::size_t device)
+{
+    participants[device].Device.Restart();
+    if (options.SaysHello && IsAlive(device))
+    {
+        Announce<HelloMessage>(device);
+    }
 }
 
 template <class TMessage>

@@ -39,6 +39,7 @@ private:
         SimulatedDevice Device;
         Nfx::System::Net::IPAddress Address; // that it is known to be able to use
         std::uint64_t Datagrams = 0;         // that it has sent, lost ones included
+        std::uint64_t Changes = 0;           // that it was told to make, refused ones included
     };
 
     void Serve();
@@ -47,7 +48,13 @@ private:
     void Answer(const Request& request);
     void Answer(std::size_t device, const DiscoveryMessage& message, const Request& request);
     static bool Hears(const Participant& participant, const Nfx::System::Net::IPAddress& destination);
+    void Change(std::size_t device, const DiscoveryMessage& message);
+
+    /// What was changed holds, and the device says Hello.
+    void Restart(std::size_t device);
+
     bool IsAlive(std::size_t device) const;
+    std::chrono::milliseconds SinceStart() const;
 
     template <class TMessage>
     void AnnounceAll();

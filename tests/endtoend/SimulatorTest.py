@@ -11,6 +11,15 @@ from networks import cabled
 QUESTION = json.dumps(
     {"DiscoveryMessageType": "AllSendYourSignature", "DiscoveryVersion": "1.0.18", "Broadcast": "True"}
 ).encode()
+RENAME = json.dumps(
+    {
+        "DiscoveryMessageType": "ChangeYourHostName",
+        "DiscoveryVersion": "1.0.18",
+        "Broadcast": "True",
+        "NewHostName": "renamed",
+        "TargetedMACAddress": "02:00:00:00:00:00",
+    }
+).encode()
 SO_RCVBUFFORCE = 33
 PATIENCE = 3  # seconds to wait for the first answer
 QUIET = 0.5  # seconds without an answer, after which no more will come
@@ -32,9 +41,9 @@ class Asker:
         self.sending.setsockopt(socket.SOL_SOCKET, socket.SO_BROADCAST, 1)
         self.sending.bind((address, 0))
 
-    def ask(self):
+    def ask(self, question=QUESTION):
         """The answers, and how many seconds after the first one the last one came."""
-        self.sending.sendto(QUESTION, ("255.255.255.255", DEVICE_PORT))
+        self.sending.sendto(question, ("255.255.255.255", DEVICE_PORT))
         answers = []
         first = last = time.monotonic()
         self.receiving.settimeout(PATIENCE)
@@ -148,6 +157,26 @@ class FaultTest(TestCase):
             self.assertEqual(len(complaints), 10, complaints)
             self.assertIn("nothing more is said until a line is right", complaints[-1])
             self.assertFalse(asker.ask()[0])
+
+    def test_changes_are_refused_or_wait_for_a_reboot(self):
+        def states(answers):
+            return [
+                (host["HostName"], host["RebootRequiredForHostNameChange"], host["RebootRequiredForIPConfigChange"])
+                for host in (json.loads(data)["Host"] for data in answers)
+            ]
+
+        with Simulator("--count", "1", "--no-bye", "--refuse") as simulator, Asker() as asker:
+            name = simulator.devices[0].name
+            self.assertEqual(states(asker.ask(RENAME)[0]), [(name, False, False)])
+            simulator.behave("refuse 0%")
+            simulator.behave("reboot 3")
+            self.assertEqual(states(asker.ask(RENAME)[0]), [(name, True, True)])
+            asker.receiving.settimeout(PATIENCE)
+            hello = json.loads(asker.receiving.recv(65536))
+            self.assertEqual((hello["DiscoveryMessageType"], hello["Host"]["HostName"]), ("Hello", "renamed"))
+            self.assertEqual(states(asker.ask()[0]), [("renamed", True, True)])
+            simulator.behave("reboot 0")
+            self.assertEqual(states(asker.ask()[0]), [("renamed", False, False)])
 
     def test_devices_die_after_a_while_without_a_word(self):
         with Simulator("--count", "3", "--no-hello", "--die", "3") as simulator, Asker() as asker:

@@ -84,7 +84,7 @@ TEST(FaultPlanTest, LinesChangeTheBehaviourAndWrongOnesNothing)
     FaultPlan plan(1, 20, behaviour);
     EXPECT_EQ(plan.Follow("loss 100%"), std::nullopt);
     EXPECT_EQ(plan.Treat(3, 0).Copies, 0u);
-    EXPECT_EQ(plan.Follow("silent on"), std::nullopt);
+    EXPECT_EQ(plan.Follow("\tsilent  on "), std::nullopt);
     EXPECT_TRUE(plan.Current().IsSilent);
 
     EXPECT_EQ(plan.Follow("kill 17"), std::nullopt);
@@ -95,8 +95,10 @@ TEST(FaultPlanTest, LinesChangeTheBehaviourAndWrongOnesNothing)
     EXPECT_TRUE(plan.IsAlive(16, 6s));
 
     for (const auto& [line, reason] :
-         {std::pair("loss", "\"loss\" is not a name and a value"), std::pair("loss 5", "\"5\" is not a share"),
-          std::pair("loss -1%", "\"-1%\" is not a share"), std::pair("loss nan%", "\"nan%\" is not a share"),
+         {std::pair("loss", "\"loss\" is not a name and a value"), std::pair(" loss ", "\" loss \" is not a name and"),
+          std::pair("", "\"\" is not a name and a value"), std::pair("loss 5% 6%", "\"loss 5% 6%\" is not a name and"),
+          std::pair("loss 5", "\"5\" is not a share"), std::pair("loss -1%", "\"-1%\" is not a share"),
+          std::pair("loss nan%", "\"nan%\" is not a share"),
           std::pair("delay 1s", "\"1s\" is not a number of milliseconds"),
           std::pair("silent maybe", "\"maybe\" is not on or off"),
           std::pair("kill 0", "\"0\" is not a device's number from 1 to 20"),
@@ -117,6 +119,26 @@ TEST(FaultPlanTest, LinesChangeTheBehaviourAndWrongOnesNothing)
     EXPECT_EQ(plan.Current().Loss, 1);
     EXPECT_TRUE(plan.Current().IsSilent);
     EXPECT_TRUE(plan.IsAlive(16, 6s));
+}
+
+TEST(FaultPlanTest, DevicesAreSilentWhileTheyReboot)
+{
+    FaultPlan plan(1, 3, Behaviour());
+    plan.Follow("reboot 4");
+    plan.Reboot(1, 10s);
+    plan.Reboot(0, 9s);
+    plan.Reboot(1, 11s); // is about to already
+    EXPECT_EQ(plan.NextRebooted(), 13s);
+    EXPECT_TRUE(plan.IsAlive(1, 11999ms));
+    EXPECT_FALSE(plan.IsAlive(1, 12s));
+    EXPECT_EQ(plan.TakeRebooted(12999ms), std::nullopt);
+    EXPECT_EQ(plan.TakeRebooted(14s), std::size_t{0});
+    EXPECT_EQ(plan.TakeRebooted(14s), std::size_t{1});
+    EXPECT_TRUE(plan.IsAlive(1, 14s));
+
+    plan.Reboot(2, 20s);
+    plan.Follow("kill 3");
+    EXPECT_EQ(plan.NextRebooted(), std::nullopt);
 }
 
 TEST(TimetableTest, GivesWhatIsDueFirstAndEqualOnesInOrder)
