@@ -71,6 +71,11 @@ std::uint32_t ReadMegabits(std::string_view text)
     return ReadCount(text, 1000000, "Mbit/s");
 }
 
+std::uint32_t ReadRate(std::string_view text)
+{
+    return ReadCount(text, 100000, "datagrams a second");
+}
+
 bool ReadSwitch(std::string_view text)
 {
     if (text != "on" && text != "off")
@@ -94,6 +99,10 @@ constexpr Behaviour::Setting AllSettings[] = {
      Take<&Behaviour::Delay, ReadMilliseconds>},
     {"spread", "MILLISECONDS", nullptr, "each answer comes up to this much later, by chance",
      Take<&Behaviour::Spread, ReadMilliseconds>},
+    {"jitter", "MILLISECONDS", nullptr, "answers are held up to this long on their way, and leave in a burst",
+     Take<&Behaviour::Jitter, ReadMilliseconds>},
+    {"flood", "RATE", nullptr, "broadcast so many signatures a second that nobody has asked for; 0 is none",
+     Take<&Behaviour::FloodRate, ReadRate>},
     {"die", "SECONDS", nullptr, "the devices fall silent for good so long after the start",
      Take<&Behaviour::DiesAfter, ReadSeconds>},
     {"refuse", "SHARE", "100%", "the share of the changes that they refuse; all of them without a value",
@@ -109,6 +118,8 @@ constexpr Behaviour::Setting AllSettings[] = {
     {"malformed", "SHARE", nullptr, "the share that breaks off before its end", Take<&Behaviour::Malformed, ReadShare>},
     {"oversize", "SHARE", nullptr, "the share that is larger than a host expects",
      Take<&Behaviour::Oversize, ReadShare>},
+    {"reorder", "SHARE", "50%", "the share of the answers that later ones overtake; half of them without a value",
+     Take<&Behaviour::Reorder, ReadShare>},
 };
 } // namespace
 

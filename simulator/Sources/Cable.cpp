@@ -1,7 +1,15 @@
 #include "Cable.h"
 
+#include <algorithm>
+
 namespace Zent::Discovery::Simulator
 {
+Cable::Time Cable::PassedAt(Time now, std::chrono::microseconds holdUp)
+{
+    lastPassed = std::max(lastPassed, now + holdUp);
+    return lastPassed;
+}
+
 void Cable::Occupy(Time now, std::size_t bytes, std::uint32_t megabitsPerSecond)
 {
     if (megabitsPerSecond == 0)

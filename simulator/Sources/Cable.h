@@ -16,10 +16,14 @@ public:
     /// The next datagram may leave then.
     Time FreeAt() const { return freeAt; }
 
+    /// When a datagram that leaves the device now and is held up so long comes out, after all before it.
+    Time PassedAt(Time now, std::chrono::microseconds holdUp);
+
     /// A datagram of so many bytes leaves now; 0 Mbit/s is no limit.
     void Occupy(Time now, std::size_t bytes, std::uint32_t megabitsPerSecond);
 
 private:
     Time freeAt{};
+    Time lastPassed{};
 };
 } // namespace Zent::Discovery::Simulator

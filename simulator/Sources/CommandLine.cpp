@@ -134,6 +134,9 @@ std::optional<SimulationOptions> CommandLine::Parse(const std::vector<std::strin
     app.add_flag("--share-port", options.SharesPort,
                  "share the port with other programs, of which one gets what is sent to a single address");
     app.add_flag("--verbose", options.Talks, "print what the devices do");
+    app.add_option("--trace", options.TracePath,
+                   "write what they do to a file, without clock times: the same for the same seed and requests")
+        ->type_name("FILE");
     try
     {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));

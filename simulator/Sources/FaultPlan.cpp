@@ -19,7 +19,9 @@ enum class Purpose : std::uint64_t
     Oversize,
     CutPlace,
     Spread,
-    Refusal
+    Refusal,
+    Jitter,
+    Reorder
 };
 
 /// A step of a generator of the kind that spreads neighbouring numbers over the whole range.
@@ -48,6 +50,11 @@ public:
     }
 
     bool Hits(Purpose purpose, double share) const { return Of(purpose) < share; }
+
+    std::chrono::microseconds PartOf(Purpose purpose, std::chrono::milliseconds time) const
+    {
+        return std::chrono::duration_cast<std::chrono::microseconds>(time * Of(purpose));
+    }
 
 private:
     const std::uint64_t state;
@@ -159,8 +166,9 @@ Treatment FaultPlan::Treat(std::size_t device, std::uint64_t earlierDatagrams) c
 {
     const Chances chances(seed, device, earlierDatagrams);
     Treatment treatment;
-    treatment.Delay = behaviour.Delay + std::chrono::duration_cast<std::chrono::microseconds>(
-                                            behaviour.Spread * chances.Of(Purpose::Spread));
+    treatment.Delay = behaviour.Delay + chances.PartOf(Purpose::Spread, behaviour.Spread);
+    treatment.HoldUp = chances.PartOf(Purpose::Jitter, behaviour.Jitter);
+    treatment.IsOvertaken = chances.Hits(Purpose::Reorder, behaviour.Reorder);
     if (chances.Hits(Purpose::Loss, behaviour.Loss))
     {
         treatment.Copies = 0;

@@ -22,8 +22,10 @@ struct Treatment
         Padded // beyond what a host's first receive buffer holds
     };
 
-    std::chrono::microseconds Delay{0}; // from the request
-    unsigned Copies = 1;                // 0 when it is lost
+    std::chrono::microseconds Delay{0};  // from the request
+    std::chrono::microseconds HoldUp{0}; // on its way, behind which others wait
+    bool IsOvertaken = false;            // by those that leave soon after it
+    unsigned Copies = 1;                 // 0 when it is lost
     Forms Form = Forms::Whole;
     double KeptShare = 1;
 };

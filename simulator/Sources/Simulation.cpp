@@ -84,6 +84,7 @@ Simulation::Simulation(const SimulationOptions& options, Inbox& inbox, std::ostr
     , inbox(inbox)
     , out(out)
     , faults(options.Seed, static_cast<std::size_t>(options.Count), options.AtStart)
+    , trace(options.TracePath)
     , network(options.SharesPort)
 {
     const AddressPlan plan(options.Addresses, options.Network);
@@ -126,14 +127,7 @@ void Simulation::Serve()
 {
     while (!inbox.IsClosed())
     {
-        const std::optional<Clock::time_point> next = answers.Next();
-        const std::optional<std::chrono::milliseconds> rebooted = faults.NextRebooted();
-        std::optional<Clock::time_point> wake = next ? std::optional(*next - TimerSlack) : std::nullopt;
-        if (rebooted && (!wake || start + *rebooted < *wake))
-        {
-            wake = start + *rebooted;
-        }
-        if (const std::optional<Inbox::Entry> entry = inbox.Take(wake))
+        if (const std::optional<Inbox::Entry> entry = inbox.Take(NextWake()))
         {
             Handle(*entry);
         }
@@ -141,12 +135,54 @@ void Simulation::Serve()
         {
             Restart(*device);
         }
+        if (faults.Current().FloodRate > 0)
+        {
+            Flood();
+        }
+        const std::optional<Clock::time_point> next = answers.Next();
         if (next && *next <= Clock::now() + TimerSlack)
         {
             WaitUntil(*next);
-            Deliver(answers.Take());
+            Dispatch(answers.Take());
         }
     }
+}
+
+std::optional<Simulation::Clock::time_point> Simulation::NextWake() const
+{
+    std::optional<Clock::time_point> wake;
+    const auto wakeBy = [&wake](Clock::time_point time) { wake = wake ? std::min(*wake, time) : time; };
+    if (const std::optional<Clock::time_point> next = answers.Next())
+    {
+        wakeBy(*next - TimerSlack);
+    }
+    if (const std::optional<std::chrono::milliseconds> rebooted = faults.NextRebooted())
+    {
+        wakeBy(start + *rebooted);
+    }
+    if (faults.Current().FloodRate > 0)
+    {
+        wakeBy(floodDue);
+    }
+    return wake;
+}
+
+void Simulation::Flood()
+{
+    // Numbers that no answer reaches: a flood leaves the chances of answers alone.
+    static constexpr std::uint64_t FirstNumber = std::uint64_t{1} << 63;
+    static constexpr std::chrono::milliseconds MaximumDebt(100);
+    const Clock::time_point now = Clock::now();
+    if (now < floodDue)
+    {
+        return;
+    }
+    const std::size_t device = floods % participants.size();
+    const Treatment treatment = faults.Treat(device, FirstNumber + floods / participants.size());
+    Deliver({device, participants[device].Device.Signature(), IPAddress::Broadcast(), treatment});
+    ++floods;
+    floodDue = std::max(floodDue, now - MaximumDebt) +
+               std::chrono::nanoseconds(std::chrono::seconds(1)) / faults.Current().FloodRate;
 }
 
 void Simulation::Handle(const Inbox::Entry& entry)
@@ -167,6 +203,7 @@ void Simulation::Follow(const std::string& line)
     {
         const std::optional<std::size_t> revived = faults.Follow(line);
         out << line << std::endl;
+        trace.Note("line " + line);
         wrongLines = 0;
         for (Participant& participant : participants)
         {
@@ -200,9 +237,11 @@ void Simulation::Answer(const Request& request)
     }
     catch (const Exception& exception)
     {
+        trace.Note("unreadable message from " + Text(request.Sender));
         Complain("unreadable message from " + Text(request.Sender) + ": " + Text(exception.GetError()));
         return;
     }
+    trace.Note(Text(message->GetMessageType()) + " from " + Text(request.Sender) + " to " + Text(request.Destination));
     for (std::size_t device = 0; device < participants.size(); ++device)
     {
         if (Hears(participants[device], request.Destination) && IsAlive(device))
@@ -246,6 +285,7 @@ void Simulation::Answer(std::size_t device, const DiscoveryMessage& message, con
             << " to " << Text(request.Sender) << std::endl;
     }
     const Treatment treatment = faults.Treat(device, participant.Datagrams++);
+    trace.Note(device, "answers", treatment);
     const IPAddress target = faults.Current().AnswersByBroadcast ? IPAddress::Broadcast() : request.Sender;
     answers.Add(Clock::now() + treatment.Delay, {device, participant.Device.Signature(), target, treatment});
 }
@@ -253,8 +293,13 @@ void Simulation::Answer(std::size_t device, const DiscoveryMessage& message, con
 void Simulation::Change(std::size_t device, const DiscoveryMessage& message)
 {
     Participant& participant = participants[device];
-    if (!faults.Refuses(device, participant.Changes++) && participant.Device.Change(message))
+    if (faults.Refuses(device, participant.Changes++))
     {
+        trace.Note(device, "refuses the change");
+    }
+    else if (participant.Device.Change(message))
+    {
+        trace.Note(device, "needs a reboot");
         faults.Reboot(device, SinceStart());
     }
 }
@@ -282,8 +327,23 @@ void Simulation::Announce(std::size_t device)
 {
     Participant& participant = participants[device];
     const Treatment treatment = faults.Treat(device, participant.Datagrams++);
+    trace.Note(device, "says " + Text(TMessage().GetMessageType()), treatment);
     const auto text = std::make_shared<const String>(participant.Device.Say<TMessage>());
     Deliver({device, text, IPAddress::Broadcast(), treatment});
+}
+
+void Simulation::Dispatch(Delivery delivery)
+{
+    static constexpr std::chrono::milliseconds Detour(20);
+    const Treatment& how = delivery.How;
+    if (delivery.IsOnTheWay || (how.HoldUp.count() == 0 && !how.IsOvertaken))
+    {
+        Deliver(delivery);
+        return;
+    }
+    delivery.IsOnTheWay = true;
+    const Clock::time_point now = Clock::now();
+    answers.Add(how.IsOvertaken ? now + how.HoldUp + Detour : cable.PassedAt(now, how.HoldUp), delivery);
 }
 
 void Simulation::Deliver(const Delivery& delivery)

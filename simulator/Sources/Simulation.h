@@ -7,12 +7,14 @@
 #include "SimulatedDevice.h"
 #include "SimulationOptions.h"
 #include "Timetable.h"
+#include "Trace.h"
 #include "system/Net/IPAddress.h"
 #include "system/String.h"
 
 #include <chrono>
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,6 +45,11 @@ private:
     };
 
     void Serve();
+
+    /// When there is something to do, whatever comes in until then.
+    std::optional<Clock::time_point> NextWake() const;
+
+    void Flood();
     void Handle(const Inbox::Entry& entry);
     void Follow(const std::string& line);
     void Answer(const Request& request);
@@ -61,6 +68,9 @@ private:
     template <class TMessage>
     void Announce(std::size_t device);
 
+    /// Sends what leaves its device now, unless it is held up.
+    void Dispatch(Delivery delivery);
+
     void Deliver(const Delivery& delivery);
 
     /// Sends from the address that the device was given, or from the one before when it is not one of this machine.
@@ -75,10 +85,13 @@ private:
     std::ostream& out;
     const Clock::time_point start = Clock::now();
     FaultPlan faults;
+    Trace trace;
     Timetable answers;
     Cable cable;
     std::vector<Participant> participants;
     DeviceNetwork network;
-    unsigned wrongLines = 0; // in a row
+    Clock::time_point floodDue; // without meaning while the devices do not flood
+    std::uint64_t floods = 0;   // that were sent
+    unsigned wrongLines = 0;    // in a row
 };
 } // namespace Zent::Discovery::Simulator

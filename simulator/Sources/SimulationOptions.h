@@ -27,5 +27,6 @@ struct SimulationOptions
     bool SharesPort = false;    // with other programs on this machine
     bool EndsWithInput = false; // when standard input ends
     bool Talks = false;         // prints what the devices do
+    std::string TracePath;      // where it is written what they do; empty for nowhere
 };
 } // namespace Zent::Discovery::Simulator

@@ -20,6 +20,7 @@ struct Delivery
     std::shared_ptr<const Nfx::System::String> Text;
     Nfx::System::Net::IPAddress Target;
     Treatment How;
+    bool IsOnTheWay = false; // when it has left the device, and is held up
 };
 
 /// Deliveries in the order of their times, those of the same time in the order of their coming. It has no clock: times

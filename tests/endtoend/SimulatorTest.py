@@ -158,6 +158,38 @@ class FaultTest(TestCase):
             self.assertIn("nothing more is said until a line is right", complaints[-1])
             self.assertFalse(asker.ask()[0])
 
+    def test_a_network_reorders_holds_up_and_floods(self):
+        with Simulator("--count", "50", "--no-hello", "--no-bye", "--reorder") as simulator, Asker() as asker:
+            names = [device.name for device in simulator.devices]
+            self.assertNotEqual(names_in(asker.ask()[0]), names)
+            simulator.behave("reorder 0%")
+            simulator.behave("jitter 300")
+            self.assertEqual(names_in(asker.ask()[0]), names)
+            simulator.behave("flood 500")
+            asker.receiving.settimeout(PATIENCE)
+            first = time.monotonic()
+            flood = [asker.receiving.recv(65536) for _ in range(250)]
+            self.assertGreater(time.monotonic() - first, 0.35)
+            self.assertEqual(set(names_in(flood)), set(names))
+            simulator.behave("flood 0")
+
+    def test_a_trace_is_the_same_for_the_same_seed_and_requests(self):
+        faults = ["--loss", "20%", "--duplicate", "20%", "--spread", "50", "--jitter", "20", "--reorder=20%"]
+        traces = []
+        for run in range(2):
+            trace = self.folder / f"{run}.trace"
+            options = [*faults, "--malformed", "20%", "--refuse", "50%", "--trace", str(trace)]
+            with Simulator("--count", "20", *options) as simulator, Asker() as asker:
+                asker.ask()
+                simulator.behave("flood 100")
+                asker.sending.sendto(RENAME, ("127.0.0.12", DEVICE_PORT))
+                asker.sending.sendto(b"nonsense", ("127.0.0.12", DEVICE_PORT))
+                simulator.line_with("unreadable")
+            traces.append(trace.read_text())
+        self.assertEqual(traces[0], traces[1])
+        for line in ("says Hello", "AllSendYourSignature from 127.0.0.1 to 255.255.255.255", "lost", "line flood 100"):
+            self.assertIn(line, traces[0])
+
     def test_changes_are_refused_or_wait_for_a_reboot(self):
         def states(answers):
             return [

@@ -167,6 +167,9 @@ TEST(CableTest, TakesAsLongAsEthernetDoes)
     EXPECT_EQ(cable.FreeAt(), start + 9328ns);
     cable.Occupy(start, 3000, 100); // three frames
     EXPECT_EQ(cable.FreeAt(), start + 254560ns);
+    EXPECT_EQ(cable.PassedAt(start, 30ms), start + 30ms);
+    EXPECT_EQ(cable.PassedAt(start + 10ms, 5ms), start + 30ms); // behind the one before
+    EXPECT_EQ(cable.PassedAt(start + 10ms, 25ms), start + 35ms);
 }
 } // namespace
 } // namespace Zent::Discovery::Simulator
