@@ -237,8 +237,10 @@ std::vector<std::string> LiveWatchView::TableLines(const Rows& rows,
         TableOf({first, first + static_cast<std::ptrdiff_t>(shown)}, now).Lines(output.OutColours(), width);
     if (shown < rows.size())
     {
-        const std::string above = top == 0 ? "... and " : "... " + std::to_string(top) + " above and ";
-        lines.push_back(TerminalText::Shorten(above + std::to_string(rows.size() - top - shown) + " more", width));
+        const std::size_t below = rows.size() - top - shown;
+        const std::string above = top == 0 ? "..." : "... " + std::to_string(top) + " above";
+        const std::string rest = below == 0 ? "" : " and " + std::to_string(below) + " more";
+        lines.push_back(TerminalText::Shorten(above + rest, width));
     }
     return lines;
 }
