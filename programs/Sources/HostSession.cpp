@@ -33,7 +33,8 @@ std::unique_ptr<DiscoverySession> Open(const HostSession::Settings& settings,
     }
     catch (const DiscoveryError& error)
     {
-        warn(std::string(error.what()) + "; going on without a log");
+        warn((settings.LogFile.empty() ? "--log names no file" : std::string(error.what())) +
+             "; going on without a log");
         return std::make_unique<DiscoverySession>(library, Process::NullDevice(), DiscoveryLogNone);
     }
 }
