@@ -8,8 +8,10 @@
 #include "Terminal/Terminal.h"
 #include "system/Exception.h"
 
+#include <cerrno>
 #include <exception>
 #include <iostream>
+#include <system_error>
 
 using namespace Zent::Discovery::Console;
 using Zent::Discovery::Programs::Interruption;
@@ -27,6 +29,7 @@ ExitStatus Run(ICommand& command, const ProgramOptions& options)
     const Terminal errors(Terminal::Stream::Errors);
     Output output(std::cout, std::cerr,
                   {.Json = options.Json,
+                   .Csv = options.Csv,
                    .OutIsTerminal = out.IsInteractive(),
                    .ErrorsAreTerminal = errors.IsInteractive(),
                    .HasColours = HostPlatform::EnvironmentVariable("NO_COLOR").empty(),
@@ -36,7 +39,7 @@ ExitStatus Run(ICommand& command, const ProgramOptions& options)
         CommandContext context(options, messages, output);
         const ExitStatus status = command.Run(context);
         context.Close();
-        return std::cout.flush().good() ? status : ExitStatus::Failure;
+        return output.Finish() ? status : ExitStatus::Failure;
     }
     catch (const WrongArgument& error)
     {
@@ -63,7 +66,15 @@ int main(int argc, char* argv[])
         CommandLine commandLine;
         ExitStatus status = ExitStatus::Failure;
         ICommand* const command = commandLine.Parse(Process::Arguments(argc, argv), std::cout, std::cerr, status);
-        return static_cast<int>(command == nullptr ? status : Run(*command, commandLine.Options()));
+        if (command != nullptr)
+        {
+            return static_cast<int>(Run(*command, commandLine.Options()));
+        }
+        if (!std::cout.flush().good())
+        {
+            throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
+        }
+        return static_cast<int>(status);
     }
     catch (const std::exception& error)
     {

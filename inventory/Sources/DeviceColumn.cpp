@@ -3,6 +3,7 @@
 #include "Inventory/NaturalOrder.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Zent::Discovery::Inventory
 {
@@ -117,13 +118,17 @@ const DeviceColumn* DeviceColumn::Find(std::string_view name)
     return found == std::end(Columns) ? nullptr : found;
 }
 
-std::string DeviceColumn::Names()
+std::string DeviceColumn::Names(std::string_view without)
 {
     std::string names;
+    std::string last;
     for (const DeviceColumn& column : Columns)
     {
-        names += (names.empty() ? "" : &column == std::end(Columns) - 1 ? " and " : ", ") + std::string(column.Name);
+        if (column.Name != without)
+        {
+            names += (names.empty() ? "" : ", ") + std::exchange(last, column.Name);
+        }
     }
-    return names;
+    return names + " and " + last;
 }
 } // namespace Zent::Discovery::Inventory

@@ -38,4 +38,15 @@ void Process::ReadInput(const std::function<void(const std::string& line)>& take
         finish();
     }
 }
+
+std::string Process::ReadAllInput()
+{
+    std::array<char, MaximumLineBytes> buffer;
+    std::string all;
+    while (const std::size_t size = ReadSome(buffer))
+    {
+        all.append(buffer.data(), size);
+    }
+    return all;
+}
 } // namespace Zent::Discovery::Programs

@@ -47,6 +47,9 @@ TEST(CommandLineTest, ComplaintsNameTheProgramAndTheCause)
           std::pair(std::vector<std::string>{"inventory", "diff", "a.json"}, "AFTER"),
           std::pair(std::vector<std::string>{"discover", "--sort", "colour"}, "the columns are name, type"),
           std::pair(std::vector<std::string>{"watch", "--filter", "name"}, "COLUMN=PATTERN"),
+          std::pair(std::vector<std::string>{"error", "73", "--csv"}, "--csv: this command shows no table"),
+          std::pair(std::vector<std::string>{"discover", "--expect", "2.5"},
+                    "\"2.5\" is not a whole number of devices"),
           std::pair(std::vector<std::string>{"--log-level", "7"}, "critical, standard, debug and none"),
           std::pair(std::vector<std::string>{"discover", "--log-level", "7"}, "critical, standard, debug and none"),
           std::pair(std::vector<std::string>{"rename", "x", "--ip", "255.255.255.255"}, "the address of all devices")})
@@ -73,6 +76,7 @@ TEST(CommandLineTest, MisuseEndsWithTheUsageStatus)
                                                {"discover", "--every", "5"},
                                                {"rename", "name"},
                                                {"rename", "name", "--mac", "0:1:2:3:4:5", "--ip", "10.0.0.1"},
+                                               {"discover", "--json", "--csv"},
                                                {"discover", "--wait", "-1"},
                                                {"discover", "--wait", "nan"},
                                                {"discover", "--expect", "0"},

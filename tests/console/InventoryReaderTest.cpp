@@ -1,5 +1,6 @@
 #include "Commands/InventoryReader.h"
 
+#include "Programs/WrongArgument.h"
 #include "Text/TimeText.h"
 #include "support/DeviceDocuments.h"
 
@@ -11,6 +12,7 @@ using namespace Zent::Discovery::Console;
 using DeviceDocuments::Document;
 using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Programs::WrongArgument;
 
 namespace
 {
@@ -26,7 +28,7 @@ std::string NamesOf(const DeviceList& inventory)
 
 TEST(InventoryReaderTest, TakesDocumentsHoweverTheyAreLaidOut)
 {
-    const std::string a = R"({"Message":"Signature","Time":"x",)" + Document("a}\\\"{", "02:01", "").substr(1);
+    const std::string a = R"({"Message":"Signature",)" + Document("a}\\\"{", "02:01", "").substr(1);
     const std::string b = R"({"Message":"Hello",)" + Document("b", "02:02", "").substr(1);
     const std::string bye = R"({"Message":"Bye",)" + Document("b", "02:02", "").substr(1);
     for (const std::string& text :
@@ -36,7 +38,9 @@ TEST(InventoryReaderTest, TakesDocumentsHoweverTheyAreLaidOut)
         EXPECT_EQ(NamesOf(InventoryReader::ReadText(text, "file")), "a}\"{;b;");
     }
     EXPECT_EQ(NamesOf(InventoryReader::ReadText(b + a + bye, "file")), "a}\"{;");
-    EXPECT_EQ(NamesOf(InventoryReader::ReadText("", "file")), "");
+    const std::string missing = R"({"Change":"Missing",)" + Document("c", "02:03", "").substr(1);
+    EXPECT_EQ(NamesOf(InventoryReader::ReadText(b + missing, "file")), "b;");
+    EXPECT_EQ(NamesOf(InventoryReader::ReadText("[]", "file")), "");
     // As the documents of the library, so that they can be printed again.
     const DeviceList inventory = InventoryReader::ReadText(b, "file");
     EXPECT_EQ(inventory.Devices()[0].Message.Document, Document("b", "02:02", ""));
@@ -51,7 +55,7 @@ TEST(InventoryReaderTest, KeepsTheTimeOfTheMessage)
     EXPECT_EQ(TimeText::Utc(timeOf(R"("2026-02-28T23:59:58.007Z")")), "2026-02-28T23:59:58.007Z");
     for (const char* const bad : {"1", R"("")", R"("2026-02-30T00:00:00.000Z")", R"("2026-99-01T00:00:00.000Z")"})
     {
-        EXPECT_EQ(timeOf(bad).time_since_epoch().count(), 0) << bad;
+        EXPECT_THROW(timeOf(bad), WrongArgument) << bad;
     }
 }
 
@@ -63,7 +67,11 @@ TEST(InventoryReaderTest, NamesThePlaceOfWhatIsNoResult)
                                      {"{\"Host\":1}", "2, column 1: the document has no \"Host\""},
                                      {"{\"Host\":{\n", "3, column 1: syntax error"},
                                      {"{\"Host\" {}}", "2, column 9: syntax error"},
-                                     {"[[", "2, column 1: no JSON object"}})
+                                     {"[[", "2, column 1: no JSON object"},
+                                     {R"({"Message":"Ciao","Host":{}})", R"(2, column 1: "Message" is none of)"},
+                                     {R"({"Host":{"HostName":1}})", R"(2, column 1: "Host.HostName" is no text: 1)"},
+                                     {R"({"Host":{"NICs":[{},{"IPAddress":"10.0.0.300"}]}})",
+                                      R"(2, column 1: "Host.NICs[1].IPAddress" is no IPv4 address: "10.0.0.300")"}})
     {
         SCOPED_TRACE(bad);
         try
@@ -78,5 +86,6 @@ TEST(InventoryReaderTest, NamesThePlaceOfWhatIsNoResult)
         }
     }
     EXPECT_THROW(InventoryReader::ReadText("[" + good + good + "]", "file"), std::runtime_error);
+    EXPECT_THROW(InventoryReader::ReadText(" \n", "file"), WrongArgument);
 }
 } // namespace

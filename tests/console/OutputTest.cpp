@@ -57,4 +57,28 @@ TEST(OutputTest, ScriptsReadDocumentsAlone)
               R"({"Message":"Bye","Time":"2004-03-10T14:23:09.007Z",)" + device.Message.Document.substr(1) + "\n");
     EXPECT_EQ(errors.str(), "");
 }
+
+TEST(OutputTest, SpreadsheetsGetWholeTextsAndNoFormulas)
+{
+    std::ostringstream out;
+    std::ostringstream errors;
+    Output output(out, errors, {.Csv = true});
+    output.Show({});
+    for (const auto& [name, cell] : {std::pair(R"(=1+1)", "'=1+1"),
+                                     {R"( @a)", "' @a"},
+                                     {R"(-a;\"b\", c)", R"("'-a;""b"", c")"},
+                                     {R"(+\n\r\t)", R"('+\x0A\x0D\x09)"},
+                                     {R"(a=1)", "a=1"}})
+    {
+        out.str("");
+        output.ShowNow(Device(DeviceDocuments::Message(DeviceMessage::MessageKind::Bye, name)));
+        EXPECT_EQ(out.str(), cell + std::string(",,,,02:00:00:00:00:01,10.0.0.1,,Bye,\n"));
+    }
+    out.str("");
+    const std::string longName(500, 'x');
+    output.Show(Device(DeviceDocuments::Message(DeviceMessage::MessageKind::Bye, longName)));
+    EXPECT_TRUE(out.str().starts_with(longName + ",")) << out.str();
+    output.Conclude("1 device found");
+    EXPECT_EQ(errors.str(), "");
+}
 } // namespace

@@ -1,5 +1,6 @@
 """discovery-console against simulated devices on loopback."""
 
+import csv
 import json
 import os
 import re
@@ -157,11 +158,39 @@ class InventoryTest(TestCase):
         table, _ = self.console("inventory", "show", after, "--sort", "ip:desc")
         self.assertEqual([row[0] for row in rows(table)], [new.name, "new-name", same.name])
 
+    def test_a_search_marks_what_is_different_since_a_result(self):
+        with Simulator("--count", "4") as simulator:
+            same, renamed, gone, new = simulator.devices
+            before = self.save("a.json", "--wait", "0.5", "--filter", f"ip!={new.ip}")
+            self.console("rename", "=1+1", "--mac", renamed.mac)
+            simulator.behave("kill 3")
+            search = ("discover", "--since", before, "--sort", "ip", "--once", "--wait", "0.5")
+            table, closing = self.console(*search)
+            cells, _ = self.console(*search, "--csv")
+            documents = self.console_documents(*search)
+        lines = [line.split() for line in table.splitlines()]
+        self.assertEqual(
+            [line[0] for line in lines], ["CHANGE", same.name, "changed", "HostName:", "new", "missing"], table
+        )
+        self.assertIn("1 new, 1 changed, 1 missing, 1 unchanged\n", closing)
+        table = list(csv.DictReader(cells.splitlines()))
+        self.assertEqual([row["change"] for row in table], ["", "changed", "new", "missing"])
+        self.assertEqual([table[1][key] for key in ("name", "property", "before", "after")],
+                         ["'=1+1", "HostName", renamed.name, "'=1+1"])  # fmt: skip
+        self.assertEqual([document.get("Change") for document in documents], [None, "Changed", "New", "Missing"])
+        after = "".join(json.dumps(document) for document in documents)
+        _, count = self.console("inventory", "diff", before, "-", status=4, text=after)
+        self.assertEqual(count, "1 appeared, 1 left, 1 changed, 1 unchanged\n")
+
     def test_files_that_are_no_results_are_named(self):
         bad = self.folder / "bad.json"
         bad.write_text('{"Host":{"HostName":"a"}}\n{"Host":', encoding="utf-8")
         _, errors = self.console("inventory", "show", str(bad), status=2)
         self.assertIn(f"{bad}: line 2, column 9: ", errors)
+        _, errors = self.console("inventory", "show", "-", status=2, text='{"Host":1}')
+        self.assertIn("standard input: line 1, column 1: ", errors)
+        _, errors = self.console("discover", "--since", os.devnull, status=2)
+        self.assertIn(f"{os.devnull} is empty, which is no inventory", errors)
         missing = str(self.folder / "missing.json")
         _, errors = self.console("inventory", "diff", missing, str(bad), status=1)
         self.assertIn(f"cannot read {missing}: ", errors)
@@ -358,7 +387,19 @@ class FailureTest(TestCase):
             self.assertEqual(self.console("error", code)[0], "Invalid Format\n")
             document = {"Code": str(INVALID_FORMAT), "Text": "Invalid Format"}
             self.assertEqual(self.console_documents("error", code), [document])
+        self.assertIn("Socket: the network has refused, ", self.console("error", "73")[0])
         self.console("error", "12345", status=1)
+
+    def test_a_full_disk_is_told(self):
+        if launcher():
+            self.skipTest("a file of Linux")
+        for arguments in (["--help"], ["doctor", "--list"]):
+            with open("/dev/full", "w") as full:
+                result = subprocess.run(
+                    command("discovery-console", *arguments), stdout=full, stderr=subprocess.PIPE, check=False
+                )
+            self.assertEqual(result.returncode, 1)
+            self.assertIn(b"cannot write to standard output: ", result.stderr)
 
     def test_misuse_is_told_apart_from_failure(self):
         self.assertNotEqual(self.console("rename", "name", status=2)[1], "")

@@ -276,11 +276,12 @@ class TestCase(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
-    def console(self, *arguments, status=0, machine=None):
-        """Runs discovery-console on loopback to its end and checks its exit status."""
+    def console(self, *arguments, status=0, machine=None, text=None):
+        """Runs discovery-console on loopback to its end, with a text as its input, and checks its exit status."""
         result = subprocess.run(
             command("discovery-console", *self.console_options(), *arguments, machine=machine),
             capture_output=True,
+            input=None if text is None else text.encode(),
             timeout=3 * TIMEOUT,
             check=False,
         )

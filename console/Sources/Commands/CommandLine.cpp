@@ -75,6 +75,10 @@ ICommand* CommandLine::Parse(const std::vector<std::string>& arguments,
     try
     {
         app->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        if (options.Csv && !chosen->HasCsv())
+        {
+            throw CLI::ValidationError("--csv", "this command shows no table of devices");
+        }
         return chosen;
     }
     catch (const CLI::ParseError& error)

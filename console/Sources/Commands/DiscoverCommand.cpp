@@ -1,7 +1,9 @@
 #include "Commands/DiscoverCommand.h"
 
 #include "Commands/AddressList.h"
+#include "Commands/ChangeReport.h"
 #include "Commands/CommandContext.h"
+#include "Commands/InventoryReader.h"
 #include "Commands/SharedOptions.h"
 #include "Doctor/Examination.h"
 #include "Inventory/Search.h"
@@ -15,6 +17,7 @@
 #include <cstdio>
 #include <exception>
 
+using Zent::Discovery::Inventory::DeviceList;
 using Zent::Discovery::Inventory::DeviceRow;
 using Zent::Discovery::Inventory::SearchOptions;
 using Zent::Discovery::Inventory::SearchReport;
@@ -76,12 +79,19 @@ CLI::App& DiscoverCommand::AddTo(CLI::App& parent)
         ->type_name("IP[/PREFIX],@FILE")
         ->allow_extra_args(false);
     command.add_option("--summary", summaryFile, "write what the search has come to as JSON")->type_name("FILE");
+    command.add_option("--since", sinceFile, "mark what is new, changed and missing since that result was saved")
+        ->type_name("FILE");
     SharedOptions::AddSelection(command, selection);
     return command;
 }
 
 ExitStatus DiscoverCommand::Run(CommandContext& context)
 {
+    std::optional<DeviceList> before;
+    if (!sinceFile.empty())
+    {
+        before = InventoryReader::Read(sinceFile);
+    }
     if (!summaryFile.empty())
     {
         TextFile::Write(summaryFile, ""); // a search whose result could not be written is not begun
@@ -97,7 +107,11 @@ ExitStatus DiscoverCommand::Run(CommandContext& context)
     const bool isInterrupted = !Search(driver, context);
     const SearchReport report = *driver.Session().SearchState();
     const Devices devices = Chosen(driver);
-    if (!devices.empty())
+    if (before)
+    {
+        ShowSince(*before, driver, output);
+    }
+    else if (!devices.empty())
     {
         output.Show(devices);
     }
@@ -151,6 +165,20 @@ DiscoverCommand::Devices DiscoverCommand::Chosen(SessionDriver& driver) const
         devices.push_back(row->Latest.get());
     }
     return selection.Of(devices, std::chrono::system_clock::now());
+}
+
+void DiscoverCommand::ShowSince(const DeviceList& before, const SessionDriver& driver, Output& output) const
+{
+    DeviceList after;
+    for (const DeviceRow* row : driver.Session().Devices().Rows())
+    {
+        after.Add(*row->Latest);
+    }
+    const ChangeReport::Counts counts =
+        ChangeReport(output, {"new", "changed", "missing"}, ChangeReport::Scope::All).Compare(before, after, selection);
+    output.Conclude("since " + TerminalText::Plain(sinceFile) + ": " + std::to_string(counts.Appeared) + " new, " +
+                    std::to_string(counts.Changed) + " changed, " + std::to_string(counts.Left) + " missing, " +
+                    std::to_string(counts.Same) + " unchanged");
 }
 
 ExitStatus DiscoverCommand::Conclude(const SessionDriver& driver, std::size_t shown, CommandContext& context) const

@@ -13,6 +13,7 @@
 namespace Zent::Discovery::Inventory
 {
 class Device;
+class DeviceList;
 } // namespace Zent::Discovery::Inventory
 
 namespace Zent::Discovery::Programs
@@ -22,6 +23,8 @@ class SessionDriver;
 
 namespace Zent::Discovery::Console
 {
+class Output;
+
 /// Searches for all devices, or asks them once, and shows who was heard of.
 class DiscoverCommand final : public ICommand
 {
@@ -38,11 +41,15 @@ private:
     Devices Chosen(Programs::SessionDriver& driver) const;
     ExitStatus Conclude(const Programs::SessionDriver& driver, std::size_t shown, CommandContext& context) const;
 
+    /// Shows the devices with marks where they differ from before.
+    void ShowSince(const Inventory::DeviceList& before, const Programs::SessionDriver& driver, Output& output) const;
+
     bool once = false;
     bool noSweep = false;
     std::size_t expectedDevices = 0; // among those that the selection accepts; 0 when their number is unknown
     std::vector<Inventory::Network> also;
     std::string summaryFile; // its UTF-8 path; empty for none
+    std::string sinceFile;   // the same
     Inventory::DeviceSelection selection{&TerminalText::Plain};
 };
 } // namespace Zent::Discovery::Console

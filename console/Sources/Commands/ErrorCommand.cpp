@@ -1,11 +1,13 @@
 #include "Commands/ErrorCommand.h"
 
 #include "Commands/CommandContext.h"
+#include "DiscoverySession.h"
 #include "Json/JSONStringer.h"
 #include "Show/Output.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -18,7 +20,35 @@ namespace Zent::Discovery::Console
 {
 namespace
 {
-std::string Document(int code, const std::string& text)
+/// What a code means for the user of the console.
+struct Meaning
+{
+    int Code;
+    const char* Text;
+};
+
+constexpr Meaning Meanings[] = {
+    {0, "the call has succeeded"},
+    {DiscoveryError::ArgumentNull, "the host program has left out an argument"},
+    {DiscoveryError::ArgumentOutOfRange, "the host program has given a number that is not possible"},
+    {DiscoveryError::OutOfMemory, "the host program has used up its memory"},
+    {DiscoveryError::InvalidOperation, "the call is not allowed at that moment, or in a callback"},
+    {DiscoveryError::NullPointer, "the server is not started, or is restarting itself; try again after a second"},
+    {DiscoveryError::Socket, "the network has refused, for instance because another program has UDP port 12001; "
+                             "discovery-console doctor says which"},
+};
+
+constexpr int LastKind = 84; // codes up to there are kinds of failures, whose texts are their bare names
+constexpr const char* OfKind = "a failure of that kind inside the library; its log tells more";
+
+/// Null for a code whose text speaks for itself.
+const char* MeaningOf(int code)
+{
+    const Meaning* const found = std::ranges::find(Meanings, code, &Meaning::Code);
+    return found != std::end(Meanings) ? found->Text : code > 0 && code <= LastKind ? OfKind : nullptr;
+}
+
+std::string Document(int code, const std::string& text, const char* meaning)
 {
     JSONStringer stringer;
     stringer.Object();
@@ -26,6 +56,11 @@ std::string Document(int code, const std::string& text)
     stringer.Value(std::string_view(std::to_string(code)));
     stringer.Key("Text");
     stringer.Value(std::string_view(text));
+    if (meaning != nullptr)
+    {
+        stringer.Key("Meaning");
+        stringer.Value(std::string_view(meaning));
+    }
     stringer.EndObject();
     return std::string(stringer.ToString().View());
 }
@@ -65,7 +100,10 @@ ExitStatus ErrorCommand::Run(CommandContext& context)
         context.Out().Complain(text);
         return ExitStatus::Failure;
     }
-    context.Out().PrintLine(context.Options().Json ? Document(code, text) : text);
+    const char* const meaning = MeaningOf(code);
+    context.Out().PrintLine(context.Options().Json ? Document(code, text, meaning)
+                            : meaning != nullptr   ? text + ": " + meaning
+                                                   : text);
     return ExitStatus::Success;
 }
 } // namespace Zent::Discovery::Console

@@ -9,6 +9,9 @@ class ErrorCommand final : public ICommand
 {
 public:
     CLI::App& AddTo(CLI::App& parent) override;
+
+    bool HasCsv() const override { return false; }
+
     ExitStatus Run(CommandContext& context) override;
 
 private:

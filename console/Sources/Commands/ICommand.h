@@ -20,6 +20,9 @@ public:
     /// Adds the command with its arguments to the program's, or to a group's. Reading the command line fills them.
     virtual CLI::App& AddTo(CLI::App& parent) = 0;
 
+    /// Whether it can show what it has to show as comma-separated values.
+    virtual bool HasCsv() const { return true; }
+
     /// Once the command line has been read.
     /// @throws std::runtime_error when a file cannot be used, or the library cannot be loaded or refuses.
     virtual ExitStatus Run(CommandContext& context) = 0;

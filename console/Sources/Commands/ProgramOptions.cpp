@@ -47,7 +47,8 @@ void ProgramOptions::AddTo(CLI::App& program)
     SharedOptions::AddSeconds(program, "--wait", Wait,
                               "how long to wait for devices; 2 seconds without it, 10 in a search, watch without end",
                               0.0);
-    program.add_flag("--json", Json, "print one JSON document per line, for scripts");
+    CLI::Option* const json = program.add_flag("--json", Json, "print one JSON document per line, for scripts");
+    program.add_flag("--csv", Csv, "print comma-separated values, for spreadsheets")->excludes(json);
 }
 
 void ProgramOptions::AddInterfaces(CLI::App& program)

@@ -21,6 +21,7 @@ struct ProgramOptions
     Programs::HostSession::Settings Session;
     std::optional<std::chrono::milliseconds> Wait;
     bool Json = false;
+    bool Csv = false;
 
 private:
     void AddInterfaces(CLI::App& program);

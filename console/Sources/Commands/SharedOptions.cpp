@@ -6,7 +6,6 @@
 #include <stdexcept>
 #include <vector>
 
-using Zent::Discovery::Inventory::DeviceColumn;
 using Zent::Discovery::Inventory::DeviceSelection;
 
 namespace Zent::Discovery::Console
@@ -33,20 +32,31 @@ CLI::Option& AddPart(
     };
     return *command.add_option_function<std::vector<std::string>>(name, addEach, description)->allow_extra_args(false);
 }
+
+template <class TNumber>
+CLI::Validator InRange(TNumber minimum, TNumber maximum, const std::string& what)
+{
+    return CLI::Validator(
+        [minimum, maximum, what](const std::string& text) {
+            TNumber number{};
+            const bool isNumber = CLI::detail::lexical_cast(text, number);
+            return isNumber && number >= minimum && number <= maximum // nan is neither
+                       ? std::string()
+                       : '"' + text + "\" is not a " + what + " from " + CLI::detail::to_string(minimum) + " to " +
+                             CLI::detail::to_string(maximum);
+        },
+        "");
+}
 } // namespace
 
 CLI::Validator SharedOptions::Between(double minimum, double maximum, const std::string& unit)
 {
-    return CLI::Validator(
-        [minimum, maximum, unit](const std::string& text) {
-            double number = 0;
-            const bool isNumber = CLI::detail::lexical_cast(text, number);
-            return isNumber && number >= minimum && number <= maximum // nan is neither
-                       ? std::string()
-                       : '"' + text + "\" is not a number of " + unit + " from " + CLI::detail::to_string(minimum) +
-                             " to " + CLI::detail::to_string(maximum);
-        },
-        "");
+    return InRange(minimum, maximum, "number of " + unit);
+}
+
+CLI::Validator SharedOptions::Between(int minimum, int maximum, const std::string& unit)
+{
+    return InRange(minimum, maximum, "whole number of " + unit);
 }
 
 void SharedOptions::AddSeconds(CLI::App& command,
@@ -66,10 +76,9 @@ void SharedOptions::AddSeconds(CLI::App& command,
         ->check(Between(minimum, 86400.0, "seconds"));
 }
 
-void SharedOptions::AddSelection(CLI::App& command, DeviceSelection& target)
+void SharedOptions::AddSelection(CLI::App& command, DeviceSelection& target, const std::string& columns)
 {
-    AddPart(command, target, "--sort", &DeviceSelection::AddOrder,
-            "sort by " + DeviceColumn::Names() + "; may be repeated")
+    AddPart(command, target, "--sort", &DeviceSelection::AddOrder, "sort by " + columns + "; may be repeated")
         .type_name("COLUMN[:desc]");
     AddPart(command, target, "--filter", &DeviceSelection::AddFilter,
             "show only devices whose column matches, with * and ? as wildcards; != inverts; may be repeated")

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Inventory/DeviceColumn.h"
 #include "Inventory/DeviceSelection.h"
 
 #include <chrono>
@@ -23,6 +24,9 @@ public:
     /// Refuses what is not a number in the range, both ends included, and says of what.
     static CLI::Validator Between(double minimum, double maximum, const std::string& unit);
 
+    /// The same for whole numbers.
+    static CLI::Validator Between(int minimum, int maximum, const std::string& unit);
+
     /// A time of minimum to 86400 seconds.
     static void AddSeconds(CLI::App& command,
                            const std::string& name,
@@ -30,7 +34,9 @@ public:
                            const std::string& description,
                            double minimum);
 
-    /// Lets the user choose which devices the command shows, and in which order.
-    static void AddSelection(CLI::App& command, Inventory::DeviceSelection& target);
+    /// Lets the user choose which devices the command shows, and in which order. Help names those columns.
+    static void AddSelection(CLI::App& command,
+                             Inventory::DeviceSelection& target,
+                             const std::string& columns = Inventory::DeviceColumn::Names("age"));
 };
 } // namespace Zent::Discovery::Console

@@ -70,7 +70,7 @@ CLI::App& WatchCommand::AddTo(CLI::App& parent)
             "do not tell this conflict between devices, such as ip:10.0.0.5; may be repeated")
         ->type_name("CONFLICT|@FILE")
         ->allow_extra_args(false);
-    SharedOptions::AddSelection(command, selection);
+    SharedOptions::AddSelection(command, selection, Inventory::DeviceColumn::Names());
     return command;
 }
 
@@ -145,7 +145,7 @@ void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchV
 
 std::unique_ptr<IWatchView> WatchCommand::MakeView(const Terminal& terminal, CommandContext& context)
 {
-    if (terminal.IsInteractive() && !context.Out().IsJson())
+    if (terminal.IsInteractive() && !context.Out().IsJson() && !context.Out().IsCsv())
     {
         return std::make_unique<LiveWatchView>(std::cout, terminal, context.Out(), selection, !listensOnly,
                                                [this, &messages = context.Messages()] {

@@ -19,6 +19,9 @@ class DoctorCommand final : public ICommand
 {
 public:
     CLI::App& AddTo(CLI::App& parent) override;
+
+    bool HasCsv() const override { return false; }
+
     ExitStatus Run(CommandContext& context) override;
 
 private:

@@ -1,10 +1,14 @@
 #include "Show/Output.h"
 
+#include "Show/DeviceCsv.h"
 #include "Terminal/HostPlatform.h"
+#include "Text/CsvText.h"
 #include "Text/TerminalText.h"
 #include "Text/TimeText.h"
 
+#include <cerrno>
 #include <ostream>
+#include <system_error>
 #include <utility>
 
 using Zent::Discovery::Inventory::Device;
@@ -12,17 +16,6 @@ using Zent::Discovery::Inventory::DeviceMessage;
 
 namespace Zent::Discovery::Console
 {
-namespace
-{
-/// What a document says of the message, which the library's does not hold.
-std::string MembersOf(const Device& device)
-{
-    const bool hasTime = device.Message.Received != DeviceMessage::TimePoint();
-    return std::string(R"("Message":")") + device.Message.KindName() + '"' +
-           (hasTime ? R"(,"Time":")" + TimeText::Utc(device.Message.Received) + '"' : "");
-}
-} // namespace
-
 Output::Output(std::ostream& out, std::ostream& errors, const Settings& settings)
     : out(out)
     , errors(errors)
@@ -38,6 +31,11 @@ bool Output::IsJson() const
     return settings.Json;
 }
 
+bool Output::IsCsv() const
+{
+    return settings.Csv;
+}
+
 const Colours& Output::OutColours() const
 {
     return outColours;
@@ -48,13 +46,16 @@ void Output::Show(const std::vector<const Device*>& devices)
     DeviceTextTable table = DeviceTextTable::Snapshot();
     for (const Device* device : devices)
     {
-        if (settings.Json)
+        if (!PrintRecord(*device))
         {
-            PrintDocument(MembersOf(*device), *device);
+            table.Add(*device);
         }
-        table.Add(*device);
     }
-    if (!settings.Json)
+    if (settings.Csv)
+    {
+        PrintTitles(DeviceCsv::Titles());
+    }
+    else if (!settings.Json)
     {
         Show(table);
     }
@@ -75,11 +76,7 @@ void Output::Show(const DeviceTextTable& table)
 
 bool Output::ShowNow(const Device& device)
 {
-    if (settings.Json)
-    {
-        PrintDocument(MembersOf(device), device);
-    }
-    else
+    if (!PrintRecord(device))
     {
         DeviceTextTable table = DeviceTextTable::Stream();
         table.Add(device, Style::Plain, HostPlatform::TimeOfDay(device.Message.Received));
@@ -90,20 +87,46 @@ bool Output::ShowNow(const Device& device)
         }
         PrintLine(lines.back());
     }
-    out.flush();
-    return out.good();
+    return Flush();
+}
+
+std::string Output::MembersOf(const Device& device)
+{
+    const bool hasTime = device.Message.Received != DeviceMessage::TimePoint();
+    return std::string(R"("Message":")") + device.Message.KindName() + '"' +
+           (hasTime ? R"(,"Time":")" + TimeText::Utc(device.Message.Received) + '"' : "");
 }
 
 void Output::PrintDocument(const std::string& members, const Device& device)
 {
     // The library's document is a JSON object.
-    PrintLine('{' + members + ',' + TerminalText::Json(device.Message.Document).substr(1));
+    PrintLine('{' + members + (members.empty() ? "" : ",") + TerminalText::Json(device.Message.Document).substr(1));
+}
+
+void Output::PrintRow(const std::vector<std::string>& titles, const std::vector<std::string>& cells)
+{
+    PrintTitles(titles);
+    PrintLine(CsvText::Row(cells));
 }
 
 void Output::PrintLine(const std::string& line)
 {
     status.Clear();
     out << line << '\n';
+    NoteFailure();
+}
+
+bool Output::Finish()
+{
+    if (Flush())
+    {
+        return true;
+    }
+    if (writeError != EPIPE)
+    {
+        Complain("cannot write to standard output: " + std::generic_category().message(writeError));
+    }
+    return false;
 }
 
 void Output::ShowStatus(const std::string& text)
@@ -114,9 +137,9 @@ void Output::ShowStatus(const std::string& text)
 void Output::Conclude(const std::string& text)
 {
     status.Clear();
-    if (!settings.Json)
+    if (!settings.Json && !settings.Csv)
     {
-        out.flush(); // so that the sum stands below what it sums up
+        Flush(); // so that the sum stands below what it sums up
         errors << text << std::endl;
     }
 }
@@ -124,7 +147,46 @@ void Output::Conclude(const std::string& text)
 void Output::Complain(std::string_view text)
 {
     status.Clear();
-    out.flush();
+    Flush();
     errors << errorColours.Paint("discovery-console:", Style::Left) << ' ' << TerminalText::Plain(text) << std::endl;
+}
+
+/// In the form that programs read; false when people want a table.
+bool Output::PrintRecord(const Device& device)
+{
+    if (settings.Json)
+    {
+        PrintDocument(MembersOf(device), device);
+    }
+    else if (settings.Csv)
+    {
+        PrintRow(DeviceCsv::Titles(), DeviceCsv::Cells(device));
+    }
+    return settings.Json || settings.Csv;
+}
+
+void Output::PrintTitles(const std::vector<std::string>& titles)
+{
+    if (!std::exchange(hasTitles, true))
+    {
+        PrintLine(CsvText::Row(titles));
+    }
+}
+
+/// False when something could not be written.
+bool Output::Flush()
+{
+    out.flush();
+    NoteFailure();
+    return out.good();
+}
+
+/// To be called behind whatever writes: errno tells the reason only then.
+void Output::NoteFailure()
+{
+    if (!out.good() && writeError == 0)
+    {
+        writeError = errno == 0 ? EIO : errno;
+    }
 }
 } // namespace Zent::Discovery::Console

@@ -20,6 +20,7 @@ public:
     struct Settings
     {
         bool Json = false;                      // one document per line instead of a table
+        bool Csv = false;                       // comma-separated values instead of one
         bool OutIsTerminal = false;             // which acts on control sequences
         bool ErrorsAreTerminal = false;         // the same
         bool HasColours = true;                 // what goes to a terminal
@@ -30,6 +31,7 @@ public:
     Output(std::ostream& out, std::ostream& errors, const Settings& settings);
 
     bool IsJson() const;
+    bool IsCsv() const;
 
     /// How to colour what goes to the stream of devices.
     const Colours& OutColours() const;
@@ -43,11 +45,21 @@ public:
     /// False when the stream takes no more, because its reader has gone.
     bool ShowNow(const Inventory::Device& device);
 
+    /// What a document says of the message, which the library's does not hold: "Message":"Bye","Time":"...".
+    static std::string MembersOf(const Inventory::Device& device);
+
     /// One document for scripts: members, such as "Change":"Left", and then those of the library's document.
     void PrintDocument(const std::string& members, const Inventory::Device& device);
 
+    /// One row of comma-separated values, which may come from outside. The first one is preceded by the titles.
+    void PrintRow(const std::vector<std::string>& titles, const std::vector<std::string>& cells);
+
     /// One line, as it is.
     void PrintLine(const std::string& line);
+
+    /// Writes what is still held back. False, after a complaint, when not everything could be written; a reader that
+    /// has gone is none the wiser, so that costs no complaint.
+    bool Finish();
 
     /// Says what is going on until something else is said; only a terminal shows it.
     void ShowStatus(const std::string& text);
@@ -59,6 +71,11 @@ public:
     void Complain(std::string_view text);
 
 private:
+    bool PrintRecord(const Inventory::Device& device);
+    void PrintTitles(const std::vector<std::string>& titles);
+    bool Flush();
+    void NoteFailure();
+
     std::ostream& out;
     std::ostream& errors;
     const Settings settings;
@@ -66,5 +83,6 @@ private:
     const Colours errorColours;
     StatusLine status;
     bool hasTitles = false;
+    int writeError = 0; // the system's number for what first kept something from being written
 };
 } // namespace Zent::Discovery::Console

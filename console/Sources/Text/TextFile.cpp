@@ -1,5 +1,7 @@
 #include "Text/TextFile.h"
 
+#include "Programs/Process.h"
+
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -60,10 +62,14 @@ std::string Utf8(std::string_view bytes)
     }
     return text;
 }
-} // namespace
 
-std::string TextFile::Read(const std::string& path)
+/// The bytes of the file.
+std::string Content(const std::string& path)
 {
+    if (path == TextFile::StandardInput)
+    {
+        return Programs::Process::ReadAllInput();
+    }
     const std::filesystem::path place(std::u8string(path.begin(), path.end()));
     std::error_code reason;
     if (std::filesystem::is_directory(place, reason))
@@ -82,7 +88,18 @@ std::string TextFile::Read(const std::string& path)
     {
         Refuse(path, std::make_error_code(std::errc::io_error));
     }
-    std::string text = content.str();
+    return content.str();
+}
+} // namespace
+
+std::string TextFile::NameOf(const std::string& path)
+{
+    return path == StandardInput ? "standard input" : path;
+}
+
+std::string TextFile::Read(const std::string& path)
+{
+    std::string text = Content(path);
     if (text.starts_with("\xFF\xFE"sv))
     {
         return Utf8(std::string_view(text).substr(2));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace Zent::Discovery::Console
 {
@@ -9,6 +10,12 @@ class TextFile final
 {
 public:
     TextFile() = delete;
+
+    /// The path that stands for standard input.
+    static constexpr std::string_view StandardInput = "-";
+
+    /// What to call the file in messages.
+    static std::string NameOf(const std::string& path);
 
     /// The content in UTF-8 without an editor's mark; UTF-16, in which a shell of Windows redirects output, is
     /// converted. path is UTF-8.

@@ -26,7 +26,7 @@ struct DeviceColumn
     /// Null when no column has that name.
     static const DeviceColumn* Find(std::string_view name);
 
-    /// All names, for a message to the user.
-    static std::string Names();
+    /// All names but one, for a message to the user.
+    static std::string Names(std::string_view without = {});
 };
 } // namespace Zent::Discovery::Inventory

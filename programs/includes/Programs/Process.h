@@ -30,6 +30,9 @@ public:
 
     static constexpr std::size_t MaximumLineBytes = 4096;
 
+    /// All that comes from standard input until it ends, byte for byte. Otherwise as ReadInput.
+    static std::string ReadAllInput();
+
 private:
     /// Waits for more of standard input, and returns how much of the buffer it fills; 0 at the end.
     static std::size_t ReadSome(std::span<char> buffer);
