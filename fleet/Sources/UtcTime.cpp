@@ -9,6 +9,10 @@ namespace Zent::Discovery::Fleet
 {
 namespace
 {
+// What the system's clock counts in nanoseconds ends in the year 2262.
+constexpr year FirstYear{1970};
+constexpr year LastYear{2261};
+
 constexpr std::string_view Pattern = "0000-00-00T00:00:00.000Z";
 
 bool FitsPattern(std::string_view text)
@@ -54,7 +58,8 @@ std::optional<WallTime> UtcTime::Parse(std::string_view text)
     const hours hour{number(11, 2)};
     const minutes minute{number(14, 2)};
     const seconds second{number(17, 2)};
-    if (!date.ok() || hour >= days(1) || minute >= hours(1) || second >= minutes(1))
+    if (!date.ok() || date.year() < FirstYear || date.year() > LastYear || hour >= days(1) || minute >= hours(1) ||
+        second >= minutes(1))
     {
         return std::nullopt;
     }

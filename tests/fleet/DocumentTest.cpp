@@ -34,7 +34,8 @@ TEST(DocumentTest, TimesSurviveTheRoundTripAndWrongOnesAreNone)
     EXPECT_EQ(UtcTime::ToText(Noon), "2026-02-28T12:00:00.250Z");
     EXPECT_EQ(UtcTime::Parse("2026-02-28T12:00:00.250Z"), Noon);
     for (const char* text : {"", "2026-02-29T12:00:00.250Z", "2026-02-28T24:00:00.250Z", "2026-02-28 12:00:00.250Z",
-                             "2026-02-28T12:00:00.250+", "-026-02-28T12:00:00.250Z"})
+                             "2026-02-28T12:00:00.250+", "1013-03-01T12:30:00.250Z", "9999-03-01T12:30:00.250Z",
+                             "-026-02-28T12:00:00.250Z"})
     {
         EXPECT_FALSE(UtcTime::Parse(text)) << text;
     }
