@@ -68,6 +68,7 @@ int main(int argc, char* argv[])
         ICommand* const command = commandLine.Parse(Process::Arguments(argc, argv), std::cout, std::cerr, status);
         if (command != nullptr)
         {
+            HostPlatform::KeepRightsOnlyFor(commandLine.Options().Session.Library);
             return static_cast<int>(Run(*command, commandLine.Options()));
         }
         if (!std::cout.flush().good())

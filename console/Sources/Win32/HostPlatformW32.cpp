@@ -38,6 +38,11 @@ std::string HostPlatform::DefaultLibraryPath()
     return Utf8(ProgramPath().replace_filename(L"DiscoveryServer.ExtC.dll"));
 }
 
+void HostPlatform::KeepRightsOnlyFor(const std::string& /*library*/)
+{
+    // A file gives no rights here.
+}
+
 std::string HostPlatform::DefaultLogPath()
 {
     const wchar_t* const local = _wgetenv(L"LOCALAPPDATA");
