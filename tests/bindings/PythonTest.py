@@ -4,7 +4,6 @@ import asyncio
 import os
 import pathlib
 import re
-import shutil
 import subprocess
 import sys
 
@@ -96,6 +95,19 @@ class InventoryTest(PythonTestCase):
             self.assertEqual((context.exception.devices, context.exception.report["Devices"]), ([], 0))
 
 
+class ArgumentTest(PythonTestCase):
+    def test_a_text_or_a_document_is_no_list(self):
+        with self.session() as session, Inventory(session, AskEvery=0) as inventory:
+            for call, value in (
+                (session.init_broadcast_provider, "127.0.0.1"),
+                (session.change_clients_ip_configurations, {"FriendlyName": "eth0"}),
+                (lambda value: inventory.discover(also=value), "127.0.0.1"),
+                (lambda value: Inventory(session, networks=value), "127.0.0.1/8"),
+            ):
+                with self.assertRaisesRegex(TypeError, "a list is expected, not ['{]"):
+                    call(value)
+
+
 class ProcessTest(PythonTestCase):
     def test_an_exception_leaves_the_session_closed(self):
         with self.assertRaises(KeyError), self.session():
@@ -138,26 +150,27 @@ class PackageTest(TestCase):
             )  # fmt: skip
             self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
 
-    def test_the_wheel_installs_the_typed_package_in_the_version_of_the_library(self):
-        # The system's Python has the packages pip and wheel, whichever one runs the tests.
-        copy = self.folder / "source"  # building writes beside the sources
-        shutil.copytree(self.binding, copy, ignore=shutil.ignore_patterns("__pycache__", ".mypy_cache"))
-        pip = ["/usr/bin/python3", "-m", "pip", "--disable-pip-version-check", "--no-cache-dir"]
-        options = ["--quiet", "--no-index", "--no-deps"]
+    def test_the_wheel_brings_the_libraries_and_the_version_of_the_product(self):
         wheels = self.folder / "wheels"
-        subprocess.run([*pip, "wheel", *options, "--no-build-isolation", "--wheel-dir", wheels, copy], check=True)
-        (wheel,) = wheels.iterdir()
+        output = subprocess.run([self.binding / "pack", wheels, "sdist", "linux"], capture_output=True, check=True, text=True)
+        source, wheel = output.stdout.splitlines()
         version = re.search(r"project\(DiscoveryServer VERSION ([0-9.]+)",
                             (setting("source") / "CMakeLists.txt").read_text())[1]  # fmt: skip
-        self.assertEqual(wheel.name, f"discovery_server-{version}-py3-none-any.whl")
+        self.assertEqual(pathlib.Path(source).name, f"discovery-server-{version}.tar.gz")
         target = self.folder / "target"
-        subprocess.run([*pip, "install", *options, "--target", target, wheel], check=True)
+        # The system's Python has pip, whichever one runs the tests.
+        subprocess.run(["/usr/bin/python3", "-m", "pip", "--disable-pip-version-check", "--no-cache-dir", "install",
+                        "--quiet", "--no-index", "--target", target, wheel], check=True)  # fmt: skip
         self.assertTrue((target / "discovery_server" / "py.typed").exists())
-        environment = {**os.environ, "PYTHONPATH": str(target), "DISCOVERY_LIBRARY": library_path()}
-        program = "import discovery_server as d; d.Session('log.txt').close(); print(d.__file__)"
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("DISCOVERY_")}
+        environment["PYTHONPATH"] = str(target)
+        program = (
+            "import discovery_server as d, discovery_server.inventory as i\n"
+            "with d.Session('log.txt') as session, i.Inventory(session): print(d.__version__, d.__file__)"
+        )
         output = subprocess.run([sys.executable, "-c", program], env=environment, cwd=self.folder,
                                 capture_output=True, text=True, check=True).stdout  # fmt: skip
-        self.assertEqual(pathlib.Path(output.strip()), target / "discovery_server" / "__init__.py")
+        self.assertEqual(output, f"{version} {target}/discovery_server/__init__.py\n")
 
 
 if __name__ == "__main__":

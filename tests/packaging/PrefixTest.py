@@ -1,7 +1,6 @@
 """cmake --install into an empty prefix, and host programs built with what is there."""
 
 import subprocess
-import tomllib
 
 from endtoend import main, setting
 from package import CONSUMER, TestCase, build_folder, build_with_pkg_config, run
@@ -51,10 +50,6 @@ class PrefixTest(TestCase):
             self.assert_consumer_works(program, LD_LIBRARY_PATH=self.library.parent)
         with self.subTest("C++, by CMake"):
             self.assert_consumer_works(self.build_with_cmake(f"-DCMAKE_PREFIX_PATH={self.prefix}"))
-
-    def test_the_module_for_python_has_the_version(self):
-        project = tomllib.loads((setting("source") / "bindings/python/pyproject.toml").read_text(encoding="utf-8"))
-        self.assertEqual(project["project"]["version"], self.version())
 
     def test_a_version_that_it_is_not_is_refused(self):
         for wanted in ("0.9", "1.99", "2"):

@@ -6,7 +6,7 @@
             print(event.kind.value, event.host["HostName"])
 
 Everything that fails raises: DiscoveryError when the library refuses, with its code; LibraryError when the library
-cannot be used; ValueError for a text that cannot be handed over.
+cannot be used; ValueError for a text that cannot be handed over; TypeError for what is no text, or no list.
 """
 
 from __future__ import annotations
@@ -23,7 +23,23 @@ import threading
 import time
 from dataclasses import dataclass
 from types import TracebackType
-from typing import Any, Callable, Deque, Dict, Iterable, Iterator, List, Optional, Set, Tuple, Type, TypedDict, Union
+from typing import (
+    Any,
+    Callable,
+    Deque,
+    Dict,
+    Iterable,
+    Iterator,
+    List,
+    Mapping,
+    Optional,
+    Set,
+    Tuple,
+    Type,
+    TypedDict,
+    TypeVar,
+    Union,
+)
 
 __all__ = [
     "DiscoveryError",
@@ -40,6 +56,8 @@ __all__ = [
     "Product",
     "Session",
 ]
+
+__version__ = "1.0.0"
 
 LIBRARY_VARIABLE = "DISCOVERY_LIBRARY"
 """The environment variable that names the library's file for sessions that are not given a path."""
@@ -182,6 +200,7 @@ class LibraryError(OSError):
 
 Handler = Callable[[Event], None]
 Path = Union[str, "os.PathLike[str]"]
+_Element = TypeVar("_Element")
 _Listener = Callable[[EventKind, bytes], None]  # takes documents as they come, on the library's thread
 
 _IS_WINDOWS = sys.platform == "win32"
@@ -210,6 +229,18 @@ _SETTERS = {
 }
 
 
+def _library_file(path: Optional[Path], variable: str, name: str) -> str:
+    """Which file to load: the one that is given, that the variable names, or that lies beside this module, as it does
+    in wheels; else the name by which the system finds it."""
+    if path is None:
+        path = os.environ.get(variable) or None
+    if path is not None:
+        return os.path.abspath(path)  # the system would search its folders for a name without one
+    usual = f"{name}.dll" if _IS_WINDOWS else f"lib{name}.so.1"  # its ABI
+    own = os.path.join(os.path.dirname(os.path.abspath(__file__)), usual)
+    return own if os.path.exists(own) else usual
+
+
 class _Library:
     """The sixteen functions of a loaded library. They let other Python threads run while they work."""
 
@@ -224,12 +255,7 @@ class _Library:
 
     @staticmethod
     def _load(path: Optional[Path]) -> ctypes.CDLL:
-        if path is None:
-            path = os.environ.get(LIBRARY_VARIABLE) or None
-        if path is not None:
-            name = os.path.abspath(path)  # the system would search its folders for a name without one
-        else:
-            name = "DiscoveryServer.ExtC.dll" if _IS_WINDOWS else "libDiscoveryServer.ExtC.so.1"  # its ABI
+        name = _library_file(path, LIBRARY_VARIABLE, "DiscoveryServer.ExtC")
         loader: Any = getattr(ctypes, "WinDLL" if _IS_WINDOWS else "CDLL")
         try:
             library: ctypes.CDLL = loader(name)
@@ -291,6 +317,13 @@ def _text(value: str) -> bytes:
     return _without_nul(value.encode("utf-8"))
 
 
+def _list(values: Iterable[_Element]) -> List[_Element]:
+    """A text or a single document is iterable, too, and yet not what was meant."""
+    if isinstance(values, (str, bytes, Mapping)):
+        raise TypeError(f"a list is expected, not {values!r}")
+    return list(values)
+
+
 def _without_nul(text: bytes) -> bytes:
     if b"\0" in text:
         raise ValueError("a text must not contain NUL")
@@ -328,8 +361,9 @@ class Session:
         """Loads the library and opens the log; the server is not started yet.
 
         log_path: the log file, which is continued; missing folders are created.
-        library: the library's file. Without it the environment variable DISCOVERY_LIBRARY names it, and without that
-            the system searches for libDiscoveryServer.ExtC.so.1 or DiscoveryServer.ExtC.dll.
+        library: the library's file. Without it the environment variable DISCOVERY_LIBRARY names it; without that it is
+            the one that came with the module, or else libDiscoveryServer.ExtC.so.1 or DiscoveryServer.ExtC.dll, for
+            which the system searches.
         local_addresses: as for init_broadcast_provider.
         max_waiting_events: how many events wait for events(); the oldest are lost when more come.
         Raises LibraryError, and DiscoveryError when the log cannot be opened or another session is open.
@@ -339,7 +373,7 @@ class Session:
         self.on_bye = on_bye
         self.on_error = on_error
         self._log = (_without_nul(os.fsencode(log_path)), int(log_level))
-        self._addresses = None if local_addresses is None else _text(json.dumps(list(local_addresses)))
+        self._addresses = None if local_addresses is None else _text(json.dumps(_list(local_addresses)))
         self._library = _Library(library)
         self._callbacks = {kind: self._make_callback(kind) for kind in EventKind}  # constant; they live until close
         self._is_started = False  # guarded by _life_cycle
@@ -443,14 +477,14 @@ class Session:
 
     def change_clients_ip_configurations(self, settings: Iterable[Union[Nic, NicSettings]]) -> None:
         """Tells devices to configure their network interfaces anew: each takes what bears its MAC addresses."""
-        self._request("ChangeClientsIPConfigurations", _text(json.dumps(list(settings))))
+        self._request("ChangeClientsIPConfigurations", _text(json.dumps(_list(settings))))
 
     def init_broadcast_provider(self, local_addresses: Iterable[str]) -> None:
         """Makes every broadcast leave once from each of these IP addresses of this machine.
 
         Lasts until the next call, over stop and start too. While there are no addresses, nothing is broadcast.
         """
-        addresses = _text(json.dumps(list(local_addresses)))
+        addresses = _text(json.dumps(_list(local_addresses)))
         self._request("InitBroadcastProvider", addresses)
         self._addresses = addresses
 

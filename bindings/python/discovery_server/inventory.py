@@ -25,7 +25,7 @@ from dataclasses import dataclass, field
 from types import TracebackType
 from typing import Any, AsyncIterator, Callable, Dict, Iterable, Iterator, List, Optional, Tuple, Type
 
-from . import DiscoveryError, Document, EventKind, Host, LibraryError, Nic, Path, Session
+from . import DiscoveryError, Document, EventKind, Host, LibraryError, Nic, Path, Session, _library_file, _list
 
 __all__ = [
     "Change",
@@ -186,9 +186,7 @@ class _Library:
     """The functions of a loaded library that the inventory needs."""
 
     def __init__(self, path: Optional[Path]) -> None:
-        path = path or os.environ.get(INVENTORY_LIBRARY_VARIABLE) or None
-        usual = "DiscoveryInventory.dll" if _IS_WINDOWS else "libDiscoveryInventory.so.1"
-        name = usual if path is None else os.path.abspath(path)
+        name = _library_file(path, INVENTORY_LIBRARY_VARIABLE, "DiscoveryInventory")
         loader: Any = getattr(ctypes, "WinDLL" if _IS_WINDOWS else "CDLL")
         try:
             self._library: ctypes.CDLL = loader(name)
@@ -256,14 +254,14 @@ class Inventory:
         """Begins to listen; with the usual options all devices are asked at once and again every ten seconds.
 
         library: the library's file. Without it the environment variable DISCOVERY_INVENTORY_LIBRARY names it, and
-            without that the system searches for it.
+            without that it is the one that came with the module, or the system searches for it.
         networks: this machine's addresses and networks, such as "192.168.1.10/24", whose addresses a search may ask
             one by one when answers were lost.
         options: of the library's session, such as AskEvery=5000 and AcceptedConflicts=["ip:10.0.0.5"].
         Raises LibraryError, and InventoryError when an option is not possible.
         """
         self._session = session
-        self._networks = list(networks)
+        self._networks = _list(networks)
         self._library = _Library(library)
         self._start = (time.monotonic(), time.time())
         self._messages: queue.SimpleQueue[Optional[Tuple[EventKind, bytes]]] = queue.SimpleQueue()  # None wakes
@@ -312,7 +310,7 @@ class Inventory:
         also: addresses elsewhere to ask one by one, such as "10.2.0.5" and "10.2.1.0/26".
         Raises IncompleteSearchError with what was found, and InventoryError when an argument is not possible.
         """
-        options = {"Wait": round(wait * 1000), "Sweep": sweep, "Networks": self._networks, "Also": list(also)}
+        options = {"Wait": round(wait * 1000), "Sweep": sweep, "Networks": self._networks, "Also": _list(also)}
         with self._lock:
             self._search = None
             self._library.call("StartSearch", self._handle, json.dumps(options).encode("ascii"), self._now())
