@@ -1,64 +1,148 @@
-"""The Debian packages, unpacked into an empty root."""
+"""The Debian packages, installed into a copy of this machine that the test throws away. Runs in a mount namespace of its
+own."""
 
+import pathlib
 import re
+import shutil
 
 from endtoend import main, setting
-from package import TestCase, build_with_pkg_config, make_packages, run
+from package import TestCase, build_with_pkg_config, run
+
+LIBRARY = "libdiscoveryserver.extc1"
+DEV = "libdiscoveryserver.extc-dev"
+TOOLS = "discoveryserver.extc-tools"
+PYTHON = "python3-discovery-server"
+NAMES = (LIBRARY, DEV, TOOLS, PYTHON)
+NICE = "cap_sys_nice=ep"
+NOBODY = 65534
 
 
 class DebTest(TestCase):
     def setUp(self):
         super().setUp()
-        self.packages = {path.name.split("_")[0]: path for path in make_packages(self.folder)}
-        self.root = self.folder / "root"
+        made = run(setting("source") / "packaging/debian-packages", setting("bin").parent, self.folder / "packages")
+        files = [pathlib.Path(line) for line in made.splitlines() if line.endswith(".deb")]
+        self.packages = {file.name.split("_")[0]: file for file in files}
 
-    def unpack(self, *names):
-        for name in names:
-            run("dpkg", "-x", self.packages[name], self.root)
+    def make_machine(self):
+        """A root folder that shows this machine's files and takes changes for itself."""
+        layers = self.folder / "layers"
+        layers.mkdir()
+        run("mount", "-t", "tmpfs", "-o", "mode=755", "none", layers)
+        self.addCleanup(run, "umount", "--recursive", layers)
+        root = layers / "root"
+        for name in ("root", "upper", "work"):
+            (layers / name).mkdir()
+        run("mount", "-t", "overlay", "-o", f"lowerdir=/,upperdir={layers}/upper,workdir={layers}/work", "none", root)
+        for name in ("proc", "dev"):
+            run("mount", "--rbind", f"/{name}", root / name)
+        run("mount", "-t", "tmpfs", "none", root / "tmp")
+        (root / "tmp").chmod(0o1777)
+        for file in self.packages.values():
+            shutil.copy(file, root / "tmp")
+        for settings in (root / "etc/dpkg/dpkg.cfg.d").iterdir():
+            settings.unlink()  # small machines leave documents out
+        self.root = root
 
-    def field(self, package, name):
-        return run("dpkg-deb", "--field", self.packages[package], name).strip()
+    def on_machine(self, *command, user=0):
+        identity = ("setpriv", f"--reuid={user}", f"--regid={user}", "--clear-groups") if user else ()
+        environment = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "HOME": "/tmp", "DEBIAN_FRONTEND": "noninteractive"}
+        return run("chroot", self.root, *identity, *command, env=environment)
 
-    def test_what_is_in_them_runs_and_builds_hosts(self):
-        self.assertEqual(
-            sorted(self.packages),
-            ["discoveryserver.extc-tools", "libdiscoveryserver.extc-dev", "libdiscoveryserver.extc1"],
-        )
-        for name, path in self.packages.items():
-            with self.subTest(name):
-                self.check_control(name)
-                self.assertEqual(path.name, f"{name}_{self.version()}_{self.field(name, 'Architecture')}.deb")
+    def files(self, *names):
+        return [f"/tmp/{self.packages[name].name}" for name in names]
 
-        self.unpack("libdiscoveryserver.extc1", "discoveryserver.extc-tools")
-        self.assert_console_works(self.root / "usr/bin")
-        (runtime,) = self.root.glob("usr/lib/*/libDiscoveryServer.ExtC.so.1")
-        run(
-            "python3", "-c", "import discovery_server, sys; discovery_server.Session(sys.argv[1]).close()",
-            self.folder / "python.log",
-            env={"PYTHONPATH": setting("source") / "bindings/python", "LD_LIBRARY_PATH": runtime.parent},
-        )  # fmt: skip
+    def capabilities(self):
+        return self.on_machine("getcap", "/usr/bin/discovery-console").partition(" ")[2].strip()
 
-        for name in ("etc/ufw/applications.d/discoveryserver", "usr/lib/firewalld/services/discoveryserver.xml"):
-            self.assertIn("12001", (self.root / name).read_text())
+    def test_they_are_as_debian_wants_them_and_install_work_and_go(self):
+        self.assertEqual(set(self.packages), {*NAMES, f"{LIBRARY}-dbgsym", f"{TOOLS}-dbgsym"})
+        run("lintian", "--allow-root", "--fail-on", "error,warning", *self.packages.values())
+        for file in self.packages.values():
+            self.assertIn(f"_{self.version()}_", file.name)
 
-        self.unpack("libdiscoveryserver.extc-dev")
-        (library,) = self.root.glob("usr/lib/*/libDiscoveryServer.ExtC.so")
+        self.make_machine()
+        setcap = self.root / "usr/sbin/setcap"
+        setcap.rename(setcap.with_suffix(".away"))
+        order = (PYTHON, TOOLS, DEV, LIBRARY)  # each before what it needs
+        self.on_machine("apt-get", "-y", "--no-install-recommends", "install", *self.files(*order))
+        self.assertEqual(self.capabilities(), "")  # refused, and nothing else has failed
+        setcap.with_suffix(".away").rename(setcap)
+        self.on_machine("dpkg-reconfigure", TOOLS)
+        self.assertEqual(self.capabilities(), NICE)
+
+        self.check_programs()
+        self.check_places()
+        self.check_operating_notes()
+        self.check_what_libraries_get()
+        self.check_choice()
+
+        self.on_machine("dpkg", "--purge", *NAMES)
+        left = run("find", self.root / "etc", self.root / "usr", "-iname", "*discover*server*", "-type", "f")
+        self.assertEqual(left, "")
+
+    def check_programs(self):
+        name = self.start_devices(self.root / "usr/bin")
+        console = ("discovery-console", "--from", "127.0.0.1", "--log", "/tmp/c.log", "discover", "--expect", "1")
+        self.assertIn(name, self.on_machine(*console, user=NOBODY))
+        self.on_machine("python3", "-c", "import discovery_server; discovery_server.Session('/tmp/p.log').close()")
         program = self.folder / "consumer"
+        library = next(self.root.glob("usr/lib/*/libDiscoveryServer.ExtC.so"))
         build_with_pkg_config(library.parent / "pkgconfig", program)
         self.assert_consumer_works(program, LD_LIBRARY_PATH=library.parent)
 
-    def check_control(self, name):
-        """Complete, and its dependencies say what its programs need."""
-        self.assertEqual(run("dpkg-deb", "--info", self.packages[name]).count("\n Description: "), 1)
-        depends = self.field(name, "Depends")
-        if name != "libdiscoveryserver.extc1":
-            self.assertIn(f"libdiscoveryserver.extc1 (= {self.version()})", depends)
-        if name != "libdiscoveryserver.extc-dev":
-            self.assertRegex(depends, r"libc6 \(>= .*libstdc\+\+6 \(>= ")
-        files = run("dpkg-deb", "--contents", self.packages[name])
-        self.assertRegex(files, rf"/usr/share/doc/{re.escape(name)}/copyright\n")
-        self.assertNotRegex(files, r"(?m)^[^l](.{4}|.{7})w", "others may write")
-        self.assertNotRegex(files, r" \./(?!usr/|etc/(ufw/(applications\.d/)?)?)\w", "out of place")
+    def check_places(self):
+        """Other programs find what is theirs."""
+        query = ";SELECT DISTINCT log_format FROM all_logs"
+        self.assertIn("discovery_log", self.on_machine("lnav", "-n", "-c", query, "/tmp/c.log"))
+        self.assertIn("devicediscovery", self.on_machine("tshark", "-G", "protocols"))
+        for page in ("discovery-console", "device-simulator"):
+            self.assertIn("/usr/share/man/", self.on_machine("man", "--where", page))
+
+    def check_operating_notes(self):
+        """Their links hold where only the programs are installed."""
+        folder = self.root / "usr/share/doc" / TOOLS
+        self.assertTrue((folder / "operating.md.gz").exists())
+        for page in folder.glob("*.md.gz"):
+            for link in re.findall(r"\]\(([^)#]+)", run("gzip", "-dc", page)):
+                self.assertTrue((folder / f"{link}.gz").exists(), f"{page.name}: {link}")
+
+    def check_choice(self):
+        defaults = self.root / "etc/default" / TOOLS
+        defaults.write_text("CONSOLE_PRIORITY=no\n")
+        self.on_machine("dpkg", "--install", *self.files(LIBRARY, TOOLS))
+        self.assertEqual((defaults.read_text(), self.capabilities()), ("CONSOLE_PRIORITY=no\n", ""))
+        defaults.write_text("CONSOLE_PRIORITY=yes\n")
+        self.on_machine("dpkg-reconfigure", TOOLS)
+        self.assertEqual(self.capabilities(), NICE)
+
+    def check_what_libraries_get(self):
+        spy = self.root / "tmp/spy.so"
+        run("gcc", "-shared", "-fPIC", pathlib.Path(__file__).with_name("spy.c"), "-o", spy)
+        console = self.root / "usr/bin/discovery-console"
+        installed = next(self.root.glob("usr/lib/*/libDiscoveryServer.ExtC.so.1"))
+        path = str(installed).removeprefix(str(self.root))
+        granted = f"CapPrm:\t{1 << 23:016x}\n"
+        refused = f"CapPrm:\t{0:016x}\n"
+
+        def told(program, *options):
+            return self.on_machine(program, *options, "error", "73", user=NOBODY)
+
+        self.assertEqual(told("discovery-console", "--library", "/tmp/spy.so"), refused)
+        shutil.copy(spy, installed.resolve() if installed.is_symlink() else installed)
+        self.assertEqual(told("discovery-console"), granted)
+        self.assertEqual(told("discovery-console", "--library", path), granted)
+        self.assertEqual(told("discovery-console", "--library", "/usr/bin/.." + path.removeprefix("/usr")), refused)
+
+        copy = self.root / "usr/users-own"  # a link to the program in a folder of the user's finds the user's library
+        (copy / "bin").mkdir(parents=True)
+        (copy / "lib").mkdir()
+        (copy / "bin/discovery-console").hardlink_to(console)
+        shutil.copy(spy, copy / "lib" / installed.name)
+        self.assertEqual(told("/usr/users-own/bin/discovery-console"), granted)
+        run("chown", "-R", str(NOBODY), copy / "lib")
+        self.assertEqual(told("/usr/users-own/bin/discovery-console"), refused)
+        shutil.rmtree(copy)
 
 
 if __name__ == "__main__":
