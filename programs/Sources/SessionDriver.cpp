@@ -2,25 +2,17 @@
 
 #include "Programs/HostSession.h"
 #include "Programs/MessageQueue.h"
-#include "Programs/SystemNetwork.h"
-#include "Programs/UdpSockets.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
 
 using Zent::Discovery::Inventory::DeviceMessage;
-using Zent::Discovery::Inventory::Network;
 using Zent::Discovery::Inventory::Time;
 using Zent::Discovery::Inventory::Wish;
 
 namespace Zent::Discovery::Programs
 {
-namespace
-{
-constexpr std::uint16_t ServerPort = 12001;
-}
-
 SessionDriver::SessionDriver(HostSession& host,
                              MessageQueue& messages,
                              const Inventory::DeviceTableOptions& options,
@@ -41,6 +33,7 @@ Time SessionDriver::Now() const
 
 bool SessionDriver::Run(std::chrono::milliseconds longest)
 {
+    systemAnswers.TellOfPort(session, Now());
     session.Advance(Now());
     while (const std::optional<Wish> wish = session.NextWish())
     {
@@ -93,16 +86,10 @@ bool SessionDriver::CarryOut(const Wish& wish)
         case Wish::WishKind::AskIP:
             host.Requests().ReachClient(wish.Address);
             break;
-        case Wish::WishKind::IsReachable: {
-            const std::optional<Inventory::IPv4> address = Network::ParseAddress(wish.Address);
-            session.Answer(wish.Id, address && SystemNetwork::HasRoute(*address) ? 1 : 0);
+        case Wish::WishKind::IsReachable:
+        case Wish::WishKind::CountLost:
+            SystemAnswers::Answer(session, wish);
             break;
-        }
-        case Wish::WishKind::CountLost: {
-            const std::optional<std::uint64_t> drops = UdpSockets::OwnDrops(ServerPort);
-            session.Answer(wish.Id, drops ? static_cast<std::int64_t>(*drops) : Wish::Unknown);
-            break;
-        }
         }
         return true;
     }

@@ -5,7 +5,6 @@
 #include "Commands/SharedOptions.h"
 #include "Doctor/Examination.h"
 #include "Programs/SessionDriver.h"
-#include "Programs/UdpSockets.h"
 #include "Show/LiveWatchView.h"
 #include "Show/Output.h"
 #include "Show/PlainWatchView.h"
@@ -23,8 +22,6 @@ using Zent::Discovery::Inventory::DeviceTableOptions;
 using Zent::Discovery::Inventory::Event;
 using Zent::Discovery::Inventory::Time;
 using Zent::Discovery::Programs::SessionDriver;
-using Zent::Discovery::Programs::UdpSocket;
-using Zent::Discovery::Programs::UdpSockets;
 
 namespace Zent::Discovery::Console
 {
@@ -32,15 +29,7 @@ namespace
 {
 constexpr Time RefreshInterval{200};
 constexpr Time UsualInterval{10000};
-constexpr Time PortLookInterval{5000};
 constexpr std::chrono::seconds Patience{3}; // after which nobody's answer calls for a reason
-constexpr std::uint16_t ServerPort = 12001;
-
-/// Whether another program on this machine receives what devices send, too.
-bool IsPortHeld()
-{
-    return std::ranges::any_of(UdpSockets::OnPort(ServerPort), [](const UdpSocket& each) { return !each.IsOwn; });
-}
 } // namespace
 
 CLI::App& WatchCommand::AddTo(CLI::App& parent)
@@ -103,16 +92,10 @@ void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchV
 {
     const Time end = context.Options().Wait.value_or(Time::max());
     unsigned knownChanges = 0; // of the interfaces
-    Time nextPortLook{0};
     bool isExplained = listensOnly;
     for (Time nextRefresh{0}; isRead && driver.Now() < end;)
     {
         const Time now = driver.Now();
-        if (now >= nextPortLook)
-        {
-            driver.Session().SetPortHeld(IsPortHeld(), now);
-            nextPortLook = now + PortLookInterval;
-        }
         const unsigned changes = context.Session().InterfaceChanges();
         if (changes != knownChanges && !listensOnly && driver.AskAll())
         {

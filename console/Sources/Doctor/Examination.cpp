@@ -33,8 +33,6 @@ namespace
 {
 namespace fs = std::filesystem;
 
-constexpr std::uint16_t HostPort = 12001;
-
 /// A folder that only the user may look into, for as long as the object lives.
 class PrivateFolder final
 {
@@ -99,8 +97,8 @@ Observations Observe(const ProgramOptions& options, const std::vector<NetworkInt
     }
     observations.HasBroadcastRoute = SystemNetwork::HasRoute(Elsewhere);
     observations.Firewall = HostProbe::Firewall();
-    observations.IsPortTaken = !UdpSockets::CanShare(HostPort);
-    for (const UdpSocket& socket : UdpSockets::OnPort(HostPort))
+    observations.IsPortTaken = !UdpSockets::CanShare(UdpSockets::HostPort);
+    for (const UdpSocket& socket : UdpSockets::OnPort(UdpSockets::HostPort))
     {
         if (!socket.IsOwn)
         {
@@ -144,7 +142,7 @@ std::optional<SearchResult> Examination::Search(CommandContext& context)
                 result.Devices.insert(Heard(*device));
             }
         }
-        result.BufferDrops = UdpSockets::OwnDrops(HostPort);
+        result.BufferDrops = UdpSockets::OwnDrops(UdpSockets::HostPort);
         session.Close();
         if (reader.IsInterrupted())
         {

@@ -1,6 +1,7 @@
 #include "Doctor/HostProbe.h"
 
 #include "Doctor/NftRules.h"
+#include "Programs/UdpSockets.h"
 
 #include <array>
 #include <cerrno>
@@ -13,13 +14,13 @@
 #include <sys/wait.h>
 #include <system_error>
 
+using Zent::Discovery::Programs::UdpSockets;
+
 namespace Zent::Discovery::Console::Doctor
 {
 namespace
 {
 namespace fs = std::filesystem;
-
-constexpr std::uint16_t HostPort = 12001;
 
 /// What a command prints; nothing when it fails.
 std::optional<std::string> OutputOf(const std::string& command)
@@ -94,7 +95,7 @@ FirewallState HostProbe::Firewall()
     FirewallState state;
     if (const std::optional<std::string> rules = OutputOf("nft list ruleset"))
     {
-        state = NftRules::Judge(*rules, HostPort);
+        state = NftRules::Judge(*rules, UdpSockets::HostPort);
     }
     else if (!keeper.Name.empty() || OutputOf("command -v nft || command -v iptables"))
     {

@@ -1,5 +1,6 @@
 #include "Programs/UdpSockets.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <charconv>
 #include <filesystem>
@@ -89,9 +90,10 @@ void NoteOwned(std::uint32_t process, const std::map<std::string, std::uint64_t>
     }
 }
 
-/// The processes that have the sockets with these inodes. Those of other users are seen by root alone.
-Owners OwnersOf(const std::vector<Row>& rows)
+/// The processes that have the sockets on the port, whose rows it reads. Those of other users are seen by root alone.
+Owners OwnersOf(std::uint16_t port, std::vector<Row>& rows)
 {
+    rows = RowsOf(port);
     std::map<std::string, std::uint64_t> wanted;
     for (const Row& row : rows)
     {
@@ -99,6 +101,15 @@ Owners OwnersOf(const std::vector<Row>& rows)
     }
     Owners owners;
     NoteOwned(static_cast<std::uint32_t>(getpid()), wanted, owners); // mostly the only one: the others take long
+    if (owners.size() == wanted.size())
+    {
+        return owners;
+    }
+    // One that this process has closed meanwhile would pass for another program's.
+    const std::vector<Row> remaining = RowsOf(port);
+    std::erase_if(rows, [&remaining](const Row& row) {
+        return std::ranges::find(remaining, row.INode, &Row::INode) == remaining.end();
+    });
     std::error_code error;
     for (fs::directory_iterator process("/proc", error), end;
          !error && process != end && owners.size() != wanted.size(); process.increment(error))
@@ -121,12 +132,8 @@ std::string ProgramOf(std::uint32_t process)
 
 std::vector<UdpSocket> UdpSockets::OnPort(std::uint16_t port)
 {
-    const std::vector<Row> rows = RowsOf(port);
-    if (rows.empty())
-    {
-        return {};
-    }
-    const Owners owners = OwnersOf(rows);
+    std::vector<Row> rows;
+    const Owners owners = OwnersOf(port, rows);
     std::vector<UdpSocket> sockets;
     for (const Row& row : rows)
     {

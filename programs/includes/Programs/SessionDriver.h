@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Inventory/Session.h"
+#include "Programs/SystemAnswers.h"
 
 #include <chrono>
 #include <cstddef>
@@ -52,6 +53,7 @@ private:
     const Watcher watcher;
     const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     Inventory::Session session;
+    SystemAnswers systemAnswers;
     std::size_t knownLoss = 0;
 };
 } // namespace Zent::Discovery::Programs

@@ -23,6 +23,9 @@ class UdpSockets final
 public:
     UdpSockets() = delete;
 
+    /// To which devices send their messages.
+    static constexpr std::uint16_t HostPort = 12001;
+
     /// Those that receive what is sent to the port. Empty when the system does not tell.
     static std::vector<UdpSocket> OnPort(std::uint16_t port);
 
