@@ -15,9 +15,7 @@ int main()
         inventory.OnAppeared([](const DeviceChange& change) {
             std::cout << change.Description.HostName << ", a " << change.Description.DeviceType << '\n';
         });
-        const SearchResult result = inventory.Discover();
-        std::cout << result.Devices.size() << " devices, " << (result.IsComplete ? "all" : "perhaps not all")
-                  << " that there are\n";
+        std::cout << inventory.Discover().Devices.size() << " devices, all that there are\n";
     }
     catch (const std::exception& error)
     {

@@ -38,9 +38,8 @@ static class CSharpHost
         { "min-version", words => session.SetMinCompatibleVersion(words[0]) },
         { "inventory", words => Watch(int.Parse(words[0])) },
         { "search", Search },
-        { "devices", words => Say("devices " + string.Join(" ", inventory.Devices.Select(
-                                  device => device.Device.HostName + ":" + device.State))) },
-        { "forget", words => inventory.Dispose() },
+        { "devices", words => Say("devices" + Listed(inventory.Devices)) },
+        { "held", words => Say(inventory.IsPortHeld ? "held yes" : "held no") },
         { "on", words => { lock (Actions) Actions[words[0]] = words[1]; } },
         { "release", words => Released.Set() },
         { "collect", words => { GC.Collect(); GC.WaitForPendingFinalizers(); } },
@@ -77,24 +76,38 @@ static class CSharpHost
     static void Watch(int askEvery)
     {
         inventory = new Inventory(session, new InventoryOptions { AskEvery = askEvery });
-        inventory.Appeared += (sender, args) => Say("appeared " + args.Device.HostName);
+        inventory.Appeared += (sender, args) =>
+        {
+            Say("appeared " + args.Device.HostName);
+            Act("appeared");
+        };
         inventory.Changed += (sender, args) => Say("changed " + string.Join(
             ", ", args.Differences.Select(each => each.Property + " " + each.Before + " " + each.After)));
         inventory.Left += (sender, args) => Say("left " + args.Device.HostName);
         inventory.Conflict += (sender, args) => Say(string.Join(
-            " ", "conflict", args.Kind, args.Value, args.Count, args.First.Device.SerialNumber,
-            args.Second.Device.SerialNumber));
+            " ", "conflict", args.Kind, args.Value, args.First.Device.SerialNumber, args.Second.Device.SerialNumber));
         inventory.HandlerFailed += (sender, args) => Say("reported " + args.Exception.Message);
     }
 
-    // Seconds, and addresses to ask.
+    // Milliseconds, and addresses to ask one by one.
     static void Search(string[] words)
     {
-        SearchResult found = inventory.DiscoverAsync(TimeSpan.FromSeconds(double.Parse(words[0])),
-                                                     also: words.Skip(1)).Result;
-        Say(string.Join(" ", "found", found.IsComplete, "lost:" + found.LostHere,
-                        string.Join(",", found.Rounds.Select(round => round.Asked).Distinct()),
-                        string.Join(",", found.Devices.Select(device => device.Device.HostName))));
+        try
+        {
+            TimeSpan wait = TimeSpan.FromMilliseconds(int.Parse(words[0]));
+            SearchResult result = inventory.DiscoverAsync(wait, also: words.Skip(1)).GetAwaiter().GetResult();
+            Say("found complete" + Listed(result.Devices));
+        }
+        catch (IncompleteSearchException exception)
+        {
+            Say("found incomplete" + Listed(exception.Result.Devices));
+        }
+    }
+
+    static string Listed(IEnumerable<KnownDevice> devices)
+    {
+        return string.Concat(devices.Select(
+            device => " " + device.Device.HostName + ":" + device.State.ToString().ToLowerInvariant()));
     }
 
     static void CloseInBackground()
@@ -121,6 +134,11 @@ static class CSharpHost
     static void Handle(string kind, DeviceEventArgs args)
     {
         Say(kind + " " + Document(args));
+        Act(kind);
+    }
+
+    static void Act(string kind)
+    {
         string action;
         lock (Actions)
         {

@@ -3,6 +3,7 @@
 #include "DiscoveryInventorySession.h"
 #include "DiscoverySession.h"
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <iostream>
@@ -100,17 +101,23 @@ private:
             searchOptions.Wait = std::chrono::milliseconds(std::stoi(words[0]));
             searchOptions.Also.assign(words.begin() + 1, words.end() - (words.back().empty() ? 1 : 0));
         }
-        const Zent::Discovery::SearchResult result = inventory->Discover(searchOptions);
-        Say((result.IsComplete ? "complete " : "incomplete ") + result.Report);
-        Say("devices" + Listed(result.Devices));
+        try
+        {
+            Say("found complete" + Listed(inventory->Discover(searchOptions).Devices));
+        }
+        catch (const Zent::Discovery::IncompleteSearch& error)
+        {
+            Say("found incomplete" + Listed(error.Result().Devices));
+        }
     }
 
     static std::string Listed(const std::vector<Zent::Discovery::KnownDevice>& devices)
     {
+        const char* const states[] = {"present", "stale", "asked", "gone", "left", "flapping"};
         std::string text;
         for (const Zent::Discovery::KnownDevice& device : devices)
         {
-            text += " " + device.Description.HostName + ":" + std::to_string(static_cast<int>(device.State));
+            text += " " + device.Description.HostName + ":" + states[static_cast<int>(device.State)];
         }
         return text;
     }
@@ -200,11 +207,16 @@ private:
              session->ChangeClientsIPConfigurations(
                  {{words.at(0), words.at(1), words.at(2), words.at(3), words.at(4), words.at(5)}});
          }},
-        {"provider", [this](const Arguments& words) { session->InitBroadcastProvider(words); }},
+        {"provider",
+         [this](Arguments words) {
+             words.erase(std::remove(words.begin(), words.end(), ""), words.end());
+             session->InitBroadcastProvider(words);
+         }},
         {"min-version", [this](const Arguments& words) { session->SetMinCompatibleVersion(words[0]); }},
         {"inventory", [this](const Arguments& words) { OpenInventory(words); }},
         {"search", [this](const Arguments& words) { Search(words); }},
         {"devices", [this](const Arguments&) { Say("devices" + Listed(inventory->Devices())); }},
+        {"held", [this](const Arguments&) { Say(inventory->IsPortHeld() ? "held yes" : "held no"); }},
         {"on", [this](const Arguments& words) { SetAction(words[0], words[1]); }},
         {"release", [this](const Arguments&) { Release(); }},
     };

@@ -6,11 +6,13 @@ import sys
 import threading
 
 import discovery_server
+from discovery_server.inventory import IncompleteSearchError, Inventory
 
 NIC_MEMBERS = ("FriendlyName", "MACAddress", "IPAddress", "SubNetMask", "DefaultGateway", "MTU")
 
 library = sys.argv[1] or None
 session = None
+inventory = None
 actions = {}
 release = threading.Event()
 output = threading.Lock()
@@ -64,6 +66,34 @@ def open_session(log, *addresses):
     )
 
 
+def open_inventory(ask_every):
+    global inventory
+    inventory = Inventory(session, AskEvery=int(ask_every))
+    threading.Thread(target=tell, args=(inventory.changes(),), daemon=True).start()
+
+
+def tell(changes):
+    for change in changes:
+        words = [change.host["HostName"]]
+        if change.differences:
+            words = [text for each in change.differences for text in (each.property, each.before, each.after)]
+        if change.conflict:
+            both = change.conflict.first, change.conflict.second
+            words = [change.conflict.kind, change.conflict.value, *(each["Host"]["SerialNumber"] for each in both)]
+        say(change.kind.value, *words)
+
+
+def search(wait, *addresses):
+    try:
+        say("found complete", *listed(inventory.discover(int(wait) / 1000, also=addresses)))
+    except IncompleteSearchError as error:
+        say("found incomplete", *listed(error.devices))
+
+
+def listed(devices):
+    return [f"{device.host['HostName']}:{device.state.value}" for device in devices]
+
+
 def close_in_background():
     threading.Thread(target=lambda: say("closed", outcome(session.close)), daemon=True).start()
 
@@ -83,6 +113,10 @@ COMMANDS = {
     "configure": lambda *values: session.change_clients_ip_configurations([dict(zip(NIC_MEMBERS, values))]),
     "provider": lambda *addresses: session.init_broadcast_provider(addresses),
     "min-version": lambda version: session.set_min_compatible_version(version),
+    "inventory": open_inventory,
+    "search": search,
+    "devices": lambda: say("devices", *listed(inventory.devices)),
+    "held": lambda: say("held", "yes" if inventory.is_port_held else "no"),
     "on": actions.__setitem__,
     "release": release.set,
     "collect": gc.collect,

@@ -1,17 +1,20 @@
 """What the binding for Python has of its own: its iterator, its packaging, and its manners in a Python process."""
 
 import asyncio
+import json
 import os
 import pathlib
 import re
 import subprocess
 import sys
+import unittest.mock
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "endtoend"))
 
 import discovery_server  # noqa: E402
 from discovery_server.inventory import IncompleteSearchError, Inventory, InventoryError  # noqa: E402
 from endtoend import TIMEOUT, Peer, Simulator, TestCase, library_path, main, message, setting, wait_until  # noqa: E402
+from networks import cabled  # noqa: E402
 
 
 class PythonTestCase(TestCase):
@@ -52,16 +55,27 @@ class EventsTest(PythonTestCase):
 
 
 class InventoryTest(PythonTestCase):
-    def test_a_search_returns_the_devices_and_a_device_that_leaves_is_told(self):
-        with self.session() as session, Inventory(session) as inventory:
-            changes = inventory.changes(timeout=TIMEOUT)
-            with Simulator("--count", "3") as simulator:
-                names = {device.name for device in simulator.devices}
-                self.assertEqual({device.host["HostName"] for device in inventory.discover()}, names)
-            told = [next(changes) for _ in range(6)]
-            self.assertEqual([change.kind.value for change in told], 3 * ["appeared"] + 3 * ["left"])
-            self.assertEqual({device.state.value for device in inventory.devices}, {"left"})
-        self.assertEqual((list(changes), inventory.devices), ([], []))
+    def test_a_failure_of_its_thread_stops_nothing(self):
+        failing = [RuntimeError("no luck"), *[unittest.mock.DEFAULT] * 100]
+        with Simulator("--count", "1"), self.session() as session, Inventory(session) as inventory:
+            with unittest.mock.patch.object(session, "discover", side_effect=failing, wraps=session.discover):
+                with self.assertLogs("discovery_server.inventory", "ERROR"):
+                    self.assertEqual(len(inventory.discover()), 1)
+
+    def test_a_search_that_may_have_lost_answers_asks_the_addresses_of_this_machine_s_networks(self):
+        cabled(self, "10.9.0.1/30", None)
+        session = self.session()
+        self.addCleanup(session.close)
+
+        def answer():  # the server is not started, so nobody knows what is lost
+            for i in range(40):
+                document = json.dumps(message("SignatureBroadcast", f"d{i}", mac=f"02:00:00:00:00:{i:02X}"))
+                session._receive(discovery_server.EventKind.SIGNATURE, document.encode())
+
+        with unittest.mock.patch.multiple(session, discover=answer, reach_client=unittest.mock.DEFAULT) as mocks:
+            with Inventory(session, AskEvery=0) as inventory, self.assertRaises(IncompleteSearchError):
+                inventory.discover(wait=3)
+        mocks["reach_client"].assert_any_call("10.9.0.2")
 
     def test_changes_come_to_async_for(self):
         async def watch(inventory):
@@ -83,7 +97,7 @@ class InventoryTest(PythonTestCase):
 
     def test_what_is_not_possible_is_refused(self):
         with self.session() as session:
-            with self.assertRaisesRegex(discovery_server.LibraryError, "cannot use the library"):
+            with self.assertRaisesRegex(discovery_server.LibraryError, "cannot load the library"):
                 Inventory(session, library=self.folder / "missing.so")
             with self.assertRaisesRegex(InventoryError, '"Askevery" is none of'):
                 Inventory(session, Askevery=1)

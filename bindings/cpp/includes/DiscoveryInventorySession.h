@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -20,23 +21,6 @@
 #include <utility>
 #include <vector>
 
-#if defined(_WIN32)
-// clang-format off
-#include <winsock2.h>
-#include <ws2tcpip.h>
-// clang-format on
-#else
-#include <arpa/inet.h>
-#include <filesystem>
-#include <fstream>
-#include <netinet/in.h>
-#include <set>
-#include <sstream>
-#include <sys/socket.h>
-#include <system_error>
-#include <unistd.h>
-#endif
-
 namespace Zent::Discovery
 {
 /// Options that the library DiscoveryInventory has refused; the text names the member and what it may be.
@@ -49,7 +33,10 @@ public:
 /// How an inventory is kept.
 struct InventoryOptions
 {
-    std::vector<std::string> Networks;           ///< this machine's, such as 192.168.1.10/24: what a search may sweep
+    /// Whose addresses a search may ask one by one if answers are lost, such as 192.168.1.10/24. Without it those of
+    /// this machine, but for loopback and what bears a name that container engines, hypervisors and tunnels give.
+    std::optional<std::vector<std::string>> Networks;
+
     std::size_t MaximumDevices = 10000;          ///< the device longest unseen gives way to a new one
     std::chrono::milliseconds AskEvery{10000};   ///< from one question to all devices to the next; 0 asks nobody
     std::chrono::milliseconds StaleAfter{15000}; ///< of silence, and a device is asked by itself
@@ -68,10 +55,9 @@ struct DiscoverOptions
 
 /// The devices that a session hears of: which there are, what becomes of them, and whether that is all.
 ///
-/// Link to the library DiscoveryInventory, and on Windows to ws2_32; there include this before windows.h. A thread of
-/// its own asks the devices and calls the handlers, one at a time. All operations may be called from any thread and in
-/// any handler, but Discover not in a handler, and the destructor in none at all. What a handler throws goes to the
-/// handler of failures and no further.
+/// Link to the library DiscoveryInventory. A thread of its own asks the devices and calls the handlers, one at a time.
+/// All operations may be called from any thread and in any handler, but Discover not in a handler, and the destructor
+/// in none at all. What a handler throws goes to the handler of failures and no further.
 class DiscoveryInventorySession final
 {
 public:
@@ -83,7 +69,7 @@ public:
     /// @throws InventoryError when an option is not possible, DiscoveryError when the session is closed.
     explicit DiscoveryInventorySession(DiscoverySession& session, const InventoryOptions& options = InventoryOptions())
         : session(session)
-        , networks(ArrayOf(options.Networks))
+        , networks(options.Networks ? ",\"Networks\":" + ArrayOf(*options.Networks) : "")
         , engine(Create(options))
         , listener(std::make_shared<const DiscoverySession::Listener>(
               [mailbox = mailbox](DiscoverySession::MessageKind kind, const char* hostJson) {
@@ -114,9 +100,13 @@ public:
             [this](const JsonView& row) { return DiscoveryRecords::ReadDevice(row, systemStart); });
     }
 
+    /// Whether another program receives what devices send, too; then none is told to be gone.
+    bool IsPortHeld() const { return isPortHeld; }
+
     /// Searches until all devices are found; by then the handlers were told of them. A search of another thread goes
     /// first.
-    /// @throws InventoryError when an option is not possible, std::logic_error in a handler of the inventory.
+    /// @throws IncompleteSearch with what was found when it has ended before, InventoryError when an option is not
+    /// possible, std::logic_error in a handler of the inventory.
     SearchResult Discover(const DiscoverOptions& options = DiscoverOptions())
     {
         if (std::this_thread::get_id() == thread.get_id())
@@ -124,7 +114,7 @@ public:
             throw std::logic_error("a search in a handler of the inventory would wait for the handler");
         }
         const std::string text = "{\"Wait\":" + std::to_string(options.Wait.count()) +
-                                 ",\"Sweep\":" + (options.Sweep ? "true" : "false") + ",\"Networks\":" + networks +
+                                 ",\"Sweep\":" + (options.Sweep ? "true" : "false") + networks +
                                  ",\"Also\":" + ArrayOf(options.Also) + "}";
         const std::lock_guard<std::mutex> turn(searchTurn);
         std::unique_lock<std::mutex> lock(engineLock);
@@ -132,7 +122,7 @@ public:
         searchReport.reset();
         mailbox->Wake();
         searchEnded.wait(lock, [this] { return searchReport.has_value(); });
-        SearchResult result{{}, JsonView(*searchReport)["Complete"].IsTrue(), *searchReport};
+        SearchResult result{{}, *searchReport};
         lock.unlock();
         for (KnownDevice& device : Devices())
         {
@@ -140,6 +130,10 @@ public:
             {
                 result.Devices.push_back(std::move(device));
             }
+        }
+        if (!JsonView(result.Report)["Complete"].IsTrue())
+        {
+            throw IncompleteSearch(std::move(result));
         }
         return result;
     }
@@ -172,8 +166,6 @@ public:
     }
 
 private:
-    static constexpr unsigned short DevicePort = 12000;
-    static constexpr unsigned short ServerPort = 12001;
     static constexpr std::chrono::milliseconds BatchTime{20}; // in which messages are collected
     static constexpr std::chrono::milliseconds LongestWait{1000};
 
@@ -276,7 +268,8 @@ private:
                                  ",\"StaleAfter\":" + std::to_string(options.StaleAfter.count()) +
                                  ",\"AnswerTime\":" + std::to_string(options.AnswerTime.count()) +
                                  ",\"Misses\":" + std::to_string(options.Misses) +
-                                 ",\"AcceptedConflicts\":" + ArrayOf(options.AcceptedConflicts) + "}";
+                                 ",\"AcceptedConflicts\":" + ArrayOf(options.AcceptedConflicts) +
+                                 ",\"AskSystem\":true}";
         ::DiscoveryInventory* inventory = nullptr;
         Check(DiscoveryInventoryCreate(text.c_str(), &inventory));
         return Engine(inventory);
@@ -377,25 +370,13 @@ private:
         }
     }
 
-    /// Answers the wishes that are to be answered, and gives the others.
     std::vector<Question> TakeQuestions()
     {
         std::vector<Question> questions;
         DiscoveryInventoryWish wish{};
         while (Check(DiscoveryInventoryNextWish(engine.get(), &wish)), wish.Kind != DiscoveryInventoryNoWish)
         {
-            if (wish.Kind == DiscoveryInventoryIsReachable)
-            {
-                Check(DiscoveryInventoryAnswerWish(engine.get(), wish.Id, HasRoute(wish.Address) ? 1 : 0));
-            }
-            else if (wish.Kind == DiscoveryInventoryCountLost)
-            {
-                Check(DiscoveryInventoryAnswerWish(engine.get(), wish.Id, CountLost()));
-            }
-            else
-            {
-                questions.push_back({wish.Kind, wish.Address});
-            }
+            questions.push_back({wish.Kind, wish.Address});
         }
         return questions;
     }
@@ -412,9 +393,13 @@ private:
             {
                 changes.push_back(std::move(*change));
             }
-            else if (event["Event"].Text() == "SearchEnded")
+            else if (const std::string name = event["Event"].Text(); name == "SearchEnded")
             {
                 report = event["Search"].Raw();
+            }
+            else if (name == "PortHeld" || name == "PortReleased")
+            {
+                isPortHeld = name == "PortHeld";
             }
         }
         return report;
@@ -454,86 +439,11 @@ private:
         }
     }
 
-    /// Asks the system; nothing is sent.
-    static bool HasRoute(const char* address)
-    {
-        sockaddr_in target{};
-        target.sin_family = AF_INET;
-        target.sin_port = htons(DevicePort);
-        return inet_pton(AF_INET, address, &target.sin_addr) == 1 && Connects(target);
-    }
-
-#if defined(_WIN32)
-    static bool Connects(const sockaddr_in& target)
-    {
-        WSADATA data{};
-        if (WSAStartup(MAKEWORD(2, 2), &data) != 0)
-        {
-            return false;
-        }
-        const SOCKET probe = socket(AF_INET, SOCK_DGRAM, 0);
-        const bool connects = connect(probe, reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0;
-        closesocket(probe);
-        WSACleanup();
-        return connects;
-    }
-
-    static long long CountLost()
-    {
-        return -1; // the system does not tell
-    }
-#else
-    static bool Connects(const sockaddr_in& target)
-    {
-        const int probe = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        const bool connects = connect(probe, reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0;
-        close(probe);
-        return connects;
-    }
-
-    /// How many datagrams the system has dropped for this process's socket of the library; -1 when it does not tell.
-    static long long CountLost()
-    {
-        const std::set<std::string> own = OwnSockets();
-        char port[8];
-        std::snprintf(port, sizeof port, ":%04X", static_cast<unsigned>(ServerPort));
-        long long lost = -1;
-        std::ifstream table("/proc/net/udp");
-        for (std::string line; std::getline(table, line);)
-        {
-            std::istringstream stream(line);
-            std::vector<std::string> columns;
-            for (std::string column; stream >> column;)
-            {
-                columns.push_back(column);
-            }
-            if (columns.size() > 10 && columns[1].substr(std::min<std::size_t>(columns[1].size(), 8)) == port &&
-                own.count("socket:[" + columns[9] + "]") != 0)
-            {
-                lost = std::max(lost, 0LL) + std::strtoll(columns.back().c_str(), nullptr, 10);
-            }
-        }
-        return lost;
-    }
-
-    static std::set<std::string> OwnSockets()
-    {
-        std::set<std::string> sockets;
-        std::error_code error;
-        for (std::filesystem::directory_iterator file("/proc/self/fd", error), end; !error && file != end;
-             file.increment(error))
-        {
-            std::error_code gone;
-            sockets.insert(std::filesystem::read_symlink(file->path(), gone).string());
-        }
-        return sockets;
-    }
-#endif
-
     DiscoverySession& session;
-    const std::string networks; // as a JSON array
+    const std::string networks; // a member of the options of searches, if any
     const std::chrono::steady_clock::time_point steadyStart = std::chrono::steady_clock::now();
     const std::chrono::system_clock::time_point systemStart = std::chrono::system_clock::now();
+    std::atomic<bool> isPortHeld{false}; // written by the thread
     const std::shared_ptr<Mailbox> mailbox = std::make_shared<Mailbox>();
 
     std::mutex searchTurn; // held during a search, taken before engineLock

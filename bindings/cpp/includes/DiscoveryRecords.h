@@ -92,8 +92,25 @@ struct DeviceChange
 struct SearchResult
 {
     std::vector<KnownDevice> Devices; ///< those that are here
-    bool IsComplete;                  ///< whether these are all that there are
     std::string Report;               ///< how it went: {"Devices":3,"Rounds":[...],...}, as DiscoveryInventory.h has it
+};
+
+/// A search has ended before it was complete.
+class IncompleteSearch : public std::runtime_error
+{
+public:
+    explicit IncompleteSearch(SearchResult result)
+        : std::runtime_error(std::to_string(result.Devices.size()) +
+                             " devices found, but the search has ended before it was complete")
+        , result(std::move(result))
+    {
+    }
+
+    /// What was found, and how it went.
+    const SearchResult& Result() const { return result; }
+
+private:
+    SearchResult result;
 };
 
 /// A value in a JSON text that a library has written, to be read while that text lasts. What is missing, and anything

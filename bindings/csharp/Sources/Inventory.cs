@@ -37,6 +37,7 @@ namespace Zent.Discovery
         private IntPtr handle;
         private List<TaskCompletionSource<SearchResult>> searches = new List<TaskCompletionSource<SearchResult>>();
         private volatile bool isClosing;
+        private volatile bool isPortHeld; // written by the thread
 
         /// <summary>Begins to listen; unless the options say otherwise all devices are asked soon and again.</summary>
         /// <param name="session">The session, which the host starts and disposes of.</param>
@@ -113,8 +114,13 @@ namespace Zent.Discovery
         }
 
         /// <summary>
-        /// Searches until all devices are found, or the time is over: the result says which. A search that runs gives
-        /// way, and has the same result. Dispose cancels it.
+        /// Whether another program receives what devices send, too; then none is told to be gone.
+        /// </summary>
+        public bool IsPortHeld => isPortHeld;
+
+        /// <summary>
+        /// Searches until all devices are found; the task fails with an <see cref="IncompleteSearchException"/> when the
+        /// time is over before. A search that runs gives way, and has the same result. Dispose cancels it.
         /// </summary>
         /// <param name="wait">After which time it ends at the latest; null for ten seconds.</param>
         /// <param name="sweep">
@@ -261,27 +267,16 @@ namespace Zent.Discovery
             }
         }
 
-        // Answers what is to be answered, and gives the rest.
         private void TakeWishes(List<KeyValuePair<WishKind, string>> wishes)
         {
             while (true)
             {
                 library.Check(library.NextWish(handle, out Wish wish));
-                switch (wish.Kind)
+                if (wish.Kind == WishKind.None)
                 {
-                    case WishKind.None:
-                        return;
-                    case WishKind.IsReachable:
-                        bool hasRoute = LocalNetwork.HasRoute(NativeLibrary.Text(wish.Address));
-                        library.Check(library.AnswerWish(handle, wish.Id, hasRoute ? 1 : 0));
-                        break;
-                    case WishKind.CountLost:
-                        library.Check(library.AnswerWish(handle, wish.Id, LocalNetwork.CountLost()));
-                        break;
-                    default:
-                        wishes.Add(new KeyValuePair<WishKind, string>(wish.Kind, NativeLibrary.Text(wish.Address)));
-                        break;
+                    return;
                 }
+                wishes.Add(new KeyValuePair<WishKind, string>(wish.Kind, NativeLibrary.Text(wish.Address)));
             }
         }
 
@@ -337,6 +332,8 @@ namespace Zent.Discovery
                 case "Settled": Raise(Settled, what.Device); break;
                 case "Forgotten": Raise(Forgotten, what.Device); break;
                 case "Conflict": Raise(Conflict, what.Conflict); break;
+                case "PortHeld": isPortHeld = true; break;
+                case "PortReleased": isPortHeld = false; break;
             }
         }
 
@@ -370,6 +367,10 @@ namespace Zent.Discovery
             {
                 var result = Json.Read<SearchResult>(report);
                 result.Devices = ReadDevices(snapshot).Where(device => device.IsHere).ToArray();
+                if (!result.IsComplete)
+                {
+                    throw new IncompleteSearchException(result);
+                }
                 ended.ForEach(search => search.TrySetResult(result));
             }
             catch (Exception exception)

@@ -10,7 +10,6 @@ namespace Zent.Discovery
         public readonly FeedFunction Feed;
         public readonly AdvanceTimeFunction AdvanceTime;
         public readonly NextWishFunction NextWish;
-        public readonly AnswerWishFunction AnswerWish;
         public readonly GetTextFunction NextEvent;
         public readonly GetTextFunction Snapshot;
         public readonly NextTimeFunction NextTime;
@@ -31,7 +30,6 @@ namespace Zent.Discovery
             Bind(out Feed, "DiscoveryInventoryFeed", 2 * word + 12);
             Bind(out AdvanceTime, "DiscoveryInventoryAdvanceTime", word + 8);
             Bind(out NextWish, "DiscoveryInventoryNextWish", 2 * word);
-            Bind(out AnswerWish, "DiscoveryInventoryAnswerWish", word + 16);
             Bind(out NextEvent, "DiscoveryInventoryNextEvent", 2 * word);
             Bind(out Snapshot, "DiscoveryInventorySnapshot", 2 * word);
             Bind(out NextTime, "DiscoveryInventoryNextTime", 2 * word);

@@ -8,8 +8,8 @@ namespace Zent.Discovery
     public sealed class InventoryOptions
     {
         /// <summary>
-        /// This machine's addresses and networks, such as 192.168.1.10/24, whose addresses a search may ask one by one
-        /// when answers were lost; usually none.
+        /// Whose addresses a search may ask one by one when answers were lost, such as 192.168.1.10/24. Usually those of
+        /// this machine, but for loopback and what bears a name that container engines, hypervisors and tunnels give.
         /// </summary>
         public IList<string> Networks { get; set; }
 
@@ -36,5 +36,9 @@ namespace Zent.Discovery
         /// <summary>Conflicts that are not told, such as ip:10.0.0.5, name:press-4 or mac:00:1A:2B:3C:4D:5E.</summary>
         [DataMember(EmitDefaultValue = false)]
         public IList<string> AcceptedConflicts { get; set; }
+
+        // Routes, lost answers, networks and who holds the port are the library's business.
+        [DataMember]
+        private bool AskSystem { get; set; } = true;
     }
 }

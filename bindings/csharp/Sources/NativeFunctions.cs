@@ -43,9 +43,6 @@ namespace Zent.Discovery
     internal delegate int NextWishFunction(IntPtr inventory, out Wish wish);
 
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]
-    internal delegate int AnswerWishFunction(IntPtr inventory, long id, long value);
-
-    [UnmanagedFunctionPointer(CallingConvention.StdCall)]
     internal delegate int GetTextFunction(IntPtr inventory, out IntPtr text);
 
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]
@@ -72,9 +69,7 @@ namespace Zent.Discovery
         None = 0,
         AskAll = 1,
         AskMac = 2,
-        AskIP = 3,
-        IsReachable = 4,
-        CountLost = 5
+        AskIP = 3
     }
 
     [StructLayout(LayoutKind.Sequential)]

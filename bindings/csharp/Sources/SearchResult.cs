@@ -10,9 +10,8 @@ namespace Zent.Discovery
         /// <summary>The devices that are here.</summary>
         public IList<KnownDevice> Devices { get; internal set; }
 
-        /// <summary>Whether these are all; otherwise the search has ended before it could know.</summary>
         [DataMember(Name = "Complete")]
-        public bool IsComplete { get; private set; }
+        internal bool IsComplete { get; private set; }
 
         /// <summary>Its rounds of questions.</summary>
         [DataMember]

@@ -18,7 +18,6 @@ import enum
 import json
 import logging
 import os
-import sys
 import threading
 import time
 from dataclasses import dataclass
@@ -40,6 +39,8 @@ from typing import (
     TypeVar,
     Union,
 )
+
+from ._native import IS_WINDOWS, Functions, LibraryError, NativeLibrary, Path
 
 __all__ = [
     "DiscoveryError",
@@ -194,17 +195,11 @@ class DiscoveryError(Exception):
         """The library's text of the code."""
 
 
-class LibraryError(OSError):
-    """The library could not be loaded, or is not the library that it should be."""
-
-
 Handler = Callable[[Event], None]
-Path = Union[str, "os.PathLike[str]"]
 _Element = TypeVar("_Element")
 _Listener = Callable[[EventKind, bytes], None]  # takes documents as they come, on the library's thread
 
-_IS_WINDOWS = sys.platform == "win32"
-_FUNCTIONS: Dict[str, Tuple[Any, ...]] = {
+_FUNCTIONS: Functions = {
     "Initialize": (ctypes.c_char_p, ctypes.c_int),
     "Terminate": (),
     "StartServer": (),
@@ -229,66 +224,28 @@ _SETTERS = {
 }
 
 
-def _library_file(path: Optional[Path], variable: str, name: str) -> str:
-    """Which file to load: the one that is given, that the variable names, or that lies beside this module, as it does
-    in wheels; else the name by which the system finds it."""
-    if path is None:
-        path = os.environ.get(variable) or None
-    if path is not None:
-        return os.path.abspath(path)  # the system would search its folders for a name without one
-    usual = f"{name}.dll" if _IS_WINDOWS else f"lib{name}.so.1"  # its ABI
-    own = os.path.join(os.path.dirname(os.path.abspath(__file__)), usual)
-    return own if os.path.exists(own) else usual
-
-
-class _Library:
-    """The sixteen functions of a loaded library. They let other Python threads run while they work."""
+class _Library(NativeLibrary):
+    """The sixteen functions of the library."""
 
     def __init__(self, path: Optional[Path]) -> None:
-        self._library = self._load(path)
-        self._functions = {name: self._bind(name, arguments) for name, arguments in _FUNCTIONS.items()}
-        self._functions["GetErrorMessage"].restype = ctypes.c_void_p  # c_char_p would lose the address to free
-        memory = ctypes.CDLL("ole32") if _IS_WINDOWS else ctypes.CDLL(None)
-        self._free = memory.CoTaskMemFree if _IS_WINDOWS else memory.free
+        super().__init__("DiscoveryServer.ExtC", path, LIBRARY_VARIABLE, _FUNCTIONS)
+        self.functions["GetErrorMessage"].restype = ctypes.c_void_p  # c_char_p would lose the address to free
+        memory = ctypes.CDLL("ole32") if IS_WINDOWS else ctypes.CDLL(None)
+        self._free = memory.CoTaskMemFree if IS_WINDOWS else memory.free
         self._free.argtypes = (ctypes.c_void_p,)
         self._free.restype = None
 
-    @staticmethod
-    def _load(path: Optional[Path]) -> ctypes.CDLL:
-        name = _library_file(path, LIBRARY_VARIABLE, "DiscoveryServer.ExtC")
-        loader: Any = getattr(ctypes, "WinDLL" if _IS_WINDOWS else "CDLL")
-        try:
-            library: ctypes.CDLL = loader(name)
-            return library
-        except OSError as error:
-            raise LibraryError(
-                f"cannot load the library {name}: {error}; give its path as the argument library or in the "
-                f"environment variable {LIBRARY_VARIABLE}"
-            ) from error
-
-    def _bind(self, name: str, arguments: Tuple[Any, ...]) -> Any:
-        is_decorated = _IS_WINDOWS and ctypes.sizeof(ctypes.c_void_p) == 4
-        try:
-            function = self._library[f"_{name}@{4 * len(arguments)}" if is_decorated else name]
-        except AttributeError as error:
-            raise LibraryError(
-                f"{self._library._name} lacks the function {name}: it is not DiscoveryServer.ExtC"
-            ) from error
-        function.argtypes = arguments
-        function.restype = ctypes.c_int
-        return function
-
     def is_same(self, other: _Library) -> bool:
         """True for two loads of one file, which have one state."""
-        return self._library._handle == other._library._handle
+        return self.library._handle == other.library._handle
 
     def call(self, name: str, *arguments: Any) -> int:
         """The function's result code, which is not negative."""
-        code: int = self._functions[name](*arguments)
+        code: int = self.functions[name](*arguments)
         return code & 0xFFFFFFFF
 
     def error(self, name: str, code: int) -> DiscoveryError:
-        message = self._functions["GetErrorMessage"](ctypes.c_int(code).value)
+        message = self.functions["GetErrorMessage"](ctypes.c_int(code).value)
         if not message:
             return DiscoveryError(name, code, "no memory is left for the text")
         try:
@@ -301,7 +258,7 @@ class _Library:
             raise self.error(name, code)
 
 
-_callback_type: Any = getattr(ctypes, "WINFUNCTYPE" if _IS_WINDOWS else "CFUNCTYPE")(None, ctypes.c_char_p)
+_callback_type: Any = getattr(ctypes, "WINFUNCTYPE" if IS_WINDOWS else "CFUNCTYPE")(None, ctypes.c_char_p)
 _in_handler = threading.local()
 
 # Held during Initialize, StartServer, StopServer and Terminate, which may wait for a handler: never taken in one.

@@ -10,22 +10,20 @@
 from __future__ import annotations
 
 import asyncio
+import contextlib
 import ctypes
 import enum
 import json
 import logging
-import os
 import queue
-import re
-import socket
-import sys
 import threading
 import time
 from dataclasses import dataclass, field
 from types import TracebackType
 from typing import Any, AsyncIterator, Callable, Dict, Iterable, Iterator, List, Optional, Tuple, Type
 
-from . import DiscoveryError, Document, EventKind, Host, LibraryError, Nic, Path, Session, _library_file, _list
+from . import DiscoveryError, Document, EventKind, Host, Nic, Session, _list
+from ._native import Functions, NativeLibrary, Path
 
 __all__ = [
     "Change",
@@ -44,9 +42,6 @@ INVENTORY_LIBRARY_VARIABLE = "DISCOVERY_INVENTORY_LIBRARY"
 """The environment variable that names the library's file for inventories that are not given a path."""
 
 _logger = logging.getLogger(__name__)
-_IS_WINDOWS = sys.platform == "win32"
-_DEVICE_PORT = 12000
-_SERVER_PORT = 12001
 _BATCH_TIME = 0.02  # seconds, in which messages are collected
 _LONGEST_WAIT = 1.0
 _MESSAGES = {EventKind.SIGNATURE: 0, EventKind.HELLO: 1, EventKind.BYE: 2}
@@ -165,11 +160,11 @@ class _Wish(ctypes.Structure):
     _fields_ = [("kind", ctypes.c_int), ("address", ctypes.c_char_p), ("id", ctypes.c_longlong)]
 
 
-_NO_WISH, _ASK_ALL, _ASK_MAC, _ASK_IP, _IS_REACHABLE, _COUNT_LOST = range(6)
+_NO_WISH, _ASK_ALL, _ASK_MAC, _ASK_IP = range(4)
+_OUT_OF_MEMORY = 27
 _TEXT = ctypes.POINTER(ctypes.c_char_p)
-_FUNCTIONS: Dict[str, Tuple[Any, ...]] = {
+_FUNCTIONS: Functions = {
     "AdvanceTime": (ctypes.c_void_p, ctypes.c_longlong),
-    "AnswerWish": (ctypes.c_void_p, ctypes.c_longlong, ctypes.c_longlong),
     "Create": (ctypes.c_char_p, ctypes.POINTER(ctypes.c_void_p)),
     "Feed": (ctypes.c_void_p, ctypes.c_int, ctypes.c_char_p, ctypes.c_longlong),
     "Free": (ctypes.c_void_p,),
@@ -182,58 +177,23 @@ _FUNCTIONS: Dict[str, Tuple[Any, ...]] = {
 }
 
 
-class _Library:
-    """The functions of a loaded library that the inventory needs."""
+class _Library(NativeLibrary):
+    """The functions that the inventory needs."""
 
     def __init__(self, path: Optional[Path]) -> None:
-        name = _library_file(path, INVENTORY_LIBRARY_VARIABLE, "DiscoveryInventory")
-        loader: Any = getattr(ctypes, "WinDLL" if _IS_WINDOWS else "CDLL")
-        try:
-            self._library: ctypes.CDLL = loader(name)
-            self._functions = {each: self._bind(each, arguments) for each, arguments in _FUNCTIONS.items()}
-        except (OSError, AttributeError) as error:
-            raise LibraryError(
-                f"cannot use the library {name}: {error}; give its path as the argument library or in the environment "
-                f"variable {INVENTORY_LIBRARY_VARIABLE}"
-            ) from error
-        self._functions["GetLastError"].restype = ctypes.c_char_p
-        self.free = self._functions["Free"]
+        functions = {f"DiscoveryInventory{name}": arguments for name, arguments in _FUNCTIONS.items()}
+        super().__init__("DiscoveryInventory", path, INVENTORY_LIBRARY_VARIABLE, functions)
+        self._last_error = self.functions["DiscoveryInventoryGetLastError"]
+        self._last_error.restype = ctypes.c_char_p
+        self.free = self.functions["DiscoveryInventoryFree"]
         self.free.restype = None
 
-    def _bind(self, name: str, arguments: Tuple[Any, ...]) -> Any:
-        is_decorated = _IS_WINDOWS and ctypes.sizeof(ctypes.c_void_p) == 4
-        size = sum(max(4, ctypes.sizeof(each)) for each in arguments)
-        function = self._library[f"_DiscoveryInventory{name}@{size}" if is_decorated else f"DiscoveryInventory{name}"]
-        function.argtypes = arguments
-        function.restype = ctypes.c_int
-        return function
-
     def call(self, name: str, *arguments: Any) -> None:
-        if self._functions[name](*arguments) != 0:
-            raise InventoryError(self._functions["GetLastError"]().decode("utf-8", "replace"))
-
-
-def _has_route(address: str) -> bool:
-    """Asks the system; nothing is sent."""
-    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as probe:
-        try:
-            probe.connect((address, _DEVICE_PORT))
-        except OSError:
-            return False
-        return True
-
-
-def _lost_answers() -> int:
-    """How many datagrams the system has dropped for this process's socket of the library; -1 when it does not tell."""
-    try:
-        links = [os.readlink(entry.path) for entry in os.scandir("/proc/self/fd") if entry.is_symlink()]
-        with open("/proc/net/udp", encoding="ascii") as table:
-            rows = [line.split() for line in table][1:]
-    except OSError:
-        return -1
-    inodes = {match[1] for match in map(re.compile(r"socket:\[(\d+)\]").fullmatch, links) if match}
-    drops = [int(row[-1]) for row in rows if row[1].endswith(f":{_SERVER_PORT:04X}") and row[9] in inodes]
-    return sum(drops) if drops else -1
+        code = self.functions[f"DiscoveryInventory{name}"](*arguments)
+        if code == _OUT_OF_MEMORY:
+            raise MemoryError
+        if code != 0:
+            raise InventoryError(self._last_error().decode("utf-8", "replace"))
 
 
 class Inventory:
@@ -248,20 +208,21 @@ class Inventory:
         session: Session,
         *,
         library: Optional[Path] = None,
-        networks: Iterable[str] = (),
+        networks: Optional[Iterable[str]] = None,
         **options: Any,
     ) -> None:
         """Begins to listen; with the usual options all devices are asked at once and again every ten seconds.
 
         library: the library's file. Without it the environment variable DISCOVERY_INVENTORY_LIBRARY names it, and
             without that it is the one that came with the module, or the system searches for it.
-        networks: this machine's addresses and networks, such as "192.168.1.10/24", whose addresses a search may ask
-            one by one when answers were lost.
+        networks: whose addresses a search may ask one by one when answers were lost, such as "192.168.1.10/24".
+            Without it those of this machine, but for loopback and what bears a name that container engines,
+            hypervisors and tunnels give.
         options: of the library's session, such as AskEvery=5000 and AcceptedConflicts=["ip:10.0.0.5"].
         Raises LibraryError, and InventoryError when an option is not possible.
         """
         self._session = session
-        self._networks = _list(networks)
+        self._search_options = {} if networks is None else {"Networks": _list(networks)}
         self._library = _Library(library)
         self._start = (time.monotonic(), time.time())
         self._messages: queue.SimpleQueue[Optional[Tuple[EventKind, bytes]]] = queue.SimpleQueue()  # None wakes
@@ -269,8 +230,9 @@ class Inventory:
         self._handle: Optional[ctypes.c_void_p] = ctypes.c_void_p()
         self._is_closing = False
         self._search: Optional[Dict[str, Any]] = None  # the report of the last search, once it has ended
+        self._is_port_held = False
         self._receivers: List[Callable[[Optional[Change]], None]] = []
-        self._library.call("Create", json.dumps(options).encode("ascii"), ctypes.byref(self._handle))
+        self._library.call("Create", json.dumps({"AskSystem": True, **options}).encode(), ctypes.byref(self._handle))
         self._thread = threading.Thread(target=self._run, name="discovery inventory", daemon=True)
         self._thread.start()
         session._add_listener(self._listen)
@@ -302,6 +264,12 @@ class Inventory:
                 return []
             return [self._device(row) for row in self._read("Snapshot")["Devices"]]
 
+    @property
+    def is_port_held(self) -> bool:
+        """Whether another program receives what devices send, too; then none is told to be gone."""
+        with self._lock:
+            return self._is_port_held
+
     def discover(self, wait: float = 10, *, sweep: bool = True, also: Iterable[str] = ()) -> List[Device]:
         """Searches until all devices are found, and returns those that are here.
 
@@ -310,8 +278,10 @@ class Inventory:
         also: addresses elsewhere to ask one by one, such as "10.2.0.5" and "10.2.1.0/26".
         Raises IncompleteSearchError with what was found, and InventoryError when an argument is not possible.
         """
-        options = {"Wait": round(wait * 1000), "Sweep": sweep, "Networks": self._networks, "Also": _list(also)}
+        options = {"Wait": round(wait * 1000), "Sweep": sweep, "Also": _list(also), **self._search_options}
         with self._lock:
+            if self._handle is None:
+                raise InventoryError("the inventory is closed")
             self._search = None
             self._library.call("StartSearch", self._handle, json.dumps(options).encode("ascii"), self._now())
             self._messages.put(None)
@@ -338,7 +308,7 @@ class Inventory:
         arrived: asyncio.Queue[Optional[Change]] = asyncio.Queue()
 
         def receive(change: Optional[Change]) -> None:
-            if not loop.is_closed():
+            with contextlib.suppress(RuntimeError):  # the loop is closed, and nobody waits any more
                 loop.call_soon_threadsafe(arrived.put_nowait, change)
 
         self._subscribe(receive)
@@ -381,23 +351,33 @@ class Inventory:
     def _run(self) -> None:
         """Until close: the messages of a moment at once, then the time, wishes and events."""
         wait = 0.0
-        while not self._is_closing:
-            messages = self._take_messages(wait)
-            with self._lock:
-                for kind, document in messages:
-                    self._feed(kind, document)
-                self._library.call("AdvanceTime", self._handle, self._now())
-                wishes = list(self._take_wishes())
-                self._tell()
-                wait = self._time_to_wait()
-            for wish, address in wishes:
-                self._ask(wish, address)
+        try:
+            while not self._is_closing:
+                try:
+                    wait = self._work(self._take_messages(wait))
+                except Exception:  # such as one for want of memory
+                    _logger.exception("the inventory goes on after a failure")
+                    wait = _LONGEST_WAIT
+        finally:
+            with self._lock:  # whoever waits has waited long enough
+                self._library.free(self._handle)
+                self._handle = None
+                for receiver in self._receivers:
+                    receiver(None)
+                self._lock.notify_all()
+
+    def _work(self, messages: List[Tuple[EventKind, bytes]]) -> float:
+        """Returns for how many seconds nothing is to be done. Requests wait for no lock of ours."""
         with self._lock:
-            self._library.free(self._handle)
-            self._handle = None
-            for receiver in self._receivers:
-                receiver(None)
-            self._lock.notify_all()
+            for kind, document in messages:
+                self._feed(kind, document)
+            self._library.call("AdvanceTime", self._handle, self._now())
+            wishes = list(self._take_wishes())
+            self._tell()
+            wait = self._time_to_wait()
+        for wish, address in wishes:
+            self._ask(wish, address)
+        return wait
 
     def _take_messages(self, wait: float) -> List[Tuple[EventKind, bytes]]:
         """Waits for one and then for those that come with it."""
@@ -422,19 +402,12 @@ class Inventory:
             _logger.warning("unreadable message left out: %s", error)
 
     def _take_wishes(self) -> Iterator[Tuple[int, str]]:
-        """Answers what is to be answered, and gives the rest: requests wait for no lock of ours."""
         wish = _Wish()
         while True:
             self._library.call("NextWish", self._handle, ctypes.byref(wish))
-            address = (wish.address or b"").decode("ascii", "replace")
             if wish.kind == _NO_WISH:
                 return
-            if wish.kind == _IS_REACHABLE:
-                self._library.call("AnswerWish", self._handle, wish.id, int(_has_route(address)))
-            elif wish.kind == _COUNT_LOST:
-                self._library.call("AnswerWish", self._handle, wish.id, _lost_answers())
-            else:
-                yield wish.kind, address
+            yield wish.kind, wish.address.decode("ascii", "replace")
 
     def _ask(self, kind: int, address: str) -> None:
         try:
@@ -453,6 +426,8 @@ class Inventory:
             if event["Event"] == "SearchEnded":
                 self._search = event["Search"]
                 self._lock.notify_all()
+            elif event["Event"] in ("PortHeld", "PortReleased"):
+                self._is_port_held = event["Event"] == "PortHeld"
             kind = kinds.get(event["Event"].lower())
             if kind is not None:
                 change = Change(event["Device"], kind, _differences(event), _conflict(event))

@@ -2,19 +2,25 @@
 
 #include "Inventory/Session.h"
 #include "OptionsReader.h"
+#include "Programs/SystemAnswers.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 using namespace Zent::Discovery::Inventory;
+using Zent::Discovery::Programs::SystemAnswers;
 
 /// A session and the texts that its host was given last.
 struct DiscoveryInventory
 {
     Session Engine;
+    std::optional<SystemAnswers> System; // when the host leaves the system to the session
     std::string Text;
     std::string Address;
 };
@@ -116,6 +122,17 @@ int NumberOf(Wish::WishKind kind)
     return DiscoveryInventoryNoWish;
 }
 
+/// The next wish that is the host's to carry out.
+std::optional<Wish> NextWishOf(DiscoveryInventory& session)
+{
+    std::optional<Wish> wish = session.Engine.NextWish();
+    while (wish && session.System && SystemAnswers::Answer(session.Engine, *wish))
+    {
+        wish = session.Engine.NextWish();
+    }
+    return wish;
+}
+
 /// Keeps the text for the host.
 const char* Give(DiscoveryInventory* session, std::string text)
 {
@@ -129,7 +146,11 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryCreate(const char* optionsJson, D
     return Guard(
         [&] {
             *session = nullptr;
-            *session = new DiscoveryInventory{Session(OptionsReader::ReadTableOptions(OrNothing(optionsJson))), {}, {}};
+            OptionsReader::SessionOptions options = OptionsReader::ReadSessionOptions(OrNothing(optionsJson));
+            *session = new DiscoveryInventory{Session(std::move(options.Table)),
+                                              options.AskSystem ? std::optional(SystemAnswers()) : std::nullopt,
+                                              {},
+                                              {}};
         },
         session);
 }
@@ -149,14 +170,23 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryFeed(DiscoveryInventory* session,
 
 int DISCOVERY_INVENTORY_CALL DiscoveryInventoryAdvanceTime(DiscoveryInventory* session, long long now)
 {
-    return Guard([&] { session->Engine.Advance(TimeOf(now)); }, session);
+    return Guard(
+        [&] {
+            const Time time = TimeOf(now);
+            if (session->System)
+            {
+                session->System->TellOfPort(session->Engine, time);
+            }
+            session->Engine.Advance(time);
+        },
+        session);
 }
 
 int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextWish(DiscoveryInventory* session, DiscoveryInventoryWish* wish)
 {
     return Guard(
         [&] {
-            std::optional<Wish> next = session->Engine.NextWish();
+            std::optional<Wish> next = NextWishOf(*session);
             session->Address = next ? std::move(next->Address) : std::string();
             *wish = {next ? NumberOf(next->Kind) : DiscoveryInventoryNoWish, session->Address.c_str(),
                      next ? next->Id : 0};
@@ -181,7 +211,16 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextEvent(DiscoveryInventory* ses
 
 int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextTime(DiscoveryInventory* session, long long* time)
 {
-    return Guard([&] { *time = session->Engine.NextTime().count(); }, session, time);
+    return Guard(
+        [&] {
+            Time next = session->Engine.NextTime();
+            if (session->System)
+            {
+                next = std::min(next, session->System->NextLook());
+            }
+            *time = next.count();
+        },
+        session, time);
 }
 
 int DISCOVERY_INVENTORY_CALL DiscoveryInventorySetPortHeld(DiscoveryInventory* session, int isHeld, long long now)
@@ -199,7 +238,11 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryStartSearch(DiscoveryInventory* s
                                                            long long now)
 {
     return Guard(
-        [&] { session->Engine.StartSearch(OptionsReader::ReadSearchOptions(OrNothing(optionsJson)), TimeOf(now)); },
+        [&] {
+            std::vector<Network> networks = session->System ? SystemAnswers::Networks() : std::vector<Network>();
+            session->Engine.StartSearch(OptionsReader::ReadSearchOptions(OrNothing(optionsJson), std::move(networks)),
+                                        TimeOf(now));
+        },
         session);
 }
 

@@ -6,6 +6,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace Zent::Discovery::Inventory
 {
@@ -97,8 +98,12 @@ public:
         return texts;
     }
 
-    std::vector<Network> Networks(const char* key)
+    std::vector<Network> Networks(const char* key, std::vector<Network> usual)
     {
+        if (Find(key) == nullptr)
+        {
+            return usual;
+        }
         std::vector<Network> networks;
         for (const std::string& text : Texts(key))
         {
@@ -168,21 +173,23 @@ struct Members::Value<Time>
 };
 } // namespace
 
-DeviceTableOptions OptionsReader::ReadTableOptions(std::string_view text)
+OptionsReader::SessionOptions OptionsReader::ReadSessionOptions(std::string_view text)
 {
-    DeviceTableOptions options;
+    SessionOptions options;
+    DeviceTableOptions& table = options.Table;
     Members members(text);
-    members.Number("MaximumDevices", 1, MaximumCount, options.MaximumDevices);
-    members.Number("AskEvery", 0, Day, options.AskEvery);
-    members.Number("StaleAfter", 1, Day, options.StaleAfter);
-    members.Number("AnswerTime", 1, Day, options.AnswerTime);
-    members.Number("Misses", 1, 1000, options.Misses);
-    options.AcceptedConflicts = members.Texts("AcceptedConflicts");
+    members.Number("MaximumDevices", 1, MaximumCount, table.MaximumDevices);
+    members.Number("AskEvery", 0, Day, table.AskEvery);
+    members.Number("StaleAfter", 1, Day, table.StaleAfter);
+    members.Number("AnswerTime", 1, Day, table.AnswerTime);
+    members.Number("Misses", 1, 1000, table.Misses);
+    table.AcceptedConflicts = members.Texts("AcceptedConflicts");
+    members.Flag("AskSystem", options.AskSystem);
     members.RefuseOthers();
     return options;
 }
 
-SearchOptions OptionsReader::ReadSearchOptions(std::string_view text)
+SearchOptions OptionsReader::ReadSearchOptions(std::string_view text, std::vector<Network> networks)
 {
     SearchOptions options;
     Members members(text);
@@ -190,8 +197,8 @@ SearchOptions OptionsReader::ReadSearchOptions(std::string_view text)
     members.Flag("Once", options.Once);
     members.Number("Expect", 0, MaximumCount, options.Expect);
     members.Flag("Sweep", options.Sweep);
-    options.Networks = members.Networks("Networks");
-    options.Also = members.Networks("Also");
+    options.Networks = members.Networks("Networks", std::move(networks));
+    options.Also = members.Networks("Also", {});
     members.RefuseOthers();
     return options;
 }

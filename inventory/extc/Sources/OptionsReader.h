@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Inventory/DeviceTable.h"
+#include "Inventory/Network.h"
 #include "Inventory/SearchOptions.h"
 
 #include <string_view>
+#include <vector>
 
 namespace Zent::Discovery::Inventory
 {
@@ -14,7 +16,15 @@ class OptionsReader final
 public:
     OptionsReader() = delete;
 
-    static DeviceTableOptions ReadTableOptions(std::string_view json);
-    static SearchOptions ReadSearchOptions(std::string_view json);
+    struct SessionOptions
+    {
+        DeviceTableOptions Table;
+        bool AskSystem = false;
+    };
+
+    static SessionOptions ReadSessionOptions(std::string_view json);
+
+    /// The networks are those of a text that names none.
+    static SearchOptions ReadSearchOptions(std::string_view json, std::vector<Network> networks);
 };
 } // namespace Zent::Discovery::Inventory

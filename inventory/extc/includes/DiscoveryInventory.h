@@ -7,7 +7,7 @@
  *
  * It stands beside DiscoveryServer.ExtC, which talks with the devices, and does nothing by itself: the host feeds a
  * session with the documents of its callbacks and with the time, carries out the session's wishes, and takes its
- * events. It opens no socket, starts no thread, and reads no clock.
+ * events. It starts no thread, reads no clock, and opens no socket unless its options let it ask the system.
  *
  * @par Sample
  * TakeMessage, TellTime, HasRoute, CountLost and Show are the host's.
@@ -139,7 +139,11 @@ extern "C"
      *      "StaleAfter":15000,       milliseconds of silence after which a device is asked by itself
      *      "AnswerTime":1000,        milliseconds from such a question to the next one
      *      "Misses":8,               so many of them unanswered and the device is gone
-     *      "AcceptedConflicts":[]}   not told, such as "ip:10.0.0.5", "name:press-4" or "mac:00:1A:2B:3C:4D:5E"
+     *      "AcceptedConflicts":[],   not told, such as "ip:10.0.0.5", "name:press-4" or "mac:00:1A:2B:3C:4D:5E"
+     *      "AskSystem":false}        true: what only the system knows the session finds out by itself, in the process
+     *                                of the library: whether there is a route, how many datagrams were lost, whether
+     *                                another program holds the port, and the Networks of a search whose options have
+     *                                none. The host has neither of the wishes IsReachable and CountLost.
      *
      * @param optionsJson the options; null or empty for the usual ones.
      * @param session     where the session is put, or null when there is none; DiscoveryInventoryFree ends it.
@@ -261,9 +265,9 @@ extern "C"
      *      "Once":false,     asks all devices a single time, and waits until the end
      *      "Expect":0,       so many devices end it; 0 when their number is unknown
      *      "Sweep":true,     may ask the addresses of local networks one by one when answers were lost, which looks
-     * like a scan to those who watch the network "Networks":[],    this machine's addresses and networks, such as
-     * "192.168.1.10/24" "Also":[]}        addresses elsewhere that are asked one by one, such as "10.2.0.5" and
-     * "10.2.1.0/26"
+     *                        like a scan to those who watch the network
+     *      "Networks":[],    this machine's addresses and networks, such as "192.168.1.10/24"
+     *      "Also":[]}        addresses elsewhere to ask one by one, such as "10.2.0.5" and "10.2.1.0/26"
      *
      * @param session     the session.
      * @param optionsJson the options; null or empty for the usual ones.
