@@ -50,17 +50,26 @@ void AddNumber(
     app.add_option_function<std::string>(option, take, help)->type_name("NUMBER")->default_str(std::to_string(number));
 }
 
-void AddDevices(CLI::App& app, SimulationOptions& options)
+void AddAddresses(CLI::App& app,
+                  const std::string& option,
+                  std::vector<std::string>& addresses,
+                  const std::string& help)
 {
-    AddNumber(app, "--count", options.Count, 1, 2000, "how many devices");
-    AddNumber(app, "--seed", options.Seed, std::uint64_t{0}, std::numeric_limits<std::uint64_t>::max(),
-              "the same seed gives the same devices");
-    app.add_option("--address", options.Addresses, "the address of a device; may be repeated, for the first devices")
+    app.add_option(option, addresses, help)
         ->type_name("IP")
         ->allow_extra_args(false)
         ->check(Readable("an IP address", [](const std::string& text) {
             Nfx::System::Net::IPAddress::Parse(Nfx::System::String(std::string_view(text)));
         }));
+}
+
+void AddDevices(CLI::App& app, SimulationOptions& options)
+{
+    AddNumber(app, "--count", options.Count, 1, 2000, "how many devices");
+    AddNumber(app, "--seed", options.Seed, std::uint64_t{0}, std::numeric_limits<std::uint64_t>::max(),
+              "the same seed gives the same devices");
+    AddAddresses(app, "--address", options.Addresses,
+                 "the address of a device; may be repeated, for the first devices");
     app.add_option("--network", options.Network, "the other devices' addresses: the first one, and the prefix length")
         ->type_name("IP/LENGTH")
         ->check(Readable("an IP address with a prefix length from 1 to 32, such as 127.0.0.10/8",
@@ -113,12 +122,26 @@ void AddMessages(CLI::App& app, SimulationOptions& options)
         "leave the source interface out of the messages");
     app.add_flag("--read-only-names", options.HostNamesAreReadOnly, "refuse new host names");
 }
+
+void AddRecordings(CLI::App& app, ProgramOptions& options)
+{
+    CLI::Option& replay = *app.add_option("--replay", options.Simulation.ReplayPath,
+                                          "play the devices of a recording instead of invented ones")
+                               ->type_name("FILE")
+                               ->excludes("--count");
+    app.add_option("--record", options.Recording.Path,
+                   "play no devices: ask those of the network, and keep what they say in a file until interrupted")
+        ->type_name("FILE")
+        ->excludes(&replay);
+    AddAddresses(app, "--from", options.Recording.Addresses,
+                 "this machine's address to record from; may be repeated; those of its usual interfaces without it");
+}
 } // namespace
 
-std::optional<SimulationOptions> CommandLine::Parse(const std::vector<std::string>& arguments,
-                                                    std::ostream& out,
-                                                    std::ostream& errors,
-                                                    int& status)
+std::optional<ProgramOptions> CommandLine::Parse(const std::vector<std::string>& arguments,
+                                                 std::ostream& out,
+                                                 std::ostream& errors,
+                                                 int& status)
 {
     CLI::App app("Simulates devices: answers requests on UDP port 12000 until it is interrupted.", "device-simulator");
     app.footer("Lines on standard input change how the devices behave: \"loss 5%\", \"silent off\", \"kill 17\", "
@@ -126,20 +149,22 @@ std::optional<SimulationOptions> CommandLine::Parse(const std::vector<std::strin
     app.allow_windows_style_options(false);
     app.failure_message(CLI::FailureMessage::simple);
     app.set_version_flag("--version", std::string("device-simulator ") + Programs::ProgramVersion);
-    SimulationOptions options;
-    AddDevices(app, options);
-    AddMessages(app, options);
-    AddBehaviour(app, options.AtStart);
+    ProgramOptions options;
+    AddDevices(app, options.Simulation);
+    AddMessages(app, options.Simulation);
+    AddBehaviour(app, options.Simulation.AtStart);
+    AddRecordings(app, options);
     app.add_flag("--until-eof", options.EndsWithInput, "end when standard input ends, too");
-    app.add_flag("--share-port", options.SharesPort,
+    app.add_flag("--share-port", options.Simulation.SharesPort,
                  "share the port with other programs, of which one gets what is sent to a single address");
-    app.add_flag("--verbose", options.Talks, "print what the devices do");
-    app.add_option("--trace", options.TracePath,
+    app.add_flag("--verbose", options.Simulation.Talks, "print what the devices do");
+    app.add_option("--trace", options.Simulation.TracePath,
                    "write what they do to a file, without clock times: the same for the same seed and requests")
         ->type_name("FILE");
     try
     {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        options.Recording.SharesPort = options.Simulation.SharesPort;
         return options;
     }
     catch (const CLI::ParseError& error)

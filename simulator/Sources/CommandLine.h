@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Recorder.h"
 #include "SimulationOptions.h"
 
 #include <iosfwd>
@@ -9,6 +10,14 @@
 
 namespace Zent::Discovery::Simulator
 {
+/// What the program is to do.
+struct ProgramOptions
+{
+    SimulationOptions Simulation;
+    Recorder::Options Recording; // is to be made instead when it has a path
+    bool EndsWithInput = false;  // when standard input ends
+};
+
 /// Reads the arguments of the program.
 class CommandLine final
 {
@@ -17,9 +26,9 @@ public:
 
     /// Nothing when there is nothing left to do: help was printed to out, or what is wrong to errors. status then says
     /// how to end.
-    static std::optional<SimulationOptions> Parse(const std::vector<std::string>& arguments,
-                                                  std::ostream& out,
-                                                  std::ostream& errors,
-                                                  int& status);
+    static std::optional<ProgramOptions> Parse(const std::vector<std::string>& arguments,
+                                               std::ostream& out,
+                                               std::ostream& errors,
+                                               int& status);
 };
 } // namespace Zent::Discovery::Simulator

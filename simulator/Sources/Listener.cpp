@@ -9,7 +9,7 @@
 
 namespace Zent::Discovery::Simulator
 {
-Listener::Listener(DeviceNetwork& network, Inbox& inbox)
+Listener::Listener(LocalPort& network, Inbox& inbox)
     : network(network)
     , inbox(inbox)
     , thread([this] { Listen(); })

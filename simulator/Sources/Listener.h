@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DeviceNetwork.h"
 #include "Inbox.h"
+#include "LocalPort.h"
 
 #include <atomic>
 #include <string_view>
@@ -15,7 +15,7 @@ class Listener final
 public:
     /// Listens at once. Network and inbox must outlive the object. When the network fails it says so and closes the
     /// inbox.
-    Listener(DeviceNetwork& network, Inbox& inbox);
+    Listener(LocalPort& network, Inbox& inbox);
 
     /// Waits for the thread.
     ~Listener();
@@ -27,7 +27,7 @@ private:
     void Listen();
     void Fail(std::string_view reason);
 
-    DeviceNetwork& network;
+    LocalPort& network;
     Inbox& inbox;
     std::atomic<bool> stopRequested{false}; // set by the destructor, read by the thread
     std::thread thread;

@@ -7,6 +7,8 @@
 #include <utility>
 
 using Nfx::System::SmartPointer;
+using Nfx::System::String;
+using Nfx::System::Net::IPAddress;
 
 namespace Zent::Discovery::Simulator
 {
@@ -37,6 +39,38 @@ SimulatedDevice::SimulatedDevice(const SmartPointer<DiscoveryHost>& host,
     Resign();
 }
 
+SimulatedDevice::SimulatedDevice(const SignatureBroadcastMessage& said)
+    : host(said.Host)
+    , version(said.Version)
+    , namesSourceNIC(!said.SourceNIC.IsNull())
+{
+    for (std::int32_t i = 0; namesSourceNIC && i < host->NICs.Count(); ++i)
+    {
+        if (host->NICs[i]->MACAddress == said.SourceNIC->MACAddress)
+        {
+            sourceNIC = i;
+        }
+    }
+    Resign();
+}
+
+SimulatedDevice::SimulatedDevice(const SignatureBroadcastMessage& said, const String& text)
+    : SimulatedDevice(said)
+{
+    signature = std::make_shared<const String>(text);
+}
+
+SimulatedDevice::SimulatedDevice(const String& text, const IPAddress& sender)
+    : host(SmartPointer<DiscoveryHost>::Create())
+    , version(DiscoveryMessage::ProtocolVersion())
+    , isUnderstood(false)
+    , signature(std::make_shared<const String>(text))
+{
+    host->HostName = "(not understood)";
+    host->NICs.Add(SmartPointer<NICConfig>::Create());
+    host->NICs[0]->IPAddress = sender;
+}
+
 const DiscoveryHost& SimulatedDevice::Host() const
 {
     return *host;
@@ -44,10 +78,10 @@ const DiscoveryHost& SimulatedDevice::Host() const
 
 const NICConfig& SimulatedDevice::MainInterface() const
 {
-    return *host->NICs[0];
+    return *host->NICs[sourceNIC];
 }
 
-std::shared_ptr<const Nfx::System::String> SimulatedDevice::Signature() const
+std::shared_ptr<const String> SimulatedDevice::Signature() const
 {
     return signature;
 }
@@ -105,7 +139,7 @@ bool SimulatedDevice::Change(const DiscoveryMessage& message)
 
 void SimulatedDevice::SetNeedsReboot(bool needsReboot)
 {
-    if (host->RebootRequiredForIPConfigChange != needsReboot)
+    if (isUnderstood && host->RebootRequiredForIPConfigChange != needsReboot)
     {
         if (!needsReboot)
         {
@@ -127,7 +161,7 @@ void SimulatedDevice::Restart()
 
 void SimulatedDevice::Resign()
 {
-    signature = std::make_shared<const Nfx::System::String>(Say<SignatureBroadcastMessage>());
+    signature = std::make_shared<const String>(Say<SignatureBroadcastMessage>());
 }
 
 bool SimulatedDevice::Has(const MACAddress& address) const

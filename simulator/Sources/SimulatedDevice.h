@@ -20,6 +20,15 @@ public:
                     const Nfx::System::Version& version,
                     bool namesSourceNIC);
 
+    /// A device that has said this; its host has at least one interface.
+    explicit SimulatedDevice(const SignatureBroadcastMessage& said);
+
+    /// And that goes on saying it in just these words, those of the message, until something about it changes.
+    SimulatedDevice(const SignatureBroadcastMessage& said, const Nfx::System::String& text);
+
+    /// A device that answers with a text that is no signature. It has a name and an address alone, and stays as it is.
+    SimulatedDevice(const Nfx::System::String& text, const Nfx::System::Net::IPAddress& sender);
+
     const DiscoveryHost& Host() const;
     const NICConfig& MainInterface() const;
 
@@ -53,7 +62,7 @@ public:
     template <class TMessage>
     Nfx::System::String Say() const
     {
-        TMessage message(host, namesSourceNIC ? host->NICs[0] : nullptr);
+        TMessage message(host, namesSourceNIC ? host->NICs[sourceNIC] : nullptr);
         message.Version = version;
         return message.ToJson();
     }
@@ -64,8 +73,10 @@ private:
 
     Nfx::System::SmartPointer<DiscoveryHost> host;
     Nfx::System::SmartPointer<DiscoveryHost> next; // what the host becomes with Restart; empty when nothing waits
-    const Nfx::System::Version version;
-    const bool namesSourceNIC;
+    Nfx::System::Version version;
+    bool namesSourceNIC = false;
+    std::int32_t sourceNIC = 0; // the index of the interface that it sends from
+    bool isUnderstood = true;   // what it says can be made from what it is
     std::shared_ptr<const Nfx::System::String> signature;
 };
 } // namespace Zent::Discovery::Simulator

@@ -2,10 +2,13 @@
 
 #include "AddressPlan.h"
 #include "DeviceFactory.h"
+#include "Discovery/DiscoveryPorts.h"
 #include "Discovery/Message/ByeMessage.h"
 #include "Discovery/Message/DiscoveryMessageDeserializer.h"
 #include "Discovery/Message/HelloMessage.h"
 #include "Listener.h"
+#include "Recording.h"
+#include "Replay.h"
 #include "system/Exception.h"
 
 #include <algorithm>
@@ -77,34 +80,51 @@ String Formed(const String& text, const Treatment& treatment)
     }
     return text;
 }
+
+std::vector<ReplayedDevice> Invent(const SimulationOptions& options, const AddressPlan& plan)
+{
+    const DeviceFactory factory(options.Seed);
+    const Version version = options.ProtocolVersion.empty()
+                                ? DiscoveryMessage::ProtocolVersion()
+                                : Version::Parse(String(std::string_view(options.ProtocolVersion)));
+    std::vector<ReplayedDevice> devices;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(options.Count); ++i)
+    {
+        const SmartPointer<DiscoveryHost> host = factory.Create(i, plan.AddressOf(i), plan.SubNetMask());
+        host->IsHostNameReadOnly = options.HostNamesAreReadOnly;
+        devices.push_back({SimulatedDevice(host, version, options.NamesSourceNIC), std::chrono::milliseconds(0)});
+    }
+    return devices;
+}
 } // namespace
 
 Simulation::Simulation(const SimulationOptions& options, Inbox& inbox, std::ostream& out)
     : options(options)
     , inbox(inbox)
     , out(out)
-    , faults(options.Seed, static_cast<std::size_t>(options.Count), options.AtStart)
+    , participants(ParticipantsOf(options))
+    , faults(options.Seed, participants.size(), options.AtStart)
     , trace(options.TracePath)
-    , network(options.SharesPort)
+    , port(DiscoveryPorts::GetInstance()->ClientPort(), DiscoveryPorts::GetInstance()->ServerPort(), options.SharesPort)
+{
+}
+
+std::vector<Simulation::Participant> Simulation::ParticipantsOf(const SimulationOptions& options)
 {
     const AddressPlan plan(options.Addresses, options.Network);
-    const DeviceFactory factory(options.Seed);
-    const Version version = options.ProtocolVersion.empty()
-                                ? DiscoveryMessage::ProtocolVersion()
-                                : Version::Parse(String(std::string_view(options.ProtocolVersion)));
-    for (std::size_t i = 0; i < static_cast<std::size_t>(options.Count); ++i)
+    std::vector<Participant> participants;
+    for (ReplayedDevice& device :
+         options.ReplayPath.empty() ? Invent(options, plan) : Replay::DevicesOf(Recording::Read(options.ReplayPath)))
     {
-        const IPAddress address = plan.AddressOf(i);
-        const SmartPointer<DiscoveryHost> host = factory.Create(i, address, plan.SubNetMask());
-        host->IsHostNameReadOnly = options.HostNamesAreReadOnly;
-        participants.push_back({SimulatedDevice(host, version, options.NamesSourceNIC), address});
-        participants.back().Device.SetNeedsReboot(options.AtStart.Reboot.count() > 0);
+        device.Device.SetNeedsReboot(options.AtStart.Reboot.count() > 0);
+        participants.push_back({std::move(device.Device), plan.AddressOf(participants.size()), device.Delay});
     }
+    return participants;
 }
 
 void Simulation::Run()
 {
-    const Listener listener(network, inbox);
+    const Listener listener(port, inbox);
     if (options.SaysHello)
     {
         AnnounceAll<HelloMessage>();
@@ -287,7 +307,8 @@ void Simulation::Answer(std::size_t device, const DiscoveryMessage& message, con
     const Treatment treatment = faults.Treat(device, participant.Datagrams++);
     trace.Note(device, "answers", treatment);
     const IPAddress target = faults.Current().AnswersByBroadcast ? IPAddress::Broadcast() : request.Sender;
-    answers.Add(Clock::now() + treatment.Delay, {device, participant.Device.Signature(), target, treatment});
+    answers.Add(Clock::now() + participant.Delay + treatment.Delay,
+                {device, participant.Device.Signature(), target, treatment});
 }
 
 void Simulation::Change(std::size_t device, const DiscoveryMessage& message)
@@ -367,23 +388,33 @@ void Simulation::Deliver(const Delivery& delivery)
 void Simulation::Send(Participant& participant, const String& text, const IPAddress& target)
 {
     const IPAddress& given = participant.Device.MainInterface().IPAddress;
-    if (TrySend(text, given, target))
+    if (!(given == participant.Address))
     {
-        participant.Address = given;
+        const std::string reason = TrySend(text, given, target);
+        if (reason.empty())
+        {
+            participant.Address = given;
+            return;
+        }
+        if (!(given == participant.Unusable)) // is told once: devices that were recorded seldom find their addresses
+        {
+            participant.Unusable = given;
+            Complain(reason + "; it sends from " + Text(participant.Address));
+        }
     }
-    else if (!(given == participant.Address))
+    if (const std::string reason = TrySend(text, participant.Address, target); !reason.empty())
     {
-        TrySend(text, participant.Address, target);
+        Complain(reason);
     }
 }
 
-bool Simulation::TrySend(const String& text, const IPAddress& from, const IPAddress& target)
+std::string Simulation::TrySend(const String& text, const IPAddress& from, const IPAddress& target)
 {
     std::string reason;
     try
     {
-        network.Send(text, from, target);
-        return true;
+        port.Send(text, from, target);
+        return "";
     }
     catch (const Exception& exception)
     {
@@ -393,7 +424,6 @@ bool Simulation::TrySend(const String& text, const IPAddress& from, const IPAddr
     {
         reason = error.what();
     }
-    Complain("from " + Text(from) + " to " + Text(target) + ": " + reason);
-    return false;
+    return "from " + Text(from) + " to " + Text(target) + ": " + reason;
 }
 } // namespace Zent::Discovery::Simulator

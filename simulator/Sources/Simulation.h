@@ -1,9 +1,9 @@
 #pragma once
 
 #include "Cable.h"
-#include "DeviceNetwork.h"
 #include "FaultPlan.h"
 #include "Inbox.h"
+#include "LocalPort.h"
 #include "SimulatedDevice.h"
 #include "SimulationOptions.h"
 #include "Timetable.h"
@@ -39,10 +39,14 @@ private:
     struct Participant
     {
         SimulatedDevice Device;
-        Nfx::System::Net::IPAddress Address; // that it is known to be able to use
-        std::uint64_t Datagrams = 0;         // that it has sent, lost ones included
-        std::uint64_t Changes = 0;           // that it was told to make, refused ones included
+        Nfx::System::Net::IPAddress Address;            // that it is known to be able to use
+        std::chrono::milliseconds Delay{0};             // of its answers, beside what the behaviour asks for
+        Nfx::System::Net::IPAddress Unusable = Address; // was tried in vain, and told of
+        std::uint64_t Datagrams = 0;                    // that it has sent, lost ones included
+        std::uint64_t Changes = 0;                      // that it was told to make, refused ones included
     };
+
+    static std::vector<Participant> ParticipantsOf(const SimulationOptions& options);
 
     void Serve();
 
@@ -76,20 +80,21 @@ private:
     /// Sends from the address that the device was given, or from the one before when it is not one of this machine.
     void Send(Participant& participant, const Nfx::System::String& text, const Nfx::System::Net::IPAddress& target);
 
-    bool TrySend(const Nfx::System::String& text,
-                 const Nfx::System::Net::IPAddress& from,
-                 const Nfx::System::Net::IPAddress& target);
+    /// Returns the reason when it is not possible; nothing otherwise.
+    std::string TrySend(const Nfx::System::String& text,
+                        const Nfx::System::Net::IPAddress& from,
+                        const Nfx::System::Net::IPAddress& target);
 
     const SimulationOptions& options;
     Inbox& inbox;
     std::ostream& out;
     const Clock::time_point start = Clock::now();
+    std::vector<Participant> participants;
     FaultPlan faults;
     Trace trace;
     Timetable answers;
     Cable cable;
-    std::vector<Participant> participants;
-    DeviceNetwork network;
+    LocalPort port;
     Clock::time_point floodDue; // without meaning while the devices do not flood
     std::uint64_t floods = 0;   // that were sent
     unsigned wrongLines = 0;    // in a row

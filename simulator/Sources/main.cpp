@@ -2,6 +2,7 @@
 #include "Inbox.h"
 #include "Programs/Interruption.h"
 #include "Programs/Process.h"
+#include "Programs/WrongArgument.h"
 #include "Simulation.h"
 #include "system/Exception.h"
 
@@ -39,10 +40,16 @@ void ReadInput(bool endsWithInput)
     }
 }
 
-void Run(const SimulationOptions& options)
+void Run(const ProgramOptions& options)
 {
     const Interruption interruption([] { TheInbox().Close(); });
-    Simulation simulation(options, TheInbox(), std::cout);
+    if (!options.Recording.Path.empty())
+    {
+        std::thread(ReadInput, options.EndsWithInput).detach();
+        Recorder::Run(options.Recording, TheInbox(), std::cout);
+        return;
+    }
+    Simulation simulation(options.Simulation, TheInbox(), std::cout);
     std::thread(ReadInput, options.EndsWithInput).detach();
     simulation.Run();
 }
@@ -52,7 +59,7 @@ int main(int argc, char* argv[])
 {
     Process::PrepareStreams();
     int status = 0;
-    const std::optional<SimulationOptions> options =
+    const std::optional<ProgramOptions> options =
         CommandLine::Parse(Process::Arguments(argc, argv), std::cout, std::cerr, status);
     if (!options)
     {
@@ -62,6 +69,11 @@ int main(int argc, char* argv[])
     {
         Run(*options);
         return 0;
+    }
+    catch (const Zent::Discovery::Programs::WrongArgument& error)
+    {
+        std::cerr << "device-simulator: " << error.what() << '\n';
+        return 2;
     }
     catch (const std::exception& error)
     {

@@ -5,7 +5,7 @@ import socket
 import subprocess
 import time
 
-from endtoend import DEVICE_PORT, SERVER_PORT, Simulator, TestCase, command, main, setting, wait_until
+from endtoend import DEVICE_PORT, SERVER_PORT, Process, Simulator, TestCase, command, main, setting, wait_until
 from networks import cabled
 
 QUESTION = json.dumps(
@@ -189,6 +189,22 @@ class FaultTest(TestCase):
         self.assertEqual(traces[0], traces[1])
         for line in ("says Hello", "AllSendYourSignature from 127.0.0.1 to 255.255.255.255", "lost", "line flood 100"):
             self.assertIn(line, traces[0])
+
+    def test_what_was_recorded_is_played_in_the_same_words(self):
+        recording = self.folder / "plant.jsonl"
+        options = ["--record", str(recording), "--from", "127.0.0.1", "--until-eof"]
+        with Simulator("--count", "4", "--no-hello", "--no-bye") as simulator:
+            simulator.behave("malformed 50%")
+            with Process(*command("device-simulator", *options)) as recorder:
+                for _ in range(5):
+                    recorder.line()
+        said = [json.loads(line) for line in recording.read_text().splitlines()]
+        with Simulator("--replay", str(recording), "--no-hello", "--no-bye") as replay, Asker() as asker:
+            self.assertCountEqual(asker.ask()[0], [datagram["Text"].encode() for datagram in said])
+            whole = [device for device in replay.devices if device.name != "(not understood)"]
+            self.assertEqual((len(said), len(whole) in range(1, 4)), (4, True))
+            names = {device.name for device in simulator.devices}
+            self.assertLess({device.name for device in whole}, names)
 
     def test_changes_are_refused_or_wait_for_a_reboot(self):
         def states(answers):

@@ -1,10 +1,10 @@
-#include "DeviceNetwork.h"
+#include "LocalPort.h"
 
-#include "Discovery/DiscoveryPorts.h"
 #include "system/Net/Sockets/SocketException.h"
 #include "system/SmartPointer.h"
 
 #include <stdexcept>
+#include <string>
 
 using Nfx::System::SmartPointer;
 using Nfx::System::String;
@@ -16,8 +16,9 @@ using namespace Nfx::System::Net::Sockets;
 
 namespace Zent::Discovery::Simulator
 {
-DeviceNetwork::DeviceNetwork(bool sharesPort)
-    : socket(AddressFamily::InterNetwork, SocketType::Dgram, ProtocolType::Udp)
+LocalPort::LocalPort(std::int32_t port, std::int32_t peerPort, bool sharesPort)
+    : peerPort(peerPort)
+    , socket(AddressFamily::InterNetwork, SocketType::Dgram, ProtocolType::Udp)
     , addressing(ILocalAddressing::Create(socket))
 {
     static constexpr std::int32_t ReceiveMilliseconds = 200;
@@ -28,8 +29,7 @@ DeviceNetwork::DeviceNetwork(bool sharesPort)
     socket.SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveBuffer, BufferBytes);
     socket.SetSocketOption(SocketOptionLevel::Socket, SocketOptionName::ReceiveTimeout, ReceiveMilliseconds);
     socket.SetSocketOption(SocketOptionLevel::IP, SocketOptionName::PacketInformation, true);
-    const SmartPointer<EndPoint> endPoint(
-        new IPEndPoint(IPAddress::Any(), DiscoveryPorts::GetInstance()->ClientPort()));
+    const SmartPointer<EndPoint> endPoint(new IPEndPoint(IPAddress::Any(), port));
     try
     {
         socket.Bind(endPoint);
@@ -38,13 +38,13 @@ DeviceNetwork::DeviceNetwork(bool sharesPort)
     {
         if (exception.GetSocketError() == SocketError::AddressAlreadyInUse)
         {
-            throw std::runtime_error("port 12000 is in use by another program");
+            throw std::runtime_error("port " + std::to_string(port) + " is in use by another program");
         }
         throw;
     }
 }
 
-std::optional<Request> DeviceNetwork::Receive()
+std::optional<Request> LocalPort::Receive()
 {
     Request request;
     const std::optional<std::size_t> size = addressing->Receive(buffer, request.Sender, request.Destination);
@@ -56,8 +56,8 @@ std::optional<Request> DeviceNetwork::Receive()
     return request;
 }
 
-void DeviceNetwork::Send(const String& text, const IPAddress& from, const IPAddress& target)
+void LocalPort::Send(const String& text, const IPAddress& from, const IPAddress& target)
 {
-    addressing->Send(text.View(), from, IPEndPoint(target, DiscoveryPorts::GetInstance()->ServerPort()));
+    addressing->Send(text.View(), from, IPEndPoint(target, peerPort));
 }
 } // namespace Zent::Discovery::Simulator
