@@ -1,11 +1,11 @@
 #include "Commands/DiscoverCommand.h"
 
 #include "Commands/AddressList.h"
-#include "Commands/ChangeReport.h"
 #include "Commands/CommandContext.h"
+#include "Commands/DifferenceReport.h"
 #include "Commands/InventoryReader.h"
+#include "Commands/SearchProgress.h"
 #include "Commands/SharedOptions.h"
-#include "Doctor/Examination.h"
 #include "Inventory/Search.h"
 #include "Programs/SessionDriver.h"
 #include "Show/Output.h"
@@ -14,7 +14,6 @@
 #include <CLI/CLI.hpp>
 
 #include <chrono>
-#include <cstdio>
 #include <exception>
 
 using Zent::Discovery::Inventory::DeviceList;
@@ -32,21 +31,6 @@ constexpr std::chrono::milliseconds StatusInterval{100};
 constexpr std::chrono::seconds UsualWait{10};
 constexpr std::chrono::seconds UsualWaitOnce{2};
 constexpr std::chrono::seconds AskEvery{2}; // for those who are still expected
-
-std::string Counted(std::size_t count)
-{
-    return std::to_string(count) + (count == 1 ? " device" : " devices");
-}
-
-std::string StatusText(const SessionDriver& driver, std::chrono::milliseconds wait)
-{
-    using Seconds = std::chrono::duration<double>;
-    char text[64];
-    const int length = std::snprintf(text, sizeof(text), "Waiting for answers: %.1f of %g s, round %zu, ",
-                                     Seconds(driver.Now()).count(), Seconds(wait).count(),
-                                     driver.Session().SearchState()->Rounds.size());
-    return std::string(text, static_cast<std::size_t>(length)) + Counted(driver.Session().Devices().Size());
-}
 } // namespace
 
 CLI::App& DiscoverCommand::AddTo(CLI::App& parent)
@@ -144,7 +128,7 @@ bool DiscoverCommand::Search(SessionDriver& driver, CommandContext& context) con
     };
     while (!session.SearchState()->IsOver || isExpecting())
     {
-        context.Out().ShowStatus(StatusText(driver, options.Wait));
+        context.Out().ShowStatus(SearchProgress::Text(driver, options.Wait));
         if (!driver.Run(StatusInterval))
         {
             return false;
@@ -174,8 +158,9 @@ void DiscoverCommand::ShowSince(const DeviceList& before, const SessionDriver& d
     {
         after.Add(*row->Latest);
     }
-    const ChangeReport::Counts counts =
-        ChangeReport(output, {"new", "changed", "missing"}, ChangeReport::Scope::All).Compare(before, after, selection);
+    const DifferenceReport::Counts counts =
+        DifferenceReport(output, {"new", "changed", "missing"}, DifferenceReport::Scope::All)
+            .Compare(before, after, selection);
     output.Conclude("since " + TerminalText::Plain(sinceFile) + ": " + std::to_string(counts.Appeared) + " new, " +
                     std::to_string(counts.Changed) + " changed, " + std::to_string(counts.Left) + " missing, " +
                     std::to_string(counts.Same) + " unchanged");
@@ -188,9 +173,7 @@ ExitStatus DiscoverCommand::Conclude(const SessionDriver& driver, std::size_t sh
     const std::size_t found = driver.Session().Devices().Size();
     if (found == 0)
     {
-        const double seconds = std::chrono::duration<double>(driver.Now()).count();
-        output.Complain("no device found. " + Doctor::Examination::ReasonForSilence(context.Options(), seconds) +
-                        " See the log " + context.Options().Session.LogFile);
+        SearchProgress::ComplainAboutSilence(driver, context);
         return ExitStatus::NoAnswer;
     }
     if (shown < expectedDevices)
@@ -200,11 +183,11 @@ ExitStatus DiscoverCommand::Conclude(const SessionDriver& driver, std::size_t sh
     }
     if (shown == 0)
     {
-        output.Complain(Counted(found) + " found, but none that --filter accepts");
+        output.Complain(SearchProgress::Counted(found) + " found, but none that --filter accepts");
         return ExitStatus::NoAnswer;
     }
     const bool isSearch = !once && expectedDevices == 0;
-    output.Conclude((isSearch ? report.ToString() : Counted(found) + " found") +
+    output.Conclude((isSearch ? report.ToString() : SearchProgress::Counted(found) + " found") +
                     (shown < found ? "; " + std::to_string(shown) + " shown" : ""));
     if (isSearch && !report.Complete)
     {

@@ -1,7 +1,7 @@
 #include "Commands/InventoryDiffCommand.h"
 
-#include "Commands/ChangeReport.h"
 #include "Commands/CommandContext.h"
+#include "Commands/DifferenceReport.h"
 #include "Commands/InventoryReader.h"
 #include "Commands/SharedOptions.h"
 #include "Show/Output.h"
@@ -27,8 +27,8 @@ ExitStatus InventoryDiffCommand::Run(CommandContext& context)
 {
     const DeviceList before = InventoryReader::Read(beforeFile);
     const DeviceList after = InventoryReader::Read(afterFile);
-    const ChangeReport::Counts counts =
-        ChangeReport(context.Out(), {"appeared", "changed", "left"}, ChangeReport::Scope::Changes)
+    const DifferenceReport::Counts counts =
+        DifferenceReport(context.Out(), {"appeared", "changed", "left"}, DifferenceReport::Scope::Changes)
             .Compare(before, after, selection);
     context.Out().Conclude(std::to_string(counts.Appeared) + " appeared, " + std::to_string(counts.Left) + " left, " +
                            std::to_string(counts.Changed) + " changed, " + std::to_string(counts.Same) + " unchanged");

@@ -1,4 +1,4 @@
-#include "Commands/ChangeReport.h"
+#include "Commands/DifferenceReport.h"
 
 #include "Json/JSONStringer.h"
 #include "Show/DeviceCsv.h"
@@ -53,16 +53,16 @@ std::string Capitalized(std::string word)
 }
 } // namespace
 
-ChangeReport::ChangeReport(Output& output, const Words& words, Scope scope)
+DifferenceReport::DifferenceReport(Output& output, const Words& words, Scope scope)
     : output(output)
     , words(words)
     , scope(scope)
 {
 }
 
-ChangeReport::Counts ChangeReport::Compare(const DeviceList& before,
-                                           const DeviceList& after,
-                                           const DeviceSelection& selection)
+DifferenceReport::Counts DifferenceReport::Compare(const DeviceList& before,
+                                                   const DeviceList& after,
+                                                   const DeviceSelection& selection)
 {
     Counts counts;
     const auto now = std::chrono::system_clock::now();
@@ -101,7 +101,7 @@ ChangeReport::Counts ChangeReport::Compare(const DeviceList& before,
     return counts;
 }
 
-void ChangeReport::Tell(const Device& device, const std::string& change, Style look, const Differences& differences)
+void DifferenceReport::Tell(const Device& device, const std::string& change, Style look, const Differences& differences)
 {
     if (output.IsJson())
     {
@@ -121,7 +121,7 @@ void ChangeReport::Tell(const Device& device, const std::string& change, Style l
     }
 }
 
-void ChangeReport::Print(const Device& device, const std::string& change, const Differences& differences)
+void DifferenceReport::Print(const Device& device, const std::string& change, const Differences& differences)
 {
     std::string members = change.empty() ? "" : R"("Change":")" + Capitalized(change) + '"';
     members += differences.empty() ? "" : JsonOf(differences);
@@ -133,7 +133,7 @@ void ChangeReport::Print(const Device& device, const std::string& change, const 
 }
 
 /// One for each difference, or one without.
-void ChangeReport::PrintRows(const Device& device, const std::string& change, const Differences& differences)
+void DifferenceReport::PrintRows(const Device& device, const std::string& change, const Differences& differences)
 {
     std::vector<std::string> titles = DeviceCsv::Titles();
     titles.insert(titles.begin(), "change");

@@ -14,7 +14,7 @@ namespace Zent::Discovery::Console
 class Output;
 
 /// Tells what has become of the devices of an earlier result: as a table, as documents or as comma-separated values.
-class ChangeReport final
+class DifferenceReport final
 {
 public:
     /// What is said of devices.
@@ -40,7 +40,7 @@ public:
     };
 
     /// The output must outlive the report.
-    ChangeReport(Output& output, const Words& words, Scope scope);
+    DifferenceReport(Output& output, const Words& words, Scope scope);
 
     /// Shows the devices that the selection accepts, in its order, and the ones that have left at the end.
     Counts Compare(const Inventory::DeviceList& before,
