@@ -20,7 +20,7 @@ from endtoend import (
     rows,
     wait_until,
 )
-from networks import HERE, Cable, End, Machine
+from networks import HERE, Cable, End, Machine, Occupant
 
 
 class DiscoverTest(TestCase):
@@ -339,6 +339,26 @@ class InterfaceTest(TestCase):
                     document = json.loads(console.line_with('"Message"'))
                     self.assertEqual(document["SourceNIC"]["IPAddress"], "10.1.0.10")
                     self.assertLess(time.monotonic() - start, 2)
+            console.interrupt()
+            self.assertEqual(console.wait(), 0)
+
+    def test_watch_tells_a_device_that_died_from_a_network_that_changed(self):
+        devices = ("--count", "2", "--network", "10.1.0.10/24", "--no-hello", "--verbose")
+        self.other.own(["10.1.0.11"])
+        with (
+            self.cable() as cable,
+            Simulator(*devices, machine=self.other) as simulator,
+            self.start_console("watch", "--every", "1") as console,
+        ):
+            simulator.line_with("answers AllSendYourSignature to 10.1.0.1")
+            cable.near.readdress("10.1.0.2/24")
+            simulator.line_with("answers AllSendYourSignature to 10.1.0.2")
+            with Occupant():
+                console.line_with("another program receives the answers")
+                for _ in range(2 * 10):  # more than make a silent device gone
+                    simulator.line_with("answers SendYourSignature")
+            simulator.behave("kill 2")
+            self.assertIn(simulator.devices[1].name, console.line_with("is gone"))  # and nobody before
             console.interrupt()
             self.assertEqual(console.wait(), 0)
 
