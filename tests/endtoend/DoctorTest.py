@@ -1,5 +1,9 @@
 """Each thing that keeps devices from being found is brought about on a machine of its own, and the doctor names it."""
 
+import contextlib
+import ctypes
+import os
+import pathlib
 import signal
 import subprocess
 
@@ -9,6 +13,31 @@ from networks import Cable, End, Machine, Occupant
 
 DEVICE = "10.6.0.10"
 WITHOUT_RIGHTS = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"]
+
+
+PTRACE_SEIZE, PTRACE_INTERRUPT, PTRACE_DETACH = 0x4206, 0x4207, 17
+WALL = 0x40000000  # waitpid for threads, too
+libc = ctypes.CDLL(None, use_errno=True)
+libc.ptrace.argtypes = (ctypes.c_long, ctypes.c_long, ctypes.c_void_p, ctypes.c_void_p)
+
+
+@contextlib.contextmanager
+def suspended_thread(process, name):
+    """One thread of a process stands still."""
+    (thread,) = (int(each.name) for each in pathlib.Path(f"/proc/{process}/task").iterdir()
+                 if (each / "comm").read_text().strip() == name)  # fmt: skip
+
+    def trace(request):
+        if libc.ptrace(request, thread, None, None) == -1:
+            raise OSError(ctypes.get_errno(), "ptrace")
+
+    trace(PTRACE_SEIZE)
+    trace(PTRACE_INTERRUPT)
+    os.waitpid(thread, WALL)
+    try:
+        yield
+    finally:
+        trace(PTRACE_DETACH)
 
 
 class DoctorTest(TestCase):
@@ -126,9 +155,29 @@ class DoctorTest(TestCase):
         self.assertRegex(doctor.line_with("answers-lost"), r"\d+ datagrams? found the receive buffer full")
         self.assertEqual(doctor.wait(), 5)
 
+    def test_a_queue_that_is_full(self):
+        simulator = self.devices("--verbose")
+        self.wait = "3"
+        with self.start_console("doctor", "--json", "--check", "queue-full", machine=self.laptop) as doctor:
+            simulator.line_with("answers AllSendYourSignature")
+            with suspended_thread(doctor.process.pid, "MessageParser"):
+                simulator.behave("flood 5000")
+                wait_until(lambda: self.received() > 800, "more messages than fit into the queue")
+                simulator.behave("flood 0")
+            self.assertRegex(doctor.line_with("queue-full"), r"could not keep up: \d+ entr.* refused by its queues")
+            self.assertEqual(doctor.wait(), 5)
+
     def drops(self):
-        tables = subprocess.run([*self.laptop.prefix(), "cat", "/proc/net/udp"], stdout=subprocess.PIPE, text=True)
-        return sum(int(line.split()[-1]) for line in tables.stdout.splitlines() if ":2EE1 " in line)
+        return sum(int(line.split()[-1]) for line in self.table("udp") if ":2EE1 " in line)
+
+    def received(self):
+        names, values = (line.split() for line in self.table("snmp") if line.startswith("Udp:"))
+        return int(dict(zip(names, values))["InDatagrams"])
+
+    def table(self, name):
+        """What the laptop's system tells of its network."""
+        command = [*self.laptop.prefix(), "cat", f"/proc/net/{name}"]
+        return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
 
     def test_addresses_that_do_not_fit(self):
         with self.subTest("foreign"):
@@ -148,7 +197,24 @@ class DoctorTest(TestCase):
                          {"firewall": "note", "no-realtime": "note"})  # fmt: skip
         self.assertIn("shows to root alone", findings["firewall"]["Text"])
 
-class InterfacesTest(TestCase):
+
+class ConflictTest(TestCase):
+    def test_names_and_mac_addresses_that_devices_share(self):
+        with (
+            Peer() as peer,
+            self.start_console("--wait", "1", "doctor", "--json", "--check", "conflict") as doctor,
+        ):
+            peer.receive()
+            for name, number, serial in (("twin", 1, "1"), ("twin", 2, "2"), ("other", 2, "3")):
+                answer = message("SignatureBroadcast", name, mac=f"02:00:00:00:00:0{number}", SerialNumber=serial)
+                answer["SourceNIC"]["IPAddress"] = f"127.0.0.{serial}"
+                peer.send(answer)
+            finding = doctor.line_with('"conflict"')
+            self.assertIn("the MAC address 02:00:00:00:00:02 belongs to 2 serial numbers", finding)
+            self.assertIn("the name twin belongs to 2 devices", finding)
+            self.assertNotIn("IP address", finding)
+            self.assertEqual(doctor.wait(), 5)
+
     def test_a_device_that_answers_on_two_interfaces_is_one(self):
         answers = [message("SignatureBroadcast", mac=f"02:00:00:00:00:0{number}") for number in (1, 2)]
         nics = [answer["SourceNIC"] for answer in answers]

@@ -81,6 +81,11 @@ class End:
     def down(self):
         self.machine.ip("link", "set", self.name, "down")
 
+    def has_carrier(self):
+        """The system learns of it a while after the other end is up."""
+        command = [*self.machine.prefix(), "ip", "link", "show", self.name]
+        return "state UP" in subprocess.check_output(command, text=True)
+
     def readdress(self, address):
         """Gives it another address, or with None no address."""
         if self.address:
@@ -99,6 +104,7 @@ class Cable:
         near.machine.ip("link", "add", near.name, "type", "veth", *peer)
         near.prepare()
         far.prepare()
+        wait_until(lambda: near.has_carrier() and far.has_carrier(), "a carrier")
 
     def unplug(self):
         """The near end stays up and finds no carrier."""
