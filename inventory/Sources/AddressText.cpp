@@ -6,9 +6,9 @@ namespace Zent::Discovery::Inventory
 {
 namespace
 {
-/// Rewrites each part between separators.
+/// Rewrites each part between separators, and the separators.
 template <class TRewrite>
-std::string Rewrite(std::string_view text, char separator, TRewrite&& rewrite)
+std::string Rewrite(std::string_view text, char separator, char newSeparator, TRewrite&& rewrite)
 {
     std::string result;
     for (;;)
@@ -19,7 +19,7 @@ std::string Rewrite(std::string_view text, char separator, TRewrite&& rewrite)
         {
             return result;
         }
-        result += separator;
+        result += newSeparator;
         text.remove_prefix(end + 1);
     }
 }
@@ -27,7 +27,8 @@ std::string Rewrite(std::string_view text, char separator, TRewrite&& rewrite)
 
 std::string AddressText::MAC(std::string_view text)
 {
-    return Rewrite(text, ':', [](std::string part) {
+    const char separator = text.find(':') == std::string_view::npos ? '-' : ':';
+    return Rewrite(text, separator, ':', [](std::string part) {
         for (char& digit : part)
         {
             digit = digit >= 'a' && digit <= 'f' ? static_cast<char>(digit - 'a' + 'A') : digit;
@@ -38,7 +39,7 @@ std::string AddressText::MAC(std::string_view text)
 
 std::string AddressText::IP(std::string_view text)
 {
-    return Rewrite(text, '.', [](const std::string& part) {
+    return Rewrite(text, '.', '.', [](const std::string& part) {
         const std::size_t start = part.find_first_not_of('0');
         return start == std::string::npos ? "0" : part.substr(start);
     });

@@ -3,10 +3,12 @@
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
 #include "StandardErrors.h"
+#include "system/Boolean.h"
 
 #include <algorithm>
 #include <utility>
 
+using Nfx::System::Boolean;
 using Nfx::System::String;
 using Zent::Utils::Json::JSONArray;
 using Zent::Utils::Json::JSONObject;
@@ -23,10 +25,16 @@ std::string Text(const JSONObject& object, const char* key)
     return std::string(text.View());
 }
 
+bool Flag(const JSONObject& object, const char* key, bool otherwise)
+{
+    Boolean flag;
+    return object.TryGetBoolean(key, flag) ? static_cast<bool>(flag) : otherwise;
+}
+
 Device::Interface InterfaceOf(const JSONObject& object)
 {
-    return {Text(object, "MACAddress"), Text(object, "IPAddress"), Text(object, "SubNetMask"),
-            Text(object, "DefaultGateway"), Text(object, "MTU")};
+    return {Text(object, "MACAddress"),     Text(object, "IPAddress"), Text(object, "SubNetMask"),
+            Text(object, "DefaultGateway"), Text(object, "MTU"),       Text(object, "FriendlyName")};
 }
 
 /// Calls action(element) for each object in the array member.
@@ -65,6 +73,9 @@ void Device::Read()
     Type = Text(host, "DeviceType");
     Family = Text(host, "DeviceFamily");
     SerialNumber = Text(host, "SerialNumber");
+    IsHostNameReadOnly = Flag(host, "IsHostNameReadOnly", true);
+    RebootRequiredForHostNameChange = Flag(host, "RebootRequiredForHostNameChange", false);
+    RebootRequiredForIPConfigChange = Flag(host, "RebootRequiredForIPConfigChange", false);
     ForEachObject(host, "NICs", [this](const JSONObject& nic) { interfaces.push_back(InterfaceOf(nic)); });
     ForEachObject(host, "Products", [this](const JSONObject& product) {
         Products.push_back({Text(product, "ProductName"), Text(product, "ProductVersion")});

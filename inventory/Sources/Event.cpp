@@ -31,9 +31,9 @@ std::string Conflict::ToString() const
 
 const char* Event::KindName() const
 {
-    static constexpr const char* Names[] = {"Appeared",     "Changed",    "Left",       "Gone",     "Returned",
-                                            "Flapping",     "Settled",    "Forgotten",  "Conflict", "PortHeld",
-                                            "PortReleased", "RoundEnded", "SearchEnded"};
+    static constexpr const char* Names[] = {"Appeared",     "Changed",    "Left",        "Gone",       "Returned",
+                                            "Flapping",     "Settled",    "Forgotten",   "Conflict",   "PortHeld",
+                                            "PortReleased", "RoundEnded", "SearchEnded", "ChangeEnded"};
     return Names[static_cast<std::size_t>(Kind)];
 }
 
@@ -56,6 +56,10 @@ std::string Event::ToJson() const
     if (Report)
     {
         json.Raw("Search", Report->ToJson());
+    }
+    if (Outcome)
+    {
+        json.Number("Id", Outcome->Id).Raw("Change", Outcome->ToJson());
     }
     return json.Take();
 }

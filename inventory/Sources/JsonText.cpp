@@ -1,5 +1,6 @@
 #include "JsonText.h"
 
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -33,6 +34,12 @@ std::string JsonText::Take()
 {
     text += text.empty() ? "{}" : "}";
     return std::exchange(text, {});
+}
+
+std::string JsonText::OneDecimal(double value)
+{
+    const auto tenths = std::llround(value * 10);
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
 }
 
 std::string JsonText::Quoted(std::string_view text)

@@ -28,6 +28,9 @@ public:
     /// The text of a JSON string; bytes that are no valid UTF-8 stay.
     static std::string Quoted(std::string_view text);
 
+    /// A number that is not negative, with one decimal and a point, whatever the locale.
+    static std::string OneDecimal(double value);
+
     /// An array of what json(element) gives for each element.
     template <class TElements, class TJson>
     JsonText& Array(std::string_view key, const TElements& elements, TJson&& json)

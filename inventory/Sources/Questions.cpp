@@ -45,18 +45,37 @@ void Questions::AskAll()
 void Questions::AskMAC(const std::string& address, Time now)
 {
     NoteQuestion(address, false, now);
-    Wait(Wish::WishKind::AskMAC, address);
+    Wait({Wish::WishKind::AskMAC, 0, address});
 }
 
-void Questions::AskIP(const std::string& address, Time now)
+std::int64_t Questions::AskIP(const std::string& address, Time now)
 {
     NoteQuestion(address, true, now);
-    Wait(Wish::WishKind::IsReachable, address);
+    return Wait({Wish::WishKind::IsReachable, 0, address});
 }
 
 void Questions::CountLost()
 {
     WaitOnce(Wish::WishKind::CountLost);
+}
+
+std::int64_t Questions::FindRoute(const std::string& address)
+{
+    const std::int64_t id = Wait({Wish::WishKind::IsReachable, 0, address});
+    routesAlone.insert(id);
+    return id;
+}
+
+std::int64_t Questions::Request(Wish wish)
+{
+    return Wait(std::move(wish));
+}
+
+void Questions::Withdraw(std::int64_t id)
+{
+    std::erase_if(wishes, [id](const Wish& wish) { return wish.Id == id; });
+    open.erase(id);
+    routesAlone.erase(id);
 }
 
 void Questions::NoteAnswer(const Device& device)
@@ -76,7 +95,7 @@ std::optional<Wish> Questions::Next()
     }
     Wish wish = std::move(wishes.front());
     wishes.pop_front();
-    if (wish.Kind == Wish::WishKind::IsReachable || wish.Kind == Wish::WishKind::CountLost)
+    if (wish.ExpectsAnswer())
     {
         open.emplace(wish.Id, wish);
     }
@@ -92,11 +111,11 @@ std::optional<Wish> Questions::Answer(std::int64_t id, std::int64_t value)
     }
     Wish wish = std::move(found->second);
     open.erase(found);
-    if (wish.Kind == Wish::WishKind::IsReachable)
+    if (wish.Kind == Wish::WishKind::IsReachable && routesAlone.erase(id) == 0)
     {
         if (value == 1)
         {
-            Wait(Wish::WishKind::AskIP, wish.Address);
+            Wait({Wish::WishKind::AskIP, 0, wish.Address});
         }
         else
         {
@@ -106,9 +125,11 @@ std::optional<Wish> Questions::Answer(std::int64_t id, std::int64_t value)
     return wish;
 }
 
-void Questions::Wait(Wish::WishKind kind, const std::string& address)
+std::int64_t Questions::Wait(Wish wish)
 {
-    wishes.push_back({kind, ++lastId, address});
+    wish.Id = ++lastId;
+    wishes.push_back(std::move(wish));
+    return lastId;
 }
 
 /// Leaves it out when the same one has not been taken yet.
@@ -116,7 +137,7 @@ void Questions::WaitOnce(Wish::WishKind kind)
 {
     if (std::ranges::find(wishes, kind, &Wish::Kind) == wishes.end())
     {
-        Wait(kind, {});
+        Wait({kind, 0});
     }
 }
 

@@ -1,18 +1,13 @@
 #include "Inventory/SearchReport.h"
 
+#include "JsonText.h"
+
 #include <cmath>
 
 namespace Zent::Discovery::Inventory
 {
 namespace
 {
-/// With one decimal and a point, whatever the locale.
-std::string OneDecimal(double value)
-{
-    const auto tenths = std::llround(value * 10);
-    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
-}
-
 std::string TextOf(const std::optional<std::uint64_t>& count, const char* unknown)
 {
     return count ? std::to_string(*count) : unknown;
@@ -25,7 +20,9 @@ std::string Counted(std::uint64_t count, const std::string& what)
 
 std::string EstimateText(double estimate)
 {
-    return estimate < 0.05 ? "0" : estimate < 9.95 ? OneDecimal(estimate) : std::to_string(std::llround(estimate));
+    return estimate < 0.05   ? "0"
+           : estimate < 9.95 ? JsonText::OneDecimal(estimate)
+                             : std::to_string(std::llround(estimate));
 }
 } // namespace
 
@@ -58,8 +55,8 @@ std::string SearchReport::ToJson() const
                 R"(,"Lost":)" + TextOf(round.Lost, "null") + "}";
     }
     return text + R"(],"LostHere":)" + TextOf(LostHere(), "null") + R"(,"EstimatedUnseen":)" +
-           OneDecimal(EstimatedUnseen) + R"(,"Complete":)" + (Complete ? "true" : "false") + R"(,"Seconds":)" +
-           OneDecimal(static_cast<double>(Elapsed.count()) / 1000) + "}";
+           JsonText::OneDecimal(EstimatedUnseen) + R"(,"Complete":)" + (Complete ? "true" : "false") +
+           R"(,"Seconds":)" + JsonText::OneDecimal(static_cast<double>(Elapsed.count()) / 1000) + "}";
 }
 
 std::string SearchReport::ToString() const

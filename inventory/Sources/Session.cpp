@@ -30,7 +30,12 @@ void Session::Feed(DeviceMessage message, Time time)
     {
         search->Forget(row.Id);
     }
+    for (Change& change : changes)
+    {
+        change.Heard(row.Latest, now);
+    }
     TellOfSearch();
+    TellOfChanges();
 }
 
 void Session::Advance(Time time)
@@ -40,7 +45,8 @@ void Session::Advance(Time time)
     {
         search->Advance(now);
     }
-    devices.Advance(now, !search || search->IsOver());
+    AdvanceChanges();
+    devices.Advance(now, !IsSearching());
     TellOfSearch();
 }
 
@@ -59,6 +65,11 @@ void Session::Answer(std::int64_t id, std::int64_t value)
     const std::optional<Wish> wish = questions.Answer(id, value);
     if (!wish)
     {
+        return;
+    }
+    if (std::ranges::any_of(changes, [&](Change& change) { return change.Answered(id, value, now); }))
+    {
+        TellOfChanges();
         return;
     }
     if (wish->Kind == Wish::WishKind::CountLost && search)
@@ -107,6 +118,35 @@ const SearchReport* Session::SearchState() const
     return search ? &search->Report() : nullptr;
 }
 
+std::optional<ChangeRefusal> Session::CheckChange(const ChangeRequest& request, const ChangeOptions& options) const
+{
+    return ChangeChecks::Find(request.Normal(), options, devices, RequestsUnderWay());
+}
+
+std::int64_t Session::StartChange(const ChangeRequest& request, ChangeOptions options, Time time)
+{
+    GoOn(time);
+    ChangeRequest normal = request.Normal();
+    std::optional<ChangeRefusal> refusal = ChangeChecks::FindInValues(normal, options);
+    if (options.Look && !refusal && !IsSearching())
+    {
+        StartSearch(*options.Look, now);
+    }
+    Change& change = changes.emplace_back(++lastChange, std::move(normal), std::move(options), devices, questions, now);
+    if (refusal)
+    {
+        change.Decide(std::move(refusal), now);
+    }
+    AdvanceChanges();
+    return lastChange;
+}
+
+const ChangeReport* Session::ChangeState(std::int64_t id) const
+{
+    const auto found = std::ranges::find(changes, id, [](const Change& change) { return change.Report().Id; });
+    return found == changes.end() ? nullptr : &found->Report();
+}
+
 const DeviceTable& Session::Devices() const
 {
     return devices;
@@ -114,7 +154,12 @@ const DeviceTable& Session::Devices() const
 
 Time Session::NextTime() const
 {
-    return search && !search->IsOver() ? search->NextTime(now) : devices.NextTime(now);
+    Time next = IsSearching() ? search->NextTime(now) : devices.NextTime(now);
+    for (const Change& change : changes)
+    {
+        next = change.IsReady(IsSearching(), now) ? now : std::min(next, change.NextTime(now));
+    }
+    return next;
 }
 
 std::string Session::ToJson() const
@@ -146,5 +191,50 @@ void Session::TellOfSearch()
     {
         events.Raise({.Kind = Event::EventKind::SearchEnded, .When = now, .Report = report});
     }
+}
+
+void Session::TellOfChanges()
+{
+    for (const Change& change : changes)
+    {
+        if (change.IsOver())
+        {
+            events.Raise({.Kind = Event::EventKind::ChangeEnded, .When = now, .Outcome = change.Report()});
+        }
+    }
+    changes.remove_if([](const Change& change) { return change.IsOver(); });
+}
+
+void Session::AdvanceChanges()
+{
+    for (Change& change : changes)
+    {
+        if (change.IsReady(IsSearching(), now))
+        {
+            const ChangeRequest& request = change.Report().Request;
+            change.Decide(ChangeChecks::Find(request, change.Options(), devices, RequestsUnderWay()), now);
+        }
+        change.Advance(now);
+    }
+    TellOfChanges();
+}
+
+/// What devices are told and do not show yet.
+std::vector<ChangeRequest> Session::RequestsUnderWay() const
+{
+    std::vector<ChangeRequest> requests;
+    for (const Change& change : changes)
+    {
+        if (change.IsUnderWay())
+        {
+            requests.push_back(change.Report().Request);
+        }
+    }
+    return requests;
+}
+
+bool Session::IsSearching() const
+{
+    return search && !search->IsOver();
 }
 } // namespace Zent::Discovery::Inventory

@@ -70,8 +70,18 @@ bool SessionDriver::AskAll()
     return CarryOut({Wish::WishKind::AskAll, 0});
 }
 
-/// False when the library takes no requests, as while it restarts itself. What was not asked now is asked later.
+/// False when the library takes no requests, as while it restarts itself. What was not sent now is sent later.
 bool SessionDriver::CarryOut(const Wish& wish)
+{
+    const bool isCarriedOut = TryToCarryOut(wish);
+    if (wish.IsRequestOfChange())
+    {
+        session.Answer(wish.Id, isCarriedOut ? 1 : 0);
+    }
+    return isCarriedOut;
+}
+
+bool SessionDriver::TryToCarryOut(const Wish& wish)
 {
     try
     {
@@ -85,6 +95,15 @@ bool SessionDriver::CarryOut(const Wish& wish)
             break;
         case Wish::WishKind::AskIP:
             host.Requests().ReachClient(wish.Address);
+            break;
+        case Wish::WishKind::Rename:
+            host.Requests().ChangeClientsHostName(wish.Text, wish.Address);
+            break;
+        case Wish::WishKind::RenameAt:
+            host.Requests().ChangeClientsHostNameWithIP(wish.Text, wish.Address);
+            break;
+        case Wish::WishKind::Configure:
+            host.Requests().ChangeClientsIPConfigurationsFromJson(wish.Text);
             break;
         case Wish::WishKind::IsReachable:
         case Wish::WishKind::CountLost:

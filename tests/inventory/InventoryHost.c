@@ -13,11 +13,12 @@ enum
 
 static long long now = 1000;
 static int waiting[DeviceCount]; /* answers that have not yet been taken */
-static char document[DeviceCount][200];
+static char document[DeviceCount][300];
 static char shown[20000]; /* events */
 static int questionsByMAC;
 static int questionsByIP;
 static int isSilent;
+static int isBusy; /* the library: it takes no requests */
 
 #define CHECK(condition)                                                                                               \
     do                                                                                                                 \
@@ -79,12 +80,45 @@ static void RefreshClient(const char* address)
 {
     CHECK(strlen(address) == 17);
     ++questionsByMAC;
+    for (int i = 0; i < DeviceCount; ++i)
+    {
+        waiting[i] += !isSilent && strstr(document[i], address) != NULL ? 1 : 0;
+    }
 }
 
 static void ReachClient(const char* address)
 {
     CHECK(HasRoute(address));
     ++questionsByIP;
+}
+
+static int ChangeClientsHostName(const char* name, const char* address)
+{
+    if (isBusy)
+    {
+        return 41;
+    }
+    for (int i = 0; i < DeviceCount; ++i)
+    {
+        if (strstr(document[i], address) != NULL)
+        {
+            strncpy(strstr(document[i], "press-"), name, 7);
+        }
+    }
+    return 0;
+}
+
+static int ChangeClientsHostNameWithIP(const char* name, const char* address)
+{
+    return ChangeClientsHostName(name, address);
+}
+
+static int ChangeClientsIPConfigurations(const char* nicConfigs)
+{
+    CHECK(strcmp(nicConfigs,
+                 "[{\"FriendlyName\":\"eth1\",\"MACAddress\":\"02:00:00:00:00:01\",\"IPAddress\":\"10.0.0.9\","
+                 "\"SubNetMask\":\"255.255.255.0\",\"DefaultGateway\":\"\",\"MTU\":\"Unknown\"}]") == 0);
+    return 0;
 }
 
 static void Watch(DiscoveryInventory* session);
@@ -137,6 +171,44 @@ static void TestRefusals(DiscoveryInventory* session)
     DiscoveryInventoryFree(NULL);
 }
 
+static void TestChanges(DiscoveryInventory* session)
+{
+    const int invalidFormat = (int)0xC0090114;
+    const char* text;
+    long long id;
+    CHECK(DiscoveryInventoryStartChange(session, "{\"MACAddress\":\"02-00\",\"HostName\":\"a\"}", "", now, &id) ==
+          invalidFormat);
+    CHECK(strcmp(DiscoveryInventoryGetLastError(), "\"02-00\" is no MAC address, such as 00:1A:2B:3C:4D:5E") == 0);
+    CHECK(DiscoveryInventoryStartChange(session, "{\"IPAddress\":\"10.0.0.7\",\"MTU\":1400}", "", now, &id) ==
+          invalidFormat);
+    CHECK(strcmp(DiscoveryInventoryGetLastError(), "the request's \"MTU\" is no text") == 0);
+
+    CHECK(DiscoveryInventoryCheckChange(session, "{\"MACAddress\":\"02-00-00-00-00-01\",\"HostName\":\"Press-2\"}", "",
+                                        &text) == 0);
+    CHECK(strcmp(text, "{\"Code\":\"name-taken\",\"Text\":\"\\\"Press-2\\\" is the name of 02:00:00:00:00:02\"}") == 0);
+
+    isBusy = 1;
+    CHECK(DiscoveryInventoryStartChange(session, "{\"MACAddress\":\"02:00:00:00:00:01\",\"HostName\":\"press-9\"}",
+                                        "{\"Look\":false}", now, &id) == 0);
+    Run(session, now + 600);
+    CHECK(DiscoveryInventoryChangeState(session, id, &text) == 0);
+    CHECK(strcmp(text,
+                 "{\"MACAddress\":\"02:00:00:00:00:01\",\"Seconds\":0.0,\"Before\":{\"HostName\":\"press-1\"}}") == 0);
+    isBusy = 0;
+    Run(session, now + 1000);
+    CHECK(DiscoveryInventoryChangeState(session, id, &text) == 0 && text == NULL);
+    CHECK(CountShown("\"Id\":1,\"Change\":{\"MACAddress\":\"02:00:00:00:00:01\",\"Verdict\":\"applied\",") == 1);
+    CHECK(CountShown("\"After\":{\"HostName\":\"press-9\"}}}") == 1);
+
+    CHECK(DiscoveryInventoryStartChange(session,
+                                        "{\"MACAddress\":\"02:00:00:00:00:01\",\"IPAddress\":\"10.0.0.9\","
+                                        "\"SubNetMask\":\"255.255.255.0\",\"DefaultGateway\":\"\","
+                                        "\"FriendlyName\":\"eth1\"}",
+                                        NULL, now, &id) == 0);
+    Run(session, now + 7000);
+    CHECK(CountShown("\"Verdict\":\"refused\"") == 1);
+}
+
 int main(void)
 {
     DiscoveryInventory* session;
@@ -145,7 +217,8 @@ int main(void)
     for (int i = 0; i < DeviceCount; ++i)
     {
         sprintf(document[i],
-                "{\"Host\":{\"HostName\":\"press-%d\",\"NICs\":[{\"MACAddress\":\"02:00:00:00:00:0%d\","
+                "{\"Host\":{\"HostName\":\"press-%d\",\"IsHostNameReadOnly\":false,\"NICs\":[{\"MACAddress\":\"02:00:"
+                "00:00:00:0%d\","
                 "\"IPAddress\":\"10.0.%d.7\"}]}}",
                 i, i, i);
     }
@@ -161,6 +234,7 @@ int main(void)
     CHECK(DiscoveryInventorySnapshot(session, &text) == 0);
     CHECK(strstr(text, "\"State\":\"present\",\"Here\":true,\"FirstSeen\":1020,") != NULL);
 
+    TestChanges(session);
     isSilent = 1;
     CHECK(DiscoveryInventorySetPortHeld(session, 1, now) == 0);
     Run(session, 40000);

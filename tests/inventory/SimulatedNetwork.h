@@ -152,6 +152,8 @@ private:
         case WishKind::CountLost:
             session.Answer(wish.Id, settings.HasCounter ? static_cast<std::int64_t>(dropped) : -1);
             break;
+        default:
+            break; // nothing is changed here
         }
     }
 

@@ -278,7 +278,13 @@ public:
                 ",\"IPAddress\":" + Quoted(nic.IPAddress) + ",\"SubNetMask\":" + Quoted(nic.SubNetMask) +
                 ",\"DefaultGateway\":" + Quoted(nic.DefaultGateway) + ",\"MTU\":" + Quoted(nic.MTU) + "}");
         }
-        Request("ChangeClientsIPConfigurations", library.ChangeClientsIPConfigurations, Array(objects));
+        ChangeClientsIPConfigurationsFromJson(Array(objects));
+    }
+
+    /// The same for the JSON array of interfaces that the C header describes.
+    void ChangeClientsIPConfigurationsFromJson(const std::string& nicConfigsJson)
+    {
+        Request("ChangeClientsIPConfigurations", library.ChangeClientsIPConfigurations, nicConfigsJson);
     }
 
     /// Makes every broadcast leave once from each of these IP addresses of this machine, until the next call or Stop.

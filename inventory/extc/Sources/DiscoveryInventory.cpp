@@ -20,9 +20,9 @@ using Zent::Discovery::Programs::SystemAnswers;
 struct DiscoveryInventory
 {
     Session Engine;
-    std::optional<SystemAnswers> System; // when the host leaves the system to the session
-    std::string Text;
-    std::string Address;
+    std::optional<SystemAnswers> System = {}; // when the host leaves the system to the session
+    std::string Text = {};
+    std::optional<Wish> LastWish = {};
 };
 
 namespace
@@ -118,6 +118,12 @@ int NumberOf(Wish::WishKind kind)
         return DiscoveryInventoryIsReachable;
     case Wish::WishKind::CountLost:
         return DiscoveryInventoryCountLost;
+    case Wish::WishKind::Rename:
+        return DiscoveryInventoryRename;
+    case Wish::WishKind::RenameAt:
+        return DiscoveryInventoryRenameAt;
+    case Wish::WishKind::Configure:
+        return DiscoveryInventoryConfigure;
     }
     return DiscoveryInventoryNoWish;
 }
@@ -148,9 +154,7 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryCreate(const char* optionsJson, D
             *session = nullptr;
             OptionsReader::SessionOptions options = OptionsReader::ReadSessionOptions(OrNothing(optionsJson));
             *session = new DiscoveryInventory{Session(std::move(options.Table)),
-                                              options.AskSystem ? std::optional(SystemAnswers()) : std::nullopt,
-                                              {},
-                                              {}};
+                                              options.AskSystem ? std::optional(SystemAnswers()) : std::nullopt};
         },
         session);
 }
@@ -186,12 +190,28 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextWish(DiscoveryInventory* sess
 {
     return Guard(
         [&] {
-            std::optional<Wish> next = NextWishOf(*session);
-            session->Address = next ? std::move(next->Address) : std::string();
-            *wish = {next ? NumberOf(next->Kind) : DiscoveryInventoryNoWish, session->Address.c_str(),
-                     next ? next->Id : 0};
+            std::optional<Wish>& next = session->LastWish;
+            next = NextWishOf(*session);
+            *wish = next ? DiscoveryInventoryWish{NumberOf(next->Kind), next->Address.c_str(), next->Id}
+                         : DiscoveryInventoryWish{DiscoveryInventoryNoWish, "", 0};
         },
         session, wish);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryWishText(DiscoveryInventory* session,
+                                                        const char** text,
+                                                        long long* change)
+{
+    return Guard(
+        [&] {
+            const std::optional<Wish>& last = session->LastWish;
+            *text = last ? last->Text.c_str() : "";
+            if (change != nullptr)
+            {
+                *change = last ? last->Change : 0;
+            }
+        },
+        session, text);
 }
 
 int DISCOVERY_INVENTORY_CALL DiscoveryInventoryAnswerWish(DiscoveryInventory* session, long long id, long long value)
@@ -261,6 +281,41 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventorySearchState(DiscoveryInventory* s
             {
                 *isOver = report != nullptr && report->IsOver ? 1 : 0;
             }
+        },
+        session, json);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryCheckChange(DiscoveryInventory* session,
+                                                           const char* requestJson,
+                                                           const char* optionsJson,
+                                                           const char** refusalJson)
+{
+    return Guard(
+        [&] {
+            const std::optional<ChangeRefusal> refusal = session->Engine.CheckChange(
+                ChangeRequest::Parse(requestJson), OptionsReader::ReadChangeOptions(OrNothing(optionsJson)));
+            *refusalJson = refusal ? Give(session, refusal->ToJson()) : nullptr;
+        },
+        session, requestJson, refusalJson);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryStartChange(
+    DiscoveryInventory* session, const char* requestJson, const char* optionsJson, long long now, long long* id)
+{
+    return Guard(
+        [&] {
+            *id = session->Engine.StartChange(ChangeRequest::Parse(requestJson),
+                                              OptionsReader::ReadChangeOptions(OrNothing(optionsJson)), TimeOf(now));
+        },
+        session, requestJson, id);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryChangeState(DiscoveryInventory* session, long long id, const char** json)
+{
+    return Guard(
+        [&] {
+            const ChangeReport* const report = session->Engine.ChangeState(id);
+            *json = report == nullptr ? nullptr : Give(session, report->ToJson());
         },
         session, json);
 }

@@ -202,4 +202,21 @@ SearchOptions OptionsReader::ReadSearchOptions(std::string_view text, std::vecto
     members.RefuseOthers();
     return options;
 }
+
+ChangeOptions OptionsReader::ReadChangeOptions(std::string_view text)
+{
+    ChangeOptions options;
+    Members members(text);
+    bool looks = true;
+    members.Flag("Look", looks);
+    members.Number("Timeout", 1, Day, options.Timeout);
+    Time rebootTimeout{-1};
+    members.Number("RebootTimeout", 0, Day, rebootTimeout);
+    members.Flag("Force", options.Force);
+    members.Flag("GivesBack", options.GivesBack);
+    members.RefuseOthers();
+    options.Look = looks ? options.Look : std::nullopt;
+    options.RebootTimeout = rebootTimeout < Time{0} ? std::nullopt : std::optional(rebootTimeout);
+    return options;
+}
 } // namespace Zent::Discovery::Inventory

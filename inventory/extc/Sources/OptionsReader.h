@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Inventory/ChangeRequest.h"
 #include "Inventory/DeviceTable.h"
 #include "Inventory/Network.h"
 #include "Inventory/SearchOptions.h"
@@ -26,5 +27,6 @@ public:
 
     /// The networks are those of a text that names none.
     static SearchOptions ReadSearchOptions(std::string_view json, std::vector<Network> networks);
+    static ChangeOptions ReadChangeOptions(std::string_view json);
 };
 } // namespace Zent::Discovery::Inventory

@@ -12,6 +12,17 @@
  * @par Sample
  * TakeMessage, TellTime, HasRoute, CountLost and Show are the host's.
  * @code
+ *     static int HasSent(DiscoveryInventory* session, const DiscoveryInventoryWish* wish)
+ *     {
+ *         const char* text;
+ *         DiscoveryInventoryWishText(session, &text, NULL);
+ *         if (wish->Kind == DiscoveryInventoryRename)
+ *             return ChangeClientsHostName(text, wish->Address) == 0;
+ *         if (wish->Kind == DiscoveryInventoryRenameAt)
+ *             return ChangeClientsHostNameWithIP(text, wish->Address) == 0;
+ *         return wish->Kind == DiscoveryInventoryConfigure && ChangeClientsIPConfigurations(text) == 0;
+ *     }
+ *
  *     void Watch(DiscoveryInventory* session)
  *     {
  *         const char* text;
@@ -29,8 +40,10 @@
  *                 ReachClient(wish.Address);
  *             else if (wish.Kind == DiscoveryInventoryIsReachable)
  *                 DiscoveryInventoryAnswerWish(session, wish.Id, HasRoute(wish.Address));
- *             else
+ *             else if (wish.Kind == DiscoveryInventoryCountLost)
  *                 DiscoveryInventoryAnswerWish(session, wish.Id, CountLost());
+ *             else
+ *                 DiscoveryInventoryAnswerWish(session, wish.Id, HasSent(session, &wish));
  *         }
  *         while (DiscoveryInventoryNextEvent(session, &text) == 0 && text != NULL)
  *             Show(text);
@@ -43,20 +56,41 @@
  *     taken. HasRoute of the sample is 1 when the system has a route to the address, and 0 otherwise; a UDP socket that
  *     is connected to it tells, and nothing may be sent. For ReachClient to an address without a route makes the
  *     library lose its socket and restart. CountLost is how many datagrams to the library's port this machine has
- *     dropped since any moment (on Linux a column of /proc/net/udp), or -1 where the system does not tell.
+ *     dropped since any moment (on Linux a column of /proc/net/udp), or -1 where the system does not tell. The requests
+ *     of changes are answered with 1 once the library has taken them, and with 0 when it has not, as while it restarts
+ *     itself: then they are wished for again. A wish of a kind that this list does not have is left out.
  *
  * @par Events
  *     {"Event":"Appeared","When":1500,"Device":{"Host":{...},"SourceNIC":{...}}}. Device is the document as the
  *     callback gave it. Events are Appeared, Changed, Left (it said Bye), Gone (it answers no more), Returned,
  *     Flapping (it comes and goes, and no Left, Gone and Returned are told until it has Settled), Settled, Forgotten
- *     (it gave way to another one in a full table), Conflict, PortHeld, PortReleased, RoundEnded and SearchEnded.
+ *     (it gave way to another one in a full table), Conflict, PortHeld, PortReleased, RoundEnded, SearchEnded and
+ *     ChangeEnded.
  *     Changed and Returned may have "Changes":[{"Property":"HostName","Before":"a","After":"b"}], in which what was not
  *     there is left out; Conflict has "Conflict":{"Kind":"mac"|"ip"|"name","Value":"10.0.0.5","Count":2,
- *     "First":{document},"Second":{document}}, and the two last "Search":{report}.
+ *     "First":{document},"Second":{document}}, the two of a search have "Search":{report}, and ChangeEnded has "Id" and
+ *     "Change":{outcome}.
  *
  * @par Reports
  *     {"Devices":1000,"Rounds":[{"Asked":"all","Answers":981,"New":981,"Lost":12},...],"LostHere":12,
  *     "EstimatedUnseen":0.0,"Complete":true,"Seconds":2.1}. Asked is all, sweep or list; what is unknown is null.
+ *
+ * @par Outcomes
+ *     {"MACAddress":"00:1A:2B:3C:4D:5E","Verdict":"applied","Seconds":0.4,"Before":{"HostName":"press-1"},
+ *     "After":{"HostName":"press-4"}}. Before is what the device had when it was told to change, and After what it has
+ *     said last since; either is left out when it is not known. The settings of an interface are "FriendlyName",
+ *     "IPAddress", "SubNetMask", "DefaultGateway" and "MTU". Verdict is
+ *
+ *         applied        the device shows the change
+ *         reboot-needed  it is silent or does not show it, and has said that it takes such changes when it starts anew
+ *         refused        it answers and does not show it
+ *         no-answer      it does not answer
+ *         not-sent       something was wrong: "Code" and "Text", a sentence for people, say what in place of "Seconds"
+ *
+ *     Code is bad-name (empty, only blanks, with control characters or over 255 bytes), name-read-only (the device says
+ *     so), unknown-device (it has not answered), name-taken, bad-mask, bad-address (of a network, broadcast, multicast,
+ *     loopback), gateway-outside (of the interface's network), address-taken, no-route (to the IP address of a device)
+ *     or send-failed (the library took no request in time).
  *
  * @par Text
  *     All text is 8-bit and ends with NUL. Options are JSON; unknown members are refused. Text from a device is passed
@@ -120,7 +154,10 @@ extern "C"
         DiscoveryInventoryAskMAC = 2,      /**< call RefreshClient with the address */
         DiscoveryInventoryAskIP = 3,       /**< call ReachClient with the address */
         DiscoveryInventoryIsReachable = 4, /**< answer with 1 when there is a route to the address, or with 0 */
-        DiscoveryInventoryCountLost = 5    /**< answer with the number of datagrams lost by now, or with -1 */
+        DiscoveryInventoryCountLost = 5,   /**< answer with the number of datagrams lost by now, or with -1 */
+        DiscoveryInventoryRename = 6,      /**< call ChangeClientsHostName with text and address, and answer */
+        DiscoveryInventoryRenameAt = 7,    /**< call ChangeClientsHostNameWithIP with text and address, and answer */
+        DiscoveryInventoryConfigure = 8    /**< call ChangeClientsIPConfigurations with the text, and answer */
     };
 
     /** A wish of a session. */
@@ -192,6 +229,19 @@ extern "C"
      */
     DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextWish(DiscoveryInventory* session,
                                                                                     DiscoveryInventoryWish* wish);
+
+    /**
+     * Gives the text of the wish that was taken last: the host name, or the JSON array of interfaces, that a device is
+     * told.
+     *
+     * @param session the session.
+     * @param text    where it is put; empty where the kind of wish has none.
+     * @param change  where the id of the change that makes the request is put, or 0; may be null.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryWishText(DiscoveryInventory* session,
+                                                                                    const char** text,
+                                                                                    long long* change);
 
     /**
      * Answers a wish. An id that waits for no answer is left out.
@@ -298,6 +348,66 @@ extern "C"
      */
     DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventorySearchState(DiscoveryInventory* session,
                                                                                        int* isOver,
+                                                                                       const char** json);
+
+    /**
+     * Finds out what is wrong with a change as far as is known by now, and sends nothing.
+     *
+     * @param session     the session.
+     * @param requestJson as for DiscoveryInventoryStartChange.
+     * @param optionsJson as for DiscoveryInventoryStartChange.
+     * @param refusalJson where {"Code":"name-taken","Text":"..."} is put; null when nothing is wrong.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryCheckChange(DiscoveryInventory* session,
+                                                                                       const char* requestJson,
+                                                                                       const char* optionsJson,
+                                                                                       const char** refusalJson);
+
+    /**
+     * Starts to change a device. The change learns what the device has, is checked, wishes for its request, and asks
+     * the device until it shows the change; it ends with the event ChangeEnded. Any number of changes go on at once.
+     *
+     * The request is a JSON object. One of
+     *
+     *     {"MACAddress":"00:1A:2B:3C:4D:5E","HostName":"press-4"}
+     *     {"IPAddress":"10.2.0.5","HostName":"press-4"}      to a device that broadcasts do not reach
+     *     {"MACAddress":"00:1A:2B:3C:4D:5E","IPAddress":"10.0.0.7","SubNetMask":"255.255.255.0",
+     *      "DefaultGateway":"","MTU":"1500","FriendlyName":"eth0"}
+     *
+     * where MTU and FriendlyName may be missing: the device then keeps its own, or takes its usual MTU.
+     *
+     * Its options are a JSON object with any of these members (shown with what holds without them):
+     *
+     *     {"Look":true,           searches first, for three seconds at most, or waits for a search that runs; without
+     *                             it, names and addresses are taken only by devices that are known already
+     *      "Timeout":3000,        milliseconds from the request to the verdict
+     *      "RebootTimeout":60000, the same for a device that takes the change when it starts anew; without this member
+     *                             only one that falls silent is waited for so long, another one for Timeout
+     *      "Force":false,         goes on after unknown-device, name-taken and address-taken
+     *      "GivesBack":false}     the request gives back what the device had before, which is right whatever it is
+     *
+     * @param session     the session.
+     * @param requestJson the request.
+     * @param optionsJson the options; null or empty for the usual ones.
+     * @param now         the time.
+     * @param id          where the id of the change is put, which the event ChangeEnded bears.
+     * @return 0, or a result code. What is wrong with a well-formed request the event tells.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryStartChange(
+        DiscoveryInventory* session, const char* requestJson, const char* optionsJson, long long now, long long* id);
+
+    /**
+     * Gives the outcome of a change as it is by now. When the request is wished for, Before is in it: what a host keeps
+     * before it sends the request can be given back.
+     *
+     * @param session the session.
+     * @param id      of the change.
+     * @param json    where the outcome is put, without a verdict; null when the change has ended.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryChangeState(DiscoveryInventory* session,
+                                                                                       long long id,
                                                                                        const char** json);
 
     /**

@@ -12,7 +12,7 @@ class AddressText final
 public:
     AddressText() = delete;
 
-    /// 0:1a:2B:3c:4d:5e becomes 00:1A:2B:3C:4D:5E.
+    /// 0:1a:2B:3c:4d:5e and 00-1A-2B-3C-4D-5E, as Windows writes it, become 00:1A:2B:3C:4D:5E.
     static std::string MAC(std::string_view text);
 
     /// 192.168.001.020 becomes 192.168.1.20.

@@ -19,6 +19,7 @@ public:
         std::string SubNetMask = {};
         std::string DefaultGateway = {};
         std::string MTU = {};
+        std::string FriendlyName = {};
     };
 
     struct Product
@@ -51,6 +52,9 @@ public:
     std::string Family;
     std::string SerialNumber;
     std::vector<Product> Products;
+    bool IsHostNameReadOnly = true; // what a device is that does not say otherwise
+    bool RebootRequiredForHostNameChange = false;
+    bool RebootRequiredForIPConfigChange = false;
 
 private:
     void Read();

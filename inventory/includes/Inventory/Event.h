@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Inventory/ChangeReport.h"
 #include "Inventory/Device.h"
 #include "Inventory/DeviceDifferences.h"
 #include "Inventory/SearchReport.h"
@@ -50,7 +51,8 @@ struct Event
         PortHeld,     // another program receives the answers: no device is told to be gone
         PortReleased, // no longer
         RoundEnded,   // of the search
-        SearchEnded
+        SearchEnded,
+        ChangeEnded
     };
 
     EventKind Kind;
@@ -59,12 +61,13 @@ struct Event
     std::vector<DeviceDifferences::Difference> Changes = {}; // of Changed and Returned
     std::optional<Conflict> Contradiction = {};
     std::optional<SearchReport> Report = {};
+    std::optional<ChangeReport> Outcome = {}; // of a change
 
     const char* KindName() const;
 
     /// {"Event":"Changed","When":1500,"Device":{"Host":...},"Changes":[{"Property":..,"Before":..,"After":..}]}; a
     /// conflict has "Conflict":{"Kind":"ip","Value":"10.0.0.5","Count":2,"First":{..},"Second":{..}}, an event of the
-    /// search "Search" with its report.
+    /// search "Search" with its report, that of a change its "Id" and "Change" with its report.
     std::string ToJson() const;
 };
 } // namespace Zent::Discovery::Inventory

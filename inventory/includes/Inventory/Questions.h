@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace Zent::Discovery::Inventory
@@ -46,11 +47,21 @@ public:
     /// Only while CanAskMAC.
     void AskMAC(const std::string& address, Time now);
 
-    /// Only while CanAskIP. Asks the device once the host program has found a route to it.
-    void AskIP(const std::string& address, Time now);
+    /// Only while CanAskIP. Asks the device once the host program has found a route to it. Gives the id of the wish to
+    /// find it.
+    std::int64_t AskIP(const std::string& address, Time now);
 
     /// Asks how many answers were lost.
     void CountLost();
+
+    /// Asks for a route to the address, and nothing more. Gives the id of the wish.
+    std::int64_t FindRoute(const std::string& address);
+
+    /// Wishes for the request of a change. Gives the id of the wish.
+    std::int64_t Request(Wish wish);
+
+    /// Nobody waits any more for what the wish with that id is about. One that was not taken yet is left out.
+    void Withdraw(std::int64_t id);
 
     /// Notes that a device has answered.
     void NoteAnswer(const Device& device);
@@ -62,7 +73,7 @@ public:
     std::optional<Wish> Answer(std::int64_t id, std::int64_t value);
 
 private:
-    void Wait(Wish::WishKind kind, const std::string& address);
+    std::int64_t Wait(Wish wish);
     void WaitOnce(Wish::WishKind kind);
     bool CanAsk(Time now);
     void NoteQuestion(const std::string& address, bool isByIP, Time now);
@@ -75,8 +86,9 @@ private:
         bool IsByIP;
     };
 
-    std::deque<Wish> wishes; // not yet taken
-    std::unordered_map<std::int64_t, Wish> open;
+    std::deque<Wish> wishes;                      // not yet taken
+    std::unordered_map<std::int64_t, Wish> open;  // taken, not yet answered
+    std::unordered_set<std::int64_t> routesAlone; // wishes to find a route after which nobody is asked
     std::int64_t lastId = 0;
 
     std::unordered_map<std::string, Question> unanswered; // by address

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "Inventory/Change.h"
 #include "Inventory/DeviceTable.h"
 #include "Inventory/EventQueue.h"
 #include "Inventory/Questions.h"
 #include "Inventory/Search.h"
 
 #include <cstdint>
+#include <list>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Zent::Discovery::Inventory
 {
@@ -18,7 +21,7 @@ namespace Zent::Discovery::Inventory
 ///     {
 ///         while (auto message = queue.Take()) session.Feed(*message, now());
 ///         session.Advance(now());
-///         while (auto wish = session.NextWish()) CarryOut(*wish); // IsReachable and CountLost with session.Answer
+///         while (auto wish = session.NextWish()) CarryOut(*wish); // with session.Answer where one is expected
 ///         while (auto event = session.NextEvent()) Show(*event);
 ///         WaitForMessagesUntil(session.NextTime());
 ///     }
@@ -57,6 +60,19 @@ public:
     /// Of the search that was started last; null when there was none.
     const SearchReport* SearchState() const;
 
+    /// What would be wrong with a change now, as far as is known; nothing when all is well.
+    /// @throws std::invalid_argument when a text of the request is no address.
+    std::optional<ChangeRefusal> CheckChange(const ChangeRequest& request, const ChangeOptions& options) const;
+
+    /// Starts to change a device, beside whatever else goes on; ends with the event ChangeEnded. Gives the id of the
+    /// change. The request is wished for once it has passed the checks: nothing has been sent before.
+    /// @throws std::invalid_argument when a text of the request is no address, or the options of the search are not
+    /// possible; nothing has changed.
+    std::int64_t StartChange(const ChangeRequest& request, ChangeOptions options, Time now);
+
+    /// Of a change that has not ended; null for others. Valid until the next call of another operation.
+    const ChangeReport* ChangeState(std::int64_t id) const;
+
     const DeviceTable& Devices() const;
 
     /// When to call Advance again, at the latest, if nothing comes before.
@@ -69,6 +85,10 @@ public:
 private:
     void GoOn(Time time);
     void TellOfSearch();
+    void TellOfChanges();
+    void AdvanceChanges();
+    std::vector<ChangeRequest> RequestsUnderWay() const;
+    bool IsSearching() const;
 
     Questions questions;
     EventQueue events;
@@ -76,6 +96,8 @@ private:
     std::optional<Search> search;
     std::size_t roundsTold = 0;
     bool isEndTold = false;
+    std::list<Change> changes; // that have not ended
+    std::int64_t lastChange = 0;
     Time now{0};
 };
 } // namespace Zent::Discovery::Inventory

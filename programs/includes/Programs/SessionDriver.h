@@ -45,6 +45,7 @@ public:
 private:
     void Feed(Inventory::DeviceMessage message);
     bool CarryOut(const Inventory::Wish& wish);
+    bool TryToCarryOut(const Inventory::Wish& wish);
     void ComplainAboutLoss();
 
     HostSession& host;

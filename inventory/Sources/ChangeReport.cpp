@@ -1,0 +1,101 @@
+#include "Inventory/ChangeReport.h"
+
+#include "JsonText.h"
+
+namespace Zent::Discovery::Inventory
+{
+namespace
+{
+using Verdict = ChangeReport::ChangeVerdict;
+
+/// The MAC address of the interface that the change is about; empty when it is unknown.
+std::string AddressOf(const ChangeReport& report)
+{
+    const Device::Interface& interface = report.Request.Interface;
+    const Device* const device = report.After ? report.After.get() : report.Before.get();
+    if (!interface.MACAddress.empty() || device == nullptr)
+    {
+        return interface.MACAddress;
+    }
+    for (const Device::Interface& each : device->Interfaces())
+    {
+        if (each.IPAddress == interface.IPAddress)
+        {
+            return each.MACAddress;
+        }
+    }
+    return {};
+}
+} // namespace
+
+const char* ChangeReport::VerdictName() const
+{
+    static constexpr const char* Names[] = {"applied", "reboot-needed", "refused", "no-answer", "not-sent"};
+    return Verdict ? Names[static_cast<std::size_t>(*Verdict)] : "";
+}
+
+std::optional<ChangeRequest> ChangeReport::Undo() const
+{
+    if (Before == nullptr)
+    {
+        return std::nullopt;
+    }
+    if (Request.Kind != ChangeRequest::ChangeKind::Configure)
+    {
+        return ChangeRequest{Request.Kind, Before->HostName, Request.Interface};
+    }
+    const Device::Interface* const interface = Before->FindMAC(Request.Interface.MACAddress);
+    return interface == nullptr ? std::nullopt : std::optional(ChangeRequest::Configure(*interface));
+}
+
+std::string ChangeReport::ToJson() const
+{
+    JsonText json;
+    const std::string address = AddressOf(*this);
+    json.Text(address.empty() ? "IPAddress" : "MACAddress", address.empty() ? Request.Interface.IPAddress : address);
+    if (Verdict)
+    {
+        json.Text("Verdict", VerdictName());
+    }
+    if (Refusal)
+    {
+        json.Text("Code", Refusal->CodeName()).Text("Text", Refusal->Text);
+    }
+    else
+    {
+        json.Raw("Seconds", JsonText::OneDecimal(static_cast<double>(Elapsed.count()) / 1000));
+    }
+    if (Before != nullptr)
+    {
+        json.Raw("Before", Request.SettingsOf(*Before));
+    }
+    if (After != nullptr)
+    {
+        json.Raw("After", Request.SettingsOf(*After));
+    }
+    return json.Take();
+}
+
+std::string ChangeReport::ToString() const
+{
+    if (Refusal)
+    {
+        return Refusal->ToString();
+    }
+    const std::string address = AddressOf(*this);
+    const std::string who = address.empty() ? Request.Interface.IPAddress : address;
+    const std::string what = Request.ToString();
+    const std::string verdict = std::string(" (") + VerdictName() + ")";
+    switch (Verdict.value_or(Verdict::Applied))
+    {
+    case Verdict::RebootNeeded:
+        return who + " takes " + what + " when it starts anew" + verdict;
+    case Verdict::Refused:
+        return who + " has not taken " + what + verdict;
+    case Verdict::NoAnswer:
+        return who + " was given " + what + " and has not answered since" + verdict;
+    default:
+        return who + (Verdict ? " has taken " + what + verdict : " is given " + what);
+    }
+}
+} // namespace Zent::Discovery::Inventory
