@@ -2,10 +2,14 @@
 #include "Inventory/DeviceList.h"
 #include "Inventory/DeviceSelection.h"
 #include "Inventory/Session.h"
+#include "Show/LiveWatchView.h"
+#include "Show/Output.h"
 #include "Signature.h"
+#include "Terminal/Terminal.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdio>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,6 +19,7 @@ namespace Benchmarks
 {
 namespace
 {
+namespace Console = Zent::Discovery::Console;
 using namespace Zent::Discovery::Inventory;
 using namespace std::chrono_literals;
 
@@ -152,6 +157,26 @@ void Sort(benchmark::State& state)
     state.SetComplexityN(state.range(0));
 }
 
+/// What watch does five times a second, sorted as nobody's network is by itself.
+void Redraw(benchmark::State& state)
+{
+    Session session;
+    FeedAll(session, Messages(state.range(0)), 0s);
+    DeviceSelection selection;
+    selection.AddOrder("type");
+    selection.AddOrder("name:desc");
+    std::ostringstream screen;
+    std::ostringstream errors;
+    const Console::Terminal terminal(Console::Terminal::Stream::Output);
+    Console::Output output(screen, errors, {});
+    Console::LiveWatchView view(screen, terminal, output, selection, true, [] {});
+    for (auto _ : state)
+    {
+        benchmark::DoNotOptimize(view.Refresh(session.Devices()));
+    }
+    state.SetComplexityN(state.range(0));
+}
+
 void ByDevices(benchmark::internal::Benchmark* each)
 {
     each->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond)->Complexity(benchmark::oN);
@@ -163,5 +188,6 @@ BENCHMARK(Advance)->Name("inventory/advance through ten minutes of silence, by d
 BENCHMARK(Snapshot)->Name("inventory/snapshot, by devices")->Apply(&ByDevices);
 BENCHMARK(Diff)->Name("inventory/diff, by devices")->Apply(&ByDevices);
 BENCHMARK(Sort)->Name("inventory/sort, by devices")->Apply(&ByDevices);
+BENCHMARK(Redraw)->Name("console/redraw watch, by devices")->Apply(&ByDevices);
 } // namespace
 } // namespace Benchmarks
