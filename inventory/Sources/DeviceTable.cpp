@@ -438,6 +438,19 @@ std::vector<const DeviceRow*> DeviceTable::Rows() const
     return rows;
 }
 
+std::vector<const Device*> DeviceTable::Here() const
+{
+    std::vector<const Device*> here;
+    for (const DeviceRow* const row : Rows())
+    {
+        if (row->IsHere())
+        {
+            here.push_back(row->Latest.get());
+        }
+    }
+    return here;
+}
+
 const DeviceRow* DeviceTable::Find(std::string_view address) const
 {
     const auto found = byKey.find(std::string(address));

@@ -58,6 +58,9 @@ public:
     /// In the order in which the devices were first seen. Valid until the next call of another operation.
     std::vector<const DeviceRow*> Rows() const;
 
+    /// What those devices have said last that have neither left nor gone. Valid likewise.
+    std::vector<const Device*> Here() const;
+
     /// The device with that MAC address in the library's form; null when there is none.
     const DeviceRow* Find(std::string_view address) const;
 
