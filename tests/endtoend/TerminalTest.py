@@ -125,6 +125,19 @@ class LiveTableTest(TerminalTestCase):
             peer.send(message("SignatureBroadcast", "press-9"))
             terminal.wait_for("press-9 (127.0.0.1) came back")
 
+    def test_goes_on_while_a_slow_system_is_asked_why_nobody_answers(self):
+        begun, ended = self.folder / "begun", self.folder / "ended"
+        firewall = self.folder / "firewall-cmd"
+        firewall.write_text(f"#!/bin/sh\ntrap 'touch {ended}' TERM\ntouch {begun}\nsleep infinity &\nwait\nkill $!\n")
+        firewall.chmod(0o755)
+        path = f"PATH={self.folder}:{os.environ['PATH']}"
+        with Peer() as peer, self.terminal("watch", environment=[path]) as terminal:
+            wait_until(begun.exists, "the question why")
+            peer.send(message("Hello", "press-9"))
+            terminal.wait_for("press-9 (127.0.0.1) appeared")
+            self.assertFalse(ended.exists())
+            terminal.wait_for("no device has answered. ")
+
     def test_scrolls(self):
         with Simulator("--count", "30", "--no-hello"), self.terminal("watch", "--sort", "ip") as terminal:
             terminal.wait_for("... and ")

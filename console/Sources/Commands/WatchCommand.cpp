@@ -13,6 +13,8 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <functional>
+#include <future>
 #include <iostream>
 #include <iterator>
 #include <stdexcept>
@@ -92,6 +94,7 @@ void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchV
 {
     const Time end = context.Options().Wait.value_or(Time::max());
     unsigned knownChanges = 0; // of the interfaces
+    std::future<std::string> reason; // nobody has answered for; the system takes its time to tell
     bool isExplained = listensOnly;
     for (Time nextRefresh{0}; isRead && driver.Now() < end;)
     {
@@ -103,9 +106,13 @@ void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchV
         }
         if (!isExplained && now >= Patience && driver.Session().Devices().Size() == 0)
         {
-            view.Complain("no device has answered. " +
-                          Doctor::Examination::ReasonForSilence(context.Options(), Patience.count()));
+            reason = std::async(std::launch::async, &Doctor::Examination::ReasonForSilence,
+                                std::cref(context.Options()), Patience.count());
             isExplained = true;
+        }
+        if (reason.valid() && reason.wait_for(Time(0)) == std::future_status::ready)
+        {
+            view.Complain("no device has answered. " + reason.get());
         }
         while (const std::optional<Event> event = driver.Session().NextEvent())
         {
@@ -123,6 +130,10 @@ void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchV
         {
             return;
         }
+    }
+    if (reason.valid())
+    {
+        view.Complain("no device has answered. " + reason.get());
     }
 }
 

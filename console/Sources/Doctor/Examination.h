@@ -13,7 +13,7 @@ struct ProgramOptions;
 
 namespace Zent::Discovery::Console::Doctor
 {
-/// Collects what the checks judge. Main thread only.
+/// Collects what the checks judge. Main thread only, unless said otherwise.
 class Examination final
 {
 public:
@@ -29,7 +29,8 @@ public:
     static std::optional<SearchResult> Search(CommandContext& context);
 
     /// Why a search that has just ended, after so many seconds, has found nobody: one sentence for the user, unfit for
-    /// a terminal. It looks at the system and at the log of that search, and does not search itself.
+    /// a terminal. It looks at the system and at the log of that search, and does not search itself. Any thread; takes
+    /// some seconds on a busy system.
     static std::string ReasonForSilence(const ProgramOptions& options, double seconds);
 };
 } // namespace Zent::Discovery::Console::Doctor

@@ -56,7 +56,7 @@ bool HasUfw()
 
 bool HasFirewalld()
 {
-    return OutputOf("firewall-cmd --state").has_value();
+    return OutputOf("timeout 2 firewall-cmd --state").has_value(); // a service that hangs holds it up
 }
 
 /// The program that looks after the rules, with the commands that let answers in. No name when there is none.
@@ -93,7 +93,7 @@ FirewallState HostProbe::Firewall()
 {
     const Keeper keeper = FindKeeper();
     FirewallState state;
-    if (const std::optional<std::string> rules = OutputOf("nft list ruleset"))
+    if (const std::optional<std::string> rules = OutputOf("timeout 2 nft list ruleset"))
     {
         state = NftRules::Judge(*rules, UdpSockets::HostPort);
     }
