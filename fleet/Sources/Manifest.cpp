@@ -172,18 +172,26 @@ std::vector<std::size_t> ManifestReader::MissingParts() const
     return missing;
 }
 
+Manifest::Revisions ManifestReader::Known() const
+{
+    Manifest::Revisions all = head ? head->Records : Manifest::Revisions();
+    for (const auto& [number, part] : parts)
+    {
+        if (number <= Parts())
+        {
+            all.insert(part.Records.begin(), part.Records.end());
+        }
+    }
+    return all;
+}
+
 std::optional<Manifest::Revisions> ManifestReader::Whole() const
 {
     if (!head || !MissingParts().empty())
     {
         return std::nullopt;
     }
-    Manifest::Revisions all = head->Records;
-    for (std::size_t number = 1; number <= head->Parts.size(); ++number)
-    {
-        const Manifest::Revisions& records = parts.at(number).Records;
-        all.insert(records.begin(), records.end());
-    }
+    Manifest::Revisions all = Known();
     return all.size() == head->Devices ? std::optional(std::move(all)) : std::nullopt;
 }
 } // namespace Zent::Discovery::Fleet

@@ -69,6 +69,11 @@ void Outbox::Settle(const std::string& id)
     Look(id); // it may have become another one meanwhile
 }
 
+void Outbox::GiveUp(const std::string& id)
+{
+    underWay.erase(id);
+}
+
 std::vector<std::string> Outbox::Unclaimed() const
 {
     std::vector<std::string> ids;

@@ -69,6 +69,9 @@ public:
     /// The parts that have not come, or not in the revision that the manifest tells.
     std::vector<std::size_t> MissingParts() const;
 
+    /// The devices that have been told of so far.
+    Manifest::Revisions Known() const;
+
     /// All devices once nothing is missing.
     std::optional<Manifest::Revisions> Whole() const;
 

@@ -41,6 +41,9 @@ public:
     /// The broker has taken the record of this device that Next gave.
     void Settle(const std::string& id);
 
+    /// The broker has refused it, and would again: nothing waits until it becomes another one, or the broker another.
+    void GiveUp(const std::string& id);
+
     /// Of records that wait or are under way.
     std::size_t Waiting() const { return waiting.size() + underWay.size(); }
 

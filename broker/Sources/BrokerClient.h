@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Broker/BrokerConnection.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+
+struct mosquitto;
+struct mosquitto_message;
+struct mqtt5__property;
+
+namespace Zent::Discovery::Broker
+{
+/// One connection, from the attempt to its end: nothing of it is left for the next one. News are told on the thread
+/// that calls Loop; the other operations are for any thread.
+class BrokerConnection::Client final
+{
+public:
+    using Tell = std::function<void(BrokerNews news)>;
+
+    /// @throws std::runtime_error when the settings name files that TLS cannot use.
+    Client(const BrokerSettings& settings, Tell tell);
+    ~Client();
+
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+
+    /// Empty when it worked, else the reason. Waits as long as the system needs to find out.
+    std::string Connect();
+
+    /// Lets the connection work, for a second at most. Empty while it is there, else the reason of its end.
+    std::string Loop();
+
+    /// Whether the broker has accepted the connection.
+    bool IsAccepted() const { return isAccepted; }
+
+    std::optional<int> Publish(const Publication& publication);
+    std::optional<int> Subscribe(const std::string& filter);
+    void Unsubscribe(const std::string& filter);
+
+    /// Loop ends soon.
+    void SayGoodbye();
+
+private:
+    void PrepareTls();
+    void PrepareWill();
+    void OnConnect(int reason);
+    void OnMessage(const mosquitto_message& message, const mqtt5__property* properties);
+
+    const BrokerSettings& settings;
+    const Tell tell;
+    const std::unique_ptr<mosquitto, void (*)(mosquitto*)> handle;
+    std::string refusal;                 // the broker's; only the thread of Loop
+    std::atomic<bool> isAccepted{false}; // written by the thread of Loop
+};
+} // namespace Zent::Discovery::Broker

@@ -1,0 +1,181 @@
+#include "Broker/BrokerConnection.h"
+
+#include "BrokerClient.h"
+
+#include <algorithm>
+#include <random>
+#include <utility>
+
+using Zent::Discovery::Programs::Lock;
+
+namespace Zent::Discovery::Broker
+{
+namespace
+{
+constexpr std::chrono::milliseconds FirstRetry{1000};
+
+/// How long a broker may take to accept a connection.
+constexpr std::chrono::seconds AcceptTime{20};
+
+/// Anything up to twice the time of the attempt before: thousands of clients of a broker that was started anew must not
+/// come at once.
+std::chrono::milliseconds RetryTime(unsigned failures, std::chrono::milliseconds longest)
+{
+    static thread_local std::mt19937 Random{std::random_device{}()};
+    const auto limit = std::min(longest, FirstRetry * (1U << std::min(failures, 10U)));
+    return std::chrono::milliseconds(
+        std::uniform_int_distribution<std::chrono::milliseconds::rep>(limit.count() / 10, limit.count())(Random));
+}
+} // namespace
+
+BrokerConnection::BrokerConnection(BrokerSettings settings, std::function<void()> onNews)
+    : settings(std::move(settings))
+    , onNews(std::move(onNews))
+{
+    const Client check(this->settings, [](const BrokerNews& /*none*/) {}); // what is wrong with the settings shows now
+    thread = std::thread([this] { Run(); });
+}
+
+BrokerConnection::~BrokerConnection()
+{
+    End(false);
+}
+
+void BrokerConnection::Close()
+{
+    End(true);
+}
+
+std::optional<int> BrokerConnection::Publish(const Publication& publication)
+{
+    const Lock guard(clientLock);
+    return client != nullptr && client->IsAccepted() ? client->Publish(publication) : std::nullopt;
+}
+
+std::optional<int> BrokerConnection::Subscribe(const std::string& filter)
+{
+    const Lock guard(clientLock);
+    return client != nullptr && client->IsAccepted() ? client->Subscribe(filter) : std::nullopt;
+}
+
+void BrokerConnection::Unsubscribe(const std::string& filter)
+{
+    const Lock guard(clientLock);
+    if (client != nullptr)
+    {
+        client->Unsubscribe(filter);
+    }
+}
+
+std::deque<BrokerNews> BrokerConnection::Take()
+{
+    const Lock guard(lock);
+    waitingBytes = 0;
+    return std::exchange(news, {});
+}
+
+std::size_t BrokerConnection::Lost() const
+{
+    const Lock guard(lock);
+    return lost;
+}
+
+void BrokerConnection::Run()
+{
+    for (unsigned failures = 0;; ++failures)
+    {
+        const auto attempt = std::make_shared<Client>(settings, [this](BrokerNews each) { Tell(std::move(each)); });
+        std::string reason = attempt->Connect();
+        if (reason.empty())
+        {
+            {
+                const Lock guard(clientLock);
+                client = attempt;
+            }
+            reason = Serve(*attempt);
+            const Lock guard(clientLock);
+            client.reset();
+        }
+        failures = attempt->IsAccepted() ? 0 : failures;
+        Tell({BrokerNews::NewsKind::Disconnected, 0, std::move(reason)});
+        if (!WaitToRetry(failures))
+        {
+            return;
+        }
+    }
+}
+
+/// Until the connection ends; the reason.
+std::string BrokerConnection::Serve(Client& connection)
+{
+    const auto deadline = std::chrono::steady_clock::now() + AcceptTime;
+    for (;;)
+    {
+        if (std::string reason = connection.Loop(); !reason.empty())
+        {
+            return reason;
+        }
+        if (!connection.IsAccepted() && std::chrono::steady_clock::now() > deadline)
+        {
+            return "the broker does not accept the connection";
+        }
+        const Lock guard(lock);
+        if (isEnding && !saysGoodbye)
+        {
+            return "the connection was broken off";
+        }
+    }
+}
+
+/// False when the connection is to end.
+bool BrokerConnection::WaitToRetry(unsigned failures)
+{
+    const auto end = std::chrono::steady_clock::now() + RetryTime(failures, settings.LongestRetry);
+    const Lock guard(lock);
+    while (!isEnding && changed.wait_until(lock, end) == std::cv_status::no_timeout)
+    {
+    }
+    return !isEnding;
+}
+
+void BrokerConnection::Tell(BrokerNews each)
+{
+    {
+        const Lock guard(lock);
+        const std::size_t bytes = each.Message.Topic.size() + each.Message.Payload.size();
+        if (each.Kind == BrokerNews::NewsKind::Received && waitingBytes + bytes > MaximumWaitingBytes)
+        {
+            ++lost;
+            return;
+        }
+        waitingBytes += bytes;
+        news.push_back(std::move(each));
+        if (news.size() > 1)
+        {
+            return; // it was told already that there is something to take
+        }
+    }
+    onNews();
+}
+
+void BrokerConnection::End(bool goodbye)
+{
+    {
+        const Lock guard(lock);
+        isEnding = true;
+        saysGoodbye = goodbye;
+        changed.notify_all();
+    }
+    {
+        const Lock guard(clientLock);
+        if (client != nullptr && goodbye)
+        {
+            client->SayGoodbye();
+        }
+    }
+    if (thread.joinable())
+    {
+        thread.join();
+    }
+}
+} // namespace Zent::Discovery::Broker
