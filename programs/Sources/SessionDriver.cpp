@@ -70,6 +70,11 @@ bool SessionDriver::AskAll()
     return CarryOut({Wish::WishKind::AskAll, 0});
 }
 
+bool SessionDriver::Ask(const std::string& macAddress)
+{
+    return CarryOut({Wish::WishKind::AskMAC, 0, macAddress});
+}
+
 /// False when the library takes no requests, as while it restarts itself. What was not sent now is sent later.
 bool SessionDriver::CarryOut(const Wish& wish)
 {

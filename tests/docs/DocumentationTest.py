@@ -179,6 +179,11 @@ class DocumentTest(TestCase):
         self.run_commands('cmake -S host -B host/build -DCMAKE_PREFIX_PATH="$PWD/installed"', None)
         self.run_commands("cmake --build host/build", None)
 
+    def rule_toml(self, block, _):
+        """Settings of an agent; the files that they name are elsewhere."""
+        self.save(block.text, self.tree.folder / "agent.toml")
+        self.run_commands("discovery-agent --check-config --config agent.toml", None)
+
     def rule_console(self, block, _):
         """Commands after "$ " with their output."""
         self.try_session(block)

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <string>
 
 namespace Zent::Discovery::Programs
 {
@@ -41,6 +42,9 @@ public:
 
     /// Asks all devices at once. False while the library restarts itself and takes no requests.
     bool AskAll();
+
+    /// Asks the device with that MAC address. False as AskAll.
+    bool Ask(const std::string& macAddress);
 
 private:
     void Feed(Inventory::DeviceMessage message);

@@ -1,0 +1,221 @@
+#include "SiteAgent.h"
+
+#include "NullPublisher.h"
+#include "Programs/UdpSockets.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <random>
+#include <unistd.h>
+#include <utility>
+
+using Zent::Discovery::Broker::BrokerConnection;
+using Zent::Discovery::Fleet::SiteState;
+using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Inventory::DeviceTableOptions;
+using Zent::Discovery::Inventory::Event;
+using Zent::Discovery::Inventory::Time;
+using Zent::Discovery::Programs::HostSession;
+using Zent::Discovery::Programs::MessageQueue;
+using Zent::Discovery::Programs::UdpSocket;
+using Zent::Discovery::Programs::UdpSockets;
+
+namespace Zent::Discovery::Agent
+{
+namespace
+{
+constexpr std::uint16_t ServerPort = 12001;
+
+/// How often to look for other programs on the port, and for records whose time is over.
+constexpr Time LookInterval{5000};
+
+std::string RandomName()
+{
+    std::random_device random;
+    std::array<char, 24> text{};
+    std::snprintf(text.data(), text.size(), "%08x%08x", random(), random());
+    return text.data();
+}
+
+std::string MachineName()
+{
+    std::array<char, 256> name{};
+    gethostname(name.data(), name.size() - 1);
+    return name.data();
+}
+
+HostSession::Handlers HandlersFor(MessageQueue& messages, Log& log)
+{
+    const auto queue = [&messages](DeviceMessage::MessageKind kind) {
+        return [&messages, kind](const std::string& document) {
+            messages.Push({kind, document, std::chrono::system_clock::now()});
+        };
+    };
+    return {[&log](const std::string& text) { log.Warning(text); }, queue(DeviceMessage::MessageKind::Signature),
+            queue(DeviceMessage::MessageKind::Hello), queue(DeviceMessage::MessageKind::Bye)};
+}
+
+DeviceTableOptions OptionsOfTable(const Settings& settings)
+{
+    DeviceTableOptions options;
+    options.AskEvery = settings.AskEvery;
+    options.StaleAfter = options.AskEvery * 3 / 2;
+    options.AcceptedConflicts = settings.AcceptedConflicts;
+    return options;
+}
+
+/// The program that receives what devices send, too; empty when there is none.
+std::string PortHolder()
+{
+    for (const UdpSocket& each : UdpSockets::OnPort(ServerPort))
+    {
+        if (!each.IsOwn)
+        {
+            return each.Program.empty() ? "another program" : each.Program;
+        }
+    }
+    return "";
+}
+} // namespace
+
+SiteAgent::SiteAgent(const Settings& settings, MessageQueue& messages, Log& log)
+    : settings(settings)
+    , messages(messages)
+    , log(log)
+    , topics(settings.Site)
+    , self{SiteState::StateKind::Ready, RandomName(), MachineName(), std::chrono::system_clock::now()}
+    , host(settings.Session, HandlersFor(messages, log))
+    , driver(host, messages, OptionsOfTable(settings), [&log](const std::string& text) { log.Warning(text); })
+    , publisher(MakePublisher())
+    , inventory(settings.Site, self.Agent, driver.Session(), *publisher, log)
+{
+    if (settings.TakesCommands)
+    {
+        audit.emplace(settings.StateFolder, log);
+        desk.emplace(topics, inventory, *publisher, *audit,
+                     CommandDesk::Requests{[this] { return driver.AskAll(); },
+                                           [this](const std::string& address) { return driver.Ask(address); }});
+    }
+}
+
+SiteAgent::~SiteAgent() = default;
+
+std::unique_ptr<ISitePublisher> SiteAgent::MakePublisher()
+{
+    if (!settings.HasBroker)
+    {
+        return std::make_unique<NullPublisher>();
+    }
+    Broker::BrokerSettings broker = settings.Broker;
+    broker.ClientId = "discovery-agent-" + settings.Site + "-" + self.Agent;
+    broker.Will = BrokerPublisher::Will(topics, self);
+    connection = std::make_unique<BrokerConnection>(std::move(broker), [this] { messages.Wake(); });
+    ISitePublisher::IListener& listener = *this;
+    return std::make_unique<BrokerPublisher>(
+        topics, self, settings.TakesCommands, *connection, [this] { return connection->Take(); }, listener, log);
+}
+
+void SiteAgent::Run()
+{
+    manager.TellReady();
+    log.Info("site " + settings.Site + ": listening on UDP port " + std::to_string(ServerPort));
+    LookAround(driver.Now());
+    StartSearch();
+    for (bool goesOn = true; goesOn;)
+    {
+        TakeEvents();
+        publisher->Advance(driver.Now());
+        if (isSearched && std::exchange(isJudgementDue, false))
+        {
+            inventory.CallSilentGone(std::chrono::system_clock::now());
+        }
+        const Time now = driver.Now();
+        if (now >= nextLook)
+        {
+            LookAround(now);
+        }
+        manager.TellStatus(StatusText());
+        manager.FeedWatchdog();
+        const Time next = std::min({nextLook, publisher->NextTime(now), now + manager.WatchdogInterval()});
+        goesOn = driver.Run(std::max(next - now, Time(0)));
+    }
+    manager.TellStopping();
+    publisher->Close();
+    if (connection)
+    {
+        connection->Close();
+    }
+    host.Close();
+}
+
+void SiteAgent::TakeCommand(const Fleet::CommandMessage& message)
+{
+    if (desk)
+    {
+        desk->Take(message, std::chrono::system_clock::now());
+    }
+}
+
+void SiteAgent::TakeUnclaimed(const std::string& id, const std::optional<Fleet::DeviceRecord>& record)
+{
+    inventory.TakeUnclaimed(id, record, std::chrono::system_clock::now());
+    isJudgementDue = true;
+}
+
+/// The table is whole when the search is over. One beside which another program took answers says nothing of those who
+/// were silent.
+void SiteAgent::StartSearch()
+{
+    Inventory::SearchOptions options;
+    options.Sweep = settings.Sweeps;
+    options.Networks = host.Interfaces().Addresses();
+    driver.Session().StartSearch(options, driver.Now());
+}
+
+void SiteAgent::TakeEvents()
+{
+    while (const std::optional<Event> event = driver.Session().NextEvent())
+    {
+        if (event->Kind == Event::EventKind::SearchEnded)
+        {
+            log.Info(event->Report->ToString());
+            publisher->BeReady();
+            isSearched = portHolder.empty();
+            isJudgementDue = true;
+        }
+        inventory.Take(*event, std::chrono::system_clock::now());
+    }
+}
+
+void SiteAgent::LookAround(Time now)
+{
+    nextLook = now + LookInterval;
+    const std::string holder = PortHolder();
+    if (holder != portHolder)
+    {
+        log.Warning(holder.empty() ? "the port is this agent's alone again"
+                                   : holder + " receives what devices send, too: no device is called gone");
+        portHolder = holder;
+        if (holder.empty() && !isSearched)
+        {
+            StartSearch();
+        }
+    }
+    driver.Session().SetPortHeld(!holder.empty(), now);
+    if (const unsigned changes = host.InterfaceChanges(); changes != knownChanges && driver.AskAll())
+    {
+        knownChanges = changes;
+        log.Info("network interfaces have changed");
+    }
+    inventory.RemoveOverdue(std::chrono::system_clock::now());
+}
+
+std::string SiteAgent::StatusText() const
+{
+    const SiteInventory::Counts counts = inventory.Count();
+    return "site " + settings.Site + ": " + std::to_string(counts.Devices) + " devices, " +
+           std::to_string(counts.Away) + " of them gone; " + publisher->Status().Text +
+           (portHolder.empty() ? "" : "; port shared with " + portHolder);
+}
+} // namespace Zent::Discovery::Agent

@@ -1,0 +1,240 @@
+#include "SiteInventory.h"
+
+#include "Fleet/Topics.h"
+#include "Log.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+#include <utility>
+
+using Zent::Discovery::Fleet::DeviceId;
+using Zent::Discovery::Fleet::DeviceRecord;
+using Zent::Discovery::Fleet::WallTime;
+using Zent::Discovery::Inventory::Conflict;
+using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceRow;
+using Zent::Discovery::Inventory::Event;
+using Json = nlohmann::json;
+
+namespace Zent::Discovery::Agent
+{
+namespace
+{
+/// The lowest of its MAC addresses: a device that answers on several interfaces in turn stays one. Nothing when it has
+/// none.
+std::optional<std::string> IdOf(const Device& device)
+{
+    std::optional<std::string> lowest;
+    for (const Device::Interface& each : device.Interfaces())
+    {
+        const std::optional<std::string> id = DeviceId::FromMAC(each.MACAddress);
+        lowest = id && (!lowest || *id < *lowest) ? id : lowest;
+    }
+    return lowest;
+}
+
+/// That it is silent for a while is nobody's news: the record changes when the device does.
+DeviceRecord::DeviceState StateOf(const DeviceRow& row)
+{
+    switch (row.State())
+    {
+    case DeviceRow::RowState::Gone:
+        return DeviceRecord::DeviceState::Gone;
+    case DeviceRow::RowState::Left:
+        return DeviceRecord::DeviceState::Left;
+    case DeviceRow::RowState::Flapping:
+        return DeviceRecord::DeviceState::Flapping;
+    case DeviceRow::RowState::Present:
+    case DeviceRow::RowState::Stale:
+    case DeviceRow::RowState::Asked:
+        break;
+    }
+    return DeviceRecord::DeviceState::Present;
+}
+
+bool IsAway(const DeviceRecord& record)
+{
+    return record.State() == DeviceRecord::DeviceState::Gone || record.State() == DeviceRecord::DeviceState::Left;
+}
+
+const char* KindOf(const Event& event)
+{
+    switch (event.Kind)
+    {
+    case Event::EventKind::Appeared:
+        return "appeared";
+    case Event::EventKind::Changed:
+        return "changed";
+    case Event::EventKind::Left:
+        return "left";
+    case Event::EventKind::Gone:
+        return "gone";
+    case Event::EventKind::Returned:
+        return "returned";
+    default:
+        return nullptr;
+    }
+}
+
+std::string DetailsOf(const DeviceRecord& record, const Event& event)
+{
+    std::string details = R"({"Revision":")" + record.Revision() + R"(","Host":)" + record.Host();
+    if (!event.Changes.empty())
+    {
+        Json changes = Json::array();
+        for (const auto& each : event.Changes)
+        {
+            changes.push_back({{"Property", each.Property},
+                               {"Before", each.Before ? Json(*each.Before) : Json()},
+                               {"After", each.After ? Json(*each.After) : Json()}});
+        }
+        details += R"(,"Changes":)" + changes.dump(-1, ' ', false, Json::error_handler_t::replace);
+    }
+    return details + "}";
+}
+} // namespace
+
+SiteInventory::SiteInventory(
+    std::string site, std::string agent, const Inventory::Session& session, ISitePublisher& publisher, Log& log)
+    : site(std::move(site))
+    , agent(std::move(agent))
+    , session(session)
+    , publisher(publisher)
+    , log(log)
+{
+}
+
+void SiteInventory::Take(const Event& event, WallTime now)
+{
+    if (event.Contradiction)
+    {
+        TellOfConflict(*event.Contradiction, now);
+        return;
+    }
+    const DeviceRow* const row =
+        event.Subject == nullptr ? nullptr : session.Devices().Find(event.Subject->MainInterface().MACAddress);
+    const std::optional<std::string> id = row == nullptr ? std::nullopt : IdOf(*row->Latest);
+    if (!id)
+    {
+        return;
+    }
+    const bool isNews = event.Kind != Event::EventKind::Appeared || !publisher.HasRecord(*id);
+    Update(*row, now);
+    const DeviceRecord* const record = Find(*id);
+    if (const char* const kind = KindOf(event); kind != nullptr && record != nullptr && isNews)
+    {
+        Tell(kind, *id, DetailsOf(*record, event), now);
+    }
+}
+
+void SiteInventory::TakeUnclaimed(const std::string& id, const std::optional<DeviceRecord>& record, WallTime now)
+{
+    if (records.contains(id))
+    {
+        return; // it has appeared meanwhile
+    }
+    if (!record || record->IsOverdue(now))
+    {
+        publisher.RemoveRecord(id);
+        return;
+    }
+    records.emplace(id, *record);
+    publisher.PublishRecord(id, *record);
+}
+
+void SiteInventory::CallSilentGone(WallTime now)
+{
+    std::set<std::string> heard;
+    for (const auto& [number, id] : ids)
+    {
+        heard.insert(id);
+    }
+    for (auto& [id, record] : records)
+    {
+        if (!heard.contains(id) && !IsAway(record))
+        {
+            record = DeviceRecord(DeviceRecord::DeviceState::Gone, record.Host(), now);
+            publisher.PublishRecord(id, record);
+            Tell("gone", id, DetailsOf(record, {}), now);
+        }
+    }
+}
+
+void SiteInventory::RemoveOverdue(WallTime now)
+{
+    for (auto each = records.begin(); each != records.end();)
+    {
+        const auto next = std::next(each);
+        if (each->second.IsOverdue(now))
+        {
+            publisher.RemoveRecord(each->first);
+            records.erase(each);
+        }
+        each = next;
+    }
+}
+
+const DeviceRecord* SiteInventory::Find(const std::string& id) const
+{
+    const auto found = records.find(id);
+    return found == records.end() ? nullptr : &found->second;
+}
+
+SiteInventory::Counts SiteInventory::Count() const
+{
+    const auto isAway = [](const auto& each) { return IsAway(each.second); };
+    return {records.size(), static_cast<std::size_t>(std::ranges::count_if(records, isAway))};
+}
+
+void SiteInventory::Update(const DeviceRow& row, WallTime now)
+{
+    const std::string id = IdOf(*row.Latest).value_or("");
+    if (const auto known = ids.find(row.Id); known != ids.end() && known->second != id)
+    {
+        Withdraw(known->second); // an interface came or went, and with it the lowest address
+    }
+    ids.insert_or_assign(row.Id, id);
+    try
+    {
+        const DeviceRecord* const before = Find(id);
+        const DeviceRecord::DeviceState state = StateOf(row);
+        DeviceRecord record(state, DeviceRecord::HostOf(row.Latest->Message.Document),
+                            before != nullptr && before->State() == state ? before->Since() : now);
+        if (before == nullptr || before->Revision() != record.Revision())
+        {
+            publisher.PublishRecord(id, record);
+            records.insert_or_assign(id, std::move(record));
+        }
+    }
+    catch (const std::invalid_argument& error)
+    {
+        log.Warning("device " + id + " is left out: " + error.what());
+    }
+}
+
+void SiteInventory::Withdraw(const std::string& id)
+{
+    records.erase(id);
+    publisher.RemoveRecord(id);
+}
+
+void SiteInventory::Tell(const char* kind, const std::string& id, std::string details, WallTime now)
+{
+    publisher.PublishEvent({site, agent + "-" + std::to_string(++lastEvent), kind, id, now, std::move(details)});
+}
+
+void SiteInventory::TellOfConflict(const Conflict& conflict, WallTime now)
+{
+    Json devices = Json::array();
+    for (const Device* const each : {conflict.First.get(), conflict.Second.get()})
+    {
+        devices.push_back(IdOf(*each).value_or(""));
+    }
+    const Json details = {
+        {"Conflict", conflict.ToString()}, {"Count", conflict.Count}, {"Devices", std::move(devices)}};
+    Tell("conflict", "", details.dump(-1, ' ', false, Json::error_handler_t::replace), now);
+}
+} // namespace Zent::Discovery::Agent

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Fleet/DeviceRecord.h"
+#include "ISitePublisher.h"
+#include "Inventory/Session.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace Zent::Discovery::Agent
+{
+class Log;
+
+/// Makes records and events of what the session tells, and keeps those of devices that are gone for as long as they
+/// count. One thread.
+class SiteInventory final
+{
+public:
+    struct Counts
+    {
+        std::size_t Devices = 0;
+        std::size_t Away = 0; // of these: gone or left
+    };
+
+    /// All must outlive the object. agent is a name that no other start of an agent has.
+    SiteInventory(
+        std::string site, std::string agent, const Inventory::Session& session, ISitePublisher& publisher, Log& log);
+
+    /// Takes an event of the session.
+    void Take(const Inventory::Event& event, Fleet::WallTime now);
+
+    /// Takes a record that an earlier start has left.
+    void TakeUnclaimed(const std::string& id, const std::optional<Fleet::DeviceRecord>& record, Fleet::WallTime now);
+
+    /// The table is whole: the devices of such records that have not answered are gone.
+    void CallSilentGone(Fleet::WallTime now);
+
+    /// Removes the records whose time is over.
+    void RemoveOverdue(Fleet::WallTime now);
+
+    /// Null when there is none.
+    const Fleet::DeviceRecord* Find(const std::string& id) const;
+
+    Counts Count() const;
+
+private:
+    void Update(const Inventory::DeviceRow& row, Fleet::WallTime now);
+    void Withdraw(const std::string& id);
+    void Tell(const char* kind, const std::string& id, std::string details, Fleet::WallTime now);
+    void TellOfConflict(const Inventory::Conflict& conflict, Fleet::WallTime now);
+
+    const std::string site;
+    const std::string agent;
+    const Inventory::Session& session;
+    ISitePublisher& publisher;
+    Log& log;
+    std::map<std::string, Fleet::DeviceRecord> records; // by the device's id
+    std::unordered_map<std::uint64_t, std::string> ids; // by the row's number
+    std::uint64_t lastEvent = 0;
+};
+} // namespace Zent::Discovery::Agent

@@ -1,0 +1,150 @@
+"""A broker of the tests' own, what its topics hold, and agents of sites."""
+
+import json
+import pathlib
+import queue
+import socket
+import subprocess
+import threading
+
+from endtoend import TIMEOUT, Process, command, library_path, wait_until
+
+PORT = 18830
+
+
+def certificates(folder):
+    """An authority, and a key with a certificate that serves a broker on 127.0.0.1 and its clients alike."""
+
+    def openssl(*arguments):
+        subprocess.run(["openssl", *arguments], cwd=folder, check=True, capture_output=True)
+
+    key = ("-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes")
+    openssl("req", "-x509", *key, "-keyout", "ca.key", "-out", "ca.crt", "-subj", "/CN=tests", "-days", "2")
+    openssl("req", *key, "-keyout", "own.key", "-out", "own.csr", "-subj", "/CN=localhost")
+    (folder / "names").write_text("subjectAltName=IP:127.0.0.1,DNS:localhost\n", encoding="ascii")
+    openssl("x509", "-req", "-in", "own.csr", "-CA", "ca.crt", "-CAkey", "ca.key", "-CAcreateserial", "-out", "own.crt",
+            "-extfile", "names", "-days", "2")  # fmt: skip
+
+
+class Broker(Process):
+    """A mosquitto that keeps nothing when it ends."""
+
+    def __init__(self, folder, *lines, address="127.0.0.1"):
+        self.address = address
+        configuration = pathlib.Path(folder) / "broker.conf"
+        listener = ["user root", f"listener {PORT} {address}", "max_queued_messages 0", *lines]
+        configuration.write_text("\n".join(listener) + "\n", encoding="ascii")
+        super().__init__("mosquitto", "-c", str(configuration))
+        wait_until(self._answers, "broker")
+
+    def _answers(self):
+        with socket.socket() as probe:
+            return probe.connect_ex((self.address, PORT)) == 0
+
+    def __exit__(self, *_):
+        self.process.kill()
+        self.end()
+
+
+class Topics(Process):
+    """What a subscriber to all topics of a site sees: messages in their order, and what each topic holds."""
+
+    def __init__(self, site, *options):
+        self.root = f"discovery/v1/{site}/"
+        self.messages = []
+        self.held = {}
+        super().__init__("mosquitto_sub", "-p", str(PORT), "-h", "127.0.0.1", "-q", "1", "-F", "%j", "-t",
+                         self.root + "#", *options)  # fmt: skip
+
+    def read(self):
+        """Takes what has come by now."""
+        while True:
+            try:
+                line = self.lines.get_nowait()
+            except queue.Empty:
+                return
+            message = json.loads(line)
+            name = message["topic"].removeprefix(self.root)
+            payload = json.loads(message["payload"]) if message["payloadlen"] else None
+            self.messages.append((name, payload))
+            self.held[name] = payload
+
+    def devices(self):
+        """The records by the devices' ids."""
+        self.read()
+        return {
+            name.removeprefix("devices/"): payload
+            for name, payload in self.held.items()
+            if name.startswith("devices/") and payload
+        }
+
+    def state(self):
+        self.read()
+        return (self.held.get("state") or {}).get("State")
+
+    def manifest(self):
+        """The revisions by the devices' ids."""
+        self.read()
+        head = self.held.get("manifest") or {"Parts": [], "Records": {}}
+        records = dict(head["Records"])
+        for number in range(len(head["Parts"])):
+            records.update((self.held.get(f"manifest/{number + 1}") or {"Records": {}})["Records"])
+        return records
+
+    def is_whole(self, count):
+        """Whether the manifest tells of so many devices, and each of them is there in that revision."""
+        revisions = {name: record["Revision"] for name, record in self.devices().items()}
+        return len(revisions) == count and self.manifest() == revisions
+
+    def forget(self):
+        """Forgets the messages so far, not what the topics hold."""
+        self.read()
+        self.messages.clear()
+
+    def __exit__(self, *_):
+        self.process.kill()
+        self.end()
+
+
+class Agent(Process):
+    """An agent that is ready, and what it tells the service manager."""
+
+    def __init__(self, folder, settings, machine=None):
+        folder = pathlib.Path(folder)
+        self.manager = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        address = folder / "notify"
+        address.unlink(missing_ok=True)
+        self.manager.bind(str(address))
+        self.told = queue.Queue()
+        threading.Thread(target=self._hear, daemon=True).start()  # an agent waits for a manager that does not
+        file = folder / "agent.toml"
+        file.write_text(settings, encoding="utf-8")
+        program = command("discovery-agent", "--config", str(file), "--library", library_path())
+        super().__init__(*(machine.prefix() if machine else []), "env", f"NOTIFY_SOCKET={address}",
+                         f"STATE_DIRECTORY={folder}", *program)  # fmt: skip
+        self.told_with("READY=1")
+
+    def _hear(self):
+        with self.manager:
+            while text := self.manager.recv(65536):
+                self.told.put(text.decode())
+
+    def told_with(self, part):
+        """Waits until the service manager is told something with that part."""
+        while part not in (text := self.told.get(timeout=TIMEOUT)):
+            pass
+        return text
+
+    def stop(self):
+        self.process.terminate()
+        return self.end()
+
+    def kill(self):
+        self.process.kill()
+        self.end()
+
+    def __exit__(self, *arguments):
+        if self.process.returncode is None:
+            self.process.terminate()
+        super().__exit__(*arguments)
+        self.manager.shutdown(socket.SHUT_RD)
