@@ -1,7 +1,16 @@
 #include "DiscoveryServer.ExtC.h"
 #include "DiscoveryServerExtCFacade.h"
 
+#include <string_view>
+
 namespace ExtC = Zent::Discovery::ExtC;
+
+#define NFX_TEXT_OF(value) #value
+#define NFX_VERSION_TEXT(major, minor, patch) NFX_TEXT_OF(major) "." NFX_TEXT_OF(minor) "." NFX_TEXT_OF(patch)
+static_assert(std::string_view(NFX_VERSION) == NFX_VERSION_TEXT(DISCOVERY_EXTC_VERSION_MAJOR,
+                                                                DISCOVERY_EXTC_VERSION_MINOR,
+                                                                DISCOVERY_EXTC_VERSION_PATCH),
+              "the header has another version than the project");
 
 extern "C"
 {

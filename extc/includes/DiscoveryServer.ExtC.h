@@ -40,23 +40,18 @@
  * @par Result codes
  *     0 is success. Everything else is the code of the failure; GetErrorMessage has its text, and the log has a line
  *     with the details. A call that fails changes nothing, unless its description says otherwise. Codes from 0xC0090001
- *     on are negative as an int; print them with "0x%08X". Frequent ones:
- *
- *                  9  ArgumentNull        a text argument is a null pointer
- *                 10  ArgumentOutOfRange
- *                 27  OutOfMemory
- *                 30  InvalidOperation    not initialized, already initialized, or not allowed within a callback
- *                 41  NullPointer         a request while the server is not started, or while it restarts itself: then
- *                                         repeat it later, without StartServer
- *                 73  Socket              the network refused, for instance because UDP port 12001 is taken
- *         0xC0090109  Resource not found  a JSON document lacks a required member
- *         0xC0090114  Invalid Format      a text is not the JSON, MAC address, IP address or version that it should
- *                                         be, or it is too large
+ *     on are negative as an int; print them with "0x%08X". DiscoveryResult names those that a host meets; there are
+ *     others, too.
  *
  * @par Binary interface
  *     On 32-bit Windows every function and every callback is __stdcall, and the DLL exports the decorated names, such
  *     as _Initialize@8. Elsewhere the platform's C convention and the plain names apply.
  */
+
+/** The version of this header; a library with the same first number and the same or a later second one fits it. */
+#define DISCOVERY_EXTC_VERSION_MAJOR 1
+#define DISCOVERY_EXTC_VERSION_MINOR 0 /**< grows with functions, constants and members that are added */
+#define DISCOVERY_EXTC_VERSION_PATCH 0 /**< grows with corrections */
 
 #if defined(_WIN32)
 #define DISCOVERY_EXTC_CALL __stdcall
@@ -81,6 +76,27 @@ extern "C"
         DiscoveryLogStandard = 2, /**< and requests and handled messages */
         DiscoveryLogDebug = 3,    /**< and the text of every message */
         DiscoveryLogNone = 255
+    };
+
+    /**
+     * Results of the functions that a host meets.
+     */
+    enum DiscoveryResult
+    {
+        DiscoveryResultSuccess = 0,
+        DiscoveryResultArgumentNull = 9, /**< a text argument is a null pointer */
+        DiscoveryResultArgumentOutOfRange = 10,
+        DiscoveryResultOutOfMemory = 27,
+        /** not initialized, already initialized, or not allowed within a callback */
+        DiscoveryResultInvalidOperation = 30,
+        /** a request while the server is not started, or while it restarts itself: then repeat it later, without
+            StartServer */
+        DiscoveryResultNullPointer = 41,
+        DiscoveryResultSocket = 73, /**< the network refused, for instance because UDP port 12001 is taken */
+        DiscoveryResultResourceNotFound = -0x3FF6FEF7, /**< 0xC0090109: a JSON document lacks a required member */
+        /** 0xC0090114: a text is not the JSON, MAC address, IP address or version that it should be, or it is too large
+         */
+        DiscoveryResultInvalidFormat = -0x3FF6FEEC
     };
 
     /**

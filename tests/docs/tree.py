@@ -12,7 +12,7 @@ import expectation
 STAND_IN = pathlib.Path(__file__).with_name("stand-in")
 LONG_SCRIPTS = (
     "run", "test", "package", "soak", "bench", "fuzzers/run",
-    "scripts/demo", "scripts/install-dependencies", "scripts/lint", "scripts/plant-faults",
+    "scripts/abi", "scripts/demo", "scripts/install-dependencies", "scripts/lint", "scripts/plant-faults",
 )  # fmt: skip
 PROGRAMS = ("cmake", "ctest", "gcc", "g++", "c++", "discovery-console")
 

@@ -49,7 +49,9 @@ class PrefixTest(TestCase):
             build_with_pkg_config(self.library.parent / "pkgconfig", program)
             self.assert_consumer_works(program, LD_LIBRARY_PATH=self.library.parent)
         with self.subTest("C++, by CMake"):
-            self.assert_consumer_works(self.build_with_cmake(f"-DCMAKE_PREFIX_PATH={self.prefix}"))
+            built = self.build_with_cmake(f"-DCMAKE_PREFIX_PATH={self.prefix}")
+            self.assert_consumer_works(built)
+            self.assertRegex(run(built.with_name("session")), rf"{self.version()} \w+")
 
     def test_a_version_that_it_is_not_is_refused(self):
         for wanted in ("0.9", "1.99", "2"):

@@ -106,14 +106,14 @@ public:
     /// Codes that a host meets; there are others, too.
     enum : int
     {
-        ArgumentNull = 9,
-        ArgumentOutOfRange = 10,
-        OutOfMemory = 27,
-        InvalidOperation = 30, ///< closed, another session is open, or not allowed in a handler
-        NullPointer = 41,      ///< a request while the server is not started, or while it restarts itself
-        Socket = 73,           ///< the network refused, for instance because UDP port 12001 is taken
-        ResourceNotFound = static_cast<int>(0xC0090109u),
-        InvalidFormat = static_cast<int>(0xC0090114u) ///< not the MAC address, IP address or version that it should be
+        ArgumentNull = DiscoveryResultArgumentNull,
+        ArgumentOutOfRange = DiscoveryResultArgumentOutOfRange,
+        OutOfMemory = DiscoveryResultOutOfMemory,
+        InvalidOperation = DiscoveryResultInvalidOperation, ///< closed, another session is open, or not in a handler
+        NullPointer = DiscoveryResultNullPointer, ///< a request while the server is not started, or restarts itself
+        Socket = DiscoveryResultSocket,           ///< the network refused, for instance because UDP port 12001 is taken
+        ResourceNotFound = DiscoveryResultResourceNotFound,
+        InvalidFormat = DiscoveryResultInvalidFormat ///< not the MAC address, IP address or version that it should be
     };
 
 private:
