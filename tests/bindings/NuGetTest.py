@@ -73,7 +73,12 @@ class NuGetTest(TestCase):
         (package,) = (self.folder / "packages").iterdir()
         self.assert_native(package)
         for framework in ("net46", "netstandard2.0"):
-            self.assertTrue((package / "lib" / framework / "DiscoveryServer.Net.dll").exists(), framework)
+            for file in ("DiscoveryServer.Net.dll", "DiscoveryServer.Net.xml"):
+                self.assertTrue((package / "lib" / framework / file).exists(), f"{framework}: {file}")
+        self.assertNotRegex((package / "README.md").read_text(), r"\]\((?![#h])", "links to what is not there")
+        version = package.name.removeprefix("DiscoveryServer.ExtC.")
+        assembly = (package / "lib/net46/DiscoveryServer.Net.dll").read_bytes().decode("utf-16-le", errors="ignore")
+        self.assertRegex(assembly, rf"ProductVersion\0+{version}\0")
 
         (self.folder / "Sample.csproj").write_text(PROJECT.replace("PACKAGE", f"packages/{package.name}"))
         (self.folder / "Sample.cs").symlink_to(self.csharp / "Sample.cs")
