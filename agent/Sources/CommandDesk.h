@@ -3,9 +3,18 @@
 #include "AuditLog.h"
 #include "Fleet/Command.h"
 #include "Fleet/Topics.h"
+#include "Inventory/ChangeReport.h"
 #include "SiteInventory.h"
 
-#include <functional>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+
+namespace Zent::Discovery::Programs
+{
+class SessionDriver;
+} // namespace Zent::Discovery::Programs
 
 namespace Zent::Discovery::Agent
 {
@@ -13,29 +22,41 @@ namespace Zent::Discovery::Agent
 class CommandDesk final
 {
 public:
-    /// How the agent asks devices. False while the library takes no requests.
-    struct Requests
-    {
-        std::function<bool()> AskAll;
-        std::function<bool(const std::string& macAddress)> Ask;
-    };
+    /// So many changes of devices may be under way.
+    static constexpr std::size_t MaximumChanges = 100;
 
-    /// All but the topics and requests must outlive the object.
+    /// All but the topics must outlive the object.
     CommandDesk(Fleet::SiteTopics topics,
                 const SiteInventory& inventory,
+                Programs::SessionDriver& driver,
                 ISitePublisher& publisher,
-                AuditLog& audit,
-                Requests requests);
+                AuditLog& audit);
 
     void Take(const Fleet::CommandMessage& message, Fleet::WallTime now);
 
+    /// A change of the session has ended.
+    void TakeOutcome(const Inventory::ChangeReport& report, Fleet::WallTime now);
+
 private:
-    Fleet::Verdict CarryOut(const Fleet::Command& command);
+    struct Open
+    {
+        Fleet::CommandMessage Message;
+        Fleet::Command Command;
+    };
+
+    std::optional<Fleet::Verdict> CarryOut(const Fleet::CommandMessage& message, const Fleet::Command& command);
+    void Ask(const Fleet::Command& command);
+    Inventory::ChangeRequest RequestOf(const Fleet::Command& command) const;
+    void Conclude(const Fleet::CommandMessage& message,
+                  const Fleet::Command* command,
+                  const Fleet::Verdict& verdict,
+                  Fleet::WallTime now);
 
     const Fleet::SiteTopics topics;
     const SiteInventory& inventory;
+    Programs::SessionDriver& driver;
     ISitePublisher& publisher;
     AuditLog& audit;
-    const Requests requests;
+    std::map<std::int64_t, Open> changes; // by their ids in the session
 };
 } // namespace Zent::Discovery::Agent

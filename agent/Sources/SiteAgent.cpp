@@ -93,9 +93,7 @@ SiteAgent::SiteAgent(const Settings& settings, MessageQueue& messages, Log& log)
     if (settings.TakesCommands)
     {
         audit.emplace(settings.StateFolder, log);
-        desk.emplace(topics, inventory, *publisher, *audit,
-                     CommandDesk::Requests{[this] { return driver.AskAll(); },
-                                           [this](const std::string& address) { return driver.Ask(address); }});
+        desk.emplace(topics, inventory, driver, *publisher, *audit);
     }
 }
 
@@ -185,6 +183,10 @@ void SiteAgent::TakeEvents()
             isJudgementDue = true;
         }
         inventory.Take(*event, std::chrono::system_clock::now());
+        if (event->Outcome && desk)
+        {
+            desk->TakeOutcome(*event->Outcome, std::chrono::system_clock::now());
+        }
     }
 }
 

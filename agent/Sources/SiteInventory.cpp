@@ -23,19 +23,6 @@ namespace Zent::Discovery::Agent
 {
 namespace
 {
-/// The lowest of its MAC addresses: a device that answers on several interfaces in turn stays one. Nothing when it has
-/// none.
-std::optional<std::string> IdOf(const Device& device)
-{
-    std::optional<std::string> lowest;
-    for (const Device::Interface& each : device.Interfaces())
-    {
-        const std::optional<std::string> id = DeviceId::FromMAC(each.MACAddress);
-        lowest = id && (!lowest || *id < *lowest) ? id : lowest;
-    }
-    return lowest;
-}
-
 /// That it is silent for a while is nobody's news: the record changes when the device does.
 DeviceRecord::DeviceState StateOf(const DeviceRow& row)
 {
@@ -105,6 +92,17 @@ SiteInventory::SiteInventory(
     , publisher(publisher)
     , log(log)
 {
+}
+
+std::optional<std::string> SiteInventory::IdOf(const Device& device)
+{
+    std::optional<std::string> lowest;
+    for (const Device::Interface& each : device.Interfaces())
+    {
+        const std::optional<std::string> id = DeviceId::FromMAC(each.MACAddress);
+        lowest = id && (!lowest || *id < *lowest) ? id : lowest;
+    }
+    return lowest;
 }
 
 void SiteInventory::Take(const Event& event, WallTime now)

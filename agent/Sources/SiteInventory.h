@@ -25,6 +25,10 @@ public:
         std::size_t Away = 0; // of these: gone or left
     };
 
+    /// What the device is called: by the lowest of its MAC addresses, so that one which answers on several interfaces
+    /// in turn stays one. Nothing when it has none.
+    static std::optional<std::string> IdOf(const Inventory::Device& device);
+
     /// All must outlive the object. agent is a name that no other start of an agent has.
     SiteInventory(
         std::string site, std::string agent, const Inventory::Session& session, ISitePublisher& publisher, Log& log);

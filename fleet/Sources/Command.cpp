@@ -72,9 +72,9 @@ Command ReadDocument(const Json& document)
     if (command.Kind == Command::CommandKind::Configure)
     {
         const auto settings = document.find("Settings");
-        if (settings == document.end() || !settings->is_array())
+        if (settings == document.end() || !settings->is_object())
         {
-            throw std::invalid_argument("\"Settings\" is no array of interfaces");
+            throw std::invalid_argument("\"Settings\" is no object with those of an interface");
         }
         command.Settings = HostileJson::Dump(*settings);
     }

@@ -176,6 +176,24 @@ class AgentTest(endtoend.TestCase):
         wait_until(lambda: len(replies()) == len(expected), "replies")
         self.assertEqual(replies(), expected)
         self.assertEqual(topics.devices()[identity]["Revision"], revision)
+
+        send({**rename, "Revision": revision})
+        wait_until(lambda: topics.devices()[identity]["Host"]["HostName"] == "press-4", "new name")
+        revision = topics.devices()[identity]["Revision"]
+        send({**rename, "Revision": revision, "HostName": simulator.devices[1].name})
+        nic = {**topics.devices()[identity]["Host"]["NICs"][0], "IPAddress": "127.0.0.77"}
+        send({"Command": "configure", "Device": identity, "Revision": revision, "Settings": nic})
+        nic |= {"IPAddress": "10.0.0.77", "SubNetMask": "255.255.255.0"}
+        other = {**nic, "MACAddress": simulator.devices[1].mac}
+        send({"Command": "configure", "Device": identity, "Revision": revision, "Settings": other})
+        send({"Command": "configure", "Device": identity, "Revision": revision, "Settings": nic})
+        expected = [*expected, "applied", "name-taken", "bad-address", "unknown-device", "applied"]
+        wait_until(lambda: len(replies()) == len(expected), "verdicts of changes")
+        self.assertEqual(sorted(replies()), sorted(expected))
+        self.assertEqual([line["Verdict"] for line in map(json.loads, audit.read_text().splitlines())].count("started"), 4)
+        details = [payload["Details"] for name, payload in topics.messages if "replies" in name and "Details" in payload]
+        self.assertEqual(details[0]["Before"]["HostName"], simulator.devices[0].name)
+        self.assertEqual(details[0]["After"]["HostName"], "press-4")
         sender = json.loads(audit.read_text().splitlines()[0])["Sender"]
         self.assertEqual(sender, "ann")
 

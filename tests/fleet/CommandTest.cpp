@@ -57,7 +57,7 @@ TEST(CommandTest, CommandsSurviveTheRoundTripAndIncompleteOnesAreRefused)
     for (
         const char* payload :
         {Rename, R"({"Command":"discover"})", R"({"Command":"refresh","Device":"02-00-00-00-00-01"})",
-         R"({"Command":"configure","Device":"02-00-00-00-00-01","Revision":"r","Settings":[{"IPAddress":"10.0.0.5"}]})"})
+         R"({"Command":"configure","Device":"02-00-00-00-00-01","Revision":"r","Settings":{"IPAddress":"10.0.0.5"}})"})
     {
         EXPECT_EQ(Json::parse(Command::Read(Message(payload), Topics).ToJson()), Json::parse(payload));
     }
@@ -65,7 +65,7 @@ TEST(CommandTest, CommandsSurviveTheRoundTripAndIncompleteOnesAreRefused)
          {"", "[]", R"({"Command":"reboot"})", R"({"Command":"refresh"})", R"({"Command":"refresh","Device":"x"})",
           R"({"Command":"rename","Device":"02-00-00-00-00-01","HostName":"press-4"})",
           R"({"Command":"rename","Device":"02-00-00-00-00-01","Revision":"r1","HostName":4})",
-          R"({"Command":"configure","Device":"02-00-00-00-00-01","Revision":"r1","Settings":{}})"})
+          R"({"Command":"configure","Device":"02-00-00-00-00-01","Revision":"r1","Settings":[]})"})
     {
         EXPECT_EQ(CodeOf(Message(payload)), "bad-command") << payload;
     }

@@ -61,7 +61,7 @@ public:
     std::string Device = {};   // its id; empty for Discover
     std::string Revision = {}; // of the record that the sender saw; only for Rename and Configure
     std::string HostName = {}; // for Rename
-    std::string Settings = {}; // for Configure: the interfaces as a JSON array
+    std::string Settings = {}; // for Configure: one of its interfaces as a JSON object
 
     const char* KindName() const;
 
