@@ -93,7 +93,7 @@ DeviceTableOptions WatchCommand::OptionsOfTable() const
 void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchView& view, const bool& isRead)
 {
     const Time end = context.Options().Wait.value_or(Time::max());
-    unsigned knownChanges = 0; // of the interfaces
+    unsigned knownChanges = 0;       // of the interfaces
     std::future<std::string> reason; // nobody has answered for; the system takes its time to tell
     bool isExplained = listensOnly;
     for (Time nextRefresh{0}; isRead && driver.Now() < end;)
