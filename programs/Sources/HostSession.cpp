@@ -88,7 +88,7 @@ void HostSession::Close()
 
 void HostSession::Watch()
 {
-    while (networkChanges.Wait(LookInterval))
+    while (networkChanges->Wait(LookInterval))
     {
         try
         {
@@ -115,7 +115,7 @@ void HostSession::Install(const InterfaceChoice& next)
 
 void HostSession::StopWatching()
 {
-    networkChanges.Stop();
+    networkChanges->Stop();
     if (watcher.joinable())
     {
         watcher.join();

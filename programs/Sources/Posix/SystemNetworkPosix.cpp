@@ -68,6 +68,37 @@ void Add(std::vector<NetworkInterface>& interfaces, const ifaddrs& entry)
         known->Addresses.push_back({AddressOf(entry.ifa_addr), std::popcount(AddressOf(entry.ifa_netmask))});
     }
 }
+
+/// Asks the kernel for its notifications.
+class NetworkChangesPosix final : public NetworkChanges
+{
+public:
+    NetworkChangesPosix()
+    {
+        sockaddr_nl address{};
+        address.nl_family = AF_NETLINK;
+        address.nl_groups = RTMGRP_LINK | RTMGRP_IPV4_IFADDR;
+        isTold = bind(news.Number(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+    }
+
+    bool Wait(std::chrono::milliseconds time) override
+    {
+        pollfd events[] = {{stopped.Number(), POLLIN, 0}, {isTold ? news.Number() : -1, POLLIN, 0}};
+        poll(events, std::size(events), static_cast<int>(time.count()));
+        char buffer[8192];
+        while (recv(news.Number(), buffer, sizeof(buffer), MSG_DONTWAIT) > 0)
+        {
+        }
+        return events[0].revents == 0;
+    }
+
+    void Stop() override { eventfd_write(stopped.Number(), 1); }
+
+private:
+    const Descriptor stopped{eventfd(0, EFD_CLOEXEC)};
+    const Descriptor news{socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE)};
+    bool isTold = false; // where it is not, waits last as long as they may
+};
 } // namespace
 
 std::vector<NetworkInterface> SystemNetwork::Interfaces()
@@ -86,60 +117,8 @@ std::vector<NetworkInterface> SystemNetwork::Interfaces()
     return interfaces;
 }
 
-bool SystemNetwork::HasRoute(Inventory::IPv4 address)
+std::unique_ptr<NetworkChanges> NetworkChanges::Create()
 {
-    const Descriptor probe(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    sockaddr_in target{};
-    target.sin_family = AF_INET;
-    target.sin_port = htons(9); // any
-    target.sin_addr.s_addr = htonl(address);
-    return connect(probe.Number(), reinterpret_cast<const sockaddr*>(&target), sizeof(target)) == 0;
-}
-
-class NetworkChanges::System final
-{
-public:
-    System()
-    {
-        sockaddr_nl address{};
-        address.nl_family = AF_NETLINK;
-        address.nl_groups = RTMGRP_LINK | RTMGRP_IPV4_IFADDR;
-        isTold = bind(news.Number(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
-    }
-
-    bool Wait(std::chrono::milliseconds time)
-    {
-        pollfd events[] = {{stopped.Number(), POLLIN, 0}, {isTold ? news.Number() : -1, POLLIN, 0}};
-        poll(events, std::size(events), static_cast<int>(time.count()));
-        char buffer[8192];
-        while (recv(news.Number(), buffer, sizeof(buffer), MSG_DONTWAIT) > 0)
-        {
-        }
-        return events[0].revents == 0;
-    }
-
-    void Stop() { eventfd_write(stopped.Number(), 1); }
-
-private:
-    const Descriptor stopped{eventfd(0, EFD_CLOEXEC)};
-    const Descriptor news{socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE)};
-    bool isTold = false; // where it is not, waits last as long as they may
-};
-
-NetworkChanges::NetworkChanges()
-    : system(std::make_unique<System>())
-{
-}
-
-NetworkChanges::~NetworkChanges() = default;
-
-bool NetworkChanges::Wait(std::chrono::milliseconds time)
-{
-    return system->Wait(time);
-}
-
-void NetworkChanges::Stop()
-{
-    system->Stop();
+    return std::make_unique<NetworkChangesPosix>();
 }
 } // namespace Zent::Discovery::Programs

@@ -1,15 +1,12 @@
 #include "Programs/UdpSockets.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <netinet/in.h>
 #include <sstream>
 #include <string_view>
-#include <sys/socket.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -148,22 +145,5 @@ std::vector<UdpSocket> UdpSockets::OnPort(std::uint16_t port)
         }
     }
     return sockets;
-}
-
-bool UdpSockets::CanShare(std::uint16_t port)
-{
-    const int probe = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    if (probe < 0)
-    {
-        return true; // what is wrong then is not the port
-    }
-    const int reuse = 1;
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    const bool isFree = setsockopt(probe, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof(reuse)) == 0 &&
-                        bind(probe, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
-    close(probe);
-    return isFree;
 }
 } // namespace Zent::Discovery::Programs

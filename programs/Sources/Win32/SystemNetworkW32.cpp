@@ -1,5 +1,7 @@
 #include "Programs/SystemNetwork.h"
 
+#include "Win32/TextW32.h"
+
 // clang-format off
 #include <winsock2.h>
 #include <windows.h>
@@ -13,33 +15,10 @@ namespace Zent::Discovery::Programs
 {
 namespace
 {
-/// The system's sockets in use, until the process ends.
-void PrepareSockets()
-{
-    static const int result = [] {
-        WSADATA data;
-        return WSAStartup(MAKEWORD(2, 2), &data);
-    }();
-    static_cast<void>(result);
-}
-
-std::string Utf8(const wchar_t* text)
-{
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr); // the NUL counts
-    if (size <= 0)
-    {
-        return "";
-    }
-    std::string result(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text, -1, result.data(), size, nullptr, nullptr);
-    result.pop_back();
-    return result;
-}
-
 NetworkInterface InterfaceOf(const IP_ADAPTER_ADDRESSES& adapter)
 {
     NetworkInterface result;
-    result.Name = Utf8(adapter.FriendlyName);
+    result.Name = TextW32::Utf8(adapter.FriendlyName);
     result.IsUp = adapter.OperStatus == IfOperStatusUp;
     result.IsLoopback = adapter.IfType == IF_TYPE_SOFTWARE_LOOPBACK;
     result.IsPointToPoint = adapter.IfType == IF_TYPE_PPP || adapter.IfType == IF_TYPE_TUNNEL;
@@ -55,6 +34,45 @@ NetworkInterface InterfaceOf(const IP_ADAPTER_ADDRESSES& adapter)
     }
     return result;
 }
+
+/// Asks for notifications, each of which must be asked for anew.
+class NetworkChangesW32 final : public NetworkChanges
+{
+public:
+    NetworkChangesW32() { request.hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr); }
+
+    ~NetworkChangesW32() override
+    {
+        CancelIPChangeNotify(&request);
+        CloseHandle(request.hEvent);
+        CloseHandle(stopped);
+    }
+
+    bool Wait(std::chrono::milliseconds time) override
+    {
+        // Where the system knows none, waits last as long as they may.
+        isPending = isPending || IsAskedFor();
+        const HANDLE events[] = {stopped, request.hEvent};
+        const DWORD count = isPending ? 2 : 1;
+        const DWORD result = WaitForMultipleObjects(count, events, FALSE, static_cast<DWORD>(time.count()));
+        isPending = isPending && result != WAIT_OBJECT_0 + 1;
+        return result != WAIT_OBJECT_0;
+    }
+
+    void Stop() override { SetEvent(stopped); }
+
+private:
+    bool IsAskedFor()
+    {
+        HANDLE ignored = nullptr;
+        ResetEvent(request.hEvent);
+        return NotifyAddrChange(&ignored, &request) == ERROR_IO_PENDING;
+    }
+
+    const HANDLE stopped = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    OVERLAPPED request{};
+    bool isPending = false;
+};
 } // namespace
 
 std::vector<NetworkInterface> SystemNetwork::Interfaces()
@@ -87,74 +105,8 @@ std::vector<NetworkInterface> SystemNetwork::Interfaces()
     return interfaces;
 }
 
-bool SystemNetwork::HasRoute(Inventory::IPv4 address)
+std::unique_ptr<NetworkChanges> NetworkChanges::Create()
 {
-    PrepareSockets();
-    const SOCKET probe = socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in target{};
-    target.sin_family = AF_INET;
-    target.sin_port = htons(9); // any
-    target.sin_addr.s_addr = htonl(address);
-    const bool result = connect(probe, reinterpret_cast<const sockaddr*>(&target), sizeof(target)) == 0;
-    closesocket(probe);
-    return result;
-}
-
-class NetworkChanges::System final
-{
-public:
-    System() { request.hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr); }
-
-    System(const System&) = delete;
-    System& operator=(const System&) = delete;
-
-    ~System()
-    {
-        CancelIPChangeNotify(&request);
-        CloseHandle(request.hEvent);
-        CloseHandle(stopped);
-    }
-
-    bool Wait(std::chrono::milliseconds time)
-    {
-        // Each notification must be asked for anew; where the system knows none, waits last as long as they may.
-        isPending = isPending || IsAskedFor();
-        const HANDLE events[] = {stopped, request.hEvent};
-        const DWORD count = isPending ? 2 : 1;
-        const DWORD result = WaitForMultipleObjects(count, events, FALSE, static_cast<DWORD>(time.count()));
-        isPending = isPending && result != WAIT_OBJECT_0 + 1;
-        return result != WAIT_OBJECT_0;
-    }
-
-    void Stop() { SetEvent(stopped); }
-
-private:
-    bool IsAskedFor()
-    {
-        HANDLE ignored = nullptr;
-        ResetEvent(request.hEvent);
-        return NotifyAddrChange(&ignored, &request) == ERROR_IO_PENDING;
-    }
-
-    const HANDLE stopped = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    OVERLAPPED request{};
-    bool isPending = false;
-};
-
-NetworkChanges::NetworkChanges()
-    : system(std::make_unique<System>())
-{
-}
-
-NetworkChanges::~NetworkChanges() = default;
-
-bool NetworkChanges::Wait(std::chrono::milliseconds time)
-{
-    return system->Wait(time);
-}
-
-void NetworkChanges::Stop()
-{
-    system->Stop();
+    return std::make_unique<NetworkChangesW32>();
 }
 } // namespace Zent::Discovery::Programs

@@ -14,31 +14,6 @@ namespace Zent::Discovery::Programs
 {
 namespace
 {
-/// Winsock in use.
-class Winsock final
-{
-public:
-    Winsock()
-        : started(WSAStartup(MAKEWORD(2, 2), &data) == 0)
-    {
-    }
-
-    ~Winsock()
-    {
-        if (started)
-        {
-            WSACleanup();
-        }
-    }
-
-    Winsock(const Winsock&) = delete;
-    Winsock& operator=(const Winsock&) = delete;
-
-private:
-    WSADATA data{};
-    const bool started;
-};
-
 /// The file name of the program that the process runs; empty when the system refuses.
 std::string ProgramOf(DWORD process)
 {
@@ -87,24 +62,5 @@ std::vector<UdpSocket> UdpSockets::OnPort(std::uint16_t port)
         }
     }
     return sockets;
-}
-
-bool UdpSockets::CanShare(std::uint16_t port)
-{
-    const Winsock winsock;
-    const SOCKET probe = socket(AF_INET, SOCK_DGRAM, 0);
-    if (probe == INVALID_SOCKET)
-    {
-        return true; // what is wrong then is not the port
-    }
-    const int reuse = 1;
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    const bool isFree =
-        setsockopt(probe, SOL_SOCKET, SO_REUSEADDR, reinterpret_cast<const char*>(&reuse), sizeof(reuse)) == 0 &&
-        bind(probe, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
-    closesocket(probe);
-    return isFree;
 }
 } // namespace Zent::Discovery::Programs

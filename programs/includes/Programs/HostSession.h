@@ -77,7 +77,7 @@ private:
     InterfaceChoice choice NFX_GUARDED_BY(choiceLock);
     const std::unique_ptr<DiscoverySession> session;
     std::atomic<unsigned> changes{0}; // written by the watcher
-    NetworkChanges networkChanges;
+    const std::unique_ptr<NetworkChanges> networkChanges = NetworkChanges::Create();
     std::thread watcher;
 };
 } // namespace Zent::Discovery::Programs

@@ -24,24 +24,23 @@ public:
 };
 
 /// Waits for changes of interfaces and addresses, as far as the system tells of them.
-class NetworkChanges final
+class NetworkChanges
 {
 public:
-    NetworkChanges();
-    ~NetworkChanges();
+    static std::unique_ptr<NetworkChanges> Create();
 
     NetworkChanges(const NetworkChanges&) = delete;
     NetworkChanges& operator=(const NetworkChanges&) = delete;
 
+    virtual ~NetworkChanges() = default;
+
     /// Returns when something may have changed or the time is over. False after Stop. One thread.
-    bool Wait(std::chrono::milliseconds time);
+    virtual bool Wait(std::chrono::milliseconds time) = 0;
 
     /// Ends a waiting Wait and every later one. Any thread.
-    void Stop();
+    virtual void Stop() = 0;
 
-private:
-    class System;
-
-    const std::unique_ptr<System> system;
+protected:
+    NetworkChanges() = default;
 };
 } // namespace Zent::Discovery::Programs
