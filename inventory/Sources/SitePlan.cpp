@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <deque>
+#include <stdexcept>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -107,20 +108,10 @@ public:
             reserved.insert(entry.IPAddress.value_or(""));
             reserved.insert(entry.DefaultGateway.value_or(""));
             const auto owner = owners.find(entry.MACAddress);
-            if (owner == owners.end())
+            const bool isAboutAddresses = entry.IPAddress || entry.SubNetMask || entry.DefaultGateway;
+            if (isAboutAddresses && owner != owners.end())
             {
-                continue;
-            }
-            const Device::Interface& now = *owner->second->FindMAC(entry.MACAddress);
-            const ChangeRequest request =
-                ChangeRequest::Configure({.MACAddress = entry.MACAddress,
-                                          .IPAddress = entry.IPAddress.value_or(now.IPAddress),
-                                          .SubNetMask = entry.SubNetMask.value_or(now.SubNetMask),
-                                          .DefaultGateway = entry.DefaultGateway.value_or(now.DefaultGateway)})
-                    .Normal();
-            if (!request.IsShownBy(*owner->second))
-            {
-                Add(order, entry, {request, entry.MACAddress, now.IPAddress, request.Interface.IPAddress});
+                PlanAddress(order, entry, *owner->second);
             }
         }
         order.Plan(plan);
@@ -128,6 +119,28 @@ public:
 
 private:
     static const std::string& IdOf(const Device& device) { return device.MainInterface().MACAddress; }
+
+    void PlanAddress(PlanOrder& order, const SiteEntry& entry, const Device& device)
+    {
+        const Device::Interface& now = *device.FindMAC(entry.MACAddress);
+        ChangeRequest request = ChangeRequest::Configure(now); // what the file does not tell stays
+        request.Interface.IPAddress = entry.IPAddress.value_or(now.IPAddress);
+        request.Interface.SubNetMask = entry.SubNetMask.value_or(now.SubNetMask);
+        request.Interface.DefaultGateway = entry.DefaultGateway.value_or(now.DefaultGateway);
+        try
+        {
+            request = request.Normal();
+        }
+        catch (const std::invalid_argument& error) // it has none, and the file does not tell one
+        {
+            Refuse(entry, request, {Code::BadAddress, error.what()});
+            return;
+        }
+        if (!request.IsShownBy(device))
+        {
+            Add(order, entry, {request, entry.MACAddress, now.IPAddress, request.Interface.IPAddress});
+        }
+    }
 
     void Refuse(const SiteEntry& entry, const ChangeRequest& request, ChangeRefusal refusal)
     {

@@ -21,8 +21,9 @@ class Devices final
 public:
     Devices& Add(const std::string& digit, const std::string& name, const std::string& ip, bool isReadOnly = false)
     {
-        const std::string nic = R"({"MACAddress":")" + MAC + digit + R"(","IPAddress":")" + ip +
-                                R"(","SubNetMask":"255.255.255.0","DefaultGateway":"10.0.0.254"})";
+        const std::string nic =
+            R"({"MACAddress":")" + MAC + digit + R"(","IPAddress":")" + ip +
+            R"(","SubNetMask":"255.255.255.0","DefaultGateway":"10.0.0.254","FriendlyName":"eth0","MTU":"1400"})";
         devices.emplace_back(DeviceMessage{DeviceMessage::MessageKind::Signature,
                                            R"({"SourceNIC":)" + nic + R"(,"Host":{"HostName":")" + name +
                                                R"(","IsHostNameReadOnly":)" + (isReadOnly ? "true" : "false") +
@@ -192,5 +193,9 @@ TEST(SitePlanTest, KeepsToWhatItMayUse)
               "!2address-taken !1address-taken ");
     EXPECT_EQ(TextOf(SitePlan::For(site, devices.All(), {.What = SitePlan::Scope::Names})), "");
     EXPECT_EQ(TextOf(SitePlan::For(SiteOf(Entry("1", "c", "10.0.0.1")), devices.All(), {})), "!1name-read-only ");
+    const SitePlan plan = SitePlan::For(SiteOf(Entry("1", "a", "10.0.0.7")), devices.All(), {});
+    EXPECT_EQ(plan.Steps.at(0).Request.Settings(),
+              R"({"FriendlyName":"eth0","IPAddress":"10.0.0.7","SubNetMask":"255.255.255.0","DefaultGateway":)"
+              R"("10.0.0.254","MTU":"1400"})");
 }
 } // namespace
