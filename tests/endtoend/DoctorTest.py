@@ -117,6 +117,8 @@ class DoctorTest(TestCase):
         with Occupant(self.laptop, shares=False) as other:
             finding = self.assert_finds("port-taken", rf"by python3 \(process {other.process.pid}\)", status=7)
             self.assertEqual(finding["Commands"], ["sudo ss -ulpn sport = :12001"])
+            for command in "discover", "watch":
+                self.assertIn(finding["Text"], self.console(command, machine=self.laptop, status=1)[1])
             hidden = self.findings("--check", "nobody-answers", status=7)
             self.assertEqual(list(hidden), ["port-taken"])
 

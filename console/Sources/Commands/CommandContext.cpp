@@ -1,6 +1,7 @@
 #include "Commands/CommandContext.h"
 
 #include "DiscoverySession.h"
+#include "Doctor/Examination.h"
 #include "Programs/SystemNetwork.h"
 #include "Show/Output.h"
 
@@ -46,7 +47,9 @@ HostSession& CommandContext::Session()
             {
                 throw;
             }
-            throw std::runtime_error(std::string(error.what()) + "; discovery-console doctor says why");
+            const std::string reason = Doctor::Examination::ReasonForTakenPort(options);
+            throw std::runtime_error(error.what() +
+                                     (reason.empty() ? "; discovery-console doctor says why" : ". " + reason));
         }
     }
     return *session;

@@ -165,4 +165,10 @@ std::string Examination::ReasonForSilence(const ProgramOptions& options, double 
     const Finding& reason = findings.front(); // nobody has answered, so there is one
     return reason.Of->Code == wanted[0] ? reason.Of->Affects : reason.Text;
 }
+
+std::string Examination::ReasonForTakenPort(const ProgramOptions& options)
+{
+    const std::string wanted[] = {"port-taken"};
+    return Diagnosis::Of(Observe(options, SystemNetwork::Interfaces()), wanted).front().Text;
+}
 } // namespace Zent::Discovery::Console::Doctor

@@ -32,5 +32,8 @@ public:
     /// a terminal. It looks at the system and at the log of that search, and does not search itself. Any thread; takes
     /// some seconds on a busy system.
     static std::string ReasonForSilence(const ProgramOptions& options, double seconds);
+
+    /// Who has the port of hosts, so that no server can start: one sentence, unfit for a terminal; empty when it is free.
+    static std::string ReasonForTakenPort(const ProgramOptions& options);
 };
 } // namespace Zent::Discovery::Console::Doctor
