@@ -33,7 +33,8 @@ public:
     /// some seconds on a busy system.
     static std::string ReasonForSilence(const ProgramOptions& options, double seconds);
 
-    /// Who has the port of hosts, so that no server can start: one sentence, unfit for a terminal; empty when it is free.
+    /// Who has the port of hosts, so that no server can start: one sentence, unfit for a terminal; empty when it is
+    /// free.
     static std::string ReasonForTakenPort(const ProgramOptions& options);
 };
 } // namespace Zent::Discovery::Console::Doctor
