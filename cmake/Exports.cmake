@@ -1,5 +1,6 @@
 # nfx_export_only(<target> <list>): the shared library exports the functions of the list and nothing else. A line of the
-# list is a function's name, and how many bytes its arguments take on 32-bit Windows.
+# list is a function's name, and how many bytes its arguments take on 32-bit Windows. A DLL gets a second import library,
+# <name>.lib, for Microsoft's linker.
 #
 # An ELF library stays mapped after dlclose: its process-wide objects are never destroyed, so loading it again finds them
 # instead of leaking them, and a host that forgot to end them does not crash.
@@ -34,12 +35,26 @@ function(nfx_export_only target list)
     nfx_write_exports("${functions}" "${exports}" "${head}" "_\\1@\\2=\\1@\\2" "")
     set(imports "${CMAKE_CURRENT_BINARY_DIR}/imports.def")
     nfx_write_exports("${functions}" "${imports}" "${head}" "\\1@\\2 == _\\1@\\2" "")
+    set(machine x86)
+    set(exported "_\\1@\\2")
     add_custom_command(TARGET ${target} POST_BUILD
       COMMAND ${CMAKE_DLLTOOL} --input-def "${imports}" --output-lib $<TARGET_LINKER_FILE:${target}>
       VERBATIM)
   else()
     # 64-bit Windows knows one calling convention and does not decorate names.
     nfx_write_exports("${functions}" "${exports}" "${head}" "\\1" "")
+    set(machine x64)
+    set(exported "\\1")
   endif()
   target_sources(${target} PRIVATE "${exports}")
+
+  # Microsoft's linker refuses the objects in MinGW's import library where it makes tables of exception handlers, as it
+  # does for 32-bit programs unless told otherwise (/safeseh).
+  find_program(NFX_LLD_LINK lld-link REQUIRED)
+  set(functions_of_dll "${CMAKE_CURRENT_BINARY_DIR}/dll.def")
+  nfx_write_exports("${functions}" "${functions_of_dll}" "${head}" "${exported}" "")
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND "${NFX_LLD_LINK}" "/def:${functions_of_dll}" /machine:${machine}
+      "/out:$<TARGET_LINKER_FILE_DIR:${target}>/${name}.lib"
+    VERBATIM)
 endfunction()
