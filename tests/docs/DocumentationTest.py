@@ -168,7 +168,10 @@ class DocumentTest(TestCase):
             self.fail(f"expected:\n{expected}\nbut got:\n{output}")
 
     def rule_cmake(self, block, _):
-        """Part of a host's project; the block before has installed the library."""
+        """Part of a host's project."""
+        self.run_commands("cmake --install build/linux --prefix installed", None)
+        (pkgconfig,) = self.tree.folder.glob("installed/lib/**/pkgconfig")
+        self.tree.environment["PKG_CONFIG_PATH"] = str(pkgconfig)
         host = self.tree.folder / "host"
         host.mkdir()
         (host / "CMakeLists.txt").write_text(

@@ -14,6 +14,7 @@ LONG_SCRIPTS = (
     "run", "test", "package", "soak", "bench", "fuzzers/run",
     "scripts/abi", "scripts/demo", "scripts/install-dependencies", "scripts/lint", "scripts/plant-faults",
 )  # fmt: skip
+HEADERS = ("extc/includes", "inventory/extc/includes", "bindings/cpp/includes")
 PROGRAMS = ("cmake", "ctest", "gcc", "g++", "c++", "discovery-console")
 
 
@@ -37,6 +38,11 @@ class Tree:
             "DOCS_SOURCE": str(source),
             "DOCS_BUILD": str(build),
             "TERM": "dumb",
+            # As where the packages are installed.
+            "CPATH": os.pathsep.join(str(source / folder) for folder in HEADERS),
+            "LIBRARY_PATH": str(build / "lib"),
+            "LD_LIBRARY_PATH": str(build / "lib"),
+            "PYTHONPATH": str(source / "bindings/python"),
         }
 
     def _link(self, source, target, scripts):

@@ -73,6 +73,7 @@ class DebTest(TestCase):
 
         self.check_programs()
         self.check_places()
+        self.check_documentation()
         self.check_operating_notes()
         self.check_what_libraries_get()
         self.check_choice()
@@ -98,6 +99,12 @@ class DebTest(TestCase):
         self.assertIn("devicediscovery", self.on_machine("tshark", "-G", "protocols"))
         for page in ("discovery-console", "device-simulator"):
             self.assertIn("/usr/share/man/", self.on_machine("man", "--where", page))
+
+    def check_documentation(self):
+        """Of the developers' package alone."""
+        alone = self.folder / "dev"
+        run("dpkg-deb", "--extract", self.packages[DEV], alone)
+        self.assert_pages_hold(alone / "usr/share/doc/DiscoveryServer.ExtC")
 
     def check_operating_notes(self):
         """Their links hold where only the programs are installed."""

@@ -1,8 +1,10 @@
 """What the tests of the packages share: the programs of an installation, and a consumer built with it."""
 
 import pathlib
+import re
 import subprocess
 
+import blocks
 import endtoend
 from endtoend import Process, launcher, setting
 
@@ -67,6 +69,20 @@ class TestCase(endtoend.TestCase):
         with Process(*prefix, *launcher(), str(program), str(self.folder / "consumer.log")) as consumer:
             consumer.line_with('"HostName"')
             self.assertEqual(consumer.end(), 0)
+
+    def assert_pages_hold(self, folder):
+        """The pages link to what is there, and speak of nothing that only the source tree has."""
+        pages = list(folder.rglob("*.md"))
+        self.assertGreater(len(pages), 10)
+        for page in pages:
+            name = page.relative_to(folder)
+            self.assertNotRegex(page.read_text(encoding="utf-8"), r"\./(run|test|package|bench|soak)\b|build/(linux|win)", name)
+            for link in blocks.Markdown(page).links():
+                file, _, anchor = link.partition("#")
+                target = page.parent / file if file else page
+                if not re.match("[a-z]+:", link):
+                    self.assertTrue(target.exists(), f"{name}: {link}")
+                    self.assertTrue(not anchor or anchor in blocks.Markdown(target).anchors(), f"{name}: {link}")
 
     def build_with_cmake(self, *options):
         """The consumer in C++, by find_package."""
