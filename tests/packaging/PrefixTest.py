@@ -1,5 +1,6 @@
 """cmake --install into an empty prefix, and host programs built with what is there."""
 
+import shutil
 import subprocess
 
 from endtoend import main, setting
@@ -52,6 +53,12 @@ class PrefixTest(TestCase):
             built = self.build_with_cmake(f"-DCMAKE_PREFIX_PATH={self.prefix}")
             self.assert_consumer_works(built)
             self.assertRegex(run(built.with_name("session")), rf"{self.version()} \w+")
+        with self.subTest("the sample's preset"):
+            sample = self.folder / "sample"
+            shutil.copytree(self.prefix / "share/doc/DiscoveryServer.ExtC/samples/c", sample)
+            run("cmake", "--preset", "linux", f"-DCMAKE_PREFIX_PATH={self.prefix}", cwd=sample)
+            run("cmake", "--build", "--preset", "linux", cwd=sample)
+            self.assert_consumer_works(sample / "build/linux/discover")
 
     def test_a_version_that_it_is_not_is_refused(self):
         for wanted in ("0.9", "1.99", "2"):
