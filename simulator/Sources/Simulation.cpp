@@ -197,7 +197,7 @@ void Simulation::Flood()
     {
         return;
     }
-    const std::size_t device = floods % participants.size();
+    const auto device = static_cast<std::size_t>(floods % participants.size());
     const Treatment treatment = faults.Treat(device, FirstNumber + floods / participants.size());
     Deliver({device, participants[device].Device.Signature(), IPAddress::Broadcast(), treatment});
     ++floods;
