@@ -40,7 +40,7 @@ class DebTest(TestCase):
         (root / "tmp").chmod(0o1777)
         for file in self.packages.values():
             shutil.copy(file, root / "tmp")
-        for settings in (root / "etc/dpkg/dpkg.cfg.d").iterdir():
+        for settings in root.glob("etc/dpkg/dpkg.cfg.d/*"):
             settings.unlink()  # small machines leave documents out
         self.root = root
 
