@@ -54,10 +54,9 @@ TEST(CommandTest, AMessageMustNotWriteElsewhereNorBeOldNorBeRepeated)
 
 TEST(CommandTest, CommandsSurviveTheRoundTripAndIncompleteOnesAreRefused)
 {
-    for (
-        const char* payload :
-        {Rename, R"({"Command":"discover"})", R"({"Command":"refresh","Device":"02-00-00-00-00-01"})",
-         R"({"Command":"configure","Device":"02-00-00-00-00-01","Revision":"r","Settings":{"IPAddress":"10.0.0.5"}})"})
+    for (const char* payload :
+         {Rename, R"({"Command":"discover"})", R"({"Command":"refresh","Device":"02-00-00-00-00-01"})",
+          R"({"Command":"configure","Device":"02-00-00-00-00-01","Revision":"r","Settings":{"IPAddress":"10.0.0.5"}})"})
     {
         EXPECT_EQ(Json::parse(Command::Read(Message(payload), Topics).ToJson()), Json::parse(payload));
     }
