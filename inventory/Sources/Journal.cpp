@@ -5,7 +5,6 @@
 #include "StandardErrors.h"
 
 #include <algorithm>
-#include <ranges>
 #include <stdexcept>
 #include <utility>
 
@@ -125,14 +124,10 @@ void Journal::Feed(std::string_view line)
 
 const JournalEntry* Journal::NewestToUndo(std::string_view macAddress) const
 {
-    for (const JournalEntry& entry : entries | std::views::reverse)
-    {
-        if (entry.CanBeUndone() && (macAddress.empty() || entry.MACAddress == macAddress))
-        {
-            return &entry;
-        }
-    }
-    return nullptr;
+    const auto found = std::find_if(entries.rbegin(), entries.rend(), [macAddress](const JournalEntry& entry) {
+        return entry.CanBeUndone() && (macAddress.empty() || entry.MACAddress == macAddress);
+    });
+    return found == entries.rend() ? nullptr : &*found;
 }
 
 std::vector<const JournalEntry*> Journal::OpenEntries() const
@@ -197,7 +192,8 @@ void Journal::End(std::string_view id, std::string verdict)
 
 JournalEntry* Journal::Find(std::string_view id)
 {
-    const auto found = std::ranges::find(entries | std::views::reverse, id, &JournalEntry::Id);
+    const auto found =
+        std::find_if(entries.rbegin(), entries.rend(), [id](const JournalEntry& entry) { return entry.Id() == id; });
     return found == entries.rend() ? nullptr : &*found;
 }
 
