@@ -9,7 +9,7 @@ import sys
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "endtoend"))
 
 import endtoend  # noqa: E402
-from brokers import PORT, Agent, Broker, Topics, certificates  # noqa: E402
+from brokers import PORT, Agent, Broker, Description, Topics, certificates  # noqa: E402
 from endtoend import Simulator, command, wait_until  # noqa: E402
 from networks import HERE, Cable, End, Machine, Occupant  # noqa: E402
 
@@ -28,6 +28,11 @@ ANYBODY = "allow_anonymous true"
 
 
 class AgentTest(endtoend.TestCase):
+    def check_description(self, messages, *kinds):
+        """They are as the description says, and all of these kinds are among them."""
+        description = Description(endtoend.setting("source") / "docs/fleet/asyncapi.json")
+        self.assertEqual(description.check(messages, self.folder), set(kinds))
+
     def start(self, *settings, machine=None):
         return self.enterContext(Agent(self.folder, SETTINGS + "\n".join(settings), machine=machine))
 
@@ -57,6 +62,8 @@ class AgentTest(endtoend.TestCase):
         self.assertEqual(topics.devices()[identity]["State"], "gone")
         gone = [event for name, event in topics.messages if name == "events" and event["type"] == "discovery.v1.gone"]
         self.assertEqual([event["subject"] for event in gone], [identity])
+
+        self.check_description(topics.messages, "state", "record", "manifest", "manifestPart", "event")
 
         topics.forget()
         simulator.behave("revive 1")
@@ -191,6 +198,8 @@ class AgentTest(endtoend.TestCase):
         wait_until(lambda: len(replies()) == len(expected), "verdicts of changes")
         self.assertEqual(sorted(replies()), sorted(expected))
         self.assertEqual([line["Verdict"] for line in map(json.loads, audit.read_text().splitlines())].count("started"), 4)
+        sent = [(name, payload) for name, payload in topics.messages if payload != {"Command": "reboot"}]
+        self.check_description(sent, "state", "record", "manifest", "event", "command", "reply")
         details = [payload["Details"] for name, payload in topics.messages if "replies" in name and "Details" in payload]
         self.assertEqual(details[0]["Before"]["HostName"], simulator.devices[0].name)
         self.assertEqual(details[0]["After"]["HostName"], "press-4")

@@ -3,6 +3,7 @@
 import json
 import pathlib
 import queue
+import re
 import socket
 import subprocess
 import threading
@@ -104,6 +105,34 @@ class Topics(Process):
     def __exit__(self, *_):
         self.process.kill()
         self.end()
+
+
+class Description:
+    """The description of the topics, which says what each one holds."""
+
+    def __init__(self, file):
+        self.document = json.loads(file.read_text(encoding="utf-8"))
+        self.channels = []
+        for channel in self.document["channels"].values():
+            address = re.escape(channel["address"].partition("/{site}/")[2]).replace(r"\{", "{").replace(r"\}", "}")
+            pattern = re.sub(r"\{\w+\}", "[^/]+", address)
+            (message,) = channel["messages"]
+            self.channels.append((re.compile(pattern), message))
+
+    def check(self, messages, folder):
+        """Fails unless each of these messages of a site is as its topic's are said to be."""
+        found = {}
+        for name, payload in messages:
+            (message,) = (message for pattern, message in self.channels if pattern.fullmatch(name))
+            if payload is not None:
+                found.setdefault(message, []).append(payload)
+        for message, payloads in found.items():
+            payload = self.document["components"]["messages"][message]["payload"]
+            schema = {"components": self.document["components"], "type": "array", "items": payload}
+            (folder / "schema").write_text(json.dumps(schema), encoding="utf-8")
+            (folder / "payloads").write_text(json.dumps(payloads), encoding="utf-8")
+            subprocess.run(["/usr/bin/jsonschema", "-i", "payloads", "schema"], cwd=folder, check=True)
+        return set(found)
 
 
 class Agent(Process):
