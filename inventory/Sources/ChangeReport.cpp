@@ -36,7 +36,7 @@ const char* ChangeReport::VerdictName() const
 
 std::optional<ChangeRequest> ChangeReport::Undo() const
 {
-    if (Before == nullptr)
+    if (Before == nullptr || Refusal)
     {
         return std::nullopt;
     }

@@ -63,10 +63,11 @@ bool IsSameGateway(const std::string& wanted, const std::string& shown)
     return Network::ParseAddress(wanted).value_or(none) == Network::ParseAddress(shown).value_or(none);
 }
 
-/// What an interface has but for its MAC address.
+/// Adds what an interface has but for its MAC address.
 std::string SettingsJson(JsonText json, const Device::Interface& interface)
 {
-    return json.Text("IPAddress", interface.IPAddress)
+    return json.Text("FriendlyName", interface.FriendlyName)
+        .Text("IPAddress", interface.IPAddress)
         .Text("SubNetMask", interface.SubNetMask)
         .Text("DefaultGateway", interface.DefaultGateway)
         .Text("MTU", interface.MTU)
@@ -239,9 +240,17 @@ std::string ChangeRequest::SettingsOf(const Device& device) const
 
 std::string ChangeRequest::Settings() const
 {
-    return Kind == ChangeKind::Configure
-               ? SettingsJson(JsonText().Text("FriendlyName", Interface.FriendlyName), Interface)
-               : JsonText().Text("HostName", HostName).Take();
+    return Kind == ChangeKind::Configure ? SettingsJson(JsonText(), Interface)
+                                         : JsonText().Text("HostName", HostName).Take();
+}
+
+std::string ChangeRequest::ToJson() const
+{
+    JsonText json;
+    const bool isAt = Kind == ChangeKind::RenameAt;
+    json.Text(isAt ? "IPAddress" : "MACAddress", isAt ? Interface.IPAddress : Interface.MACAddress);
+    return Kind == ChangeKind::Configure ? SettingsJson(std::move(json), Interface)
+                                         : json.Text("HostName", HostName).Take();
 }
 
 std::string ChangeRequest::ToString() const
@@ -258,8 +267,6 @@ std::string ChangeRequest::ToString() const
 
 std::string ChangeRequest::ToNicConfigs() const
 {
-    JsonText json;
-    json.Text("FriendlyName", Interface.FriendlyName).Text("MACAddress", Interface.MACAddress);
-    return '[' + SettingsJson(std::move(json), Interface) + ']';
+    return '[' + ToJson() + ']';
 }
 } // namespace Zent::Discovery::Inventory

@@ -60,6 +60,10 @@ std::string Event::ToJson() const
     if (Outcome)
     {
         json.Number("Id", Outcome->Id).Raw("Change", Outcome->ToJson());
+        if (const std::optional<ChangeRequest> undo = Outcome->Undo())
+        {
+            json.Raw("Undo", undo->ToJson());
+        }
     }
     return json.Take();
 }

@@ -168,7 +168,7 @@ TEST_F(ChangeTest, ADeviceInAForeignSubnetIsSeenAndGivenBackWhatItHad)
               R"("After":{"FriendlyName":"eth0","IPAddress":"192.168.7.7","SubNetMask":"255.255.255.0",)"
               R"("DefaultGateway":"","MTU":"1500"}})"); // it has not taken the gateway
     EXPECT_EQ(Verdict(Settings("192.168.7.7")), "applied");
-    EXPECT_EQ(requests.back().Text, R"([{"FriendlyName":"eth0","MACAddress":"02:00:00:00:00:01",)"
+    EXPECT_EQ(requests.back().Text, R"([{"MACAddress":"02:00:00:00:00:01","FriendlyName":"eth0",)"
                                     R"("IPAddress":"192.168.7.7","SubNetMask":"255.255.255.0","DefaultGateway":"",)"
                                     R"("MTU":"Unknown"}])");
 

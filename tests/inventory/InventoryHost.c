@@ -116,7 +116,7 @@ static int ChangeClientsHostNameWithIP(const char* name, const char* address)
 static int ChangeClientsIPConfigurations(const char* nicConfigs)
 {
     CHECK(strcmp(nicConfigs,
-                 "[{\"FriendlyName\":\"eth1\",\"MACAddress\":\"02:00:00:00:00:01\",\"IPAddress\":\"10.0.0.9\","
+                 "[{\"MACAddress\":\"02:00:00:00:00:01\",\"FriendlyName\":\"eth1\",\"IPAddress\":\"10.0.0.9\","
                  "\"SubNetMask\":\"255.255.255.0\",\"DefaultGateway\":\"\",\"MTU\":\"Unknown\"}]") == 0);
     return 0;
 }

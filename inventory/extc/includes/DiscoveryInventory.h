@@ -68,8 +68,8 @@
  *     ChangeEnded.
  *     Changed and Returned may have "Changes":[{"Property":"HostName","Before":"a","After":"b"}], in which what was not
  *     there is left out; Conflict has "Conflict":{"Kind":"mac"|"ip"|"name","Value":"10.0.0.5","Count":2,
- *     "First":{document},"Second":{document}}, the two of a search have "Search":{report}, and ChangeEnded has "Id" and
- *     "Change":{outcome}.
+ *     "First":{document},"Second":{document}}, the two of a search have "Search":{report}, and ChangeEnded has "Id",
+ *     "Change":{outcome} and, when it is known what the device had, "Undo":{request}, which gives it back.
  *
  * @par Reports
  *     {"Devices":1000,"Rounds":[{"Asked":"all","Answers":981,"New":981,"Lost":12},...],"LostHere":12,

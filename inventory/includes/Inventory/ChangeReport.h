@@ -33,7 +33,8 @@ struct ChangeReport
     /// Such as reboot-needed; empty until it has ended.
     const char* VerdictName() const;
 
-    /// The request that gives back what the device had; nothing when that is unknown. To be started with GivesBack.
+    /// The request that gives back what the device had; nothing when that is unknown, or nothing was sent. To be
+    /// started with GivesBack.
     std::optional<ChangeRequest> Undo() const;
 
     /// {"MACAddress":"..","Verdict":"applied","Seconds":0.4,"Before":{..},"After":{..}}; what is unknown is left out.

@@ -59,6 +59,9 @@ struct ChangeRequest
     /// What the request asks for, in the same form.
     std::string Settings() const;
 
+    /// As Parse reads it.
+    std::string ToJson() const;
+
     /// For people: the name "press-4", the address 10.0.0.7/24 with the gateway 10.0.0.1.
     std::string ToString() const;
 

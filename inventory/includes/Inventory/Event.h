@@ -67,7 +67,8 @@ struct Event
 
     /// {"Event":"Changed","When":1500,"Device":{"Host":...},"Changes":[{"Property":..,"Before":..,"After":..}]}; a
     /// conflict has "Conflict":{"Kind":"ip","Value":"10.0.0.5","Count":2,"First":{..},"Second":{..}}, an event of the
-    /// search "Search" with its report, that of a change its "Id" and "Change" with its report.
+    /// search "Search" with its report, that of a change its "Id", "Change" with its report, and
+    /// the request to "Undo" it.
     std::string ToJson() const;
 };
 } // namespace Zent::Discovery::Inventory
