@@ -15,7 +15,13 @@ int main()
         inventory.OnAppeared([](const DeviceChange& change) {
             std::cout << change.Description.HostName << ", a " << change.Description.DeviceType << '\n';
         });
-        std::cout << inventory.Discover().Devices.size() << " devices, all that there are\n";
+        const SearchResult result = inventory.Discover();
+        std::cout << result.Devices.size() << " devices, all that there are\n";
+
+        const std::string macAddress = result.Devices.at(0).Description.NICs.at(0).MACAddress;
+        const ChangeOutcome change = inventory.Rename("press-4", macAddress);
+        std::cout << *change.Before << " became " << *change.After << '\n';
+        inventory.Undo(change);
     }
     catch (const std::exception& error)
     {

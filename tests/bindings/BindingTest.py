@@ -283,6 +283,22 @@ class InventoryTest(TestCase):
             self.assertEqual(self.search("3000", device.ip, "198.51.100.7")[1], {device.name})
         self.assertNotIn("Asynchronous restart", self.host.log.read_text(errors="replace"))
 
+    def change(self, *arguments):
+        self.host.must(*arguments)
+        return self.host.note("outcome").split()
+
+    def test_a_device_is_renamed_and_given_its_name_back(self):
+        self.host.must("inventory", "10000")
+        with Simulator("--count", "2", "--no-hello") as simulator:
+            one, two = simulator.devices
+            self.assertEqual(self.change("give-name", "press-4", one.mac), ["applied", one.name])
+            self.assertEqual(self.change("give-name", "press-4", two.mac), ["notsent", "name-taken"])
+            self.assertIn("it is not known what the device had", self.host.call("give-back"))
+            self.assertEqual(self.change("give-name", "press-5", one.mac), ["applied", "press-4"])
+            self.assertEqual(self.change("give-back"), ["applied", "press-5"])
+            self.assertEqual(self.search("10000"), ("complete", {"press-4", two.name}))
+        self.assertIn("is no MAC address", self.host.call("give-name", "press-4", "02:00"))
+
     def test_what_devices_change_and_contradict_is_told(self):
         self.host.must("inventory", "0")
         with Peer() as peer:

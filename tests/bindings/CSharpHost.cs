@@ -7,6 +7,7 @@ using System.Linq;
 using System.Runtime.Serialization.Json;
 using System.Text;
 using System.Threading;
+using System.Threading.Tasks;
 using Zent.Discovery;
 
 static class CSharpHost
@@ -19,6 +20,7 @@ static class CSharpHost
     static string[] addresses;
     static DiscoverySession session;
     static Inventory inventory;
+    static ChangeOutcome last;
 
     static readonly Dictionary<string, Action<string[]>> Commands = new Dictionary<string, Action<string[]>>
     {
@@ -39,6 +41,8 @@ static class CSharpHost
         { "inventory", words => Watch(int.Parse(words[0])) },
         { "search", Search },
         { "devices", words => Say("devices" + Listed(inventory.Devices)) },
+        { "give-name", words => Change(() => inventory.RenameAsync(words[0], words[1])) },
+        { "give-back", words => Change(() => inventory.UndoAsync(last)) },
         { "held", words => Say(inventory.IsPortHeld ? "held yes" : "held no") },
         { "on", words => { lock (Actions) Actions[words[0]] = words[1]; } },
         { "release", words => Released.Set() },
@@ -87,6 +91,20 @@ static class CSharpHost
         inventory.Conflict += (sender, args) => Say(string.Join(
             " ", "conflict", args.Kind, args.Value, args.First.Device.SerialNumber, args.Second.Device.SerialNumber));
         inventory.HandlerFailed += (sender, args) => Say("reported " + args.Exception.Message);
+    }
+
+    static void Change(Func<Task<ChangeOutcome>> start)
+    {
+        try
+        {
+            last = start().GetAwaiter().GetResult();
+        }
+        catch (ChangeFailedException exception)
+        {
+            last = exception.Outcome;
+        }
+        IEnumerable<string> before = last.Before?.Values ?? new string[0];
+        Say("outcome " + last.Verdict.ToString().ToLowerInvariant() + " " + string.Join(" ", before) + " " + last.Code);
     }
 
     // Milliseconds, and addresses to ask one by one.

@@ -92,6 +92,23 @@ private:
         });
     }
 
+    template <class TStart>
+    void Change(const TStart& start)
+    {
+        constexpr const char* Verdicts[] = {"applied", "rebootneeded", "refused", "noanswer", "notsent"};
+        try
+        {
+            last = start();
+        }
+        catch (const Zent::Discovery::ChangeFailed& failure)
+        {
+            last = failure.Outcome();
+        }
+        const std::string before = last.Before.value_or("{}");
+        Say(std::string("outcome ") + Verdicts[static_cast<std::size_t>(last.Verdict)] + " " +
+            Zent::Discovery::JsonView(before)["HostName"].Text() + " " + last.Code);
+    }
+
     /// Milliseconds, and addresses to ask one by one.
     void Search(const Arguments& words)
     {
@@ -216,6 +233,9 @@ private:
         {"inventory", [this](const Arguments& words) { OpenInventory(words); }},
         {"search", [this](const Arguments& words) { Search(words); }},
         {"devices", [this](const Arguments&) { Say("devices" + Listed(inventory->Devices())); }},
+        {"give-name",
+         [this](const Arguments& words) { Change([&] { return inventory->Rename(words.at(0), words.at(1)); }); }},
+        {"give-back", [this](const Arguments&) { Change([&] { return inventory->Undo(last); }); }},
         {"held", [this](const Arguments&) { Say(inventory->IsPortHeld() ? "held yes" : "held no"); }},
         {"on", [this](const Arguments& words) { SetAction(words[0], words[1]); }},
         {"release", [this](const Arguments&) { Release(); }},
@@ -228,6 +248,7 @@ private:
     std::string address;
     std::unique_ptr<DiscoverySession> session;
     std::unique_ptr<DiscoveryInventorySession> inventory; // ends before its session
+    Zent::Discovery::ChangeOutcome last;                  // of a change
     std::thread closer;
 };
 } // namespace

@@ -6,13 +6,14 @@ import sys
 import threading
 
 import discovery_server
-from discovery_server.inventory import IncompleteSearchError, Inventory
+from discovery_server.inventory import ChangeFailedError, IncompleteSearchError, Inventory
 
 NIC_MEMBERS = ("FriendlyName", "MACAddress", "IPAddress", "SubNetMask", "DefaultGateway", "MTU")
 
 library = sys.argv[1] or None
 session = None
 inventory = None
+last = None
 actions = {}
 release = threading.Event()
 output = threading.Lock()
@@ -94,6 +95,16 @@ def listed(devices):
     return [f"{device.host['HostName']}:{device.state.value}" for device in devices]
 
 
+def change(start):
+    """start() is given the outcome of the last change."""
+    global last
+    try:
+        last = start(last)
+    except ChangeFailedError as error:
+        last = error.outcome
+    say("outcome", last.verdict.value.replace("-", ""), *((last.before or {}).values()), last.code)
+
+
 def close_in_background():
     threading.Thread(target=lambda: say("closed", outcome(session.close)), daemon=True).start()
 
@@ -116,6 +127,8 @@ COMMANDS = {
     "inventory": open_inventory,
     "search": search,
     "devices": lambda: say("devices", *listed(inventory.devices)),
+    "give-name": lambda name, mac: change(lambda _: inventory.rename(name, mac_address=mac)),
+    "give-back": lambda: change(lambda outcome: inventory.undo(outcome)),
     "held": lambda: say("held", "yes" if inventory.is_port_held else "no"),
     "on": actions.__setitem__,
     "release": release.set,

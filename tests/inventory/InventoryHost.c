@@ -198,7 +198,7 @@ static void TestChanges(DiscoveryInventory* session)
     Run(session, now + 1000);
     CHECK(DiscoveryInventoryChangeState(session, id, &text) == 0 && text == NULL);
     CHECK(CountShown("\"Id\":1,\"Change\":{\"MACAddress\":\"02:00:00:00:00:01\",\"Verdict\":\"applied\",") == 1);
-    CHECK(CountShown("\"After\":{\"HostName\":\"press-9\"}}}") == 1);
+    CHECK(CountShown("\"After\":{\"HostName\":\"press-9\"}},\"Undo\":{\"MACAddress\":") == 1);
 
     CHECK(DiscoveryInventoryStartChange(session,
                                         "{\"MACAddress\":\"02:00:00:00:00:01\",\"IPAddress\":\"10.0.0.9\","

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -53,11 +54,24 @@ struct DiscoverOptions
     std::vector<std::string> Also; ///< addresses elsewhere to ask one by one, such as 10.2.0.5 and 10.2.1.0/26
 };
 
+/// How to change a device.
+struct ChangeOptions
+{
+    bool Look = true; ///< searches first, for three seconds at most, for devices that have the name or the address
+    std::chrono::milliseconds Timeout{3000}; ///< until the device is to show the change
+
+    /// The same for a device that takes it when it starts anew. Without it that is a minute for one that falls silent,
+    /// and Timeout for one that goes on as before.
+    std::optional<std::chrono::milliseconds> RebootTimeout;
+
+    bool Force = false; ///< goes on when the device is unknown or another one has the name or the address
+};
+
 /// The devices that a session hears of: which there are, what becomes of them, and whether that is all.
 ///
 /// Link to the library DiscoveryInventory. A thread of its own asks the devices and calls the handlers, one at a time.
-/// All operations may be called from any thread and in any handler, but Discover not in a handler, and the destructor
-/// in none at all. What a handler throws goes to the handler of failures and no further.
+/// All operations may be called from any thread and in any handler, but those that search or change not in a handler,
+/// and the destructor in none at all. What a handler throws goes to the handler of failures and no further.
 class DiscoveryInventorySession final
 {
 public:
@@ -109,10 +123,7 @@ public:
     /// possible, std::logic_error in a handler of the inventory.
     SearchResult Discover(const DiscoverOptions& options = DiscoverOptions())
     {
-        if (std::this_thread::get_id() == thread.get_id())
-        {
-            throw std::logic_error("a search in a handler of the inventory would wait for the handler");
-        }
+        RefuseInHandler("a search");
         const std::string text = "{\"Wait\":" + std::to_string(options.Wait.count()) +
                                  ",\"Sweep\":" + (options.Sweep ? "true" : "false") + networks +
                                  ",\"Also\":" + ArrayOf(options.Also) + "}";
@@ -121,7 +132,7 @@ public:
         Check(DiscoveryInventoryStartSearch(engine.get(), text.c_str(), Now()));
         searchReport.reset();
         mailbox->Wake();
-        searchEnded.wait(lock, [this] { return searchReport.has_value(); });
+        somethingEnded.wait(lock, [this] { return searchReport.has_value(); });
         SearchResult result{{}, *searchReport};
         lock.unlock();
         for (KnownDevice& device : Devices())
@@ -136,6 +147,47 @@ public:
             throw IncompleteSearch(std::move(result));
         }
         return result;
+    }
+
+    /// Gives the device with a MAC address a new host name, and returns when it has it. Any number of changes go on at
+    /// once.
+    /// @throws ChangeFailed with the outcome when it does not come to have it, InventoryError when an argument is not
+    /// possible, std::logic_error in a handler of the inventory.
+    ChangeOutcome Rename(const std::string& newHostName,
+                         const std::string& macAddress,
+                         const ChangeOptions& options = ChangeOptions())
+    {
+        return Change(MemberOf("MACAddress", macAddress) + "," + MemberOf("HostName", newHostName), options);
+    }
+
+    /// The same for the device at an IP address, which broadcasts need not reach.
+    ChangeOutcome RenameAt(const std::string& newHostName,
+                           const std::string& ipAddress,
+                           const ChangeOptions& options = ChangeOptions())
+    {
+        return Change(MemberOf("IPAddress", ipAddress) + "," + MemberOf("HostName", newHostName), options);
+    }
+
+    /// The same for the settings of the interface that has their MAC address.
+    ChangeOutcome Configure(const NICSettings& settings, const ChangeOptions& options = ChangeOptions())
+    {
+        return Change(
+            MemberOf("MACAddress", settings.MACAddress) + "," + MemberOf("FriendlyName", settings.FriendlyName) + "," +
+                MemberOf("IPAddress", settings.IPAddress) + "," + MemberOf("SubNetMask", settings.SubNetMask) + "," +
+                MemberOf("DefaultGateway", settings.DefaultGateway) + "," + MemberOf("MTU", settings.MTU),
+            options);
+    }
+
+    /// Gives a device back what it had before a change, whatever has come of that one.
+    /// @throws as Rename does, and InventoryError when it is not known what the device had.
+    ChangeOutcome Undo(const ChangeOutcome& outcome, ChangeOptions options = ChangeOptions())
+    {
+        if (outcome.UndoRequest.empty())
+        {
+            throw InventoryError("it is not known what the device had before the change");
+        }
+        options.Look = false;
+        return Change(outcome.UndoRequest.substr(1, outcome.UndoRequest.size() - 2), options, ",\"GivesBack\":true");
     }
 
     /// Set what is called from now on; an empty function for nothing.
@@ -246,11 +298,23 @@ private:
 
     using Engine = std::unique_ptr<::DiscoveryInventory, Freeing>;
 
-    /// A question that the library wishes to be asked.
-    struct Question
+    /// A request that the inventory's library wishes to be made.
+    struct Request
     {
         int Kind;
+        long long Id;
         std::string Address;
+        std::string Text;
+
+        bool IsChange() const { return Kind >= DiscoveryInventoryRename && Kind <= DiscoveryInventoryConfigure; }
+    };
+
+    /// What has happened.
+    struct News
+    {
+        std::vector<DeviceChange> Changes;
+        std::optional<std::string> Report;                         // of a search that has ended
+        std::vector<std::pair<long long, ChangeOutcome>> Outcomes; // of changes, by their ids
     };
 
     static void Check(int code)
@@ -283,6 +347,44 @@ private:
             quoted.push_back(DiscoverySession::Quoted(text));
         }
         return DiscoverySession::Array(quoted);
+    }
+
+    static std::string MemberOf(const std::string& name, const std::string& value)
+    {
+        return DiscoverySession::Quoted(name) + ":" + DiscoverySession::Quoted(value);
+    }
+
+    void RefuseInHandler(const std::string& what) const
+    {
+        if (std::this_thread::get_id() == thread.get_id())
+        {
+            throw std::logic_error(what + " in a handler of the inventory would wait for the handler");
+        }
+    }
+
+    /// members are those of the request, more those of its options that no caller chooses.
+    ChangeOutcome Change(const std::string& members, const ChangeOptions& options, const std::string& more = "")
+    {
+        RefuseInHandler("a change");
+        const auto truth = [](bool is) { return is ? "true" : "false"; };
+        const std::string text =
+            std::string("{\"Look\":") + truth(options.Look) +
+            ",\"Timeout\":" + std::to_string(options.Timeout.count()) +
+            (options.RebootTimeout ? ",\"RebootTimeout\":" + std::to_string(options.RebootTimeout->count()) : "") +
+            ",\"Force\":" + truth(options.Force) + more + "}";
+        std::unique_lock<std::mutex> lock(engineLock);
+        long long id = 0;
+        Check(DiscoveryInventoryStartChange(engine.get(), ("{" + members + "}").c_str(), text.c_str(), Now(), &id));
+        const auto outcome = outcomes.emplace(id, std::nullopt).first;
+        mailbox->Wake();
+        somethingEnded.wait(lock, [&] { return outcome->second.has_value(); });
+        ChangeOutcome result = *std::move(outcome->second);
+        outcomes.erase(outcome);
+        if (result.Verdict != ChangeVerdict::Applied)
+        {
+            throw ChangeFailed(std::move(result));
+        }
+        return result;
     }
 
     void SetHandler(DeviceEvent event, Handler handler)
@@ -328,34 +430,40 @@ private:
     /// Messages, then the time, wishes and events. Returns how long nothing is to be done.
     std::chrono::milliseconds Work(const std::vector<Message>& messages)
     {
-        std::vector<Question> questions;
-        std::vector<DeviceChange> changes;
-        std::optional<std::string> report;
+        std::vector<Request> requests;
+        News news;
         std::chrono::milliseconds wait = LongestWait;
         Feed(messages);
         {
             const std::lock_guard<std::mutex> lock(engineLock);
             Check(DiscoveryInventoryAdvanceTime(engine.get(), Now()));
-            questions = TakeQuestions();
-            report = TakeEvents(changes);
+            requests = TakeRequests();
+            news = TakeNews();
             long long next = 0;
             Check(DiscoveryInventoryNextTime(engine.get(), &next));
             wait = std::clamp(std::chrono::milliseconds(next - Now()), std::chrono::milliseconds(1), LongestWait);
         }
-        for (const Question& question : questions) // without a lock: requests may wait for handlers
+        for (const Request& request : requests) // without a lock: requests may wait for handlers
         {
-            Ask(question);
+            const bool isTaken = Make(request);
+            if (request.IsChange())
+            {
+                const std::lock_guard<std::mutex> lock(engineLock);
+                Check(DiscoveryInventoryAnswerWish(engine.get(), request.Id, isTaken ? 1 : 0));
+                wait = std::chrono::milliseconds(0); // the change goes on at once
+            }
         }
-        for (const DeviceChange& change : changes)
+        for (const DeviceChange& change : news.Changes)
         {
             Tell(change);
         }
-        if (report)
+        const std::lock_guard<std::mutex> lock(engineLock);
+        searchReport = news.Report ? std::move(news.Report) : std::move(searchReport);
+        for (auto& [id, outcome] : news.Outcomes)
         {
-            const std::lock_guard<std::mutex> lock(engineLock);
-            searchReport = std::move(report);
-            searchEnded.notify_all();
+            outcomes.at(id) = std::move(outcome);
         }
+        somethingEnded.notify_all();
         return wait;
     }
 
@@ -370,61 +478,78 @@ private:
         }
     }
 
-    std::vector<Question> TakeQuestions()
+    std::vector<Request> TakeRequests()
     {
-        std::vector<Question> questions;
+        std::vector<Request> requests;
         DiscoveryInventoryWish wish{};
         while (Check(DiscoveryInventoryNextWish(engine.get(), &wish)), wish.Kind != DiscoveryInventoryNoWish)
         {
-            questions.push_back({wish.Kind, wish.Address});
+            const char* text = nullptr;
+            Check(DiscoveryInventoryWishText(engine.get(), &text, nullptr));
+            requests.push_back({wish.Kind, wish.Id, wish.Address, text});
         }
-        return questions;
+        return requests;
     }
 
-    /// Returns the report of a search that has ended.
-    std::optional<std::string> TakeEvents(std::vector<DeviceChange>& changes)
+    News TakeNews()
     {
-        std::optional<std::string> report;
+        News news;
         const char* text = nullptr;
         while (Check(DiscoveryInventoryNextEvent(engine.get(), &text)), text != nullptr)
         {
             const JsonView event(text);
             if (std::optional<DeviceChange> change = DiscoveryRecords::ReadChange(event))
             {
-                changes.push_back(std::move(*change));
+                news.Changes.push_back(std::move(*change));
             }
             else if (const std::string name = event["Event"].Text(); name == "SearchEnded")
             {
-                report = event["Search"].Raw();
+                news.Report = event["Search"].Raw();
+            }
+            else if (name == "ChangeEnded")
+            {
+                news.Outcomes.emplace_back(event["Id"].Number(), DiscoveryRecords::ReadOutcome(event));
             }
             else if (name == "PortHeld" || name == "PortReleased")
             {
                 isPortHeld = name == "PortHeld";
             }
         }
-        return report;
+        return news;
     }
 
-    void Ask(const Question& question)
+    /// Whether the library has taken the request. It does not while the server is stopped, for instance.
+    bool Make(const Request& request)
     {
         try
         {
-            if (question.Kind == DiscoveryInventoryAskAll)
+            switch (request.Kind)
             {
+            case DiscoveryInventoryAskAll:
                 session.Discover();
-            }
-            else if (question.Kind == DiscoveryInventoryAskMAC)
-            {
-                session.RefreshClient(question.Address);
-            }
-            else
-            {
-                session.ReachClient(question.Address);
+                return true;
+            case DiscoveryInventoryAskMAC:
+                session.RefreshClient(request.Address);
+                return true;
+            case DiscoveryInventoryAskIP:
+                session.ReachClient(request.Address);
+                return true;
+            case DiscoveryInventoryRename:
+                session.ChangeClientsHostName(request.Text, request.Address);
+                return true;
+            case DiscoveryInventoryRenameAt:
+                session.ChangeClientsHostNameWithIP(request.Text, request.Address);
+                return true;
+            case DiscoveryInventoryConfigure:
+                session.ChangeClientsIPConfigurationsFromJson(request.Text);
+                return true;
+            default:
+                return false;
             }
         }
         catch (const DiscoveryError&)
         {
-            // The server is stopped, for instance: nobody answers.
+            return false;
         }
     }
 
@@ -448,9 +573,10 @@ private:
 
     std::mutex searchTurn; // held during a search, taken before engineLock
     mutable std::mutex engineLock;
-    const Engine engine;                     // used under engineLock
-    std::optional<std::string> searchReport; // of a search that has ended; guarded by engineLock
-    std::condition_variable searchEnded;
+    const Engine engine;                                        // used under engineLock
+    std::optional<std::string> searchReport;                    // of a search that has ended; guarded by engineLock
+    std::map<long long, std::optional<ChangeOutcome>> outcomes; // of changes that somebody waits for; guarded likewise
+    std::condition_variable somethingEnded;                     // a search or a change
 
     std::mutex handlerLock; // never held while a handler runs
     std::array<Handler, static_cast<std::size_t>(DeviceEvent::Conflict) + 1> handlers; // guarded by handlerLock

@@ -113,6 +113,54 @@ private:
     SearchResult result;
 };
 
+/// What can come of a change of a device.
+enum class ChangeVerdict
+{
+    Applied,
+    RebootNeeded, ///< it does not show it, or is silent, and has said that it takes such changes when it starts anew
+    Refused,      ///< it answers and does not show it
+    NoAnswer,
+    NotSent ///< something was wrong with it
+};
+
+/// A change of a device that has ended.
+struct ChangeOutcome
+{
+    ChangeVerdict Verdict;
+    std::string MACAddress;            ///< of the interface that was meant; empty when it is not known
+    std::optional<std::string> Before; ///< what the device had, as DiscoveryInventory.h has it: {"HostName":"press-1"}
+    std::optional<std::string> After;  ///< what it has said last since it was told to change
+    std::string Code;                  ///< why it was not sent, such as name-taken
+    std::string Text;                  ///< the same for people
+    std::string UndoRequest;           ///< gives back what the device had; empty when that is not known
+};
+
+/// A change has ended with another verdict than Applied.
+class ChangeFailed : public std::runtime_error
+{
+public:
+    explicit ChangeFailed(ChangeOutcome outcome)
+        : std::runtime_error(TextOf(outcome))
+        , outcome(std::move(outcome))
+    {
+    }
+
+    const ChangeOutcome& Outcome() const { return outcome; }
+
+private:
+    static std::string TextOf(const ChangeOutcome& outcome)
+    {
+        constexpr const char* Texts[] = {"is changed", "takes the change when it starts anew",
+                                         "has not taken the change", "has not answered since it was told to change",
+                                         "was not told to change: "};
+        return (outcome.MACAddress.empty() ? "the device" : outcome.MACAddress) + " " +
+               Texts[static_cast<std::size_t>(outcome.Verdict)] + outcome.Text +
+               (outcome.Code.empty() ? "" : " (" + outcome.Code + ")");
+    }
+
+    ChangeOutcome outcome;
+};
+
 /// A value in a JSON text that a library has written, to be read while that text lasts. What is missing, and anything
 /// in it, is empty.
 class JsonView final
@@ -193,6 +241,8 @@ public:
         }
         return result;
     }
+
+    std::optional<std::string> RawIfThere() const { return Exists() ? std::optional(std::string(text)) : std::nullopt; }
 
     std::optional<std::string> TextIfThere() const { return Exists() ? std::optional(Text()) : std::nullopt; }
 
@@ -301,6 +351,20 @@ public:
         return DeviceChange{static_cast<DeviceEvent>(index), ReadDescription(event["Device"]),
                             event["Changes"].Map(&ReadPropertyChange),
                             conflict.Exists() ? std::optional(ReadConflict(conflict)) : std::nullopt};
+    }
+
+    /// Of the event ChangeEnded.
+    static ChangeOutcome ReadOutcome(const JsonView& event)
+    {
+        constexpr std::string_view Verdicts[] = {"applied", "reboot-needed", "refused", "no-answer", "not-sent"};
+        const JsonView change = event["Change"];
+        return {static_cast<ChangeVerdict>(IndexOf(Verdicts, change["Verdict"].Text())),
+                change["MACAddress"].Text(),
+                change["Before"].RawIfThere(),
+                change["After"].RawIfThere(),
+                change["Code"].Text(),
+                change["Text"].Text(),
+                std::string(event["Undo"].Raw())};
     }
 
 private:

@@ -3,6 +3,7 @@ using System.Collections.Concurrent;
 using System.Collections.Generic;
 using System.Diagnostics;
 using System.Linq;
+using System.Text;
 using System.Threading;
 using System.Threading.Tasks;
 
@@ -14,7 +15,7 @@ namespace Zent.Discovery
     /// </summary>
     /// <remarks>
     /// A thread of its own feeds the library DiscoveryInventory, asks devices, and raises the events, one at a time:
-    /// handlers should return soon, and must not wait for a search. What they throw goes to
+    /// handlers should return soon, and must not wait for a search or a change. What they throw goes to
     /// <see cref="HandlerFailed"/>, or to the trace listeners when that has no handler, and goes no further.
     /// All members may be used from any thread, but Dispose not in a handler of the session.
     /// </remarks>
@@ -33,9 +34,11 @@ namespace Zent.Discovery
         private readonly Stopwatch clock = Stopwatch.StartNew();
         private readonly BlockingCollection<Message> messages = new BlockingCollection<Message>(); // null wakes
         private readonly Thread thread;
-        private readonly object native = new object(); // guards the two that follow, and all calls with the handle
+        private readonly object native = new object(); // guards the three that follow, and all calls with the handle
         private IntPtr handle;
         private List<TaskCompletionSource<SearchResult>> searches = new List<TaskCompletionSource<SearchResult>>();
+        private readonly Dictionary<long, TaskCompletionSource<ChangeOutcome>> changes =
+            new Dictionary<long, TaskCompletionSource<ChangeOutcome>>();
         private volatile bool isClosing;
         private volatile bool isPortHeld; // written by the thread
 
@@ -155,6 +158,54 @@ namespace Zent.Discovery
         }
 
         /// <summary>
+        /// Gives the device with a MAC address a new host name; the task fails with a
+        /// <see cref="ChangeFailedException"/> when the device does not come to have it. Dispose cancels it.
+        /// </summary>
+        /// <exception cref="ArgumentException">An argument is not possible; the text names it.</exception>
+        /// <exception cref="ObjectDisposedException">The inventory is closed.</exception>
+        public Task<ChangeOutcome> RenameAsync(string newHostName, string macAddress, ChangeOptions options = null)
+        {
+            return ChangeAsync(Request("MACAddress", macAddress, "HostName", newHostName), options);
+        }
+
+        /// <summary>The same for the device at an IP address, which broadcasts need not reach.</summary>
+        public Task<ChangeOutcome> RenameAtAsync(string newHostName, string ipAddress, ChangeOptions options = null)
+        {
+            return ChangeAsync(Request("IPAddress", ipAddress, "HostName", newHostName), options);
+        }
+
+        /// <summary>The same for the settings of the interface that has their MAC address.</summary>
+        public Task<ChangeOutcome> ConfigureAsync(Nic settings, ChangeOptions options = null)
+        {
+            if (settings == null)
+            {
+                throw new ArgumentNullException(nameof(settings));
+            }
+            return ChangeAsync(settings, options);
+        }
+
+        /// <summary>
+        /// Gives a device back what it had before a change, whatever has come of that one. The task ends as that of
+        /// <see cref="RenameAsync"/> does.
+        /// </summary>
+        /// <exception cref="ArgumentException">It is not known what the device had.</exception>
+        public Task<ChangeOutcome> UndoAsync(ChangeOutcome outcome, ChangeOptions options = null)
+        {
+            if (outcome?.UndoRequest == null)
+            {
+                throw new ArgumentException("it is not known what the device had before the change", nameof(outcome));
+            }
+            return ChangeAsync(outcome.UndoRequest, new ChangeOptions
+            {
+                Look = false,
+                Timeout = options?.Timeout,
+                RebootTimeout = options?.RebootTimeout,
+                Force = options?.Force ?? false,
+                GivesBack = true
+            });
+        }
+
+        /// <summary>
         /// Ends the inventory; does nothing when that is done. Returns after a running handler has returned, except in
         /// one; none runs afterwards.
         /// </summary>
@@ -167,6 +218,30 @@ namespace Zent.Discovery
             {
                 thread.Join();
             }
+        }
+
+        private static IDictionary<string, string> Request(string key, string address, string property, string value)
+        {
+            return new Dictionary<string, string> { { key, address }, { property, value } };
+        }
+
+        private Task<ChangeOutcome> ChangeAsync<T>(T request, ChangeOptions options)
+        {
+            byte[] requestText = Document(request);
+            byte[] optionsText = Document(options ?? new ChangeOptions());
+            var change = new TaskCompletionSource<ChangeOutcome>(TaskCreationOptions.RunContinuationsAsynchronously);
+            lock (native)
+            {
+                if (isClosing || handle == IntPtr.Zero)
+                {
+                    throw new ObjectDisposedException(nameof(Inventory));
+                }
+                library.Check(library.StartChange(
+                    handle, requestText, optionsText, clock.ElapsedMilliseconds, out long id));
+                changes.Add(id, change);
+            }
+            messages.Add(null);
+            return change.Task;
         }
 
         private static byte[] Document<T>(T options)
@@ -200,6 +275,7 @@ namespace Zent.Discovery
                 library.Free(handle);
                 handle = IntPtr.Zero;
                 searches.ForEach(search => search.TrySetCanceled());
+                changes.Values.ToList().ForEach(change => change.TrySetCanceled());
             }
         }
 
@@ -223,7 +299,7 @@ namespace Zent.Discovery
         // session, wait for no lock of ours.
         private int Work(List<Message> batch)
         {
-            var wishes = new List<KeyValuePair<WishKind, string>>();
+            var wishes = new List<TakenWish>();
             var events = new List<byte[]>();
             List<TaskCompletionSource<SearchResult>> ended = null;
             byte[] report = null;
@@ -246,7 +322,18 @@ namespace Zent.Discovery
                     snapshot = ReadText(library.Snapshot);
                 }
             }
-            wishes.ForEach(wish => Ask(wish.Key, wish.Value));
+            foreach (TakenWish wish in wishes)
+            {
+                bool isTaken = CarryOut(wish);
+                if (wish.Kind >= WishKind.Rename && wish.Kind <= WishKind.Configure)
+                {
+                    lock (native)
+                    {
+                        library.Check(library.AnswerWish(handle, wish.Id, isTaken ? 1 : 0));
+                    }
+                    nextTime = 0; // the change goes on at once
+                }
+            }
             events.ForEach(Tell);
             if (ended != null)
             {
@@ -267,7 +354,7 @@ namespace Zent.Discovery
             }
         }
 
-        private void TakeWishes(List<KeyValuePair<WishKind, string>> wishes)
+        private void TakeWishes(List<TakenWish> wishes)
         {
             while (true)
             {
@@ -276,30 +363,49 @@ namespace Zent.Discovery
                 {
                     return;
                 }
-                wishes.Add(new KeyValuePair<WishKind, string>(wish.Kind, NativeLibrary.Text(wish.Address)));
+                library.Check(library.WishText(handle, out IntPtr text, out _));
+                wishes.Add(new TakenWish
+                {
+                    Kind = wish.Kind,
+                    Id = wish.Id,
+                    Address = NativeLibrary.Text(wish.Address),
+                    Text = NativeLibrary.TextBytes(text)
+                });
             }
         }
 
-        private void Ask(WishKind kind, string address)
+        // Whether the library has taken the request. It does not while the server is stopped, for instance.
+        private bool CarryOut(TakenWish wish)
         {
             try
             {
-                switch (kind)
+                switch (wish.Kind)
                 {
                     case WishKind.AskAll:
                         session.Discover();
-                        break;
+                        return true;
                     case WishKind.AskMac:
-                        session.RefreshClient(address);
-                        break;
+                        session.RefreshClient(wish.Address);
+                        return true;
                     case WishKind.AskIP:
-                        session.ReachClient(address);
-                        break;
+                        session.ReachClient(wish.Address);
+                        return true;
+                    case WishKind.Rename:
+                        session.ChangeClientsHostName(Encoding.UTF8.GetString(wish.Text), wish.Address);
+                        return true;
+                    case WishKind.RenameAt:
+                        session.ChangeClientsHostNameWithIP(Encoding.UTF8.GetString(wish.Text), wish.Address);
+                        return true;
+                    case WishKind.Configure:
+                        session.ChangeClientsIPConfigurations(Json.Read<Nic[]>(wish.Text));
+                        return true;
+                    default:
+                        return false;
                 }
             }
             catch (DiscoveryException)
             {
-                // The server is stopped, for instance: nobody answers.
+                return false;
             }
         }
 
@@ -332,6 +438,7 @@ namespace Zent.Discovery
                 case "Settled": Raise(Settled, what.Device); break;
                 case "Forgotten": Raise(Forgotten, what.Device); break;
                 case "Conflict": Raise(Conflict, what.Conflict); break;
+                case "ChangeEnded": End(what); break;
                 case "PortHeld": isPortHeld = true; break;
                 case "PortReleased": isPortHeld = false; break;
             }
@@ -379,10 +486,37 @@ namespace Zent.Discovery
             }
         }
 
+        private void End(InventoryDocuments.Event what)
+        {
+            TaskCompletionSource<ChangeOutcome> change;
+            lock (native)
+            {
+                change = changes[what.Id];
+                changes.Remove(what.Id);
+            }
+            what.Change.UndoRequest = what.Undo;
+            if (what.Change.Verdict == Verdict.Applied)
+            {
+                change.TrySetResult(what.Change);
+            }
+            else
+            {
+                change.TrySetException(new ChangeFailedException(what.Change));
+            }
+        }
+
         private IList<KnownDevice> ReadDevices(byte[] snapshot)
         {
             var document = Json.Read<InventoryDocuments.Snapshot>(snapshot);
             return document.Devices.Select(row => new KnownDevice(row, start)).ToArray();
+        }
+
+        private sealed class TakenWish
+        {
+            public WishKind Kind;
+            public long Id;
+            public string Address;
+            public byte[] Text;
         }
 
         private sealed class Message

@@ -36,6 +36,15 @@ namespace Zent.Discovery
 
             [DataMember]
             public ConflictEventArgs Conflict { get; private set; }
+
+            [DataMember]
+            public long Id { get; private set; }
+
+            [DataMember]
+            public ChangeOutcome Change { get; private set; }
+
+            [DataMember]
+            public IDictionary<string, string> Undo { get; private set; }
         }
 
         [DataContract]

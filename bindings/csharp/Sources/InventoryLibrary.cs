@@ -10,11 +10,14 @@ namespace Zent.Discovery
         public readonly FeedFunction Feed;
         public readonly AdvanceTimeFunction AdvanceTime;
         public readonly NextWishFunction NextWish;
+        public readonly WishTextFunction WishText;
+        public readonly AnswerWishFunction AnswerWish;
         public readonly GetTextFunction NextEvent;
         public readonly GetTextFunction Snapshot;
         public readonly NextTimeFunction NextTime;
         public readonly StartSearchFunction StartSearch;
         public readonly SearchStateFunction SearchState;
+        public readonly StartChangeFunction StartChange;
 
         private const int OutOfMemory = 27;
 
@@ -30,11 +33,14 @@ namespace Zent.Discovery
             Bind(out Feed, "DiscoveryInventoryFeed", 2 * word + 12);
             Bind(out AdvanceTime, "DiscoveryInventoryAdvanceTime", word + 8);
             Bind(out NextWish, "DiscoveryInventoryNextWish", 2 * word);
+            Bind(out WishText, "DiscoveryInventoryWishText", 3 * word);
+            Bind(out AnswerWish, "DiscoveryInventoryAnswerWish", word + 16);
             Bind(out NextEvent, "DiscoveryInventoryNextEvent", 2 * word);
             Bind(out Snapshot, "DiscoveryInventorySnapshot", 2 * word);
             Bind(out NextTime, "DiscoveryInventoryNextTime", 2 * word);
             Bind(out StartSearch, "DiscoveryInventoryStartSearch", 2 * word + 8);
             Bind(out SearchState, "DiscoveryInventorySearchState", 3 * word);
+            Bind(out StartChange, "DiscoveryInventoryStartChange", 4 * word + 8);
             Bind(out getLastError, "DiscoveryInventoryGetLastError", 0);
         }
 

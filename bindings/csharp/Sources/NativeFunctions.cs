@@ -43,6 +43,15 @@ namespace Zent.Discovery
     internal delegate int NextWishFunction(IntPtr inventory, out Wish wish);
 
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]
+    internal delegate int WishTextFunction(IntPtr inventory, out IntPtr text, out long change);
+
+    [UnmanagedFunctionPointer(CallingConvention.StdCall)]
+    internal delegate int AnswerWishFunction(IntPtr inventory, long id, long value);
+
+    [UnmanagedFunctionPointer(CallingConvention.StdCall)]
+    internal delegate int StartChangeFunction(IntPtr inventory, byte[] request, byte[] options, long now, out long id);
+
+    [UnmanagedFunctionPointer(CallingConvention.StdCall)]
     internal delegate int GetTextFunction(IntPtr inventory, out IntPtr text);
 
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]
@@ -69,7 +78,10 @@ namespace Zent.Discovery
         None = 0,
         AskAll = 1,
         AskMac = 2,
-        AskIP = 3
+        AskIP = 3,
+        Rename = 6,
+        RenameAt = 7,
+        Configure = 8
     }
 
     [StructLayout(LayoutKind.Sequential)]

@@ -5,6 +5,11 @@
             print(device.host["HostName"])
         for change in inventory.changes(timeout=60):
             print(change.kind.value, change.host and change.host["HostName"])
+
+The devices can be changed, too; each change is checked before it is sent, and looked at afterwards:
+
+    outcome = inventory.rename("press-4", mac_address="00:1A:2B:3C:4D:5E")
+    inventory.undo(outcome)
 """
 
 from __future__ import annotations
@@ -20,13 +25,14 @@ import threading
 import time
 from dataclasses import dataclass, field
 from types import TracebackType
-from typing import Any, AsyncIterator, Callable, Dict, Iterable, Iterator, List, Optional, Tuple, Type
+from typing import Any, AsyncIterator, Callable, Dict, Iterable, Iterator, List, Mapping, Optional, Tuple, Type
 
-from . import DiscoveryError, Document, EventKind, Host, Nic, Session, _list
+from . import DiscoveryError, Document, EventKind, Host, Nic, NicSettings, Session, _list
 from ._native import Functions, NativeLibrary, Path
 
 __all__ = [
     "Change",
+    "ChangeFailedError",
     "ChangeKind",
     "Conflict",
     "Device",
@@ -36,6 +42,8 @@ __all__ = [
     "IncompleteSearchError",
     "Inventory",
     "InventoryError",
+    "Outcome",
+    "Verdict",
 ]
 
 INVENTORY_LIBRARY_VARIABLE = "DISCOVERY_INVENTORY_LIBRARY"
@@ -141,6 +149,48 @@ class Change(_Documented):
     """Of ChangeKind.CONFLICT; document is that of its second device."""
 
 
+class Verdict(enum.Enum):
+    """What has come of a change of a device."""
+
+    APPLIED = "applied"
+    REBOOT_NEEDED = "reboot-needed"
+    """It does not show the change, or is silent, and has said that it takes such changes when it starts anew."""
+    REFUSED = "refused"
+    """It answers, and does not show the change."""
+    NO_ANSWER = "no-answer"
+    NOT_SENT = "not-sent"
+    """Something was wrong with the request."""
+
+
+@dataclass(frozen=True)
+class Outcome:
+    """A change of a device that has ended."""
+
+    verdict: Verdict
+    mac_address: str
+    """Of the interface that was meant; "" when it is not known."""
+    seconds: float = 0.0
+    """From the request to the verdict."""
+    before: Optional[Dict[str, str]] = None
+    """What the device had: "HostName", or the settings of the interface. None when it is not known."""
+    after: Optional[Dict[str, str]] = None
+    """What it has said last since it was told to change; None when it has not."""
+    code: str = ""
+    """Why it was not sent, such as name-taken."""
+    text: str = ""
+    """The same for people."""
+    _undo: Optional[Dict[str, str]] = None
+
+
+class ChangeFailedError(Exception):
+    """A change has ended with another verdict than that it is applied."""
+
+    def __init__(self, outcome: Outcome) -> None:
+        reason = f": {outcome.text} ({outcome.code})" if outcome.code else ""
+        super().__init__(f"{outcome.mac_address or 'the device'} is not changed: {outcome.verdict.value}{reason}")
+        self.outcome = outcome
+
+
 class InventoryError(ValueError):
     """The library has refused options; the text names the member and what it may be."""
 
@@ -161,10 +211,12 @@ class _Wish(ctypes.Structure):
 
 
 _NO_WISH, _ASK_ALL, _ASK_MAC, _ASK_IP = range(4)
+_RENAME, _RENAME_AT, _CONFIGURE = range(6, 9)
 _OUT_OF_MEMORY = 27
 _TEXT = ctypes.POINTER(ctypes.c_char_p)
 _FUNCTIONS: Functions = {
     "AdvanceTime": (ctypes.c_void_p, ctypes.c_longlong),
+    "AnswerWish": (ctypes.c_void_p, ctypes.c_longlong, ctypes.c_longlong),
     "Create": (ctypes.c_char_p, ctypes.POINTER(ctypes.c_void_p)),
     "Feed": (ctypes.c_void_p, ctypes.c_int, ctypes.c_char_p, ctypes.c_longlong),
     "Free": (ctypes.c_void_p,),
@@ -173,8 +225,24 @@ _FUNCTIONS: Functions = {
     "NextTime": (ctypes.c_void_p, ctypes.POINTER(ctypes.c_longlong)),
     "NextWish": (ctypes.c_void_p, ctypes.POINTER(_Wish)),
     "Snapshot": (ctypes.c_void_p, _TEXT),
+    "StartChange": (
+        ctypes.c_void_p,
+        ctypes.c_char_p,
+        ctypes.c_char_p,
+        ctypes.c_longlong,
+        ctypes.POINTER(ctypes.c_longlong),
+    ),
     "StartSearch": (ctypes.c_void_p, ctypes.c_char_p, ctypes.c_longlong),
+    "WishText": (ctypes.c_void_p, _TEXT, ctypes.POINTER(ctypes.c_longlong)),
 }
+
+
+@dataclass(frozen=True)
+class _TakenWish:
+    kind: int
+    address: str
+    id: int
+    text: bytes
 
 
 class _Library(NativeLibrary):
@@ -230,6 +298,7 @@ class Inventory:
         self._handle: Optional[ctypes.c_void_p] = ctypes.c_void_p()
         self._is_closing = False
         self._search: Optional[Dict[str, Any]] = None  # the report of the last search, once it has ended
+        self._outcomes: Dict[int, Optional[Outcome]] = {}  # of changes that somebody waits for
         self._is_port_held = False
         self._receivers: List[Callable[[Optional[Change]], None]] = []
         self._library.call("Create", json.dumps({"AskSystem": True, **options}).encode(), ctypes.byref(self._handle))
@@ -293,6 +362,64 @@ class Inventory:
             raise IncompleteSearchError(devices, report)
         return devices
 
+    def rename(
+        self,
+        host_name: str,
+        *,
+        mac_address: Optional[str] = None,
+        ip_address: Optional[str] = None,
+        look: bool = True,
+        timeout: float = 3,
+        reboot_timeout: Optional[float] = None,
+        force: bool = False,
+    ) -> Outcome:
+        """Gives a device a new host name, and returns when it has it.
+
+        mac_address: of the device, which a broadcast reaches whatever its IP address is.
+        ip_address: instead, of a device that broadcasts do not reach.
+        look: whether to search first, for three seconds at most, for devices that have the name.
+        timeout: seconds until the device is to have it.
+        reboot_timeout: the same for a device that takes it when it starts anew. Without it a minute for one that falls
+            silent, and timeout for one that goes on as before.
+        force: goes on when the device is unknown or another one has the name.
+        Raises ChangeFailedError, whose outcome says what is the matter, and InventoryError when an argument is not
+        possible.
+        """
+        if (mac_address is None) == (ip_address is None):
+            raise InventoryError("either mac_address or ip_address names the device")
+        request = {"HostName": host_name}
+        if mac_address is not None:
+            request["MACAddress"] = mac_address
+        elif ip_address is not None:
+            request["IPAddress"] = ip_address
+        return self._change(request, _change_options(look, timeout, reboot_timeout, force))
+
+    def configure(
+        self,
+        settings: NicSettings,
+        *,
+        look: bool = True,
+        timeout: float = 3,
+        reboot_timeout: Optional[float] = None,
+        force: bool = False,
+    ) -> Outcome:
+        """Gives the interface with the MAC address of the settings the others, and returns when it has them.
+
+        The keyword arguments, and what it raises, are those of rename.
+        """
+        return self._change(dict(settings), _change_options(look, timeout, reboot_timeout, force))
+
+    def undo(self, outcome: Outcome, *, timeout: float = 3, reboot_timeout: Optional[float] = None) -> Outcome:
+        """Gives a device back what it had before a change, whatever has come of that one.
+
+        The keyword arguments are those of rename. Raises ChangeFailedError likewise, and InventoryError when it is not
+        known what the device had.
+        """
+        if outcome._undo is None:
+            raise InventoryError("it is not known what the device had before the change")
+        options = _change_options(False, timeout, reboot_timeout, False)
+        return self._change(outcome._undo, {**options, "GivesBack": True})
+
     def changes(self, timeout: Optional[float] = None) -> Iterator[Change]:
         """Yields what happens from now on.
 
@@ -317,6 +444,24 @@ class Inventory:
                 yield change
         finally:
             self._unsubscribe(receive)
+
+    def _change(self, request: Mapping[str, Any], options: Dict[str, Any]) -> Outcome:
+        change = ctypes.c_longlong()
+        with self._lock:
+            if self._handle is None:
+                raise InventoryError("the inventory is closed")
+            texts = (json.dumps(each).encode() for each in (request, options))
+            self._library.call("StartChange", self._handle, *texts, self._now(), ctypes.byref(change))
+            self._outcomes[change.value] = None
+            self._messages.put(None)
+            while self._outcomes[change.value] is None and self._handle is not None:
+                self._lock.wait(1)  # on Windows Ctrl-C takes effect between waits only
+            outcome = self._outcomes.pop(change.value)
+        if outcome is None:
+            raise InventoryError("the inventory was closed before the change has ended")
+        if outcome.verdict != Verdict.APPLIED:
+            raise ChangeFailedError(outcome)
+        return outcome
 
     def _iterate(self, arrived: queue.SimpleQueue[Optional[Change]], timeout: Optional[float]) -> Iterator[Change]:
         try:
@@ -375,8 +520,12 @@ class Inventory:
             wishes = list(self._take_wishes())
             self._tell()
             wait = self._time_to_wait()
-        for wish, address in wishes:
-            self._ask(wish, address)
+        for wish in wishes:
+            is_taken = self._carry_out(wish)
+            if wish.kind in (_RENAME, _RENAME_AT, _CONFIGURE):
+                wait = 0.0  # the change goes on at once
+                with self._lock:
+                    self._library.call("AnswerWish", self._handle, wish.id, int(is_taken))
         return wait
 
     def _take_messages(self, wait: float) -> List[Tuple[EventKind, bytes]]:
@@ -401,30 +550,46 @@ class Inventory:
         except InventoryError as error:
             _logger.warning("unreadable message left out: %s", error)
 
-    def _take_wishes(self) -> Iterator[Tuple[int, str]]:
+    def _take_wishes(self) -> Iterator[_TakenWish]:
         wish = _Wish()
+        text = ctypes.c_char_p()
         while True:
             self._library.call("NextWish", self._handle, ctypes.byref(wish))
             if wish.kind == _NO_WISH:
                 return
-            yield wish.kind, wish.address.decode("ascii", "replace")
+            self._library.call("WishText", self._handle, ctypes.byref(text), None)
+            yield _TakenWish(wish.kind, wish.address.decode("ascii", "replace"), wish.id, text.value or b"")
 
-    def _ask(self, kind: int, address: str) -> None:
+    def _carry_out(self, wish: _TakenWish) -> bool:
+        """Whether the library has taken the request."""
         try:
-            if kind == _ASK_ALL:
+            if wish.kind == _ASK_ALL:
                 self._session.discover()
-            elif kind == _ASK_MAC:
-                self._session.refresh_client(address)
-            elif kind == _ASK_IP:
-                self._session.reach_client(address)
+            elif wish.kind == _ASK_MAC:
+                self._session.refresh_client(wish.address)
+            elif wish.kind == _ASK_IP:
+                self._session.reach_client(wish.address)
+            elif wish.kind == _RENAME:
+                self._session.change_clients_host_name(wish.text.decode(), wish.address)
+            elif wish.kind == _RENAME_AT:
+                self._session.change_clients_host_name_with_ip(wish.text.decode(), wish.address)
+            elif wish.kind == _CONFIGURE:
+                self._session.change_clients_ip_configurations(json.loads(wish.text))
+            else:
+                return False
         except (DiscoveryError, ValueError) as error:  # the server is stopped, for instance: nobody answers
-            _logger.debug("not asked: %s", error)
+            _logger.debug("not sent: %s", error)
+            return False
+        return True
 
     def _tell(self) -> None:
         kinds = {kind.value: kind for kind in ChangeKind}
         while (event := self._read("NextEvent")) is not None:
             if event["Event"] == "SearchEnded":
                 self._search = event["Search"]
+                self._lock.notify_all()
+            elif event["Event"] == "ChangeEnded" and event["Id"] in self._outcomes:
+                self._outcomes[event["Id"]] = _outcome(event)
                 self._lock.notify_all()
             elif event["Event"] in ("PortHeld", "PortReleased"):
                 self._is_port_held = event["Event"] == "PortHeld"
@@ -445,6 +610,27 @@ class Inventory:
 
     def _now(self) -> int:
         return int((time.monotonic() - self._start[0]) * 1000)
+
+
+def _change_options(look: bool, timeout: float, reboot_timeout: Optional[float], force: bool) -> Dict[str, Any]:
+    options: Dict[str, Any] = {"Look": look, "Timeout": round(timeout * 1000), "Force": force}
+    if reboot_timeout is not None:
+        options["RebootTimeout"] = round(reboot_timeout * 1000)
+    return options
+
+
+def _outcome(event: Dict[str, Any]) -> Outcome:
+    change = event["Change"]
+    return Outcome(
+        Verdict(change["Verdict"]),
+        change.get("MACAddress", ""),
+        change.get("Seconds", 0.0),
+        change.get("Before"),
+        change.get("After"),
+        change.get("Code", ""),
+        change.get("Text", ""),
+        event.get("Undo"),
+    )
 
 
 def _differences(event: Dict[str, Any]) -> List[Difference]:
