@@ -7,12 +7,12 @@ namespace Zent::Discovery::Inventory
 namespace
 {
 using Verdict = ChangeReport::ChangeVerdict;
+} // namespace
 
-/// The MAC address of the interface that the change is about; empty when it is unknown.
-std::string AddressOf(const ChangeReport& report)
+std::string ChangeReport::MACAddress() const
 {
-    const Device::Interface& interface = report.Request.Interface;
-    const Device* const device = report.After ? report.After.get() : report.Before.get();
+    const Device::Interface& interface = Request.Interface;
+    const Device* const device = After ? After.get() : Before.get();
     if (!interface.MACAddress.empty() || device == nullptr)
     {
         return interface.MACAddress;
@@ -26,7 +26,6 @@ std::string AddressOf(const ChangeReport& report)
     }
     return {};
 }
-} // namespace
 
 const char* ChangeReport::VerdictName() const
 {
@@ -51,7 +50,7 @@ std::optional<ChangeRequest> ChangeReport::Undo() const
 std::string ChangeReport::ToJson() const
 {
     JsonText json;
-    const std::string address = AddressOf(*this);
+    const std::string address = MACAddress();
     json.Text(address.empty() ? "IPAddress" : "MACAddress", address.empty() ? Request.Interface.IPAddress : address);
     if (Verdict)
     {
@@ -82,7 +81,7 @@ std::string ChangeReport::ToString() const
     {
         return Refusal->ToString();
     }
-    const std::string address = AddressOf(*this);
+    const std::string address = MACAddress();
     const std::string who = address.empty() ? Request.Interface.IPAddress : address;
     const std::string what = Request.ToString();
     const std::string verdict = std::string(" (") + VerdictName() + ")";

@@ -194,8 +194,24 @@ static void TestChanges(DiscoveryInventory* session)
     CHECK(DiscoveryInventoryChangeState(session, id, &text) == 0);
     CHECK(strcmp(text,
                  "{\"MACAddress\":\"02:00:00:00:00:01\",\"Seconds\":0.0,\"Before\":{\"HostName\":\"press-1\"}}") == 0);
+    DiscoveryInventoryJournal* journal;
+    CHECK(DiscoveryInventoryJournalCreate(&journal) == 0);
+    CHECK(DiscoveryInventoryJournalFeed(journal, "{\"Time\":") == invalidFormat);
+    CHECK(DiscoveryInventoryJournalBegin(journal, session, id + 1, "12:00", NULL, &text) == 10);
+    CHECK(DiscoveryInventoryJournalBegin(journal, session, id, "12:00", NULL, &text) == 0);
+    char line[300] = "";
+    strncat(line, text, sizeof(line) - 1);
+    CHECK(DiscoveryInventoryJournalEntries(journal, &text) == 0 && strstr(text, "\"State\":\"open\"") != NULL);
     isBusy = 0;
     Run(session, now + 1000);
+    CHECK(DiscoveryInventoryJournalEnd(journal, id, "applied", &text) == 0 && text != NULL);
+    DiscoveryInventoryJournalFree(journal);
+    CHECK(DiscoveryInventoryJournalCreate(&journal) == 0 && DiscoveryInventoryJournalFeed(journal, line) == 0);
+    CHECK(DiscoveryInventoryJournalEnd(journal, id, "applied", &text) == 0 && text == NULL);
+    CHECK(DiscoveryInventoryJournalUndo(journal, "02:00:00:00:00:02", &text) == 0 && text == NULL);
+    CHECK(DiscoveryInventoryJournalUndo(journal, NULL, &text) == 0);
+    CHECK(strstr(text, "\"Request\":{\"MACAddress\":\"02:00:00:00:00:01\",\"HostName\":\"press-1\"}}") != NULL);
+    DiscoveryInventoryJournalFree(journal);
     CHECK(DiscoveryInventoryChangeState(session, id, &text) == 0 && text == NULL);
     CHECK(CountShown("\"Id\":1,\"Change\":{\"MACAddress\":\"02:00:00:00:00:01\",\"Verdict\":\"applied\",") == 1);
     CHECK(CountShown("\"After\":{\"HostName\":\"press-9\"}},\"Undo\":{\"MACAddress\":") == 1);

@@ -1,11 +1,13 @@
 #include "DiscoveryInventory.h"
 
+#include "Inventory/Journal.h"
 #include "Inventory/Session.h"
 #include "OptionsReader.h"
 #include "Programs/SystemAnswers.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -23,6 +25,14 @@ struct DiscoveryInventory
     std::optional<SystemAnswers> System = {}; // when the host leaves the system to the session
     std::string Text = {};
     std::optional<Wish> LastWish = {};
+};
+
+/// A journal, and the entries of changes that go on, by the ids of these.
+struct DiscoveryInventoryJournal
+{
+    Journal Entries = {};
+    std::map<long long, JournalEntry> Open = {};
+    std::string Text = {};
 };
 
 namespace
@@ -318,6 +328,103 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryChangeState(DiscoveryInventory* s
             *json = report == nullptr ? nullptr : Give(session, report->ToJson());
         },
         session, json);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalCreate(DiscoveryInventoryJournal** journal)
+{
+    return Guard([&] { *journal = new DiscoveryInventoryJournal(); }, journal);
+}
+
+void DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalFree(DiscoveryInventoryJournal* journal)
+{
+    delete journal;
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalFeed(DiscoveryInventoryJournal* journal, const char* line)
+{
+    return Guard([&] { journal->Entries.Feed(line); }, journal, line);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalBegin(DiscoveryInventoryJournal* journal,
+                                                            DiscoveryInventory* session,
+                                                            long long change,
+                                                            const char* time,
+                                                            const char* undoes,
+                                                            const char** line)
+{
+    return Guard(
+        [&] {
+            const ChangeReport* const report = session->Engine.ChangeState(change);
+            if (report == nullptr)
+            {
+                throw std::out_of_range("no change with the id " + std::to_string(change) + " goes on");
+            }
+            JournalEntry entry{.Time = time,
+                               .MACAddress = report->MACAddress(),
+                               .After = report->Request.Settings(),
+                               .Undoes = std::string(OrNothing(undoes))};
+            if (report->Before != nullptr)
+            {
+                entry.Before = report->Request.SettingsOf(*report->Before);
+            }
+            journal->Text = Journal::BeginLine(entry);
+            journal->Entries.Feed(journal->Text);
+            journal->Open.insert_or_assign(change, std::move(entry));
+            *line = journal->Text.c_str();
+        },
+        journal, session, time, line);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalEnd(DiscoveryInventoryJournal* journal,
+                                                          long long change,
+                                                          const char* verdict,
+                                                          const char** line)
+{
+    return Guard(
+        [&] {
+            const auto entry = journal->Open.find(change);
+            *line = nullptr;
+            if (entry != journal->Open.end())
+            {
+                journal->Text = Journal::EndLine(entry->second, verdict);
+                journal->Entries.Feed(journal->Text);
+                journal->Open.erase(entry);
+                *line = journal->Text.c_str();
+            }
+        },
+        journal, verdict, line);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalEntries(DiscoveryInventoryJournal* journal, const char** json)
+{
+    return Guard(
+        [&] {
+            std::string text;
+            for (const JournalEntry& entry : journal->Entries.Entries())
+            {
+                text += (text.empty() ? "[" : ",") + entry.ToJson();
+            }
+            journal->Text = text.empty() ? "[]" : text + "]";
+            *json = journal->Text.c_str();
+        },
+        journal, json);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalUndo(DiscoveryInventoryJournal* journal,
+                                                           const char* macAddress,
+                                                           const char** json)
+{
+    return Guard(
+        [&] {
+            const JournalEntry* const entry = journal->Entries.NewestToUndo(OrNothing(macAddress));
+            *json = nullptr;
+            if (entry != nullptr)
+            {
+                journal->Text = R"({"Entry":)" + entry->ToJson() + R"(,"Request":)" + entry->UndoingRequest() + "}";
+                *json = journal->Text.c_str();
+            }
+        },
+        journal, json);
 }
 
 const char* DISCOVERY_INVENTORY_CALL DiscoveryInventoryGetLastError(void)

@@ -410,6 +410,94 @@ extern "C"
                                                                                        long long id,
                                                                                        const char** json);
 
+    /** Remembers changes over the end of the host. The host keeps its lines, in a file for instance. */
+    typedef struct DiscoveryInventoryJournal DiscoveryInventoryJournal;
+
+    /**
+     * Makes a journal without entries.
+     *
+     * @param journal where it is put; DiscoveryInventoryJournalFree ends it.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL
+    DiscoveryInventoryJournalCreate(DiscoveryInventoryJournal** journal);
+
+    /**
+     * Ends a journal.
+     *
+     * @param journal the journal; null is allowed.
+     */
+    DISCOVERY_INVENTORY_API void DISCOVERY_INVENTORY_CALL
+    DiscoveryInventoryJournalFree(DiscoveryInventoryJournal* journal);
+
+    /**
+     * Takes the next of the lines that the host has kept.
+     *
+     * @param journal the journal.
+     * @param line    the line.
+     * @return 0, or a result code: a broken line, as the last one may be after a power cut, may be left out.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL
+    DiscoveryInventoryJournalFeed(DiscoveryInventoryJournal* journal, const char* line);
+
+    /**
+     * Enters a change. To be called when its request is wished for, with the line kept before the request is sent.
+     *
+     * @param journal the journal, for one session alone.
+     * @param session the session.
+     * @param change  the id of the change, as DiscoveryInventoryWishText gives it.
+     * @param time    the time of the day as text, which tells this change of the device from others.
+     * @param undoes  the "Id" of the entry that the change takes back; null or empty for none.
+     * @param line    where the line to be kept is put; it belongs to the journal, until the next call with it.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL
+    DiscoveryInventoryJournalBegin(DiscoveryInventoryJournal* journal,
+                                   DiscoveryInventory* session,
+                                   long long change,
+                                   const char* time,
+                                   const char* undoes,
+                                   const char** line);
+
+    /**
+     * Enters what has come of a change, as the event ChangeEnded tells.
+     *
+     * @param journal the journal.
+     * @param change  the "Id" of the event.
+     * @param verdict the "Verdict" of the event.
+     * @param line    where the line to be kept is put; null when the change was not entered.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalEnd(
+        DiscoveryInventoryJournal* journal, long long change, const char* verdict, const char** line);
+
+    /**
+     * Gives all entries, the oldest first:
+     *
+     *     [{"Time":"..","MACAddress":"..","Before":{..},"After":{..},"Undoes":"..","Verdict":"..","State":"done",
+     *       "Id":".."}]
+     *
+     * State is open (nobody knows what has come of it), done or undone; what is not known is left out.
+     *
+     * @param journal the journal.
+     * @param json    where the array is put.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL
+    DiscoveryInventoryJournalEntries(DiscoveryInventoryJournal* journal, const char** json);
+
+    /**
+     * Gives the newest change that is not undone, and how to undo it: {"Id":"..","Request":{..}}, of which the request
+     * is for DiscoveryInventoryStartChange with the option GivesBack.
+     *
+     * @param journal    the journal.
+     * @param macAddress of the interface whose change is meant, 00:1A:2B:3C:4D:5E; null or empty for any.
+     * @param json       where the document is put; null when there is none.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL
+    DiscoveryInventoryJournalUndo(DiscoveryInventoryJournal* journal, const char* macAddress, const char** json);
+
     /**
      * Tells what was wrong with the last call of this thread that failed.
      *

@@ -33,6 +33,9 @@ struct ChangeReport
     /// Such as reboot-needed; empty until it has ended.
     const char* VerdictName() const;
 
+    /// Of the interface that the change is about; empty when it is unknown.
+    std::string MACAddress() const;
+
     /// The request that gives back what the device had; nothing when that is unknown, or nothing was sent. To be
     /// started with GivesBack.
     std::optional<ChangeRequest> Undo() const;
