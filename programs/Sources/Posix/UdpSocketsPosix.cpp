@@ -16,7 +16,8 @@ namespace
 {
 namespace fs = std::filesystem;
 
-/// A line of /proc/net/udp: its columns are separated by blanks, numbers of sockets and users are decimal.
+/// A line of /proc/self/net/udp, which services see, too, that have nothing else of /proc than processes: its columns
+/// are separated by blanks, numbers of sockets and users are decimal.
 struct Row
 {
     std::uint16_t Port = 0;
@@ -46,7 +47,8 @@ struct Row
 std::vector<Row> RowsOf(std::uint16_t port)
 {
     std::vector<Row> rows;
-    for (const char* const table : {"/proc/net/udp", "/proc/net/udp6"}) // a socket of both protocols is in the latter
+    for (const char* const table :
+         {"/proc/self/net/udp", "/proc/self/net/udp6"}) // a socket of both protocols is in the latter
     {
         std::ifstream lines(table);
         for (std::string line; std::getline(lines, line);)
