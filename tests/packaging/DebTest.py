@@ -11,8 +11,9 @@ from package import TestCase, build_with_pkg_config, run
 LIBRARY = "libdiscoveryserver.extc1"
 DEV = "libdiscoveryserver.extc-dev"
 TOOLS = "discoveryserver.extc-tools"
+AGENT = "discovery-agent"
 PYTHON = "python3-discovery-server"
-NAMES = (LIBRARY, DEV, TOOLS, PYTHON)
+NAMES = (LIBRARY, DEV, TOOLS, AGENT, PYTHON)
 NICE = "cap_sys_nice=ep"
 NOBODY = 65534
 
@@ -56,7 +57,7 @@ class DebTest(TestCase):
         return self.on_machine("getcap", "/usr/bin/discovery-console").partition(" ")[2].strip()
 
     def test_they_are_as_debian_wants_them_and_install_work_and_go(self):
-        self.assertEqual(set(self.packages), {*NAMES, f"{LIBRARY}-dbgsym", f"{TOOLS}-dbgsym"})
+        self.assertEqual(set(self.packages), {*NAMES, *(f"{name}-dbgsym" for name in (LIBRARY, TOOLS, AGENT))})
         run("lintian", "--allow-root", "--fail-on", "error,warning", *self.packages.values())
         for file in self.packages.values():
             self.assertIn(f"_{self.version()}_", file.name)
@@ -64,7 +65,7 @@ class DebTest(TestCase):
         self.make_machine()
         setcap = self.root / "usr/sbin/setcap"
         setcap.rename(setcap.with_suffix(".away"))
-        order = (PYTHON, TOOLS, DEV, LIBRARY)  # each before what it needs
+        order = (PYTHON, TOOLS, AGENT, DEV, LIBRARY)  # each before what it needs
         self.on_machine("apt-get", "-y", "--no-install-recommends", "install", *self.files(*order))
         self.assertEqual(self.capabilities(), "")  # refused, and nothing else has failed
         setcap.with_suffix(".away").rename(setcap)
@@ -87,6 +88,8 @@ class DebTest(TestCase):
         console = ("discovery-console", "--from", "127.0.0.1", "--log", "/tmp/c.log", "discover", "--expect", "1")
         self.assertIn(name, self.on_machine(*console, user=NOBODY))
         self.on_machine("python3", "-c", "import discovery_server; discovery_server.Session('/tmp/p.log').close()")
+        settings = "/etc/discovery-agent/agent.toml"
+        self.assertIn("right", self.on_machine("discovery-agent", "--check-config", "--config", settings))
         program = self.folder / "consumer"
         library = next(self.root.glob("usr/lib/*/libDiscoveryServer.ExtC.so"))
         build_with_pkg_config(library.parent / "pkgconfig", program)
@@ -97,7 +100,8 @@ class DebTest(TestCase):
         query = ";SELECT DISTINCT log_format FROM all_logs"
         self.assertIn("discovery_log", self.on_machine("lnav", "-n", "-c", query, "/tmp/c.log"))
         self.assertIn("devicediscovery", self.on_machine("tshark", "-G", "protocols"))
-        for page in ("discovery-console", "device-simulator"):
+        self.assertTrue((self.root / "lib/systemd/system/discovery-agent.service").exists())
+        for page in ("discovery-console", "device-simulator", "discovery-agent"):
             self.assertIn("/usr/share/man/", self.on_machine("man", "--where", page))
 
     def check_documentation(self):
