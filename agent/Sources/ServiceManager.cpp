@@ -10,7 +10,7 @@ namespace Zent::Discovery::Agent
 {
 namespace
 {
-constexpr std::chrono::milliseconds LongestInterval{5000};
+constexpr std::chrono::milliseconds LongestInterval{1000};
 }
 
 ServiceManager::ServiceManager()

@@ -21,8 +21,8 @@ public:
     /// That the thread which does the work goes on.
     void FeedWatchdog();
 
-    /// How often to do so, at least.
-    std::chrono::milliseconds WatchdogInterval() const { return interval; }
+    /// How often to do so, and to tell the status.
+    std::chrono::milliseconds ReportInterval() const { return interval; }
 
 private:
     std::chrono::milliseconds interval;

@@ -72,7 +72,9 @@ std::string PortHolder()
     {
         if (!each.IsOwn)
         {
-            return each.Program.empty() ? "another program" : each.Program;
+            return !each.Program.empty() ? each.Program
+                   : each.User           ? "a program of user " + std::to_string(*each.User)
+                                         : "another program";
         }
     }
     return "";
@@ -133,9 +135,13 @@ void SiteAgent::Run()
         {
             LookAround(now);
         }
-        manager.TellStatus(StatusText());
-        manager.FeedWatchdog();
-        const Time next = std::min({nextLook, publisher->NextTime(now), now + manager.WatchdogInterval()});
+        if (now >= nextReport)
+        {
+            manager.TellStatus(StatusText());
+            manager.FeedWatchdog();
+            nextReport = now + manager.ReportInterval();
+        }
+        const Time next = std::min({nextLook, nextReport, publisher->NextTime(now)});
         goesOn = driver.Run(std::max(next - now, Time(0)));
     }
     manager.TellStopping();
@@ -209,6 +215,12 @@ void SiteAgent::LookAround(Time now)
     {
         knownChanges = changes;
         log.Info("network interfaces have changed");
+    }
+    if (const std::size_t lost = connection ? connection->Lost() : 0; lost != knownLost)
+    {
+        log.Warning(std::to_string(lost - knownLost) +
+                    " messages of the broker lost: they come faster than they are taken");
+        knownLost = lost;
     }
     inventory.RemoveOverdue(std::chrono::system_clock::now());
 }

@@ -58,7 +58,9 @@ private:
     std::optional<CommandDesk> desk;
     std::string portHolder;    // another program on the port, if there is one
     unsigned knownChanges = 0; // of the interfaces
+    std::size_t knownLost = 0; // messages of the broker
     Inventory::Time nextLook{0};
+    Inventory::Time nextReport{0};
     bool isSearched = false;     // by a search that heard all answers
     bool isJudgementDue = false; // of records whose devices have not answered
 };

@@ -6,7 +6,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -112,6 +111,11 @@ void SiteInventory::Take(const Event& event, WallTime now)
         TellOfConflict(*event.Contradiction, now);
         return;
     }
+    if (event.Kind == Event::EventKind::Forgotten)
+    {
+        Forget(IdOf(*event.Subject).value_or(""));
+        return;
+    }
     const DeviceRow* const row =
         event.Subject == nullptr ? nullptr : session.Devices().Find(event.Subject->MainInterface().MACAddress);
     const std::optional<std::string> id = row == nullptr ? std::nullopt : IdOf(*row->Latest);
@@ -145,14 +149,9 @@ void SiteInventory::TakeUnclaimed(const std::string& id, const std::optional<Dev
 
 void SiteInventory::CallSilentGone(WallTime now)
 {
-    std::set<std::string> heard;
-    for (const auto& [number, id] : ids)
-    {
-        heard.insert(id);
-    }
     for (auto& [id, record] : records)
     {
-        if (!heard.contains(id) && !IsAway(record))
+        if (!rows.contains(id) && !IsAway(record))
         {
             record = DeviceRecord(DeviceRecord::DeviceState::Gone, record.Host(), now);
             publisher.PublishRecord(id, record);
@@ -195,6 +194,7 @@ void SiteInventory::Update(const DeviceRow& row, WallTime now)
         Withdraw(known->second); // an interface came or went, and with it the lowest address
     }
     ids.insert_or_assign(row.Id, id);
+    rows.insert_or_assign(id, row.Id);
     try
     {
         const DeviceRecord* const before = Find(id);
@@ -215,8 +215,19 @@ void SiteInventory::Update(const DeviceRow& row, WallTime now)
 
 void SiteInventory::Withdraw(const std::string& id)
 {
+    rows.erase(id);
     records.erase(id);
     publisher.RemoveRecord(id);
+}
+
+/// The device has given way to others in the table, and nobody will know what becomes of it.
+void SiteInventory::Forget(const std::string& id)
+{
+    if (const auto row = rows.find(id); row != rows.end())
+    {
+        ids.erase(row->second);
+        Withdraw(id);
+    }
 }
 
 void SiteInventory::Tell(const char* kind, const std::string& id, std::string details, WallTime now)

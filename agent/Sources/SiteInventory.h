@@ -53,6 +53,7 @@ public:
 private:
     void Update(const Inventory::DeviceRow& row, Fleet::WallTime now);
     void Withdraw(const std::string& id);
+    void Forget(const std::string& id);
     void Tell(const char* kind, const std::string& id, std::string details, Fleet::WallTime now);
     void TellOfConflict(const Inventory::Conflict& conflict, Fleet::WallTime now);
 
@@ -62,7 +63,10 @@ private:
     ISitePublisher& publisher;
     Log& log;
     std::map<std::string, Fleet::DeviceRecord> records; // by the device's id
+
+    // The rows of the table that have a record, both ways.
     std::unordered_map<std::uint64_t, std::string> ids; // by the row's number
+    std::unordered_map<std::string, std::uint64_t> rows;
     std::uint64_t lastEvent = 0;
 };
 } // namespace Zent::Discovery::Agent

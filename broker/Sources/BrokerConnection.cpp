@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <random>
+#include <stdexcept>
 #include <utility>
 
 using Zent::Discovery::Programs::Lock;
@@ -84,19 +85,18 @@ void BrokerConnection::Run()
 {
     for (unsigned failures = 0;; ++failures)
     {
-        const auto attempt = std::make_shared<Client>(settings, [this](BrokerNews each) { Tell(std::move(each)); });
-        std::string reason = attempt->Connect();
-        if (reason.empty())
+        std::string reason;
+        try
         {
-            {
-                const Lock guard(clientLock);
-                client = attempt;
-            }
-            reason = Serve(*attempt);
-            const Lock guard(clientLock);
-            client.reset();
+            const auto attempt = std::make_shared<Client>(settings, [this](BrokerNews each) { Tell(std::move(each)); });
+            reason = attempt->Connect();
+            reason = reason.empty() ? Serve(attempt) : reason;
+            failures = attempt->IsAccepted() ? 0 : failures;
         }
-        failures = attempt->IsAccepted() ? 0 : failures;
+        catch (const std::runtime_error& error) // files for TLS that were there at the start
+        {
+            reason = error.what();
+        }
         Tell({BrokerNews::NewsKind::Disconnected, 0, std::move(reason)});
         if (!WaitToRetry(failures))
         {
@@ -105,8 +105,20 @@ void BrokerConnection::Run()
     }
 }
 
-/// Until the connection ends; the reason.
-std::string BrokerConnection::Serve(Client& connection)
+/// Lets the connection be used until it ends; the reason.
+std::string BrokerConnection::Serve(const std::shared_ptr<Client>& connection)
+{
+    {
+        const Lock guard(clientLock);
+        client = connection;
+    }
+    std::string reason = LoopOver(*connection);
+    const Lock guard(clientLock);
+    client.reset();
+    return reason;
+}
+
+std::string BrokerConnection::LoopOver(Client& connection)
 {
     const auto deadline = std::chrono::steady_clock::now() + AcceptTime;
     for (;;)

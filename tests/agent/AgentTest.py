@@ -2,9 +2,11 @@
 
 import json
 import pathlib
+import random
 import re
 import subprocess
 import sys
+import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "endtoend"))
 
@@ -70,6 +72,28 @@ class AgentTest(endtoend.TestCase):
         wait_until(lambda: topics.devices()[identity]["State"] == "present", "device that came back")
         self.assertEqual(agent.stop(), 0)
         wait_until(lambda: topics.state() == "disconnected", "goodbye")
+
+    def test_an_agent_that_is_killed_at_any_moment_leaves_nothing_wrong_behind(self):
+        self.enterContext(Broker(self.folder, ANYBODY))
+        simulator = self.enterContext(Simulator("--count", "30"))
+        topics = self.enterContext(Topics("plant-1"))
+        chance = random.Random(1)
+        for _ in range(endtoend.setting("rounds")):
+            agent = self.start()
+            time.sleep(chance.uniform(0, 5))  # any moment of the start and of the first rounds
+            agent.kill()
+            simulator.behave(f"{chance.choice(('kill', 'revive'))} {chance.randint(1, 30)}")
+        for number in range(1, 31):
+            simulator.behave(f"revive {number}")
+        self.start()
+        wait_until(
+            lambda: topics.is_whole(30)
+            and topics.state() == "ready"
+            and {each["State"] for each in topics.devices().values()} == {"present"},
+            "all devices",
+        )
+        names = {record["Host"]["HostName"] for record in topics.devices().values()}
+        self.assertEqual(names, {device.name for device in simulator.devices})
 
     def test_a_broker_that_has_lost_everything_has_it_again(self):
         with Broker(self.folder, ANYBODY):

@@ -50,7 +50,8 @@ private:
     class Client;
 
     void Run();
-    std::string Serve(Client& connection);
+    std::string Serve(const std::shared_ptr<Client>& connection);
+    std::string LoopOver(Client& connection);
     bool WaitToRetry(unsigned failures);
     void Tell(BrokerNews each);
     void End(bool goodbye);
