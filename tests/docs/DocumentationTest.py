@@ -41,7 +41,7 @@ def help_texts():
     """What the programs and scripts say of their options."""
     console = [str(setting("bin") / "discovery-console")]
     overview = output_of(console)
-    subcommands = re.findall(r"^  (\w+)", overview.partition("Subcommands:\n")[2].partition("\n\n")[0], re.MULTILINE)
+    subcommands = re.findall(r"^  ([\w-]+)", overview.partition("Subcommands:\n")[2].partition("\n\n")[0], re.MULTILINE)
     return "".join([
         overview,
         *(output_of([*console, subcommand]) for subcommand in subcommands),

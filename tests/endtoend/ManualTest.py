@@ -21,7 +21,7 @@ def help_of(program, *commands):
     text = subprocess.run(command(program, *commands, "--help"), stdout=subprocess.PIPE, check=True).stdout.decode()
     options = re.findall(r"^ +(?:-\w,)?(--[\w-]+)", text, re.MULTILINE)
     listed = text.partition("Subcommands:\n")[2].partition("\n\n")[0]
-    return options, re.findall(r"^  (\w+) ", listed, re.MULTILINE)
+    return options, re.findall(r"^  ([\w-]+) ", listed, re.MULTILINE)
 
 
 def all_commands(program, *commands):

@@ -9,6 +9,7 @@
 #include "Commands/WatchCommand.h"
 #include "Doctor/DoctorCommand.h"
 #include "Programs/ProgramVersion.h"
+#include "Support/SupportBundleCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -61,6 +62,7 @@ CommandLine::CommandLine()
     Add(inventory, std::make_unique<InventoryShowCommand>());
     Add(inventory, std::make_unique<InventoryDiffCommand>());
     Add(*app, std::make_unique<DoctorCommand>());
+    Add(*app, std::make_unique<SupportBundleCommand>());
     Add(*app, std::make_unique<ErrorCommand>());
     app->footer(ExitStatusTable()); // last: commands would take it over
 }

@@ -62,21 +62,7 @@ void WriteMember(JSONStringer& stringer, std::string_view key, std::string_view 
     stringer.Value(value);
 }
 
-std::string DocumentOf(const Finding& finding)
-{
-    JSONStringer stringer;
-    stringer.Object();
-    WriteMember(stringer, "Code", finding.Of->Code);
-    WriteMember(stringer, "Severity", NameOf(finding.HowBad));
-    WriteMember(stringer, "Title", finding.Of->Title);
-    WriteMember(stringer, "Text", finding.Text);
-    WriteMember(stringer, "Affects", finding.Of->Affects);
-    WriteArray(stringer, "Commands", finding.Commands);
-    stringer.EndObject();
-    return std::string(stringer.ToString().View());
-}
-
-std::string DocumentOf(const Check& check)
+std::string CheckDocument(const Check& check)
 {
     JSONStringer stringer;
     stringer.Object();
@@ -109,7 +95,7 @@ ExitStatus List(Output& output)
 {
     for (const Check& check : Check::All())
     {
-        output.PrintLine(output.IsJson() ? DocumentOf(check) : LineOf(check));
+        output.PrintLine(output.IsJson() ? CheckDocument(check) : LineOf(check));
     }
     return ExitStatus::Success;
 }
@@ -142,6 +128,20 @@ CLI::App& DoctorCommand::AddTo(CLI::App& parent)
     command.add_flag("--list", onlyLists, "show which checks there are, and make none");
     command.add_flag("-v,--verbose", isVerbose, "show what each finding affects and which commands help");
     return command;
+}
+
+std::string DoctorCommand::DocumentOf(const Finding& finding)
+{
+    JSONStringer stringer;
+    stringer.Object();
+    WriteMember(stringer, "Code", finding.Of->Code);
+    WriteMember(stringer, "Severity", NameOf(finding.HowBad));
+    WriteMember(stringer, "Title", finding.Of->Title);
+    WriteMember(stringer, "Text", finding.Text);
+    WriteMember(stringer, "Affects", finding.Of->Affects);
+    WriteArray(stringer, "Commands", finding.Commands);
+    stringer.EndObject();
+    return std::string(stringer.ToString().View());
 }
 
 ExitStatus DoctorCommand::Run(CommandContext& context)

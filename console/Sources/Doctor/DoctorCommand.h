@@ -24,6 +24,9 @@ public:
 
     ExitStatus Run(CommandContext& context) override;
 
+    /// What it tells scripts of a finding; text from outside may be in it.
+    static std::string DocumentOf(const Doctor::Finding& finding);
+
 private:
     bool NeedsSearch() const;
     void Show(const Doctor::Finding& finding, Output& output) const;

@@ -68,9 +68,9 @@ HeardDevice Heard(const Device& device)
 }
 
 /// The library has split a log that grew too large.
-LogSummary ReadLog(const fs::path& file)
+std::string TextOfLog(const fs::path& file)
 {
-    std::stringstream log;
+    std::ostringstream log;
     for (const char* const suffix : {".3.bak", ".2.bak", ".1.bak", ""})
     {
         if (std::ifstream part(fs::path(file).concat(suffix)); part)
@@ -79,7 +79,13 @@ LogSummary ReadLog(const fs::path& file)
             log.clear(); // an empty part is a failure to the stream
         }
     }
-    return LogReader::Read(log);
+    return log.str();
+}
+
+LogSummary Summary(const std::string& log)
+{
+    std::istringstream stream(log);
+    return LogReader::Read(stream);
 }
 
 Observations Observe(const ProgramOptions& options, const std::vector<NetworkInterface>& interfaces)
@@ -125,7 +131,9 @@ std::optional<SearchResult> Examination::Search(CommandContext& context)
     settings.LogLevel = DiscoveryLogDebug;
     Programs::MessageQueue& messages = context.Messages();
     const auto queue = [&messages](DeviceMessage::MessageKind kind) {
-        return [&messages, kind](const std::string& document) { messages.Push({kind, document}); };
+        return [&messages, kind](const std::string& document) {
+            messages.Push({kind, document, std::chrono::system_clock::now()});
+        };
     };
     const auto complain = [&context](const std::string& text) { context.Out().Complain(text); };
     SearchResult result;
@@ -140,6 +148,7 @@ std::optional<SearchResult> Examination::Search(CommandContext& context)
             if (const std::optional<Device> device = reader.Next())
             {
                 result.Devices.insert(Heard(*device));
+                result.Documents += Output::DocumentOf(Output::MembersOf(*device), *device) + '\n';
             }
         }
         result.BufferDrops = UdpSockets::OwnDrops(UdpSockets::HostPort);
@@ -150,7 +159,8 @@ std::optional<SearchResult> Examination::Search(CommandContext& context)
         }
     }
     result.Seconds = std::chrono::duration<double>(context.Wait()).count();
-    result.Log = ReadLog(logFile);
+    result.LogText = TextOfLog(logFile);
+    result.Log = Summary(result.LogText);
     return result;
 }
 
@@ -159,7 +169,7 @@ std::string Examination::ReasonForSilence(const ProgramOptions& options, double 
     Observations observations = Observe(options, SystemNetwork::Interfaces());
     SearchResult& search = observations.Search.emplace();
     search.Seconds = seconds;
-    search.Log = ReadLog(options.Session.LogFile);
+    search.Log = Summary(TextOfLog(options.Session.LogFile));
     const std::string wanted[] = {"nobody-answers"};
     const std::vector<Finding> findings = Diagnosis::Of(observations, wanted);
     const Finding& reason = findings.front(); // nobody has answered, so there is one

@@ -61,6 +61,8 @@ struct SearchResult
     std::set<HeardDevice> Devices;
     std::optional<std::uint64_t> BufferDrops; // nothing where the system does not count them
     LogSummary Log;
+    std::string LogText;   // of the library
+    std::string Documents; // of the devices, a line each
 };
 
 /// All that is known when the checks judge. Collecting it takes a system; judging it does not.

@@ -6,10 +6,12 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <sys/auxv.h>
 #include <sys/capability.h>
 #include <sys/stat.h>
+#include <sys/utsname.h>
 #include <system_error>
 
 namespace Zent::Discovery::Console
@@ -94,6 +96,37 @@ std::string HostPlatform::TimeOfDay(std::chrono::system_clock::time_point time)
     localtime_r(&seconds, &local);
     char text[16];
     return {text, std::strftime(text, sizeof(text), "%H:%M:%S", &local)};
+}
+
+std::string HostPlatform::SystemVersion()
+{
+    utsname names{};
+    uname(&names);
+    std::string distribution;
+    std::ifstream file("/etc/os-release");
+    for (std::string line; std::getline(file, line);)
+    {
+        if (line.starts_with("PRETTY_NAME="))
+        {
+            distribution = ", " + line.substr(line.find('=') + 1);
+        }
+    }
+    return std::string(names.sysname) + ' ' + names.release + ' ' + names.machine + distribution;
+}
+
+std::vector<std::string> HostPlatform::OwnNames()
+{
+    utsname names{};
+    uname(&names);
+    std::vector<std::string> own = {names.nodename};
+    for (const char* const variable : {"USER", "LOGNAME", "SUDO_USER"})
+    {
+        if (const std::string name = EnvironmentVariable(variable); name != "root") // who is called so everywhere
+        {
+            own.push_back(name);
+        }
+    }
+    return own;
 }
 
 std::string HostPlatform::EnvironmentVariable(const char* name)

@@ -97,10 +97,15 @@ std::string Output::MembersOf(const Device& device)
            (hasTime ? R"(,"Time":")" + TimeText::Utc(device.Message.Received) + '"' : "");
 }
 
-void Output::PrintDocument(const std::string& members, const Device& device)
+std::string Output::DocumentOf(const std::string& members, const Device& device)
 {
     // The library's document is a JSON object.
-    PrintLine('{' + members + (members.empty() ? "" : ",") + TerminalText::Json(device.Message.Document).substr(1));
+    return '{' + members + (members.empty() ? "" : ",") + TerminalText::Json(device.Message.Document).substr(1);
+}
+
+void Output::PrintDocument(const std::string& members, const Device& device)
+{
+    PrintLine(DocumentOf(members, device));
 }
 
 void Output::PrintRow(const std::vector<std::string>& titles, const std::vector<std::string>& cells)

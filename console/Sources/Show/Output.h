@@ -49,6 +49,7 @@ public:
     static std::string MembersOf(const Inventory::Device& device);
 
     /// One document for scripts: members, such as "Change":"Left", and then those of the library's document.
+    static std::string DocumentOf(const std::string& members, const Inventory::Device& device);
     void PrintDocument(const std::string& members, const Inventory::Device& device);
 
     /// One row of comma-separated values, which may come from outside. The first one is preceded by the titles.

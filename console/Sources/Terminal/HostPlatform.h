@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace Zent::Discovery::Console
 {
@@ -24,6 +25,12 @@ public:
 
     /// The local time of day, such as 14:07:09.
     static std::string TimeOfDay(std::chrono::system_clock::time_point time);
+
+    /// The name and the version of the system, for people.
+    static std::string SystemVersion();
+
+    /// What this machine and its user are called, as far as that tells who they are.
+    static std::vector<std::string> OwnNames();
 
     /// Empty when it is not set.
     static std::string EnvironmentVariable(const char* name);

@@ -2,6 +2,7 @@
 
 #include "Programs/Process.h"
 
+#include <array>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -57,6 +58,32 @@ std::string HostPlatform::TimeOfDay(std::chrono::system_clock::time_point time)
     localtime_s(&local, &seconds);
     char text[16];
     return {text, std::strftime(text, sizeof(text), "%H:%M:%S", &local)};
+}
+
+std::string HostPlatform::SystemVersion()
+{
+    // What GetVersionEx tells depends on the program's manifest, the registry does not.
+    const auto read = [](const wchar_t* name) {
+        std::array<wchar_t, 128> text{};
+        DWORD size = sizeof(text) - sizeof(wchar_t);
+        RegGetValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", name, RRF_RT_REG_SZ,
+                     nullptr, text.data(), &size);
+        return Utf8(std::filesystem::path(text.data()));
+    };
+    return read(L"ProductName") + ", build " + read(L"CurrentBuildNumber");
+}
+
+std::vector<std::string> HostPlatform::OwnNames()
+{
+    std::vector<std::string> own;
+    for (const wchar_t* const variable : {L"COMPUTERNAME", L"USERNAME", L"USERDOMAIN"})
+    {
+        if (const wchar_t* const name = _wgetenv(variable))
+        {
+            own.push_back(Utf8(std::filesystem::path(name)));
+        }
+    }
+    return own;
 }
 
 std::string HostPlatform::EnvironmentVariable(const char* name)
