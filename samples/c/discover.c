@@ -36,12 +36,14 @@ int main(void)
     /* The address stays on this machine; leave InitBroadcastProvider out to ask the local network. */
     if (Succeeded("SetClientSignatureReceivedEventCallBack", SetClientSignatureReceivedEventCallBack(OnSignature)) &&
         Succeeded("StartServer", StartServer()) &&
-        Succeeded("InitBroadcastProvider", InitBroadcastProvider("[\"127.0.0.1\"]")) &&
-        Succeeded("Discover", Discover()))
+        Succeeded("InitBroadcastProvider", InitBroadcastProvider("[\"127.0.0.1\"]")))
     {
         puts("Press Enter to end.");
-        getchar();
-        status = EXIT_SUCCESS;
+        if (Succeeded("Discover", Discover()))
+        {
+            getchar();
+            status = EXIT_SUCCESS;
+        }
     }
     return Succeeded("Terminate", Terminate()) ? status : EXIT_FAILURE;
 }

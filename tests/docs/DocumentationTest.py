@@ -176,7 +176,7 @@ class DocumentTest(TestCase):
         host.mkdir()
         (host / "CMakeLists.txt").write_text(
             "cmake_minimum_required(VERSION 3.25)\nproject(Host LANGUAGES C)\n"
-            f"add_executable(host {self.tree.folder}/samples/example.c)\n{block.text}",
+            f"add_executable(host {self.tree.folder}/samples/c/discover.c)\n{block.text}",
             encoding="utf-8",
         )
         self.run_commands('cmake -S host -B host/build -DCMAKE_PREFIX_PATH="$PWD/installed"', None)
