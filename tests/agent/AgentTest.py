@@ -95,15 +95,20 @@ class AgentTest(endtoend.TestCase):
         names = {record["Host"]["HostName"] for record in topics.devices().values()}
         self.assertEqual(names, {device.name for device in simulator.devices})
 
-    def test_a_broker_that_has_lost_everything_has_it_again(self):
-        with Broker(self.folder, ANYBODY):
+    def test_a_broker_that_has_lost_everything_has_it_again_from_agents_with_a_certificate(self):
+        certificates(self.folder)
+        authority, certificate, key = (self.folder / name for name in ("ca.crt", "own.crt", "own.key"))
+        broker = (f"cafile {authority}", f"certfile {certificate}", f"keyfile {key}", "require_certificate true",
+                  "use_identity_as_username true")  # fmt: skip
+        client = ("--cafile", str(authority), "--cert", str(certificate), "--key", str(key))
+        with Broker(self.folder, *broker):
             self.enterContext(Simulator("--count", "20"))
-            agent = self.start()
-            with Topics("plant-1") as topics:
+            agent = self.start(f"tls = true\nauthority = '{authority}'", f"certificate = '{certificate}'", f"key = '{key}'")
+            with Topics("plant-1", *client) as topics:
                 wait_until(lambda: topics.is_whole(20) and topics.state() == "ready", "20 devices")
         agent.told_with("no broker")
-        self.enterContext(Broker(self.folder, ANYBODY))
-        topics = self.enterContext(Topics("plant-1"))
+        self.enterContext(Broker(self.folder, *broker))
+        topics = self.enterContext(Topics("plant-1", *client))
         wait_until(lambda: topics.is_whole(20) and topics.state() == "ready", "20 devices again")
 
     def test_of_two_agents_for_one_site_the_second_publishes_nothing_until_the_first_is_gone(self):
@@ -266,6 +271,11 @@ class AgentTest(endtoend.TestCase):
             status, reason = check(text)
             self.assertEqual(status, 2, text)
             self.assertTrue(reason.startswith(expected), reason)
+        page = (endtoend.setting("source") / "agent/man/discovery-agent.8").read_text().replace("\\-", "-")
+        shown = subprocess.run(command("discovery-agent", "--help"), capture_output=True, text=True, check=True).stdout
+        for option in re.findall(r"--[a-z][\w-]+", shown):
+            if option != "--help":
+                self.assertRegex(page, rf"{option}\b(?!-)")
         status, reason = check('[broker]\nhost = "b"\ncommands = true')
         self.assertEqual(status, 2)
         self.assertIn("needs a broker with tls", reason)
