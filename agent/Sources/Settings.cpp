@@ -121,6 +121,10 @@ bool Settings::CanTakeCommands() const
 
 void Settings::Check() const
 {
+    if (!Fleet::SiteTopics::IsName(Site))
+    {
+        throw WrongArgument("--site: \"" + Site + "\" is no name of a site");
+    }
     if (TakesCommands && !CanTakeCommands())
     {
         throw WrongArgument("commands = true needs a broker with tls = true and either user and password-file or "

@@ -1,4 +1,3 @@
-#include "Fleet/Topics.h"
 #include "Log.h"
 #include "Programs/Interruption.h"
 #include "Programs/MessageQueue.h"
@@ -89,11 +88,9 @@ int Serve(const Settings& settings)
     }
     return Failure;
 }
-} // namespace
 
-int main(int argc, char* argv[])
+int Run(int argc, const char* const* argv)
 {
-    Process::PrepareStreams();
     CLI::App program("Watches over the devices of this machine's networks for a site, and keeps their inventory on a "
                      "message broker.",
                      "discovery-agent");
@@ -102,18 +99,27 @@ int main(int argc, char* argv[])
     try
     {
         program.parse(argc, argv);
-        const Settings settings = options.Read();
-        if (options.ChecksOnly)
-        {
-            const Zent::Discovery::Fleet::SiteTopics topics(settings.Site);
-            std::cout << "the settings are right\n";
-            return Success;
-        }
-        return Serve(settings);
     }
     catch (const CLI::ParseError& error)
     {
         return program.exit(error) == 0 ? Success : Usage;
+    }
+    const Settings settings = options.Read();
+    if (options.ChecksOnly)
+    {
+        std::cout << "the settings are right\n";
+        return Success;
+    }
+    return Serve(settings);
+}
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    try
+    {
+        Process::PrepareStreams();
+        return Run(argc, argv);
     }
     catch (const std::exception& error)
     {

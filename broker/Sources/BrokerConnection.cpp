@@ -22,10 +22,10 @@ constexpr std::chrono::seconds AcceptTime{20};
 /// come at once.
 std::chrono::milliseconds RetryTime(unsigned failures, std::chrono::milliseconds longest)
 {
-    static thread_local std::mt19937 Random{std::random_device{}()};
+    static thread_local std::mt19937 random{std::random_device{}()};
     const auto limit = std::min(longest, FirstRetry * (1U << std::min(failures, 10U)));
     return std::chrono::milliseconds(
-        std::uniform_int_distribution<std::chrono::milliseconds::rep>(limit.count() / 10, limit.count())(Random));
+        std::uniform_int_distribution<std::chrono::milliseconds::rep>(limit.count() / 10, limit.count())(random));
 }
 } // namespace
 
