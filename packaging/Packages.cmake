@@ -2,7 +2,7 @@
 
 set(CPACK_PACKAGE_NAME DiscoveryServer.ExtC)
 set(CPACK_PACKAGE_VENDOR "${PROJECT_COMPANY}")
-set(CPACK_PACKAGE_CONTACT "${PROJECT_COMPANY} <discovery@zent.example>")
+set(CPACK_PACKAGE_CONTACT "${PROJECT_COMPANY} <${PROJECT_CONTACT}>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each component has its own, the first line of its description
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_COMPONENTS_ALL runtime dev tools)

@@ -76,6 +76,7 @@ class NuGetTest(TestCase):
             for file in ("DiscoveryServer.Net.dll", "DiscoveryServer.Net.xml"):
                 self.assertTrue((package / "lib" / framework / file).exists(), f"{framework}: {file}")
         self.assertNotRegex((package / "README.md").read_text(), r"\]\((?![#h])", "links to what is not there")
+        self.assertIn("cJSON", (package / "copyright-linux-x64.txt").read_text())
         version = package.name.removeprefix("DiscoveryServer.ExtC.")
         assembly = (package / "lib/net46/DiscoveryServer.Net.dll").read_bytes().decode("utf-16-le", errors="ignore")
         self.assertRegex(assembly, rf"ProductVersion\0+{version}\0")

@@ -176,6 +176,8 @@ class PackageTest(TestCase):
         subprocess.run(["/usr/bin/python3", "-m", "pip", "--disable-pip-version-check", "--no-cache-dir", "install",
                         "--quiet", "--no-index", "--target", target, wheel], check=True)  # fmt: skip
         self.assertTrue((target / "discovery_server" / "py.typed").exists())
+        (terms,) = target.glob("*.dist-info/LICENSE")
+        self.assertIn("cJSON", terms.read_text())
         environment = {name: value for name, value in os.environ.items() if not name.startswith("DISCOVERY_")}
         environment["PYTHONPATH"] = str(target)
         program = (
