@@ -11,6 +11,7 @@ import shlex
 import shutil
 import subprocess
 import unittest
+from fnmatch import fnmatch
 
 import blocks
 import endtoend
@@ -252,7 +253,7 @@ class DocumentTest(TestCase):
             self.assertIn(anchor, blocks.Markdown(target).anchors())
 
     def check_inline(self, code):
-        if re.match(r"cmake |ctest |\./(run|test|soak)\b|(scripts|fuzzers)/\w", code):
+        if re.match(r"cmake |ctest |\./(run|test|soak)\b|(scripts|fuzzers)/[\w-]+( |$)", code):
             self.run_commands(re.sub(r"\b(N|SECONDS|MINUTES)\b", "1", code), None)
         elif option := re.match(r"--[a-z][\w-]*", code):
             self.assertRegex(help_texts(), rf"{option[0]}(?![\w-])")
@@ -263,7 +264,10 @@ class DocumentTest(TestCase):
 
 
 def load_tests(loader, tests, pattern):
-    return unittest.TestSuite([tests, *map(DocumentTest, documents(setting("source")))])
+    """All documents, or those that the option -k chooses by their paths."""
+    chosen = loader.testNamePatterns or ["*"]
+    pages = map(DocumentTest, documents(setting("source")))
+    return unittest.TestSuite([tests, *(page for page in pages if any(fnmatch(page.id(), each) for each in chosen))])
 
 
 if __name__ == "__main__":
