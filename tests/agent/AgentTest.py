@@ -7,6 +7,7 @@ import re
 import subprocess
 import sys
 import time
+import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "endtoend"))
 
@@ -35,8 +36,8 @@ class AgentTest(endtoend.TestCase):
         description = Description(endtoend.setting("source") / "docs/fleet/asyncapi.json")
         self.assertEqual(description.check(messages, self.folder), set(kinds))
 
-    def start(self, *settings, machine=None):
-        return self.enterContext(Agent(self.folder, SETTINGS + "\n".join(settings), machine=machine))
+    def start(self, *settings, before=()):
+        return self.enterContext(Agent(self.folder, SETTINGS + "\n".join(settings), before=before))
 
     def test_a_thousand_devices_are_whole_and_a_new_start_publishes_what_has_changed(self):
         self.enterContext(Broker(self.folder, ANYBODY))
@@ -72,6 +73,25 @@ class AgentTest(endtoend.TestCase):
         wait_until(lambda: topics.devices()[identity]["State"] == "present", "device that came back")
         self.assertEqual(agent.stop(), 0)
         wait_until(lambda: topics.state() == "disconnected", "goodbye")
+
+    @unittest.skipIf("--sanitized" in sys.argv, "a faked clock and a sanitizer want to be loaded first")
+    def test_the_record_of_a_device_goes_30_days_after_it_and_a_clock_that_is_set_back_does_no_harm(self):
+        self.enterContext(Broker(self.folder, ANYBODY))
+        simulator = self.enterContext(Simulator("--count", "2"))
+        topics = self.enterContext(Topics("plant-1"))
+        agent = self.start()
+        wait_until(lambda: topics.is_whole(2) and topics.state() == "ready", "2 devices")
+        identity = simulator.devices[0].mac.lower().replace(":", "-")
+        simulator.behave("kill 1")
+        wait_until(lambda: topics.devices()[identity]["State"] == "gone", "silent device")
+        for days, count in ((29, 2), (31, 1), (-400, 1)):
+            agent.stop()
+            wait_until(lambda: topics.state() == "disconnected", "goodbye")
+            clock = ("LD_PRELOAD=/usr/$LIB/faketime/libfaketime.so.1", f"FAKETIME={days:+}d", "DONT_FAKE_MONOTONIC=1")
+            agent = self.start(before=clock)
+            wait_until(lambda: topics.state() == "ready", "next start")
+            self.assertEqual(len(topics.devices()), count)
+            self.assertTrue(topics.is_whole(count))
 
     def test_an_agent_that_is_killed_at_any_moment_leaves_nothing_wrong_behind(self):
         self.enterContext(Broker(self.folder, ANYBODY))

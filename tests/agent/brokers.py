@@ -138,7 +138,7 @@ class Description:
 class Agent(Process):
     """An agent that is ready, and what it tells the service manager."""
 
-    def __init__(self, folder, settings, machine=None):
+    def __init__(self, folder, settings, machine=None, before=()):
         folder = pathlib.Path(folder)
         self.manager = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
         address = folder / "notify"
@@ -150,7 +150,7 @@ class Agent(Process):
         file.write_text(settings, encoding="utf-8")
         program = command("discovery-agent", "--config", str(file), "--library", library_path())
         super().__init__(*(machine.prefix() if machine else []), "env", f"NOTIFY_SOCKET={address}",
-                         f"STATE_DIRECTORY={folder}", *program)  # fmt: skip
+                         f"STATE_DIRECTORY={folder}", *before, *program)  # fmt: skip
         self.told_with("READY=1")
 
     def _hear(self):
