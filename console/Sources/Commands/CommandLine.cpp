@@ -6,6 +6,7 @@
 #include "Commands/InventoryDiffCommand.h"
 #include "Commands/InventoryShowCommand.h"
 #include "Commands/RequestCommands.h"
+#include "Commands/SiteCommands.h"
 #include "Commands/WatchCommand.h"
 #include "Doctor/DoctorCommand.h"
 #include "Programs/ProgramVersion.h"
@@ -61,6 +62,11 @@ CommandLine::CommandLine()
     inventory.require_subcommand(1);
     Add(inventory, std::make_unique<InventoryShowCommand>());
     Add(inventory, std::make_unique<InventoryDiffCommand>());
+    CLI::App& site = *app->add_subcommand("site", "keep names and addresses of all devices in a file");
+    site.fallthrough();
+    site.require_subcommand(1);
+    Add(site, std::make_unique<SiteExportCommand>());
+    Add(site, std::make_unique<SiteDiffCommand>());
     Add(*app, std::make_unique<DoctorCommand>());
     Add(*app, std::make_unique<SupportBundleCommand>());
     Add(*app, std::make_unique<ErrorCommand>());

@@ -11,7 +11,7 @@ enum class ExitStatus
     Failure = 1, // the library or the system refused
     Usage = 2,
     NoAnswer = 3,   // no device answered in time, or not as it should
-    Different = 4,  // two saved results tell different things
+    Different = 4,  // two results tell different things, or devices are not as a site file says
     Warnings = 5,   // the doctor has found something that affects some devices or some hosts
     Incomplete = 6, // a search that found devices ended before it could tell that there are no others
     Errors = 7,     // the doctor has found something that keeps all devices from being found

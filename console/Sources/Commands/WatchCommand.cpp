@@ -3,11 +3,14 @@
 #include "Commands/CommandContext.h"
 #include "Commands/ConflictList.h"
 #include "Commands/SharedOptions.h"
+#include "Commands/SiteFileReader.h"
+#include "Commands/SiteGuard.h"
 #include "Doctor/Examination.h"
 #include "Programs/SessionDriver.h"
 #include "Show/LiveWatchView.h"
 #include "Show/Output.h"
 #include "Show/PlainWatchView.h"
+#include "Show/SiteState.h"
 #include "Terminal/Terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -61,6 +64,8 @@ CLI::App& WatchCommand::AddTo(CLI::App& parent)
             "do not tell this conflict between devices, such as ip:10.0.0.5; may be repeated")
         ->type_name("CONFLICT|@FILE")
         ->allow_extra_args(false);
+    command.add_option("--expect", siteFile, "tell what is missing, foreign or otherwise than this site file says")
+        ->type_name("FILE");
     SharedOptions::AddSelection(command, selection, Inventory::DeviceColumn::Names());
     return command;
 }
@@ -69,13 +74,23 @@ ExitStatus WatchCommand::Run(CommandContext& context)
 {
     context.Session(); // says what is wrong before the view takes the terminal
     const Terminal terminal(Terminal::Stream::Output);
-    const std::unique_ptr<IWatchView> view = MakeView(terminal, context);
+    std::optional<SiteState> site;
+    if (!siteFile.empty())
+    {
+        site.emplace(SiteFileReader::Read(siteFile));
+    }
+    const std::unique_ptr<IWatchView> view = MakeView(terminal, context, site ? &*site : nullptr);
     bool isRead = true; // by somebody
     SessionDriver driver(
         context.Session(), context.Messages(), OptionsOfTable(),
         [&view](const std::string& text) { view->Complain(text); },
         [&view, &isRead](const DeviceMessage& message) { isRead = view->Show(message) && isRead; });
-    Watch(context, driver, *view, isRead);
+    std::optional<SiteGuard> guard;
+    if (site)
+    {
+        guard.emplace(*site, driver);
+    }
+    Watch(context, driver, *view, guard ? &*guard : nullptr, isRead);
     view->End(driver.Session().Devices());
     return isRead ? ExitStatus::Success : ExitStatus::Failure; // interrupting is how to end it
 }
@@ -90,7 +105,8 @@ DeviceTableOptions WatchCommand::OptionsOfTable() const
 }
 
 /// Until the time is over, the user wants no more, or nobody reads what is written.
-void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchView& view, const bool& isRead)
+void WatchCommand::Watch(
+    CommandContext& context, SessionDriver& driver, IWatchView& view, SiteGuard* guard, const bool& isRead)
 {
     const Time end = context.Options().Wait.value_or(Time::max());
     unsigned knownChanges = 0;       // of the interfaces
@@ -117,6 +133,14 @@ void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchV
         while (const std::optional<Event> event = driver.Session().NextEvent())
         {
             view.Tell(*event);
+            if (guard != nullptr)
+            {
+                guard->Heard(*event);
+            }
+        }
+        if (guard != nullptr)
+        {
+            guard->GoOn(now >= Patience, view);
         }
         if (const bool isPressed = isKeyPressed.exchange(false); isPressed || now >= nextRefresh)
         {
@@ -137,11 +161,13 @@ void WatchCommand::Watch(CommandContext& context, SessionDriver& driver, IWatchV
     }
 }
 
-std::unique_ptr<IWatchView> WatchCommand::MakeView(const Terminal& terminal, CommandContext& context)
+std::unique_ptr<IWatchView> WatchCommand::MakeView(const Terminal& terminal,
+                                                   CommandContext& context,
+                                                   const SiteState* site)
 {
     if (terminal.IsInteractive() && !context.Out().IsJson() && !context.Out().IsCsv())
     {
-        return std::make_unique<LiveWatchView>(std::cout, terminal, context.Out(), selection, !listensOnly,
+        return std::make_unique<LiveWatchView>(std::cout, terminal, context.Out(), selection, site, !listensOnly,
                                                [this, &messages = context.Messages()] {
                                                    isKeyPressed = true;
                                                    messages.Wake();

@@ -20,6 +20,8 @@ class SessionDriver;
 namespace Zent::Discovery::Console
 {
 class IWatchView;
+class SiteGuard;
+class SiteState;
 class Terminal;
 
 /// Watches over the devices and shows what becomes of them: in a live table on a terminal, else message by message.
@@ -33,13 +35,19 @@ public:
 
 private:
     Inventory::DeviceTableOptions OptionsOfTable() const;
-    std::unique_ptr<IWatchView> MakeView(const Terminal& terminal, CommandContext& context);
-    void Watch(CommandContext& context, Programs::SessionDriver& driver, IWatchView& view, const bool& isRead);
+    std::unique_ptr<IWatchView> MakeView(const Terminal& terminal, CommandContext& context, const SiteState* site);
+    void Watch(CommandContext& context,
+               Programs::SessionDriver& driver,
+               IWatchView& view,
+               SiteGuard* guard,
+               const bool& isRead);
 
     bool listensOnly = false;
     std::vector<std::string> acceptedConflicts;
     std::optional<std::chrono::milliseconds> interval; // from one question to all to the next
     Inventory::DeviceSelection selection{&TerminalText::Plain};
+    std::string siteFile;                  // its UTF-8 path; empty for none
+    std::string repairs;                   // names, or nothing
     std::atomic<bool> isKeyPressed{false}; // set by a thread of the view
 };
 } // namespace Zent::Discovery::Console

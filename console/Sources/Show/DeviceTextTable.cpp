@@ -95,9 +95,12 @@ void DeviceTextTable::Add(const Device& device, Style style, const std::string& 
     {
         cells.push_back(first);
     }
+    // Where states are shown, there are devices that are known though nobody has heard of them.
+    const bool isHeard = now == DeviceColumn::TimePoint() || device.Message.Received != DeviceColumn::TimePoint();
     for (const DeviceColumn* column : columns)
     {
-        cells.push_back(column->Text(device, now));
+        const std::string_view name = column->Name;
+        cells.push_back(isHeard || (name != "message" && name != "age") ? column->Text(device, now) : "");
     }
     table.AddRow(cells, style);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Inventory/Event.h"
+#include "Show/EventText.h"
 
 #include <string>
 
@@ -23,6 +24,9 @@ public:
 
     /// Something has happened.
     virtual void Tell(const Inventory::Event& event) = 0;
+
+    /// Something else has become known; the text may hold text from outside.
+    virtual void Note(const EventText& text) = 0;
 
     /// Called several times a second, and when the user has pressed a key, with all that is known. False when the user
     /// wants no more.

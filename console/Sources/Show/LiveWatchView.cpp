@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <iterator>
 #include <ostream>
+#include <span>
+#include <unordered_set>
 #include <utility>
 
 using Zent::Discovery::Inventory::Device;
@@ -41,12 +43,14 @@ LiveWatchView::LiveWatchView(std::ostream& out,
                              const Terminal& terminal,
                              Output& output,
                              const DeviceSelection& selection,
+                             const SiteState* site,
                              bool asks,
                              std::function<void()> onKey)
     : out(out)
     , terminal(terminal)
     , output(output)
     , selection(selection)
+    , site(site)
     , asks(asks)
     , keyboard([this, onKey = std::move(onKey)](Keyboard::Key key) {
         {
@@ -83,8 +87,13 @@ void LiveWatchView::Tell(const Event& event)
         {
             latest.insert_or_assign(event.Subject->MainInterface().MACAddress, Highlight{now, each.Look});
         }
-        Note({now, std::move(each.Text), each.Look});
+        Keep({now, std::move(each.Text), each.Look});
     }
+}
+
+void LiveWatchView::Note(const EventText& text)
+{
+    Keep({std::chrono::system_clock::now(), text.Text, text.Look});
 }
 
 bool LiveWatchView::Refresh(const DeviceTable& devices)
@@ -118,7 +127,7 @@ bool LiveWatchView::Refresh(const DeviceTable& devices)
 
 void LiveWatchView::Complain(const std::string& text)
 {
-    Note({std::chrono::system_clock::now(), text, Style::Left});
+    Keep({std::chrono::system_clock::now(), text, Style::Left});
 }
 
 void LiveWatchView::End(const DeviceTable& devices)
@@ -132,7 +141,7 @@ void LiveWatchView::End(const DeviceTable& devices)
     }
 }
 
-void LiveWatchView::Note(News item)
+void LiveWatchView::Keep(News item)
 {
     item.Text = TerminalText::Shorten(TerminalText::Plain(item.Text), MaximumNewsWidth);
     news.push_back(std::move(item));
@@ -147,12 +156,22 @@ LiveWatchView::Rows LiveWatchView::Chosen(const DeviceTable& devices, TimePoint 
 {
     std::unordered_map<const Device*, const DeviceRow*> rowOf;
     std::vector<const Device*> all;
+    std::unordered_set<std::string> shown;
     for (const DeviceRow* row : devices.Rows())
     {
         if (row->Condition != DeviceRow::RowState::Left || row->Latest->Message.Received + TimeAfterBye > now)
         {
             rowOf.emplace(row->Latest.get(), row);
             all.push_back(row->Latest.get());
+            shown.insert(row->Latest->MainInterface().MACAddress);
+        }
+    }
+    for (const DeviceRow& row : site == nullptr ? std::span<const DeviceRow>() : site->Missing())
+    {
+        if (!shown.contains(row.Latest->MainInterface().MACAddress))
+        {
+            rowOf.emplace(row.Latest.get(), &row);
+            all.push_back(row.Latest.get());
         }
     }
     Rows rows;
@@ -173,9 +192,19 @@ Style LiveWatchView::LookOf(const DeviceRow& row, TimePoint now) const
     case DeviceRow::RowState::Asked:
         return Style::Faint;
     default:
+        if (site != nullptr && site->NameOf(row) != nullptr)
+        {
+            return Style::Changed;
+        }
         const auto found = latest.find(row.Latest->MainInterface().MACAddress);
         return found == latest.end() || found->second.Time + HighlightTime < now ? Style::Plain : found->second.Look;
     }
+}
+
+const char* LiveWatchView::NameOf(const DeviceRow& row) const
+{
+    const char* const name = site == nullptr ? nullptr : site->NameOf(row);
+    return name == nullptr ? row.StateName() : name;
 }
 
 DeviceTextTable LiveWatchView::TableOf(const Rows& rows, TimePoint now) const
@@ -183,7 +212,7 @@ DeviceTextTable LiveWatchView::TableOf(const Rows& rows, TimePoint now) const
     DeviceTextTable table = DeviceTextTable::WithStates(now);
     for (const DeviceRow* row : rows)
     {
-        table.Add(*row->Latest, LookOf(*row, now), row->StateName());
+        table.Add(*row->Latest, LookOf(*row, now), NameOf(*row));
     }
     return table;
 }
@@ -266,6 +295,7 @@ std::string LiveWatchView::Headline(const DeviceTable& devices, std::size_t show
         const auto count = std::ranges::count(rows, state, &DeviceRow::Condition);
         text += count > 0 ? ", " + std::to_string(count) + " " + name : "";
     }
+    text += site == nullptr || site->Summary().empty() ? "" : "; of the site " + site->Summary();
     text += shown < devices.Size() ? ", " + std::to_string(shown) + " shown" : "";
     return text + "  (q ends)";
 }

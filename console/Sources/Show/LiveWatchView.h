@@ -6,6 +6,7 @@
 #include "Show/DeviceTextTable.h"
 #include "Show/IWatchView.h"
 #include "Show/Output.h"
+#include "Show/SiteState.h"
 #include "Terminal/Keyboard.h"
 #include "Terminal/Terminal.h"
 
@@ -26,12 +27,14 @@ namespace Zent::Discovery::Console
 class LiveWatchView final : public IWatchView
 {
 public:
-    /// asks tells whether devices are asked for their signatures. onKey is called on a thread of the view when a key
-    /// was pressed that Refresh will act on. All others must outlive the view.
+    /// site is null when devices are compared with none. asks tells whether devices are asked for their signatures.
+    /// onKey is called on a thread of the view when a key was pressed that Refresh will act on. All others must outlive
+    /// the view.
     LiveWatchView(std::ostream& out,
                   const Terminal& terminal,
                   Output& output,
                   const Inventory::DeviceSelection& selection,
+                  const SiteState* site,
                   bool asks,
                   std::function<void()> onKey);
 
@@ -43,6 +46,7 @@ public:
 
     bool Show(const Inventory::DeviceMessage& message) override;
     void Tell(const Inventory::Event& event) override;
+    void Note(const EventText& text) override;
     bool Refresh(const Inventory::DeviceTable& devices) override;
     void Complain(const std::string& text) override;
     void End(const Inventory::DeviceTable& devices) override;
@@ -67,7 +71,8 @@ private:
     };
 
     /// The text may come from outside.
-    void Note(News item);
+    void Keep(News item);
+    const char* NameOf(const Inventory::DeviceRow& row) const;
     Rows Chosen(const Inventory::DeviceTable& devices, TimePoint now) const;
     Style LookOf(const Inventory::DeviceRow& row, TimePoint now) const;
     DeviceTextTable TableOf(const Rows& rows, TimePoint now) const;
@@ -83,6 +88,7 @@ private:
     const Terminal& terminal;
     Output& output;
     const Inventory::DeviceSelection& selection;
+    const SiteState* const site;
     const bool asks;
     std::deque<News> news;                             // the latest last
     std::unordered_map<std::string, Highlight> latest; // of devices that something has just happened to, by their MACs

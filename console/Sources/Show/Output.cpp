@@ -74,6 +74,14 @@ void Output::Show(const DeviceTextTable& table)
     }
 }
 
+void Output::Show(const TextTable& table)
+{
+    for (const std::string& line : table.Lines(outColours, settings.Width))
+    {
+        PrintLine(line);
+    }
+}
+
 bool Output::ShowNow(const Device& device)
 {
     if (!PrintRecord(device))

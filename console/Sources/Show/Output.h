@@ -40,6 +40,7 @@ public:
     void Show(const std::vector<const Inventory::Device*>& devices);
     void Show(const Inventory::Device& device);
     void Show(const DeviceTextTable& table);
+    void Show(const TextTable& table);
 
     /// Shows a message at the moment it comes.
     /// False when the stream takes no more, because its reader has gone.

@@ -37,6 +37,11 @@ void PlainWatchView::Tell(const Event& event)
     }
 }
 
+void PlainWatchView::Note(const EventText& text)
+{
+    output.Complain(text.Text);
+}
+
 bool PlainWatchView::Refresh(const DeviceTable& /*devices*/)
 {
     return true; // what was printed stays

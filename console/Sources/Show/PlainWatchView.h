@@ -16,6 +16,7 @@ public:
 
     bool Show(const Inventory::DeviceMessage& message) override;
     void Tell(const Inventory::Event& event) override;
+    void Note(const EventText& text) override;
     bool Refresh(const Inventory::DeviceTable& devices) override;
     void Complain(const std::string& text) override;
     void End(const Inventory::DeviceTable& devices) override;

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Inventory/SiteFile.h"
+
+#include <string>
+
+namespace Zent::Discovery::Console
+{
+/// Reads site files.
+class SiteFileReader final
+{
+public:
+    SiteFileReader() = delete;
+
+    /// path is UTF-8, or stands for standard input.
+    /// @throws std::runtime_error when the file cannot be read, WrongArgument that names the place when it holds
+    /// something else.
+    static Inventory::SiteFile Read(const std::string& path);
+};
+} // namespace Zent::Discovery::Console
