@@ -299,6 +299,15 @@ class InventoryTest(TestCase):
             self.assertEqual(self.search("10000"), ("complete", {"press-4", two.name}))
         self.assertIn("is no MAC address", self.host.call("give-name", "press-4", "02:00"))
 
+    def test_a_search_does_not_end_with_that_of_a_change_which_makes_way(self):
+        self.host.must("inventory", "0")
+        with Simulator("--count", "1", "--no-hello") as simulator:
+            self.host.must("give-name-in-background", "press-4", "02:00:00:00:99:99")
+            (device,) = simulator.devices
+            self.assertEqual(self.host.note("appeared"), device.name)
+            self.assertEqual(self.search("10000"), ("complete", {device.name}))
+            self.host.note("outcome")
+
     def test_what_devices_change_and_contradict_is_told(self):
         self.host.must("inventory", "0")
         with Peer() as peer:

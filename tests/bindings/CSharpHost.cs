@@ -42,6 +42,7 @@ static class CSharpHost
         { "search", Search },
         { "devices", words => Say("devices" + Listed(inventory.Devices)) },
         { "give-name", words => Change(() => inventory.RenameAsync(words[0], words[1])) },
+        { "give-name-in-background", words => Task.Run(() => Commands["give-name"](words)) },
         { "give-back", words => Change(() => inventory.UndoAsync(last)) },
         { "held", words => Say(inventory.IsPortHeld ? "held yes" : "held no") },
         { "on", words => { lock (Actions) Actions[words[0]] = words[1]; } },

@@ -28,9 +28,12 @@ class Host final
 public:
     ~Host()
     {
-        if (closer.joinable())
+        for (std::thread* thread : {&closer, &changer})
         {
-            closer.join();
+            if (thread->joinable())
+            {
+                thread->join();
+            }
         }
     }
 
@@ -235,6 +238,8 @@ private:
         {"devices", [this](const Arguments&) { Say("devices" + Listed(inventory->Devices())); }},
         {"give-name",
          [this](const Arguments& words) { Change([&] { return inventory->Rename(words.at(0), words.at(1)); }); }},
+        {"give-name-in-background",
+         [this](const Arguments& words) { changer = std::thread([=] { commands.at("give-name")(words); }); }},
         {"give-back", [this](const Arguments&) { Change([&] { return inventory->Undo(last); }); }},
         {"held", [this](const Arguments&) { Say(inventory->IsPortHeld() ? "held yes" : "held no"); }},
         {"on", [this](const Arguments& words) { SetAction(words[0], words[1]); }},
@@ -250,6 +255,7 @@ private:
     std::unique_ptr<DiscoveryInventorySession> inventory; // ends before its session
     Zent::Discovery::ChangeOutcome last;                  // of a change
     std::thread closer;
+    std::thread changer;
 };
 } // namespace
 

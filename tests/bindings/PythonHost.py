@@ -128,6 +128,9 @@ COMMANDS = {
     "search": search,
     "devices": lambda: say("devices", *listed(inventory.devices)),
     "give-name": lambda name, mac: change(lambda _: inventory.rename(name, mac_address=mac)),
+    "give-name-in-background": lambda *names: threading.Thread(
+        target=outcome, args=(COMMANDS["give-name"], *names), daemon=True
+    ).start(),
     "give-back": lambda: change(lambda outcome: inventory.undo(outcome)),
     "held": lambda: say("held", "yes" if inventory.is_port_held else "no"),
     "on": actions.__setitem__,

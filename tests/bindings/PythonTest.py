@@ -95,6 +95,13 @@ class InventoryTest(PythonTestCase):
         (difference,) = told[1].differences
         self.assertEqual((difference.property, difference.before, difference.after), ("HostName", "one", "two"))
 
+    def test_the_devices_of_a_search_come_to_async_for(self):
+        async def names(inventory):
+            return {device.host["HostName"] async for device in inventory.discover_async()}
+
+        with Simulator("--count", "2") as simulator, self.session() as session, Inventory(session) as inventory:
+            self.assertEqual(asyncio.run(names(inventory)), {device.name for device in simulator.devices})
+
     def test_what_is_not_possible_is_refused(self):
         with self.session() as session:
             with self.assertRaisesRegex(discovery_server.LibraryError, "cannot load the library"):

@@ -131,6 +131,7 @@ public:
         std::unique_lock<std::mutex> lock(engineLock);
         Check(DiscoveryInventoryStartSearch(engine.get(), text.c_str(), Now()));
         searchReport.reset();
+        ++searches;
         mailbox->Wake();
         somethingEnded.wait(lock, [this] { return searchReport.has_value(); });
         SearchResult result{{}, *searchReport};
@@ -313,7 +314,8 @@ private:
     struct News
     {
         std::vector<DeviceChange> Changes;
-        std::optional<std::string> Report;                         // of a search that has ended
+        std::optional<std::string> Report;                         // of the latest search, when it has ended
+        std::size_t Searches = 0;                                  // so many were started by then
         std::vector<std::pair<long long, ChangeOutcome>> Outcomes; // of changes, by their ids
     };
 
@@ -458,7 +460,10 @@ private:
             Tell(change);
         }
         const std::lock_guard<std::mutex> lock(engineLock);
-        searchReport = news.Report ? std::move(news.Report) : std::move(searchReport);
+        if (news.Report && news.Searches == searches)
+        {
+            searchReport = std::move(news.Report);
+        }
         for (auto& [id, outcome] : news.Outcomes)
         {
             outcomes.at(id) = std::move(outcome);
@@ -502,11 +507,7 @@ private:
             {
                 news.Changes.push_back(std::move(*change));
             }
-            else if (const std::string name = event["Event"].Text(); name == "SearchEnded")
-            {
-                news.Report = event["Search"].Raw();
-            }
-            else if (name == "ChangeEnded")
+            else if (const std::string name = event["Event"].Text(); name == "ChangeEnded")
             {
                 news.Outcomes.emplace_back(event["Id"].Number(), DiscoveryRecords::ReadOutcome(event));
             }
@@ -515,6 +516,14 @@ private:
                 isPortHeld = name == "PortHeld";
             }
         }
+        // Not from the event: one search may have ended to make way for another.
+        int isOver = 0;
+        Check(DiscoveryInventorySearchState(engine.get(), &isOver, &text));
+        if (isOver != 0)
+        {
+            news.Report = text;
+        }
+        news.Searches = searches;
         return news;
     }
 
@@ -575,6 +584,7 @@ private:
     mutable std::mutex engineLock;
     const Engine engine;                                        // used under engineLock
     std::optional<std::string> searchReport;                    // of a search that has ended; guarded by engineLock
+    std::size_t searches = 0;                                   // started by Discover; guarded likewise
     std::map<long long, std::optional<ChangeOutcome>> outcomes; // of changes that somebody waits for; guarded likewise
     std::condition_variable somethingEnded;                     // a search or a change
 

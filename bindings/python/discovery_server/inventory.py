@@ -18,6 +18,7 @@ import asyncio
 import contextlib
 import ctypes
 import enum
+import functools
 import json
 import logging
 import queue
@@ -340,7 +341,7 @@ class Inventory:
             return self._is_port_held
 
     def discover(self, wait: float = 10, *, sweep: bool = True, also: Iterable[str] = ()) -> List[Device]:
-        """Searches until all devices are found, and returns those that are here.
+        """Searches until all devices are found, and returns those that are here. A search that runs gives way.
 
         wait: seconds after which it ends at the latest.
         sweep: whether the addresses of the networks may be asked one by one when answers were lost.
@@ -351,8 +352,9 @@ class Inventory:
         with self._lock:
             if self._handle is None:
                 raise InventoryError("the inventory is closed")
-            self._search = None
             self._library.call("StartSearch", self._handle, json.dumps(options).encode("ascii"), self._now())
+            self._tell()  # of a search, too, that has ended to make way
+            self._search = None
             self._messages.put(None)
             while self._search is None and self._handle is not None:
                 self._lock.wait(1)  # on Windows Ctrl-C takes effect between waits only
@@ -361,6 +363,14 @@ class Inventory:
         if not report["Complete"]:
             raise IncompleteSearchError(devices, report)
         return devices
+
+    async def discover_async(
+        self, wait: float = 10, *, sweep: bool = True, also: Iterable[str] = ()
+    ) -> AsyncIterator[Device]:
+        """The same for async for, while the loop goes on; the devices come once all are found."""
+        search = functools.partial(self.discover, wait, sweep=sweep, also=also)
+        for device in await asyncio.get_running_loop().run_in_executor(None, search):
+            yield device
 
     def rename(
         self,
