@@ -143,6 +143,18 @@ void Change::Advance(Time now)
     }
 }
 
+void Change::Stop(Time now)
+{
+    if (phase == Phase::Verifying && !IsOver())
+    {
+        End(Verdict::NoAnswer, now);
+    }
+    else if (!IsOver())
+    {
+        Refuse(ChangeRefusal::RefusalCode::LeftOut, report.Subject() + " was sent nothing before it was stopped", now);
+    }
+}
+
 Time Change::NextTime(Time now) const
 {
     const bool isAsking = phase == Phase::Verifying || (phase == Phase::Preparing && !IsKnown(now));

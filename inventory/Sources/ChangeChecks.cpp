@@ -159,7 +159,7 @@ const char* ChangeRefusal::CodeName() const
 {
     static constexpr const char* Names[] = {"bad-name", "name-read-only", "unknown-device",  "name-taken",
                                             "bad-mask", "bad-address",    "gateway-outside", "address-taken",
-                                            "no-route", "send-failed"};
+                                            "no-route", "send-failed",    "left-out",        "dry-run"};
     return Names[static_cast<std::size_t>(Code)];
 }
 

@@ -27,6 +27,12 @@ std::string ChangeReport::MACAddress() const
     return {};
 }
 
+std::string ChangeReport::Subject() const
+{
+    const std::string address = MACAddress();
+    return address.empty() ? Request.Interface.IPAddress : address;
+}
+
 const char* ChangeReport::VerdictName() const
 {
     static constexpr const char* Names[] = {"applied", "reboot-needed", "refused", "no-answer", "not-sent"};
@@ -50,8 +56,7 @@ std::optional<ChangeRequest> ChangeReport::Undo() const
 std::string ChangeReport::ToJson() const
 {
     JsonText json;
-    const std::string address = MACAddress();
-    json.Text(address.empty() ? "IPAddress" : "MACAddress", address.empty() ? Request.Interface.IPAddress : address);
+    json.Text(MACAddress().empty() ? "IPAddress" : "MACAddress", Subject());
     if (Verdict)
     {
         json.Text("Verdict", VerdictName());
@@ -81,8 +86,7 @@ std::string ChangeReport::ToString() const
     {
         return Refusal->ToString();
     }
-    const std::string address = MACAddress();
-    const std::string who = address.empty() ? Request.Interface.IPAddress : address;
+    const std::string who = Subject();
     const std::string what = Request.ToString();
     const std::string verdict = std::string(" (") + VerdictName() + ")";
     switch (Verdict.value_or(Verdict::Applied))

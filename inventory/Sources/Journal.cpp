@@ -37,6 +37,10 @@ JsonText Members(const JournalEntry& entry)
 {
     JsonText json;
     json.Text("Time", entry.Time).Text("MACAddress", entry.MACAddress);
+    if (!entry.IPAddress.empty())
+    {
+        json.Text("IPAddress", entry.IPAddress);
+    }
     if (entry.Before)
     {
         json.Raw("Before", *entry.Before);
@@ -64,7 +68,7 @@ bool HasComeTrue(std::string_view verdict)
 
 std::string JournalEntry::Id() const
 {
-    return Time + "/" + MACAddress;
+    return Time + "/" + Subject();
 }
 
 bool JournalEntry::CanBeUndone() const
@@ -72,10 +76,16 @@ bool JournalEntry::CanBeUndone() const
     return Before && Undoes.empty() && !IsUndone && Verdict != "refused";
 }
 
+const char* JournalEntry::StateName() const
+{
+    return IsUndone ? "undone" : IsOpen() ? "open" : "done";
+}
+
 std::string JournalEntry::UndoingRequest() const
 {
     const std::string members = Before->substr(1); // behind the brace
-    return R"({"MACAddress":)" + JsonText::Quoted(MACAddress) + (members == "}" ? "" : ",") + members;
+    return '{' + JsonText::Quoted(IPAddress.empty() ? "MACAddress" : "IPAddress") + ':' + JsonText::Quoted(Subject()) +
+           (members == "}" ? "" : ",") + members;
 }
 
 std::string JournalEntry::ToJson() const
@@ -85,7 +95,7 @@ std::string JournalEntry::ToJson() const
     {
         json.Text("Verdict", Verdict);
     }
-    return json.Text("State", IsUndone ? "undone" : IsOpen() ? "open" : "done").Text("Id", Id()).Take();
+    return json.Text("State", StateName()).Text("Id", Id()).Take();
 }
 
 std::string Journal::BeginLine(const JournalEntry& entry)
@@ -112,6 +122,7 @@ void Journal::Feed(std::string_view line)
     }
     JournalEntry entry{.Time = Text(object, "Time"),
                        .MACAddress = Text(object, "MACAddress"),
+                       .IPAddress = Text(object, "IPAddress"),
                        .Before = Settings(object, "Before"),
                        .After = Settings(object, "After").value_or(""),
                        .Undoes = Text(object, "Undoes")};
@@ -169,7 +180,10 @@ void Journal::Begin(JournalEntry entry)
 
 void Journal::End(std::string_view id, std::string verdict)
 {
-    JournalEntry* const entry = Find(id);
+    // Two consoles may send at the same moment; one that was broken off may end later.
+    const auto found = std::ranges::find_if(
+        entries, [id](const JournalEntry& each) { return each.Verdict.empty() && each.Id() == id; });
+    JournalEntry* const entry = found == entries.end() ? Find(id) : &*found;
     if (entry == nullptr || verdict.empty())
     {
         return;

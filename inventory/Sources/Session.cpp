@@ -141,6 +141,19 @@ std::int64_t Session::StartChange(const ChangeRequest& request, ChangeOptions op
     return lastChange;
 }
 
+void Session::StopChange(std::int64_t id, Time time)
+{
+    GoOn(time);
+    for (Change& change : changes)
+    {
+        if (change.Report().Id == id)
+        {
+            change.Stop(now);
+        }
+    }
+    TellOfChanges();
+}
+
 const ChangeReport* Session::ChangeState(std::int64_t id) const
 {
     const auto found = std::ranges::find(changes, id, [](const Change& change) { return change.Report().Id; });

@@ -79,6 +79,12 @@ bool MessageQueue::IsInterrupted() const
     return interrupted;
 }
 
+bool MessageQueue::ClearInterruption()
+{
+    const Lock guard(lock);
+    return std::exchange(interrupted, false);
+}
+
 std::size_t MessageQueue::Lost() const
 {
     const Lock guard(lock);

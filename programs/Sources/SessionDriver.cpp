@@ -75,9 +75,18 @@ bool SessionDriver::Ask(const std::string& macAddress)
     return CarryOut({Wish::WishKind::AskMAC, 0, macAddress});
 }
 
+bool SessionDriver::Reach(const std::string& ipAddress)
+{
+    return CarryOut({Wish::WishKind::AskIP, 0, ipAddress});
+}
+
 /// False when the library takes no requests, as while it restarts itself. What was not sent now is sent later.
 bool SessionDriver::CarryOut(const Wish& wish)
 {
+    if (wish.IsRequestOfChange() && onRequest)
+    {
+        onRequest(wish.Change);
+    }
     const bool isCarriedOut = TryToCarryOut(wish);
     if (wish.IsRequestOfChange())
     {

@@ -21,14 +21,16 @@ JournalEntry Rename(int second, const std::string& before, const std::string& af
 TEST(JournalTest, UndoTakesBackOneChangeAfterTheOther)
 {
     const JournalEntry first = Rename(1, "a", "b\\\"\xFF"); // names need not be valid UTF-8
-    const JournalEntry second = Rename(2, "b", "c");
+    JournalEntry second = Rename(2, "b", "c");
+    second.IPAddress = "10.2.0.5"; // behind a router
     const JournalEntry refused = Rename(3, "c", "d");
     Journal journal;
-    for (const JournalEntry& entry : {first, second, refused})
+    for (const JournalEntry& entry : {first, second, refused, refused}) // the last one by two consoles at once
     {
         journal.Feed(Journal::BeginLine(entry));
     }
-    EXPECT_EQ(journal.OpenEntries().size(), 3u);
+    EXPECT_EQ(journal.OpenEntries().size(), 4u);
+    journal.Feed(Journal::EndLine(refused, "refused"));
     journal.Feed(Journal::EndLine(first, "applied"));
     journal.Feed(Journal::EndLine(second, "no-answer"));
     journal.Feed(Journal::EndLine(refused, "refused"));
@@ -36,7 +38,8 @@ TEST(JournalTest, UndoTakesBackOneChangeAfterTheOther)
     EXPECT_EQ(journal.Entries().front().After, first.After);
 
     ASSERT_NE(journal.NewestToUndo(), nullptr);
-    EXPECT_EQ(journal.NewestToUndo()->UndoingRequest(), R"({"MACAddress":"02:00:00:00:00:01","HostName":"b"})");
+    EXPECT_EQ(journal.NewestToUndo()->UndoingRequest(), R"({"IPAddress":"10.2.0.5","HostName":"b"})");
+    EXPECT_EQ(first.UndoingRequest(), R"({"MACAddress":"02:00:00:00:00:01","HostName":"a"})");
     EXPECT_EQ(journal.NewestToUndo("02:00:00:00:00:02"), nullptr);
 
     const JournalEntry inVain = Rename(4, "c", "b", second.Id());

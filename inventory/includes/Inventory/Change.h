@@ -53,6 +53,9 @@ public:
 
     void Advance(Time now);
 
+    /// Ends it as it is.
+    void Stop(Time now);
+
     /// Whether it has passed the checks and not ended.
     bool IsUnderWay() const { return phase != Phase::Preparing && !IsOver(); }
 

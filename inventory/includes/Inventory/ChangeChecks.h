@@ -22,7 +22,9 @@ struct ChangeRefusal
         GatewayOutside, // not the address of a host in the network of the interface
         AddressTaken,   // another interface has the address, or another change gives it
         NoRoute,        // the system knows no way to the device's address
-        SendFailed      // the library took no request
+        SendFailed,     // the library took no request
+        LeftOut,        // it was stopped before, or another one of its plan has failed
+        DryRun          // the user only wants to see what would be sent
     };
 
     RefusalCode Code;

@@ -14,7 +14,8 @@ namespace Zent::Discovery::Inventory
 struct JournalEntry
 {
     std::string Time;                       // when it was sent, as the host program writes times
-    std::string MACAddress;                 // by which the device knows that it is meant
+    std::string MACAddress;                 // of the interface; empty when nobody knew it
+    std::string IPAddress = {};             // where the device was told, if not by its MAC address
     std::optional<std::string> Before = {}; // settings; nothing when nobody knew them
     std::string After = {};                 // settings that were sent
     std::string Undoes = {};                // the Id of the change that this one takes back; empty as a rule
@@ -27,14 +28,21 @@ struct JournalEntry
     /// Whether nobody knows what has come of it: the program that sent it ended before it could tell.
     bool IsOpen() const { return Verdict.empty() && !IsUndone; }
 
+    /// The address by which the device is told.
+    const std::string& Subject() const { return IPAddress.empty() ? MACAddress : IPAddress; }
+
     /// Whether it is there to be taken back: it may have come true, and what was before is known.
     bool CanBeUndone() const;
 
-    /// The request that takes it back: {"MACAddress":"..", and the settings of Before}. Only with a Before.
+    /// open, done or undone.
+    const char* StateName() const;
+
+    /// The request that takes it back: {"MACAddress":"..", or "IPAddress", and the settings of Before}.
+    /// Only with a Before.
     std::string UndoingRequest() const;
 
-    /// {"Time":"..","MACAddress":"..","Before":{..},"After":{..},"Undoes":"..","Verdict":"..","State":"done","Id":".."}:
-    /// State is open, done or undone; what is not known is left out.
+    /// {"Time":"..","MACAddress":"..","IPAddress":"..","Before":{..},"After":{..},"Undoes":"..","Verdict":"..","State":"done","Id":".."};
+    /// what is not known is left out.
     std::string ToJson() const;
 };
 

@@ -70,6 +70,9 @@ public:
     /// possible; nothing has changed.
     std::int64_t StartChange(const ChangeRequest& request, ChangeOptions options, Time now);
 
+    /// Ends the change as it is, with its event; nothing happens when it has ended.
+    void StopChange(std::int64_t id, Time now);
+
     /// Of a change that has not ended; null for others. Valid until the next call of another operation.
     const ChangeReport* ChangeState(std::int64_t id) const;
 

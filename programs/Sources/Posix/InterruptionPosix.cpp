@@ -46,11 +46,14 @@ private:
             {
                 return;
             }
-            if (interrupted)
+            if (!interrupted)
+            {
+                onInterrupt();
+            }
+            else if (number != SIGHUP) // a closing terminal and its shell both send one
             {
                 _exit(128 + number);
             }
-            onInterrupt();
         }
     }
 

@@ -10,7 +10,8 @@ namespace Zent::Discovery::Programs
 class Interruption final
 {
 public:
-    /// onInterrupt is called once, on a thread of its own; a second wish ends the process at once.
+    /// onInterrupt is called once, on a thread of its own; a second wish of the
+    /// user ends the process at once.
     explicit Interruption(std::function<void()> onInterrupt);
 
     /// Tells a closing console that the program has tidied up.

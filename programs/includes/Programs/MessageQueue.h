@@ -34,6 +34,9 @@ public:
 
     bool IsInterrupted() const;
 
+    /// Goes on as if nobody had interrupted, so that what must be tidied up can be. True when somebody had.
+    bool ClearInterruption();
+
     /// How many messages were lost so far.
     std::size_t Lost() const;
 

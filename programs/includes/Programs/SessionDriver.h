@@ -5,8 +5,10 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace Zent::Discovery::Programs
 {
@@ -46,6 +48,13 @@ public:
     /// Asks the device with that MAC address. False as AskAll.
     bool Ask(const std::string& macAddress);
 
+    /// Asks the device at that IP address, to which there must be a route. False as AskAll.
+    bool Reach(const std::string& ipAddress);
+
+    /// Sets what is called before a device is told to change, with the id of the change; more than once when the
+    /// library does not take the request at once. What it throws comes out of Run, and nothing is sent.
+    void OnRequest(std::function<void(std::int64_t change)> handler) { onRequest = std::move(handler); }
+
 private:
     void Feed(Inventory::DeviceMessage message);
     bool CarryOut(const Inventory::Wish& wish);
@@ -59,6 +68,7 @@ private:
     const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     Inventory::Session session;
     SystemAnswers systemAnswers;
+    std::function<void(std::int64_t change)> onRequest;
     std::size_t knownLoss = 0;
 };
 } // namespace Zent::Discovery::Programs
