@@ -90,7 +90,7 @@ class WiresharkTest(TestCase):
             self.console("reach", second.ip)
             self.console("rename", "by-mac", "--mac", first.mac)
             self.console("rename", "by-ip", "--ip", second.ip)
-            nic = message("Hello")["SourceNIC"] | {"MACAddress": second.mac, "IPAddress": "127.0.0.77"}
+            nic = message("Hello")["SourceNIC"] | {"MACAddress": second.mac, "IPAddress": "10.1.0.77", "SubNetMask": "255.255.0.0"}
             settings.write_text(json.dumps([nic]))
             self.console("configure", str(settings))
         capture.end()
@@ -105,8 +105,8 @@ class WiresharkTest(TestCase):
             f"Asks the device at {second.ip} for its signature",
             f'Gives the device {mac} the host name "by-mac"',
             f'Gives the device at {second.ip} the host name "by-ip"',
-            f"Gives {second.mac.lower()} the address 127.0.0.77",
-            "by-ip (Panel at 127.0.0.77) says Bye",
+            f"Gives {second.mac.lower()} the address 10.1.0.77",
+            "by-ip (Panel at 10.1.0.77) says Bye",
         ):
             self.assertIn(sentence, sentences)
         self.assertEqual({packet["expert"] for packet in capture.packets()}, {""})

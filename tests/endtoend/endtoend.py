@@ -298,6 +298,7 @@ class TestCase(unittest.TestCase):
         return [
             "--library", library_path(),
             "--log", str(self.folder / "console.log"), "--log-level", "debug",
+            "--journal", str(self.folder / "journal"),
             *(argument for address in self.local_addresses for argument in ("--from", address)),
         ]  # fmt: skip
 

@@ -6,6 +6,7 @@
 #include "Show/Output.h"
 
 #include <stdexcept>
+#include <utility>
 
 using Zent::Discovery::Programs::HostSession;
 using Zent::Discovery::Programs::MessageQueue;
@@ -17,6 +18,7 @@ CommandContext::CommandContext(const ProgramOptions& options, MessageQueue& mess
     : options(options)
     , messages(messages)
     , output(output)
+    , journal(options.Journal)
 {
 }
 
@@ -35,6 +37,7 @@ HostSession& CommandContext::Session()
     };
     if (!session)
     {
+        TellOpenChanges();
         try
         {
             session.emplace(options.Session,
@@ -53,6 +56,63 @@ HostSession& CommandContext::Session()
         }
     }
     return *session;
+}
+
+Inventory::Journal CommandContext::ReadJournal()
+{
+    isJournalKnown = true;
+    return journal.Read([this](const std::string& text) { output.Complain(text); });
+}
+
+bool CommandContext::WriteJournal(const std::string& line)
+{
+    std::string reason = "there is no folder for the journal; --journal names a file";
+    if (!journal.Path().empty())
+    {
+        try
+        {
+            journal.Append(line);
+            return true;
+        }
+        catch (const std::runtime_error& error)
+        {
+            if (options.IsJournalChosen)
+            {
+                throw;
+            }
+            reason = error.what();
+        }
+    }
+    if (!std::exchange(isJournalMissing, true))
+    {
+        output.Complain(reason + "; going on without: undo will not know of this change");
+    }
+    return false;
+}
+
+/// That nobody can read the journal is no reason not to search.
+void CommandContext::TellOpenChanges()
+{
+    if (std::exchange(isJournalKnown, true))
+    {
+        return;
+    }
+    try
+    {
+        const Inventory::Journal changes = journal.Read([this](const std::string& text) { output.Complain(text); });
+        for (const Inventory::JournalEntry* entry : changes.OpenEntries())
+        {
+            output.Complain(
+                "the change of " + entry->Subject() + " at " + entry->Time + " to " + entry->After +
+                " was broken off: " +
+                (entry->CanBeUndone() ? "discovery-console undo takes it back, " : "what was before is unknown; ") +
+                "discovery-console undo --keep leaves it");
+        }
+    }
+    catch (const std::runtime_error& error)
+    {
+        output.Complain(error.what());
+    }
 }
 
 bool CommandContext::CanBroadcast()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Commands/ProgramOptions.h"
+#include "Programs/JournalFile.h"
 #include "Programs/MessageQueue.h"
 
 #include <chrono>
@@ -29,9 +30,18 @@ public:
     /// Where the messages of devices come.
     Programs::MessageQueue& Messages() { return messages; }
 
-    /// The library at work, whose messages go to the queue.
+    /// The library at work, whose messages go to the queue. Tells the user when the journal holds open changes.
     /// @throws std::runtime_error when it cannot be loaded or refuses.
     Programs::HostSession& Session();
+
+    /// The journal of changes as it is now.
+    /// @throws std::runtime_error when the file cannot be read.
+    Inventory::Journal ReadJournal();
+
+    /// Appends a line to the journal. A journal that the user has not chosen and that cannot be written costs a
+    /// warning. False when there is none.
+    /// @throws std::runtime_error when the file that the user has chosen cannot be written.
+    bool WriteJournal(const std::string& line);
 
     /// Makes requests of the library.
     /// @throws std::runtime_error as Session does.
@@ -50,9 +60,14 @@ public:
     void Close();
 
 private:
+    void TellOpenChanges();
+
     const ProgramOptions& options;
     Programs::MessageQueue& messages;
     Output& output;
     std::optional<Programs::HostSession> session;
+    const Programs::JournalFile journal;
+    bool isJournalKnown = false;   // to the command, which shows what is in it
+    bool isJournalMissing = false; // and the user has been told
 };
 } // namespace Zent::Discovery::Console

@@ -5,8 +5,10 @@
 #include "Commands/ErrorCommand.h"
 #include "Commands/InventoryDiffCommand.h"
 #include "Commands/InventoryShowCommand.h"
+#include "Commands/RenameCommand.h"
 #include "Commands/RequestCommands.h"
 #include "Commands/SiteCommands.h"
+#include "Commands/UndoCommand.h"
 #include "Commands/WatchCommand.h"
 #include "Doctor/DoctorCommand.h"
 #include "Programs/ProgramVersion.h"
@@ -57,6 +59,7 @@ CommandLine::CommandLine()
     Add(*app, std::make_unique<ReachCommand>());
     Add(*app, std::make_unique<RenameCommand>());
     Add(*app, std::make_unique<ConfigureCommand>());
+    Add(*app, std::make_unique<UndoCommand>());
     CLI::App& inventory = *app->add_subcommand("inventory", "look at results that were saved with --json");
     inventory.fallthrough();
     inventory.require_subcommand(1);

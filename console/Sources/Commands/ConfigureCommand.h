@@ -1,14 +1,15 @@
 #pragma once
 
+#include "Commands/ChangeRun.h"
 #include "Commands/ICommand.h"
-#include "DiscoverySession.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Zent::Discovery::Console
 {
-/// Gives network interfaces of devices new settings and waits until the devices show them.
+/// Gives network interfaces of devices new settings and finds out whether they have taken them.
 class ConfigureCommand final : public ICommand
 {
 public:
@@ -16,8 +17,10 @@ public:
     ExitStatus Run(CommandContext& context) override;
 
 private:
-    std::vector<NICSettings> Read() const;
+    std::vector<ChangeRun::Wanted> Read() const;
 
+    ChangeSettings settings;
+    std::optional<std::chrono::milliseconds> confirm;
     std::string file; // its UTF-8 path
 };
 } // namespace Zent::Discovery::Console

@@ -13,8 +13,10 @@ struct Meaning
 constexpr Meaning Meanings[] = {
     {ExitStatus::Success, "success; of a search: it is complete"},
     {ExitStatus::Failure, "the library or the system refused, or a file could not be used"},
-    {ExitStatus::Usage, "wrong arguments, or a file that holds something else than it should"},
-    {ExitStatus::NoAnswer, "no device has answered in time, or not as it should, or no interface takes part"},
+    {ExitStatus::Usage,
+     "wrong arguments, a file that holds something else than it should, or a change that was not sent"},
+    {ExitStatus::NoAnswer,
+     "no device has answered in time, or not as it should, as with a change, or no interface takes part"},
     {ExitStatus::Different, "the two results differ, or devices are not as the site file says"},
     {ExitStatus::Warnings, "the doctor has found something that affects some devices or hosts"},
     {ExitStatus::Incomplete, "devices were found, but the search ended before it was complete"},

@@ -38,6 +38,11 @@ void ProgramOptions::AddTo(CLI::App& program)
             "--log-level", [this](const std::string& text) { Session.LogLevel = ReadLogLevel(text); },
             "critical, standard, debug or none; critical without it")
         ->type_name("LEVEL");
+    Journal = HostPlatform::DefaultJournalPath();
+    program.add_option("--journal", Journal, "the journal of changes to continue, which undo reads")
+        ->type_name("FILE")
+        ->capture_default_str()
+        ->each([this](const std::string& /*text*/) { IsJournalChosen = true; });
     AddInterfaces(program);
     program
         .add_option_function<std::string>(

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 
 namespace CLI
 {
@@ -19,6 +20,8 @@ struct ProgramOptions
     void AddTo(CLI::App& program);
 
     Programs::HostSession::Settings Session;
+    std::string Journal; // the file of the journal of changes; empty for none
+    bool IsJournalChosen = false;
     std::optional<std::chrono::milliseconds> Wait;
     bool Json = false;
     bool Csv = false;

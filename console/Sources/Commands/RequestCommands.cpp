@@ -13,14 +13,6 @@ using Zent::Discovery::Inventory::DeviceMessage;
 
 namespace Zent::Discovery::Console
 {
-namespace
-{
-bool Always(const Device& /*device*/)
-{
-    return true;
-}
-} // namespace
-
 RequestCommand::Condition RequestCommand::OwnsMAC(const std::string& macAddress)
 {
     return
@@ -32,32 +24,23 @@ RequestCommand::Condition RequestCommand::OwnsIP(const std::string& ipAddress)
     return [address = AddressText::IP(ipAddress)](const Device& device) { return device.HasIP(address); };
 }
 
-ExitStatus RequestCommand::Await(CommandContext& context,
-                                 const Condition& isFromDevice,
-                                 const Condition& isDone,
-                                 const std::string& failure)
+ExitStatus RequestCommand::Await(CommandContext& context, const Condition& isFromDevice)
 {
-    bool hasAnswered = false;
     DeviceReader reader(
         context.Messages(), [&context](const std::string& text) { context.Out().Complain(text); }, context.Wait());
     while (const std::optional<Device> device = reader.Next())
     {
-        if (device->Message.Kind != DeviceMessage::MessageKind::Signature || !isFromDevice(*device))
-        {
-            continue;
-        }
-        if (isDone(*device))
+        if (device->Message.Kind == DeviceMessage::MessageKind::Signature && isFromDevice(*device))
         {
             context.Out().Show(*device);
             return ExitStatus::Success;
         }
-        hasAnswered = true;
     }
     if (reader.IsInterrupted())
     {
         return ExitStatus::Interrupted;
     }
-    context.Out().Complain(hasAnswered ? failure : "the device has not answered");
+    context.Out().Complain("the device has not answered");
     return ExitStatus::NoAnswer;
 }
 
@@ -75,7 +58,7 @@ ExitStatus RefreshCommand::Run(CommandContext& context)
         return ExitStatus::NoAnswer;
     }
     context.Requests().RefreshClient(macAddress);
-    return Await(context, OwnsMAC(macAddress), &Always, "");
+    return Await(context, OwnsMAC(macAddress));
 }
 
 CLI::App& ReachCommand::AddTo(CLI::App& parent)
@@ -92,43 +75,6 @@ ExitStatus ReachCommand::Run(CommandContext& context)
         return ExitStatus::NoAnswer;
     }
     context.Requests().ReachClient(ipAddress);
-    return Await(context, OwnsIP(ipAddress), &Always, "");
-}
-
-CLI::App& RenameCommand::AddTo(CLI::App& parent)
-{
-    CLI::App& command = *parent.add_subcommand("rename", "give a device a new host name");
-    command.add_option("NAME", newHostName, "the new host name")->required()->type_name("");
-    CLI::Option_group& target = *command.add_option_group("device");
-    target.add_option("--mac", macAddress, "a MAC address of the device");
-    target.add_option("--ip", ipAddress, "the IP address of the device")->check([](const std::string& text) {
-        // Every device that hears it would take the one name.
-        return AddressText::IP(text) == "255.255.255.255" ? text + " is the address of all devices" : "";
-    });
-    target.require_option(1);
-    return command;
-}
-
-// A device need not announce its new name by itself, so each rename is followed by the question for it.
-ExitStatus RenameCommand::Run(CommandContext& context)
-{
-    if (ipAddress.empty() ? !context.CanBroadcast() : !context.CanReach(ipAddress))
-    {
-        return ExitStatus::NoAnswer;
-    }
-    DiscoverySession& session = context.Requests();
-    if (ipAddress.empty())
-    {
-        session.ChangeClientsHostName(newHostName, macAddress);
-        session.RefreshClient(macAddress);
-    }
-    else
-    {
-        session.ChangeClientsHostNameWithIP(newHostName, ipAddress);
-        session.ReachClient(ipAddress);
-    }
-    const auto isNamed = [this](const Device& device) { return device.HostName == newHostName; };
-    return Await(context, ipAddress.empty() ? OwnsMAC(macAddress) : OwnsIP(ipAddress), isNamed,
-                 "the device has not taken the name");
+    return Await(context, OwnsIP(ipAddress));
 }
 } // namespace Zent::Discovery::Console

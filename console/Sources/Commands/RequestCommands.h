@@ -8,7 +8,7 @@
 
 namespace Zent::Discovery::Console
 {
-/// Sends a request to one device and waits for the signature that shows its success.
+/// Asks one device and waits for its signature.
 class RequestCommand : public ICommand
 {
 protected:
@@ -17,12 +17,8 @@ protected:
     static Condition OwnsMAC(const std::string& macAddress);
     static Condition OwnsIP(const std::string& ipAddress);
 
-    /// Waits for a signature that isFromDevice and isDone accept, and shows it. failure is the complaint about a device
-    /// that answers but is not done.
-    static ExitStatus Await(CommandContext& context,
-                            const Condition& isFromDevice,
-                            const Condition& isDone,
-                            const std::string& failure);
+    /// Waits for a signature that isFromDevice accepts, and shows it.
+    static ExitStatus Await(CommandContext& context, const Condition& isFromDevice);
 };
 
 /// Asks the device that owns a MAC address for its signature.
@@ -44,19 +40,6 @@ public:
     ExitStatus Run(CommandContext& context) override;
 
 private:
-    std::string ipAddress;
-};
-
-/// Gives a device a new host name.
-class RenameCommand final : public RequestCommand
-{
-public:
-    CLI::App& AddTo(CLI::App& parent) override;
-    ExitStatus Run(CommandContext& context) override;
-
-private:
-    std::string newHostName;
-    std::string macAddress; // empty when ipAddress is set
     std::string ipAddress;
 };
 } // namespace Zent::Discovery::Console

@@ -50,6 +50,22 @@ bool IsInstalled(const std::string& library)
     return !error && library == HostPlatform::DefaultLibraryPath() && IsAdministrators(library) &&
            IsAdministrators(file);
 }
+
+/// What the program keeps of its own; empty where users have no folder.
+std::filesystem::path StateFolder()
+{
+    std::filesystem::path folder = HostPlatform::EnvironmentVariable("XDG_STATE_HOME");
+    if (!folder.is_absolute())
+    {
+        const std::filesystem::path home = HostPlatform::EnvironmentVariable("HOME");
+        if (!home.is_absolute())
+        {
+            return {};
+        }
+        folder = home / ".local" / "state";
+    }
+    return folder / "discovery-console";
+}
 } // namespace
 
 std::string HostPlatform::DefaultLibraryPath()
@@ -76,17 +92,14 @@ void HostPlatform::KeepRightsOnlyFor(const std::string& library)
 
 std::string HostPlatform::DefaultLogPath()
 {
-    std::filesystem::path folder = EnvironmentVariable("XDG_STATE_HOME");
-    if (!folder.is_absolute())
-    {
-        const std::filesystem::path home = EnvironmentVariable("HOME");
-        if (!home.is_absolute())
-        {
-            return Programs::Process::NullDevice();
-        }
-        folder = home / ".local" / "state";
-    }
-    return folder / "discovery-console" / "discovery-console.log";
+    const std::filesystem::path folder = StateFolder();
+    return folder.empty() ? Programs::Process::NullDevice() : (folder / "discovery-console.log").string();
+}
+
+std::string HostPlatform::DefaultJournalPath()
+{
+    const std::filesystem::path folder = StateFolder();
+    return folder.empty() ? "" : (folder / "changes.jsonl").string();
 }
 
 std::string HostPlatform::TimeOfDay(std::chrono::system_clock::time_point time)

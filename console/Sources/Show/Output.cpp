@@ -147,6 +147,13 @@ void Output::ShowStatus(const std::string& text)
     status.Show(errorColours.Paint(text, Style::Faint));
 }
 
+void Output::Ask(const std::string& question)
+{
+    status.Clear();
+    out.flush();
+    errors << question << std::flush;
+}
+
 void Output::Conclude(const std::string& text)
 {
     status.Clear();

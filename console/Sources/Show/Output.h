@@ -66,6 +66,9 @@ public:
     /// Says what is going on until something else is said; only a terminal shows it.
     void ShowStatus(const std::string& text);
 
+    /// Asks the user something, whose answer is going to stand behind it. The text must be fit for a terminal.
+    void Ask(const std::string& question);
+
     /// Sums up for people: scripts, which read documents, are spared it. The text must be fit for a terminal.
     void Conclude(const std::string& text);
 

@@ -23,6 +23,9 @@ public:
     /// A log of the user's own; its folder need not exist. Where users have no folder of their own there is no log.
     static std::string DefaultLogPath();
 
+    /// A journal of changes in the same folder; empty where users have none.
+    static std::string DefaultJournalPath();
+
     /// The local time of day, such as 14:07:09.
     static std::string TimeOfDay(std::chrono::system_clock::time_point time);
 

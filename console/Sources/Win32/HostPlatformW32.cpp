@@ -32,6 +32,13 @@ std::filesystem::path ProgramPath()
         path.resize(2 * path.size());
     }
 }
+
+/// What the program keeps of its own; empty where users have no folder.
+std::filesystem::path StateFolder()
+{
+    const wchar_t* const local = _wgetenv(L"LOCALAPPDATA");
+    return local == nullptr ? std::filesystem::path() : std::filesystem::path(local) / L"discovery-console";
+}
 } // namespace
 
 std::string HostPlatform::DefaultLibraryPath()
@@ -46,9 +53,14 @@ void HostPlatform::KeepRightsOnlyFor(const std::string& /*library*/)
 
 std::string HostPlatform::DefaultLogPath()
 {
-    const wchar_t* const local = _wgetenv(L"LOCALAPPDATA");
-    return local == nullptr ? Programs::Process::NullDevice()
-                            : Utf8(std::filesystem::path(local) / L"discovery-console" / L"discovery-console.log");
+    const std::filesystem::path folder = StateFolder();
+    return folder.empty() ? Programs::Process::NullDevice() : Utf8(folder / L"discovery-console.log");
+}
+
+std::string HostPlatform::DefaultJournalPath()
+{
+    const std::filesystem::path folder = StateFolder();
+    return folder.empty() ? "" : Utf8(folder / L"changes.jsonl");
 }
 
 std::string HostPlatform::TimeOfDay(std::chrono::system_clock::time_point time)

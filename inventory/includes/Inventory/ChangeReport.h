@@ -30,9 +30,6 @@ struct ChangeReport
     std::shared_ptr<const Device> Before = nullptr; // as the device was when it was sent; null when that is unknown
     std::shared_ptr<const Device> After = nullptr;  // as it answered last since then; null when it has not
 
-    /// The MAC address of the interface that the change is about; empty when it is unknown.
-    std::string MACAddress() const;
-
     /// That address, or the IP address of the request when it is unknown.
     std::string Subject() const;
 

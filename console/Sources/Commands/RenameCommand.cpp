@@ -1,0 +1,55 @@
+#include "Commands/RenameCommand.h"
+
+#include "Commands/ChangeRun.h"
+#include "Commands/CommandContext.h"
+#include "Inventory/Network.h"
+#include "Programs/WrongArgument.h"
+
+#include <CLI/CLI.hpp>
+
+using Zent::Discovery::Inventory::ChangeRequest;
+using Zent::Discovery::Inventory::IPv4;
+using Zent::Discovery::Inventory::Network;
+using Zent::Discovery::Programs::WrongArgument;
+
+namespace Zent::Discovery::Console
+{
+namespace
+{
+std::string WrongWithAddress(const std::string& text)
+{
+    const std::optional<IPv4> address = Network::ParseAddress(text);
+    return !address               ? '"' + text + "\" is no IPv4 address, such as 10.0.0.7"
+           : *address == ~IPv4{0} ? text + " is the address of all devices" // each would take the one name
+                                  : "";
+}
+} // namespace
+
+CLI::App& RenameCommand::AddTo(CLI::App& parent)
+{
+    CLI::App& command = *parent.add_subcommand("rename", "give a device a new host name and see that it takes it");
+    command.add_option("NAME", newHostName, "the new host name")->required()->type_name("");
+    CLI::Option& mac = ChangeSettings::AddMAC(command, macAddress, "a MAC address of the device; or else its --ip");
+    command.add_option("--ip", ipAddress, "the IP address of the device")
+        ->type_name("IP")
+        ->check(&WrongWithAddress)
+        ->excludes(&mac);
+    settings.AddWithLookTo(command);
+    return command;
+}
+
+ExitStatus RenameCommand::Run(CommandContext& context)
+{
+    if (macAddress.empty() && ipAddress.empty())
+    {
+        throw WrongArgument("rename needs --mac or --ip, to know which device is meant");
+    }
+    if (ipAddress.empty() ? !context.CanBroadcast() : !context.CanReach(ipAddress))
+    {
+        return ExitStatus::NoAnswer;
+    }
+    const ChangeRequest request = ipAddress.empty() ? ChangeRequest::Rename(macAddress, newHostName)
+                                                    : ChangeRequest::RenameAt(ipAddress, newHostName);
+    return ChangeRun(context, settings).CarryOut({{request.Normal()}}, {.Looks = true});
+}
+} // namespace Zent::Discovery::Console

@@ -1,0 +1,87 @@
+#include "Commands/UndoCommand.h"
+
+#include "Commands/ChangeRun.h"
+#include "Commands/CommandContext.h"
+#include "Inventory/AddressText.h"
+#include "Show/Output.h"
+#include "Text/TerminalText.h"
+#include "Text/TextTable.h"
+
+#include <CLI/CLI.hpp>
+
+#include <stdexcept>
+
+using Zent::Discovery::Inventory::AddressText;
+using Zent::Discovery::Inventory::ChangeRequest;
+using Zent::Discovery::Inventory::Journal;
+using Zent::Discovery::Inventory::JournalEntry;
+
+namespace Zent::Discovery::Console
+{
+CLI::App& UndoCommand::AddTo(CLI::App& parent)
+{
+    CLI::App& command = *parent.add_subcommand(
+        "undo", "take back the newest change that is not yet taken back, and see that the device takes it");
+    ChangeSettings::AddMAC(command, macAddress, "the newest change of the interface with this MAC address");
+    command.add_flag("--list", lists, "list the changes that the journal knows, the oldest first");
+    command.add_flag("--keep", keeps, "leave changes as they are that were broken off, and speak of them no more")
+        ->excludes(command.get_option("--list"));
+    settings.AddTo(command);
+    return command;
+}
+
+ExitStatus UndoCommand::Run(CommandContext& context)
+{
+    const Journal journal = context.ReadJournal();
+    if (lists)
+    {
+        List(context, journal);
+        return ExitStatus::Success;
+    }
+    if (keeps)
+    {
+        return Keep(context, journal);
+    }
+    const JournalEntry* const entry = journal.NewestToUndo(AddressText::MAC(macAddress));
+    if (entry == nullptr)
+    {
+        context.Out().Complain("the journal " + context.Options().Journal + " has no change" +
+                               (macAddress.empty() ? "" : " of " + AddressText::MAC(macAddress)) + " to undo");
+        return ExitStatus::Usage;
+    }
+    const ChangeRun::Wanted wanted{ChangeRequest::Parse(entry->UndoingRequest()), entry->Id()};
+    if (!context.CanBroadcast())
+    {
+        return ExitStatus::NoAnswer;
+    }
+    return ChangeRun(context, settings).CarryOut({wanted}, {.Asks = true, .NeedsAnswer = true});
+}
+
+void UndoCommand::List(CommandContext& context, const Journal& journal)
+{
+    Output& output = context.Out();
+    TextTable table({{"TIME"}, {"ADDRESS"}, {"VERDICT"}, {"STATE"}, {"BEFORE"}, {"AFTER"}});
+    for (const JournalEntry& entry : journal.Entries())
+    {
+        if (output.IsJson())
+        {
+            output.PrintLine(TerminalText::Json(entry.ToJson()));
+        }
+        table.AddRow(
+            {entry.Time, entry.Subject(), entry.Verdict, entry.StateName(), entry.Before.value_or(""), entry.After});
+    }
+    if (!output.IsJson())
+    {
+        output.Show(table);
+    }
+}
+
+ExitStatus UndoCommand::Keep(CommandContext& context, const Journal& journal)
+{
+    for (const JournalEntry* entry : journal.OpenEntries())
+    {
+        context.WriteJournal(Journal::EndLine(*entry, "kept"));
+    }
+    return ExitStatus::Success;
+}
+} // namespace Zent::Discovery::Console

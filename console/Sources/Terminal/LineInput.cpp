@@ -1,0 +1,82 @@
+#include "Terminal/LineInput.h"
+
+#include "Programs/Mutex.h"
+#include "Programs/Process.h"
+
+#include <deque>
+#include <thread>
+#include <utility>
+
+using Zent::Discovery::Programs::Lock;
+using Zent::Discovery::Programs::Mutex;
+using Zent::Discovery::Programs::Process;
+
+namespace Zent::Discovery::Console
+{
+struct LineInput::State
+{
+    void Tell() NFX_REQUIRES(ChangeLock)
+    {
+        if (OnNews)
+        {
+            OnNews();
+        }
+    }
+
+    Mutex ChangeLock;
+    std::function<void()> OnNews NFX_GUARDED_BY(ChangeLock); // empty once the owner has gone
+    std::deque<std::string> Lines NFX_GUARDED_BY(ChangeLock);
+    bool HasEnded NFX_GUARDED_BY(ChangeLock) = false;
+};
+
+LineInput::LineInput(std::function<void()> onNews)
+    : state(std::make_shared<State>())
+{
+    DropTyped();
+    {
+        const Lock guard(state->ChangeLock);
+        state->OnNews = std::move(onNews);
+    }
+    std::thread([state = state] {
+        Process::ReadInput([&state](const std::string& line) {
+            const Lock guard(state->ChangeLock);
+            state->Lines.push_back(line);
+            state->Tell();
+        });
+        const Lock guard(state->ChangeLock);
+        state->HasEnded = true;
+        state->Tell();
+    }).detach();
+}
+
+LineInput::~LineInput()
+{
+    const Lock guard(state->ChangeLock);
+    state->OnNews = {};
+}
+
+void LineInput::Drop()
+{
+    DropTyped();
+    const Lock guard(state->ChangeLock);
+    state->Lines.clear();
+}
+
+std::optional<std::string> LineInput::Take()
+{
+    const Lock guard(state->ChangeLock);
+    if (state->Lines.empty())
+    {
+        return std::nullopt;
+    }
+    std::string line = std::move(state->Lines.front());
+    state->Lines.pop_front();
+    return line;
+}
+
+bool LineInput::HasEnded() const
+{
+    const Lock guard(state->ChangeLock);
+    return state->HasEnded && state->Lines.empty();
+}
+} // namespace Zent::Discovery::Console
