@@ -30,14 +30,14 @@ struct ChangeReport
     std::shared_ptr<const Device> Before = nullptr; // as the device was when it was sent; null when that is unknown
     std::shared_ptr<const Device> After = nullptr;  // as it answered last since then; null when it has not
 
-    /// That address, or the IP address of the request when it is unknown.
-    std::string Subject() const;
-
     /// Such as reboot-needed; empty until it has ended.
     const char* VerdictName() const;
 
     /// Of the interface that the change is about; empty when it is unknown.
     std::string MACAddress() const;
+
+    /// That address, or the IP address of the request when it is unknown.
+    std::string Subject() const;
 
     /// The request that gives back what the device had; nothing when that is unknown, or nothing was sent. To be
     /// started with GivesBack.
