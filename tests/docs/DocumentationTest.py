@@ -157,6 +157,9 @@ class DocumentTest(TestCase):
             self.run_commands(block.text, expected)
 
     def run_commands(self, text, expected):
+        if ".whl" in text:
+            pack = setting("source") / "bindings/python/pack"
+            subprocess.run([pack, self.tree.folder, "linux"], check=True, stdout=subprocess.DEVNULL)
         self.compare_run(self.tree.run_script(text, expected), expected)
 
     def compare_run(self, run, expected):

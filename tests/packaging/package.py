@@ -76,7 +76,7 @@ class TestCase(endtoend.TestCase):
         self.assertGreater(len(pages), 10)
         for page in pages:
             name = page.relative_to(folder)
-            self.assertNotRegex(page.read_text(encoding="utf-8"), r"\./(run|test|package|bench|soak)\b|build/(linux|win)", name)
+            self.assertNotRegex(page.read_text(encoding="utf-8"), r"\./(run|test|package|bench|soak)\b|build/(linux|win)|/pack\b", name)
             for link in blocks.Markdown(page).links():
                 file, _, anchor = link.partition("#")
                 target = page.parent / file if file else page
