@@ -84,12 +84,14 @@ class Topics(Process):
         return (self.held.get("state") or {}).get("State")
 
     def manifest(self):
-        """The revisions by the devices' ids."""
+        """The revisions by the devices' ids, of the parts that are there as the manifest tells."""
         self.read()
         head = self.held.get("manifest") or {"Parts": [], "Records": {}}
         records = dict(head["Records"])
-        for number in range(len(head["Parts"])):
-            records.update((self.held.get(f"manifest/{number + 1}") or {"Records": {}})["Records"])
+        for number, revision in enumerate(head["Parts"], 1):
+            part = self.held.get(f"manifest/{number}")
+            if part and part["Revision"] == revision:
+                records.update(part["Records"])
         return records
 
     def is_whole(self, count):
