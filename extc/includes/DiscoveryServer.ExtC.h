@@ -92,7 +92,10 @@ extern "C"
         /** a request while the server is not started, or while it restarts itself: then repeat it later, without
             StartServer */
         DiscoveryResultNullPointer = 41,
-        DiscoveryResultSocket = 73, /**< the network refused, for instance because UDP port 12001 is taken */
+        DiscoveryResultIO = 58, /**< the log cannot be opened: access denied, a folder in its place, a path too long */
+        DiscoveryResultDirectoryNotFound = 59, /**< the log's path leads nowhere, such as to a missing drive */
+        DiscoveryResultFileNotFound = 64,      /**< the log's path is empty, or leads nowhere */
+        DiscoveryResultSocket = 73,            /**< the network refused, for instance because UDP port 12001 is taken */
         DiscoveryResultResourceNotFound = -0x3FF6FEF7, /**< 0xC0090109: a JSON document lacks a required member */
         /** 0xC0090114: a text is not the JSON, MAC address, IP address or version that it should be, or it is too large
          */
@@ -145,8 +148,8 @@ extern "C"
      * @param logPath  path of the log file.
      * @param logLevel one of DiscoveryLogLevel.
      * @return 0; 30 when the library is initialized already, which leaves it as it is, and within a callback; 9 when
-     *         logPath is null, 10 when the level is unknown, another code when the log cannot be opened. After any of
-     *         these but the first a later Initialize may succeed.
+     *         logPath is null, 10 when the level is unknown, 58, 59, 64 or another code when the log cannot be opened.
+     *         After any of these but the first a later Initialize may succeed.
      */
     DISCOVERY_EXTC_API int DISCOVERY_EXTC_CALL Initialize(const char* logPath, int logLevel);
 

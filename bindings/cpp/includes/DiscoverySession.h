@@ -111,7 +111,10 @@ public:
         OutOfMemory = DiscoveryResultOutOfMemory,
         InvalidOperation = DiscoveryResultInvalidOperation, ///< closed, another session is open, or not in a handler
         NullPointer = DiscoveryResultNullPointer, ///< a request while the server is not started, or restarts itself
-        Socket = DiscoveryResultSocket,           ///< the network refused, for instance because UDP port 12001 is taken
+        IO = DiscoveryResultIO,                   ///< the log cannot be opened, as with the next two
+        DirectoryNotFound = DiscoveryResultDirectoryNotFound,
+        FileNotFound = DiscoveryResultFileNotFound,
+        Socket = DiscoveryResultSocket, ///< the network refused, for instance because UDP port 12001 is taken
         ResourceNotFound = DiscoveryResultResourceNotFound,
         InvalidFormat = DiscoveryResultInvalidFormat ///< not the MAC address, IP address or version that it should be
     };

@@ -18,6 +18,15 @@ namespace Zent.Discovery
         /// <summary>A request while the server is not started, or while it restarts itself.</summary>
         NullPointer = 41,
 
+        /// <summary>The log cannot be opened: access denied, a folder in its place, a path too long.</summary>
+        IO = 58,
+
+        /// <summary>The log's path leads nowhere, such as to a missing drive.</summary>
+        DirectoryNotFound = 59,
+
+        /// <summary>The log's path is empty, or leads nowhere.</summary>
+        FileNotFound = 64,
+
         /// <summary>The network refused, for instance because UDP port 12001 is taken.</summary>
         Socket = 73,
 

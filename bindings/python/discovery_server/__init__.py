@@ -89,6 +89,12 @@ class ErrorCode(enum.IntEnum):
     """The session is closed, another one is open, or the call is not allowed in a handler."""
     NULL_POINTER = 41
     """A request while the server is not started, or while it restarts itself."""
+    IO = 58
+    """The log cannot be opened: access denied, a folder in its place, a path too long."""
+    DIRECTORY_NOT_FOUND = 59
+    """The log's path leads nowhere, such as to a missing drive."""
+    FILE_NOT_FOUND = 64
+    """The log's path is empty, or leads nowhere."""
     SOCKET = 73
     """The network refused, for instance because UDP port 12001 is taken."""
     RESOURCE_NOT_FOUND = 0xC0090109
