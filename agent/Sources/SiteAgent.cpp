@@ -126,10 +126,6 @@ void SiteAgent::Run()
     {
         TakeEvents();
         publisher->Advance(driver.Now());
-        if (isSearched && std::exchange(isJudgementDue, false))
-        {
-            inventory.CallSilentGone(std::chrono::system_clock::now());
-        }
         const Time now = driver.Now();
         if (now >= nextLook)
         {
@@ -163,8 +159,7 @@ void SiteAgent::TakeCommand(const Fleet::CommandMessage& message)
 
 void SiteAgent::TakeUnclaimed(const std::string& id, const std::optional<Fleet::DeviceRecord>& record)
 {
-    inventory.TakeUnclaimed(id, record, std::chrono::system_clock::now());
-    isJudgementDue = true;
+    inventory.TakeUnclaimed(id, record, isSearched, std::chrono::system_clock::now());
 }
 
 /// The table is whole when the search is over. One beside which another program took answers says nothing of those who
@@ -184,9 +179,12 @@ void SiteAgent::TakeEvents()
         if (event->Kind == Event::EventKind::SearchEnded)
         {
             log.Info(event->Report->ToString());
-            publisher->BeReady();
             isSearched = portHolder.empty();
-            isJudgementDue = true;
+            if (isSearched)
+            {
+                inventory.CallSilentGone(std::chrono::system_clock::now());
+            }
+            publisher->BeReady();
         }
         inventory.Take(*event, std::chrono::system_clock::now());
         if (event->Outcome && desk)

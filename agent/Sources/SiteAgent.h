@@ -61,7 +61,6 @@ private:
     std::size_t knownLost = 0; // messages of the broker
     Inventory::Time nextLook{0};
     Inventory::Time nextReport{0};
-    bool isSearched = false;     // by a search that heard all answers
-    bool isJudgementDue = false; // of records whose devices have not answered
+    bool isSearched = false; // by a search that heard all answers
 };
 } // namespace Zent::Discovery::Agent

@@ -132,7 +132,10 @@ void SiteInventory::Take(const Event& event, WallTime now)
     }
 }
 
-void SiteInventory::TakeUnclaimed(const std::string& id, const std::optional<DeviceRecord>& record, WallTime now)
+void SiteInventory::TakeUnclaimed(const std::string& id,
+                                  const std::optional<DeviceRecord>& record,
+                                  bool isWhole,
+                                  WallTime now)
 {
     if (records.contains(id))
     {
@@ -143,8 +146,13 @@ void SiteInventory::TakeUnclaimed(const std::string& id, const std::optional<Dev
         publisher.RemoveRecord(id);
         return;
     }
-    records.emplace(id, *record);
-    publisher.PublishRecord(id, *record);
+    DeviceRecord& kept = records.emplace(id, *record).first->second;
+    if (isWhole && !IsAway(kept))
+    {
+        CallGone(id, kept, now);
+        return;
+    }
+    publisher.PublishRecord(id, kept);
 }
 
 void SiteInventory::CallSilentGone(WallTime now)
@@ -153,11 +161,16 @@ void SiteInventory::CallSilentGone(WallTime now)
     {
         if (!rows.contains(id) && !IsAway(record))
         {
-            record = DeviceRecord(DeviceRecord::DeviceState::Gone, record.Host(), now);
-            publisher.PublishRecord(id, record);
-            Tell("gone", id, DetailsOf(record, {}), now);
+            CallGone(id, record, now);
         }
     }
+}
+
+void SiteInventory::CallGone(const std::string& id, DeviceRecord& record, WallTime now)
+{
+    record = DeviceRecord(DeviceRecord::DeviceState::Gone, record.Host(), now);
+    publisher.PublishRecord(id, record);
+    Tell("gone", id, DetailsOf(record, {}), now);
 }
 
 void SiteInventory::RemoveOverdue(WallTime now)

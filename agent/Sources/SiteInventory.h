@@ -36,8 +36,11 @@ public:
     /// Takes an event of the session.
     void Take(const Inventory::Event& event, Fleet::WallTime now);
 
-    /// Takes a record that an earlier start has left.
-    void TakeUnclaimed(const std::string& id, const std::optional<Fleet::DeviceRecord>& record, Fleet::WallTime now);
+    /// Takes a record that an earlier start has left. isWhole says that the table is: then its device is gone.
+    void TakeUnclaimed(const std::string& id,
+                       const std::optional<Fleet::DeviceRecord>& record,
+                       bool isWhole,
+                       Fleet::WallTime now);
 
     /// The table is whole: the devices of such records that have not answered are gone.
     void CallSilentGone(Fleet::WallTime now);
@@ -52,6 +55,7 @@ public:
 
 private:
     void Update(const Inventory::DeviceRow& row, Fleet::WallTime now);
+    void CallGone(const std::string& id, Fleet::DeviceRecord& record, Fleet::WallTime now);
     void Withdraw(const std::string& id);
     void Forget(const std::string& id);
     void Tell(const char* kind, const std::string& id, std::string details, Fleet::WallTime now);
