@@ -148,6 +148,11 @@ SiteTopics::SiteTopics(std::string site)
     }
 }
 
+std::string SiteTopics::AllStates()
+{
+    return std::string(Root) + "+/state";
+}
+
 std::optional<std::string> SiteTopics::ReplyClient(std::string_view topic) const
 {
     const std::optional<Topic> parsed = Topic::Parse(topic);

@@ -67,6 +67,10 @@ public:
 
     std::string Device(std::string_view id) const { return root + "devices/" + std::string(id); }
 
+    /// Filters of a subscription: the states of all sites, and all devices of this one.
+    static std::string AllStates();
+    std::string AllDevices() const { return root + "devices/+"; }
+
     std::string Events() const { return root + "events"; }
 
     std::string Commands() const { return root + "commands"; }
