@@ -11,21 +11,6 @@ namespace
 {
 using TimePoint = DeviceColumn::TimePoint;
 
-/// How long ago that was, in one unit: 59 s, 59 min, 23 h, 400 d. A time to come is 0 s ago.
-std::string AgeText(TimePoint::duration age)
-{
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(age).count();
-    if (seconds < 60)
-    {
-        return std::to_string(seconds < 0 ? 0 : seconds) + " s";
-    }
-    if (seconds < 3600)
-    {
-        return std::to_string(seconds / 60) + " min";
-    }
-    return seconds < 86400 ? std::to_string(seconds / 3600) + " h" : std::to_string(seconds / 86400) + " d";
-}
-
 std::string HostName(const Device& device, TimePoint /*now*/)
 {
     return device.HostName;
@@ -73,7 +58,7 @@ std::string LastMessage(const Device& device, TimePoint /*now*/)
 
 std::string Age(const Device& device, TimePoint now)
 {
-    return AgeText(now - device.Message.Received);
+    return DeviceColumn::AgeText(now - device.Message.Received);
 }
 
 template <std::string (*Text)(const Device&, TimePoint)>
@@ -116,6 +101,20 @@ const DeviceColumn* DeviceColumn::Find(std::string_view name)
     const auto* const found =
         std::ranges::find(Columns, name, [](const DeviceColumn& each) { return std::string_view(each.Name); });
     return found == std::end(Columns) ? nullptr : found;
+}
+
+std::string DeviceColumn::AgeText(TimePoint::duration age)
+{
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(age).count();
+    if (seconds < 60)
+    {
+        return std::to_string(seconds < 0 ? 0 : seconds) + " s";
+    }
+    if (seconds < 3600)
+    {
+        return std::to_string(seconds / 60) + " min";
+    }
+    return seconds < 86400 ? std::to_string(seconds / 3600) + " h" : std::to_string(seconds / 86400) + " d";
 }
 
 std::string DeviceColumn::Names(std::string_view without)

@@ -39,14 +39,14 @@ const Look& LookOf(const DeviceColumn& column)
                               [](const Look& each) { return std::string_view(each.Name); });
 }
 
-std::vector<TextTable::Column> Titles(const char* first,
+std::vector<TextTable::Column> Titles(const std::vector<const char*>& first,
                                       const std::vector<const DeviceColumn*>& columns,
                                       bool hasUsualWidths)
 {
     std::vector<TextTable::Column> titles;
-    if (first != nullptr)
+    for (const char* title : first)
     {
-        titles.push_back({first});
+        titles.push_back({title});
     }
     for (const DeviceColumn* column : columns)
     {
@@ -57,44 +57,50 @@ std::vector<TextTable::Column> Titles(const char* first,
 }
 } // namespace
 
-DeviceTextTable::DeviceTextTable(const char* firstTitle,
+DeviceTextTable::DeviceTextTable(const std::vector<const char*>& firstTitles,
                                  Columns columns,
                                  bool hasUsualWidths,
                                  DeviceColumn::TimePoint now)
-    : hasFirst(firstTitle != nullptr)
+    : hasFirst(!firstTitles.empty())
     , columns(std::move(columns))
     , now(now)
-    , table(Titles(firstTitle, this->columns, hasUsualWidths))
+    , table(Titles(firstTitles, this->columns, hasUsualWidths))
 {
 }
 
 DeviceTextTable DeviceTextTable::Snapshot()
 {
-    return {nullptr, Without({"age"}), false, {}};
+    return {{}, Without({"age"}), false, {}};
 }
 
 DeviceTextTable DeviceTextTable::WithStates(DeviceColumn::TimePoint now)
 {
-    return {"STATE", Without({}), false, now};
+    return {{"STATE"}, Without({}), false, now};
 }
 
 DeviceTextTable DeviceTextTable::Stream()
 {
-    return {"TIME    ", Without({"age"}), true, {}};
+    return {{"TIME    "}, Without({"age"}), true, {}};
 }
 
 DeviceTextTable DeviceTextTable::Changes()
 {
-    return {"CHANGE", Without({"message", "age"}), false, {}};
+    return {{"CHANGE"}, Without({"message", "age"}), false, {}};
+}
+
+DeviceTextTable DeviceTextTable::OfSites(DeviceColumn::TimePoint now)
+{
+    return {{"SITE", "STATE"}, Without({"message"}), false, now};
 }
 
 void DeviceTextTable::Add(const Device& device, Style style, const std::string& first)
 {
-    std::vector<std::string> cells;
-    if (hasFirst)
-    {
-        cells.push_back(first);
-    }
+    Add(device, style, hasFirst ? std::vector{first} : std::vector<std::string>());
+}
+
+void DeviceTextTable::Add(const Device& device, Style style, std::vector<std::string> first)
+{
+    std::vector<std::string> cells = std::move(first);
     // Where states are shown, there are devices that are known though nobody has heard of them.
     const bool isHeard = now == DeviceColumn::TimePoint() || device.Message.Received != DeviceColumn::TimePoint();
     for (const DeviceColumn* column : columns)

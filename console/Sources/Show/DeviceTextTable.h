@@ -26,8 +26,12 @@ public:
     /// Devices that differ between two results, behind what has become of them.
     static DeviceTextTable Changes();
 
-    /// first stands in front of the device's columns, in the tables that have such a column.
+    /// Devices of several sites behind those and their states, with the age of these at the moment now.
+    static DeviceTextTable OfSites(Inventory::DeviceColumn::TimePoint now);
+
+    /// first stands in front of the device's columns, in the tables that have such columns.
     void Add(const Inventory::Device& device, Style style = Style::Plain, const std::string& first = "");
+    void Add(const Inventory::Device& device, Style style, std::vector<std::string> first);
 
     void AddNote(const std::string& text);
 
@@ -38,12 +42,12 @@ private:
 
     static Columns Without(const std::vector<std::string>& names);
 
-    DeviceTextTable(const char* firstTitle,
+    DeviceTextTable(const std::vector<const char*>& firstTitles,
                     Columns columns,
                     bool hasUsualWidths,
                     Inventory::DeviceColumn::TimePoint now);
 
-    const bool hasFirst;
+    const bool hasFirst; // columns in front of the device's
     const Columns columns;
     const Inventory::DeviceColumn::TimePoint now;
     TextTable table;

@@ -168,7 +168,8 @@ void Output::Complain(std::string_view text)
 {
     status.Clear();
     Flush();
-    errors << errorColours.Paint("discovery-console:", Style::Left) << ' ' << TerminalText::Plain(text) << std::endl;
+    errors << errorColours.Paint(settings.Program + std::string(":"), Style::Left) << ' ' << TerminalText::Plain(text)
+           << std::endl;
 }
 
 /// In the form that programs read; false when people want a table.

@@ -19,12 +19,13 @@ class Output final
 public:
     struct Settings
     {
-        bool Json = false;                      // one document per line instead of a table
-        bool Csv = false;                       // comma-separated values instead of one
-        bool OutIsTerminal = false;             // which acts on control sequences
-        bool ErrorsAreTerminal = false;         // the same
-        bool HasColours = true;                 // what goes to a terminal
-        std::size_t Width = TextTable::NoLimit; // of tables
+        bool Json = false;                         // one document per line instead of a table
+        bool Csv = false;                          // comma-separated values instead of one
+        bool OutIsTerminal = false;                // which acts on control sequences
+        bool ErrorsAreTerminal = false;            // the same
+        bool HasColours = true;                    // what goes to a terminal
+        std::size_t Width = TextTable::NoLimit;    // of tables
+        const char* Program = "discovery-console"; // that complains; a literal
     };
 
     /// The streams must outlive the object.

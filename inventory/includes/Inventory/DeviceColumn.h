@@ -26,6 +26,9 @@ struct DeviceColumn
     /// Null when no column has that name.
     static const DeviceColumn* Find(std::string_view name);
 
+    /// How long ago something was, in one unit: 59 s, 59 min, 23 h, 400 d. What is still to come is 0 s ago.
+    static std::string AgeText(TimePoint::duration age);
+
     /// All names but one, for a message to the user.
     static std::string Names(std::string_view without = {});
 };
