@@ -28,12 +28,13 @@ def certificates(folder):
 
 
 class Broker(Process):
-    """A mosquitto that keeps nothing when it ends."""
+    """A mosquitto that keeps nothing when it ends. The limit is that of messages for a slow reader; None for its own."""
 
-    def __init__(self, folder, *lines, address="127.0.0.1"):
+    def __init__(self, folder, *lines, address="127.0.0.1", limit=0):
         self.address = address
         configuration = pathlib.Path(folder) / "broker.conf"
-        listener = ["user root", f"listener {PORT} {address}", "max_queued_messages 0", *lines]
+        limits = [] if limit is None else [f"max_queued_messages {limit}"]
+        listener = ["user root", f"listener {PORT} {address}", *limits, *lines]
         configuration.write_text("\n".join(listener) + "\n", encoding="ascii")
         super().__init__("mosquitto", "-c", str(configuration))
         wait_until(self._answers, "broker")

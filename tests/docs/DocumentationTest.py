@@ -47,6 +47,7 @@ def help_texts():
         overview,
         *(output_of([*console, subcommand]) for subcommand in subcommands),
         output_of([str(setting("bin") / "device-simulator")]),
+        output_of([str(setting("bin") / "discovery-fleet")]),
         output_of([str(setting("source") / "test")]),
     ])  # fmt: skip
 

@@ -101,7 +101,7 @@ class DebTest(TestCase):
         self.assertIn("discovery_log", self.on_machine("lnav", "-n", "-c", query, "/tmp/c.log"))
         self.assertIn("devicediscovery", self.on_machine("tshark", "-G", "protocols"))
         self.assertTrue((self.root / "lib/systemd/system/discovery-agent.service").exists())
-        for page in ("discovery-console", "device-simulator", "discovery-agent"):
+        for page in ("discovery-console", "device-simulator", "discovery-agent", "discovery-fleet"):
             self.assertIn("/usr/share/man/", self.on_machine("man", "--where", page))
 
     def check_documentation(self):

@@ -69,6 +69,7 @@ public:
 
     /// Filters of a subscription: the states of all sites, and all devices of this one.
     static std::string AllStates();
+
     std::string AllDevices() const { return root + "devices/+"; }
 
     std::string Events() const { return root + "events"; }
