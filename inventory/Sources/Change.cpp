@@ -69,11 +69,18 @@ void Change::Heard(const std::shared_ptr<const Device>& device, Time now)
         lastHeard.reset(); // what it says now need not be what it is going to be
         return;
     }
+    const bool wasSilent = now >= sent + SilenceTime && !IsAnswering(now);
     report.After = device;
     lastHeard = now;
     if (report.Request.IsShownBy(*device))
     {
         End(Verdict::Applied, now);
+    }
+    else if (options.GivesBack && wasSilent && !std::exchange(isSentAgain, true))
+    {
+        // It may have been starting anew when it was told: what it was told before that still holds.
+        deadline = now + options.Timeout;
+        Send(now);
     }
 }
 
@@ -263,7 +270,8 @@ void Change::Conclude(Time now)
     }
     else
     {
-        End(Verdict::RebootNeeded, now);
+        // One that has been silent since it was to give back its settings need not have heard of that.
+        End(options.GivesBack && report.After == nullptr ? Verdict::NoAnswer : Verdict::RebootNeeded, now);
     }
 }
 

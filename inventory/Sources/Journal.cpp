@@ -73,7 +73,7 @@ std::string JournalEntry::Id() const
 
 bool JournalEntry::CanBeUndone() const
 {
-    return Before && Undoes.empty() && !IsUndone && Verdict != "refused";
+    return Before && Undoes.empty() && !IsUndone && Verdict != "refused" && Verdict != "not-sent";
 }
 
 const char* JournalEntry::StateName() const

@@ -27,6 +27,7 @@ struct FakeDevice
     Time SilentFrom{600000};  // since it was told
     Time SilentUntil{600000}; // then it starts anew
     Time AnswerDelay{10};
+    Time DeafUntil{0}; // of the host program's time
     std::string NextName = Name;
     std::string NextIPAddress = IPAddress;
 
@@ -118,6 +119,10 @@ protected:
 
     void Reach(const Wish& wish, const std::string& address, FakeDevice& device)
     {
+        if (now < device.DeafUntil)
+        {
+            return;
+        }
         if (wish.IsRequestOfChange() && isLibraryWilling)
         {
             told[address] = now;
@@ -288,6 +293,19 @@ TEST_F(ChangeTest, TheVerdictSaysWhatTheDeviceHasDone)
         EXPECT_STREQ(report.VerdictName(), each.Verdict);
         EXPECT_NEAR(static_cast<double>(report.Elapsed.count()) / 1000, each.Seconds, 1.0);
     }
+}
+
+TEST_F(ChangeTest, WhatADeviceMissesWhileItStartsAnewIsGivenBackOnceMore)
+{
+    devices[MAC].Flags = R"("IsHostNameReadOnly":false,"RebootRequiredForHostNameChange":true)";
+    const ChangeRequest undo = Run(ChangeRequest::Rename(MAC, "press-3")).Undo().value();
+    ChangeOptions options = NoLook();
+    options.GivesBack = true;
+    devices[MAC].DeafUntil = now + 2s;
+    EXPECT_EQ(Verdict(undo, options), "applied");
+    EXPECT_EQ(requests.size(), 3u);
+    devices[MAC].DeafUntil = now + 100s;
+    EXPECT_EQ(Verdict(undo, options), "no-answer"); // nobody knows whether it has heard of it
 }
 
 TEST_F(ChangeTest, ADeviceElsewhereIsRenamedWhereThereIsARoute)

@@ -509,7 +509,7 @@ ChangeOptions ChangeRun::OptionsFor(const Step& step) const
     return {.Look = std::nullopt,
             .Timeout = timeout,
             .RebootTimeout = settings.RebootTimeout,
-            .Force = settings.Force,
+            .Force = settings.Force || isTidyingUp, // a device may be silent just because of what it was given
             .GivesBack = !step.Undoes.empty()};
 }
 } // namespace Zent::Discovery::Console

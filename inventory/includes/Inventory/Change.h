@@ -99,5 +99,6 @@ private:
     Time sent{0};                  // when the library has taken the request
     std::optional<Time> lastHeard; // since then
     std::int64_t openWish = 0;     // the one whose answer the change waits for
+    bool isSentAgain = false;
 };
 } // namespace Zent::Discovery::Inventory

@@ -91,7 +91,8 @@ struct ChangeOptions
     /// Goes on though the device is unknown or another one has the name or the address.
     bool Force = false;
 
-    /// The request gives back what the device had before, which is right whatever it is.
+    /// The request gives back what the device had before, which is right whatever it is. It is sent once more to a
+    /// device that was silent and then shows it not, and has not come true while the device has said nothing since.
     bool GivesBack = false;
 };
 } // namespace Zent::Discovery::Inventory
