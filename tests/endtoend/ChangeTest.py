@@ -6,6 +6,7 @@ import pty
 import subprocess
 
 from endtoend import Simulator, TestCase, command, main, wait_until
+from networks import cabled
 
 
 class OnTerminal:
@@ -201,13 +202,29 @@ class ChangeTest(TestCase):
             self.assertNotEqual(self.shown(device.mac), before)
         self.assertNotIn("open", [each["State"] for each in self.journal()])
 
+    def test_a_device_in_a_foreign_subnet_is_changed_and_taken_back(self):
+        machine = cabled(self, "10.7.0.1/24", "10.8.0.10/24")
+        link = machine.cable.far.name
+        machine.ip("address", "add", "10.7.0.10/32", "dev", link)  # on the link, since what it broadcasts leaves there
+        machine.ip("route", "add", "default", "dev", link)
+        self.local_addresses = ["10.7.0.1"]
+        network = ("--count", "1", "--address", "10.8.0.10", "--by-broadcast", "--no-hello")
+        with Simulator(*network, machine=machine) as simulator:
+            (device,) = simulator.devices
+            before = self.shown(device.mac)
+            settings = self.settings(device, IPAddress="10.7.0.10", SubNetMask="255.255.255.0")
+            change = self.change("configure", settings, "--no-look", status=0)
+            self.assertEqual(change["Verdict"], "applied")
+            self.assertEqual(self.shown(device.mac)[1], "10.7.0.10")
+            self.console("undo", "--yes")
+            self.assertEqual(self.shown(device.mac), before)
+
     def test_two_consoles_keep_one_journal(self):
         with Simulator("--count", "1", "--by-broadcast") as simulator:
             rename = ("rename", "--mac", simulator.devices[0].mac, "--no-look")
             for i in range(3):
                 consoles = [self.start_console(*rename, f"press-{i}") for _ in range(2)]
-                for console in consoles:
-                    console.wait()
+                self.assertEqual([console.end() for console in consoles], [0, 0])
         self.assertEqual([each["State"] for each in self.journal()], ["done"] * 6)
 
 
