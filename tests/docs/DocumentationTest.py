@@ -40,16 +40,19 @@ def documents(source):
 @functools.cache
 def help_texts():
     """What the programs and scripts say of their options."""
-    console = [str(setting("bin") / "discovery-console")]
-    overview = output_of(console)
-    subcommands = re.findall(r"^  ([\w-]+)", overview.partition("Subcommands:\n")[2].partition("\n\n")[0], re.MULTILINE)
     return "".join([
-        overview,
-        *(output_of([*console, subcommand]) for subcommand in subcommands),
+        help_text([str(setting("bin") / "discovery-console")]),
         output_of([str(setting("bin") / "device-simulator")]),
         output_of([str(setting("bin") / "discovery-fleet")]),
         output_of([str(setting("source") / "test")]),
     ])  # fmt: skip
+
+
+def help_text(command):
+    """Of a command and those below it."""
+    text = output_of(command)
+    below = re.findall(r"^  ([\w-]+)", text.partition("Subcommands:\n")[2].partition("\n\n")[0], re.MULTILINE)
+    return text + "".join(help_text([*command, each]) for each in below)
 
 
 def output_of(command):

@@ -1,10 +1,10 @@
 #include "Commands/ChangeRun.h"
 
+#include "Commands/ChangeJournal.h"
 #include "Commands/CommandContext.h"
 #include "Show/Output.h"
 #include "Terminal/LineInput.h"
 #include "Text/TerminalText.h"
-#include "Text/TimeText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -357,15 +357,7 @@ void ChangeRun::Note(Step& step, const ChangeReport& report)
     {
         return; // the library did not take it the first time
     }
-    const ChangeRequest& request = report.Request;
-    step.Entry =
-        JournalEntry{.Time = TimeText::Utc(std::chrono::system_clock::now()),
-                     .MACAddress = report.MACAddress(),
-                     .IPAddress = request.Kind == Kind::RenameAt ? request.Interface.IPAddress : "",
-                     .Before = report.Before ? std::optional(request.SettingsOf(*report.Before)) : std::nullopt,
-                     .After = request.Settings(),
-                     .Undoes = step.Undoes};
-    context.WriteJournal(Journal::BeginLine(*step.Entry));
+    step.Entry = ChangeJournal::Begin(report, step.Undoes, context);
 }
 
 void ChangeRun::EndEntries(std::span<const Step> steps)
@@ -435,7 +427,9 @@ void ChangeRun::Tell(const Steps& steps) const
     {
         if (step.Report.Verdict == Verdict::Applied && !step.TakenBack)
         {
-            changed.push_back(step.Report.After.get());
+            const Device* const device = step.Report.After.get();
+            std::erase_if(changed, [device](const Device* earlier) { return earlier->IsSameAs(*device); });
+            changed.push_back(device);
         }
     }
     if (!changed.empty() && !context.Out().IsJson())

@@ -70,6 +70,7 @@ CommandLine::CommandLine()
     site.require_subcommand(1);
     Add(site, std::make_unique<SiteExportCommand>());
     Add(site, std::make_unique<SiteDiffCommand>());
+    Add(site, std::make_unique<SiteApplyCommand>());
     Add(*app, std::make_unique<DoctorCommand>());
     Add(*app, std::make_unique<SupportBundleCommand>());
     Add(*app, std::make_unique<ErrorCommand>());

@@ -1,9 +1,12 @@
 #include "Commands/SiteCommands.h"
 
+#include "Commands/ChangeRun.h"
 #include "Commands/CommandContext.h"
 #include "Commands/SharedOptions.h"
 #include "Commands/SiteFileReader.h"
 #include "Commands/SiteSearch.h"
+#include "Inventory/Network.h"
+#include "Programs/SystemNetwork.h"
 #include "Show/Output.h"
 #include "Text/TextFile.h"
 
@@ -13,9 +16,15 @@
 #include <array>
 #include <sstream>
 
+using Zent::Discovery::Inventory::ChangeRefusal;
+using Zent::Discovery::Inventory::ChangeReport;
 using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::Network;
 using Zent::Discovery::Inventory::SiteDeviation;
 using Zent::Discovery::Inventory::SiteFile;
+using Zent::Discovery::Inventory::SitePlan;
+using Zent::Discovery::Programs::NetworkInterface;
+using Zent::Discovery::Programs::SystemNetwork;
 
 namespace Zent::Discovery::Console
 {
@@ -77,6 +86,55 @@ void Show(const Deviations& deviations, Output& output)
     if (!deviations.empty() && !output.IsJson() && !output.IsCsv())
     {
         output.Show(table);
+    }
+}
+
+/// False when none is missing.
+bool TellMissing(const Deviations& deviations, Output& output)
+{
+    for (const SiteDeviation& each : deviations)
+    {
+        if (each.Kind == Kind::Missing)
+        {
+            output.Complain(each.ToString());
+        }
+    }
+    return Count(deviations, Kind::Missing) > 0;
+}
+
+std::vector<std::string> OwnAddresses()
+{
+    std::vector<std::string> addresses;
+    for (const NetworkInterface& interface : SystemNetwork::Interfaces())
+    {
+        for (const Network& network : interface.Addresses)
+        {
+            addresses.push_back(Network::TextOf(network.Address));
+        }
+    }
+    return addresses;
+}
+
+bool IsMatterOfOpinion(const ChangeRefusal& refusal)
+{
+    return refusal.Code == ChangeRefusal::RefusalCode::NameTaken ||
+           refusal.Code == ChangeRefusal::RefusalCode::AddressTaken;
+}
+
+/// A change that is not begun, as those are told that are.
+void Show(const SitePlan::Obstacle& obstacle, Output& output)
+{
+    const ChangeReport report{.Id = 0,
+                              .Request = obstacle.Request,
+                              .Verdict = ChangeReport::ChangeVerdict::NotSent,
+                              .Refusal = obstacle.Refusal};
+    if (output.IsJson())
+    {
+        output.PrintLine("{\"Change\":" + TerminalText::Json(report.ToJson()) + "}");
+    }
+    else
+    {
+        output.Complain(obstacle.Refusal.ToString());
     }
 }
 } // namespace
@@ -150,5 +208,87 @@ ExitStatus SiteDiffCommand::Run(CommandContext& context)
                            std::to_string(Count(deviations, Kind::Foreign)) + " foreign, " +
                            std::to_string(Count(deviations, Kind::Deviating)) + " deviating");
     return deviations.empty() ? status : ExitStatus::Different;
+}
+
+CLI::App& SiteApplyCommand::AddTo(CLI::App& parent)
+{
+    CLI::App& command = *parent.add_subcommand(
+        "apply", "give devices the names and addresses of a site file, one by one, up to the first failure");
+    AddFile(command, file);
+    command
+        .add_option_function<std::string>(
+            "--spare",
+            [this](const std::string& text) {
+                const std::optional<Inventory::IPv4> address = Network::ParseAddress(text);
+                if (!address)
+                {
+                    throw CLI::ValidationError("--spare", '"' + text + "\" is no IPv4 address");
+                }
+                options.SpareAddress = Network::TextOf(*address);
+            },
+            "a free address that devices which exchange theirs may have for a while; otherwise the highest one of "
+            "their network that no device is known to have")
+        ->type_name("IP");
+    settings.AddTo(command);
+    return command;
+}
+
+ExitStatus SiteApplyCommand::Run(CommandContext& context)
+{
+    const SiteFile site = SiteFileReader::Read(file);
+    if (!context.CanBroadcast())
+    {
+        return ExitStatus::NoAnswer;
+    }
+    ChangeRun run(context, settings);
+    if (!run.Look())
+    {
+        return ExitStatus::Interrupted;
+    }
+    const std::vector<const Device*> devices = run.Devices().Here();
+    const bool isAnyMissing = TellMissing(site.Compare(devices), context.Out());
+    options.Reserved = OwnAddresses();
+    std::vector<ChangeRun::Wanted> wanted;
+    if (!Accept(SitePlan::For(site, devices, options), wanted, context.Out()))
+    {
+        return ExitStatus::Usage; // a part of it alone may be worse than nothing
+    }
+    ExitStatus status = ExitStatus::Success;
+    if (wanted.empty())
+    {
+        context.Out().Conclude("nothing to change");
+    }
+    else
+    {
+        status = run.CarryOut(wanted, {.OneByOne = true, .Asks = true});
+    }
+    return status == ExitStatus::Success && isAnyMissing && !settings.DryRun ? ExitStatus::NoAnswer : status;
+}
+
+/// False, after saying why, when a part of the plan cannot be.
+bool SiteApplyCommand::Accept(const SitePlan& plan, std::vector<ChangeRun::Wanted>& wanted, Output& output) const
+{
+    for (const SitePlan::Step& step : plan.Steps)
+    {
+        wanted.push_back({.Request = step.Request});
+        if (step.IsTemporary)
+        {
+            output.Conclude(TerminalText::Plain(step.Request.Interface.MACAddress + " takes " +
+                                                step.Request.ToString() +
+                                                " for a while: it exchanges its own with another device"));
+        }
+    }
+    bool isAccepted = true;
+    for (const SitePlan::Obstacle& obstacle : plan.Obstacles)
+    {
+        if (settings.Force && IsMatterOfOpinion(obstacle.Refusal))
+        {
+            wanted.push_back({.Request = obstacle.Request});
+            continue;
+        }
+        isAccepted = false;
+        Show(obstacle, output);
+    }
+    return isAccepted;
 }
 } // namespace Zent::Discovery::Console

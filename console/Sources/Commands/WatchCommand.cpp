@@ -64,8 +64,15 @@ CLI::App& WatchCommand::AddTo(CLI::App& parent)
             "do not tell this conflict between devices, such as ip:10.0.0.5; may be repeated")
         ->type_name("CONFLICT|@FILE")
         ->allow_extra_args(false);
-    command.add_option("--expect", siteFile, "tell what is missing, foreign or otherwise than this site file says")
-        ->type_name("FILE");
+    CLI::Option* const expect =
+        command.add_option("--expect", siteFile, "tell what is missing, foreign or otherwise than this site file says")
+            ->type_name("FILE");
+    command.add_option("--repair", repairs, "give devices the names of the site file back; addresses stay")
+        ->type_name("names")
+        ->needs(expect)
+        ->check([](const std::string& text) {
+            return text == "names" ? "" : '"' + text + "\" is not names; nothing else is given back by itself";
+        });
     SharedOptions::AddSelection(command, selection, Inventory::DeviceColumn::Names());
     return command;
 }
@@ -88,9 +95,13 @@ ExitStatus WatchCommand::Run(CommandContext& context)
     std::optional<SiteGuard> guard;
     if (site)
     {
-        guard.emplace(*site, driver);
+        guard.emplace(*site, !repairs.empty(), context, driver);
     }
     Watch(context, driver, *view, guard ? &*guard : nullptr, isRead);
+    if (guard)
+    {
+        guard->Close(*view);
+    }
     view->End(driver.Session().Devices());
     return isRead ? ExitStatus::Success : ExitStatus::Failure; // interrupting is how to end it
 }
@@ -135,7 +146,7 @@ void WatchCommand::Watch(
             view.Tell(*event);
             if (guard != nullptr)
             {
-                guard->Heard(*event);
+                guard->Heard(*event, view);
             }
         }
         if (guard != nullptr)
