@@ -3,14 +3,12 @@
 #include "Commands/ChangeRun.h"
 #include "Commands/CommandContext.h"
 #include "Inventory/Network.h"
-#include "Programs/WrongArgument.h"
 
 #include <CLI/CLI.hpp>
 
 using Zent::Discovery::Inventory::ChangeRequest;
 using Zent::Discovery::Inventory::IPv4;
 using Zent::Discovery::Inventory::Network;
-using Zent::Discovery::Programs::WrongArgument;
 
 namespace Zent::Discovery::Console
 {
@@ -35,15 +33,17 @@ CLI::App& RenameCommand::AddTo(CLI::App& parent)
         ->check(&WrongWithAddress)
         ->excludes(&mac);
     settings.AddWithLookTo(command);
+    command.parse_complete_callback([this] {
+        if (macAddress.empty() && ipAddress.empty())
+        {
+            throw CLI::RequiredError("--mac or --ip"); // to know which device is meant
+        }
+    });
     return command;
 }
 
 ExitStatus RenameCommand::Run(CommandContext& context)
 {
-    if (macAddress.empty() && ipAddress.empty())
-    {
-        throw WrongArgument("rename needs --mac or --ip, to know which device is meant");
-    }
     if (ipAddress.empty() ? !context.CanBroadcast() : !context.CanReach(ipAddress))
     {
         return ExitStatus::NoAnswer;
