@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace Zent::Discovery::Inventory
 {
@@ -15,10 +16,14 @@ namespace
 using Code = ChangeRefusal::RefusalCode;
 using Refusal = std::optional<ChangeRefusal>;
 
-bool IsControl(char character)
+/// In UTF-8, whose control characters from U+0080 on have two bytes.
+bool HasControl(const std::string& text)
 {
-    const auto code = static_cast<unsigned char>(character);
-    return code < 0x20 || code == 0x7F;
+    unsigned char last = 0;
+    return std::ranges::any_of(text, [&last](unsigned char code) {
+        const bool isSecond = std::exchange(last, code) == 0xC2;
+        return code < 0x20 || code == 0x7F || (isSecond && code < 0xA0);
+    });
 }
 
 /// As names of computers are compared.
@@ -29,7 +34,7 @@ bool IsSameName(const std::string& left, const std::string& right)
 
 Refusal CheckName(const std::string& name)
 {
-    if (std::ranges::any_of(name, &IsControl))
+    if (HasControl(name))
     {
         return ChangeRefusal{Code::BadName, "the name has a control character in it"};
     }

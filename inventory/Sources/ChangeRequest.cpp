@@ -262,7 +262,8 @@ std::string ChangeRequest::ToString() const
     const std::string gateway =
         Interface.DefaultGateway.empty() ? "without a gateway" : "with the gateway " + Interface.DefaultGateway;
     const IPv4 mask = Network::ParseAddress(Interface.SubNetMask).value_or(0);
-    return "the address " + Interface.IPAddress + "/" + std::to_string(std::popcount(mask)) + " " + gateway;
+    return "the address " + Interface.IPAddress + "/" + std::to_string(std::popcount(mask)) + " " + gateway +
+           (Interface.MTU.empty() || Interface.MTU == UnknownMTU ? "" : ", MTU " + Interface.MTU);
 }
 
 std::string ChangeRequest::ToNicConfigs() const

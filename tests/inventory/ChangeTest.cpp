@@ -159,6 +159,10 @@ TEST_F(ChangeTest, AChangeIsSentAndSeen)
     EXPECT_EQ(report.ToJson(), R"({"MACAddress":"02:00:00:00:00:01","Verdict":"applied","Seconds":0.0,)"
                                R"("Before":{"HostName":"press-1"},"After":{"HostName":"press-3"}})");
     EXPECT_EQ(report.ToString(), R"(02:00:00:00:00:01 has taken the name "press-3" (applied))");
+    ChangeRequest settings = Settings("10.0.0.7").Normal();
+    EXPECT_EQ(settings.ToString(), "the address 10.0.0.7/24 without a gateway");
+    settings.Interface.MTU = "1400"; // what differs in nothing else tells what it is about
+    EXPECT_EQ(settings.ToString(), "the address 10.0.0.7/24 without a gateway, MTU 1400");
 }
 
 TEST_F(ChangeTest, ADeviceInAForeignSubnetIsSeenAndGivenBackWhatItHad)
@@ -197,6 +201,7 @@ TEST_F(ChangeTest, WhatCannotBeRightIsNotSent)
     } cases[] = {{ChangeRequest::Rename(MAC, ""), "bad-name"},
                  {ChangeRequest::Rename(MAC, "  "), "bad-name"},
                  {ChangeRequest::Rename(MAC, controls), "bad-name"},
+                 {ChangeRequest::Rename(MAC, "press\xC2\x85"), "bad-name"}, // a line end of other systems
                  {ChangeRequest::Rename(MAC, std::string(256, 'a')), "bad-name"},
                  {Settings("10.0.0.7", "0.255.0.0"), "bad-mask"},
                  {Settings("10.0.0.7", "0.0.0.0"), "bad-mask"},
