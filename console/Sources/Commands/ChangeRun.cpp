@@ -271,8 +271,8 @@ ExitStatus ChangeRun::Ask(const Steps& steps, const Manner& manner)
     {
         question += TerminalText::Plain(PlanOf(step.Report)) + "\n";
     }
+    Input().Drop(); // before the question: who has seen it may answer at once
     output.Ask(question + "Send this? [y/N] ");
-    Input().Drop();
     std::optional<std::string> answer;
     const bool isAnswered = Await(
         [&] {
