@@ -169,7 +169,7 @@ void Redraw(benchmark::State& state)
     std::ostringstream errors;
     const Console::Terminal terminal(Console::Terminal::Stream::Output);
     Console::Output output(screen, errors, {});
-    Console::LiveWatchView view(screen, terminal, output, selection, true, [] {});
+    Console::LiveWatchView view(screen, terminal, output, selection, nullptr, true, [] {});
     for (auto _ : state)
     {
         benchmark::DoNotOptimize(view.Refresh(session.Devices()));
