@@ -117,8 +117,8 @@ class WiresharkTest(TestCase):
         self.assertIn(mac, hello["nic.mac"].split("|"))
         for display_filter, what, expected in (
             (f"devicediscovery.nic.mac == {second.mac} && devicediscovery.kind == Bye", "host_name", "by-ip"),
-            ("devicediscovery.nic.ip == 127.0.0.77 && devicediscovery.kind == Bye", "host_name", "by-ip"),
-            ("devicediscovery.new_nic", "nic.ip", "127.0.0.77"),
+            ("devicediscovery.nic.ip == 10.1.0.77 && devicediscovery.kind == Bye", "host_name", "by-ip"),
+            ("devicediscovery.new_nic", "nic.ip", "10.1.0.77"),
             (f"devicediscovery.target_mac == {mac} && devicediscovery.new_host_name", "broadcast", "0"),
         ):
             self.assertEqual([packet[what] for packet in capture.packets(display_filter)], [expected], display_filter)
