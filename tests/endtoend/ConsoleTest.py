@@ -340,6 +340,8 @@ class InterfaceTest(TestCase):
                     simulator.line_with("answers SendYourSignature")
             simulator.behave("kill 2")
             self.assertIn(simulator.devices[1].name, console.line_with("is gone"))  # and nobody before
+            cable.near.down()
+            console.line_with("no-interface: no network interface takes part")
             console.interrupt()
             self.assertEqual(console.wait(), 0)
 

@@ -115,15 +115,22 @@ void CommandContext::TellOpenChanges()
     }
 }
 
-bool CommandContext::CanBroadcast()
+std::string CommandContext::WhyNoInterface()
 {
     const Programs::InterfaceChoice interfaces = Session().Interfaces();
-    if (interfaces.Addresses().empty())
+    return interfaces.Addresses().empty()
+               ? "no-interface: no network interface takes part; left out: " + interfaces.LeftOut()
+               : "";
+}
+
+bool CommandContext::CanBroadcast()
+{
+    const std::string reason = WhyNoInterface();
+    if (!reason.empty())
     {
-        output.Complain("no-interface: no network interface takes part; left out: " + interfaces.LeftOut());
-        return false;
+        output.Complain(reason);
     }
-    return true;
+    return reason.empty();
 }
 
 bool CommandContext::CanReach(const std::string& ipAddress)

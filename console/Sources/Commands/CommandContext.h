@@ -47,6 +47,10 @@ public:
     /// @throws std::runtime_error as Session does.
     DiscoverySession& Requests() { return Session().Requests(); }
 
+    /// Says that no interface takes part at this moment, and which are left out; empty while one does.
+    /// @throws std::runtime_error as Session does.
+    std::string WhyNoInterface();
+
     /// Whether broadcasts leave this machine; tells the user when no interface takes part.
     /// @throws std::runtime_error as Session does.
     bool CanBroadcast();

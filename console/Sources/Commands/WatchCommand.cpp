@@ -21,6 +21,7 @@
 #include <iostream>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
 using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Discovery::Inventory::DeviceTableOptions;
@@ -120,7 +121,8 @@ void WatchCommand::Watch(
     CommandContext& context, SessionDriver& driver, IWatchView& view, SiteGuard* guard, const bool& isRead)
 {
     const Time end = context.Options().Wait.value_or(Time::max());
-    unsigned knownChanges = 0;       // of the interfaces
+    unsigned knownChanges = 0;       // of the interfaces: those after which all were asked
+    unsigned toldChanges = 0;        // and those of which the user knows
     std::future<std::string> reason; // nobody has answered for; the system takes its time to tell
     bool isExplained = listensOnly;
     for (Time nextRefresh{0}; isRead && driver.Now() < end;)
@@ -130,6 +132,13 @@ void WatchCommand::Watch(
         if (changes != knownChanges && !listensOnly && driver.AskAll())
         {
             knownChanges = changes;
+        }
+        if (std::exchange(toldChanges, changes) != changes)
+        {
+            if (const std::string lack = context.WhyNoInterface(); !lack.empty())
+            {
+                view.Complain(lack);
+            }
         }
         if (!isExplained && now >= Patience && driver.Session().Devices().Size() == 0)
         {
