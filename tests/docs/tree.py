@@ -90,6 +90,8 @@ class Tree:
             process.stdout.close()
 
     def run_script(self, text, expected=None):
+        # Who waits for "ready" in it must not find the word of earlier devices, before the shell empties the file.
+        (self.folder / "devices.txt").unlink(missing_ok=True)
         return self.run("bash", "-e", "-c", text, expected=expected)
 
     def run_session(self, commands):
