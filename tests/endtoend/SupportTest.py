@@ -12,6 +12,10 @@ USER = "annelieses"
 
 
 class SupportTest(TestCase):
+    @classmethod
+    def setUpClass(cls):
+        os.environ["USER"] = USER  # before the first program: Wine takes the user's name from it once
+
     def setUp(self):
         super().setUp()
         self.bundle = self.folder / "support.zip"
@@ -33,8 +37,6 @@ class SupportTest(TestCase):
             self.console("rename", name, "--mac", devices[1].mac)
             self.console("discover", "--once", "--wait", "1")
             log.write_text(f"MAC={devices[2].mac.replace(':', '-').lower()};{devices[2].ip}:12000\n{USER} {name}\n")
-            os.environ["USERNAME" if setting("suffix") else "USER"] = USER
-            self.addCleanup(os.environ.pop, "USERNAME" if setting("suffix") else "USER")
             self.pack("--add", str(log))
         files = self.unpacked()
         self.assertLessEqual(

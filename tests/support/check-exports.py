@@ -6,7 +6,7 @@ import subprocess
 import sys
 
 # Part of every Windows since 7.
-WINDOWS_DLLS = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "ws2_32.dll"}
+WINDOWS_DLLS = {"advapi32.dll", "iphlpapi.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "ws2_32.dll"}
 
 
 def output(*command):
