@@ -76,7 +76,7 @@ class SiteTest(TestCase):
         self.assertNotIn("Sending message of type ChangeYour", self.log_text())
         self.file.write_text('[\n{"MACAddress": 7}]')
         _, errors = self.console("site", "diff", str(self.file), status=2)
-        self.assertIn(f"{self.file}: line 2, column 16: 7 is no text", errors)
+        self.assertIn(f"{self.file}: line 2, column 16: 7 is no text (bad-file)", errors)
 
     def test_watch_tells_what_is_otherwise_and_gives_names_back(self):
         self.start()

@@ -78,7 +78,7 @@ std::vector<JsonFile::Object> ObjectsOf(const std::string& file)
     const std::string text = TextFile::Read(file);
     try
     {
-        return JsonFile::Read(text, file);
+        return JsonFile::Read(text, TextFile::NameOf(file));
     }
     catch (const WrongArgument& error)
     {
@@ -126,7 +126,7 @@ std::vector<ChangeRun::Wanted> ConfigureCommand::Read() const
     }
     if (plan.empty())
     {
-        Refuse(file, "there are no settings of an interface; the manual shows some");
+        Refuse(TextFile::NameOf(file), "there are no settings of an interface; the manual shows some");
     }
     return plan;
 }

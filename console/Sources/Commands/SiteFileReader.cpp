@@ -4,6 +4,7 @@
 #include "Text/TextFile.h"
 
 #include <stdexcept>
+#include <string>
 
 using Zent::Discovery::Inventory::SiteFile;
 
@@ -18,7 +19,7 @@ SiteFile SiteFileReader::Read(const std::string& path)
     }
     catch (const std::invalid_argument& error)
     {
-        throw Programs::WrongArgument(error.what());
+        throw Programs::WrongArgument(std::string(error.what()) + " (bad-file)");
     }
 }
 } // namespace Zent::Discovery::Console
