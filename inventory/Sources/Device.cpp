@@ -2,6 +2,7 @@
 
 #include "Json/JSONArray.h"
 #include "Json/JSONObject.h"
+#include "MemberText.h"
 #include "StandardErrors.h"
 #include "system/Boolean.h"
 
@@ -17,14 +18,6 @@ namespace Zent::Discovery::Inventory
 {
 namespace
 {
-/// Empty when the member is missing: a table with a hole tells more than no table.
-std::string Text(const JSONObject& object, const char* key)
-{
-    String text;
-    object.TryGetString(key, text);
-    return std::string(text.View());
-}
-
 bool Flag(const JSONObject& object, const char* key, bool otherwise)
 {
     Boolean flag;
@@ -33,8 +26,8 @@ bool Flag(const JSONObject& object, const char* key, bool otherwise)
 
 Device::Interface InterfaceOf(const JSONObject& object)
 {
-    return {Text(object, "MACAddress"),     Text(object, "IPAddress"), Text(object, "SubNetMask"),
-            Text(object, "DefaultGateway"), Text(object, "MTU"),       Text(object, "FriendlyName")};
+    return {MemberText(object, "MACAddress"),     MemberText(object, "IPAddress"), MemberText(object, "SubNetMask"),
+            MemberText(object, "DefaultGateway"), MemberText(object, "MTU"),       MemberText(object, "FriendlyName")};
 }
 
 /// Calls action(element) for each object in the array member.
@@ -69,16 +62,16 @@ void Device::Read()
         interfaces.push_back(InterfaceOf(source));
     }
     const JSONObject host = document.GetJSONObject("Host");
-    HostName = Text(host, "HostName");
-    Type = Text(host, "DeviceType");
-    Family = Text(host, "DeviceFamily");
-    SerialNumber = Text(host, "SerialNumber");
+    HostName = MemberText(host, "HostName");
+    Type = MemberText(host, "DeviceType");
+    Family = MemberText(host, "DeviceFamily");
+    SerialNumber = MemberText(host, "SerialNumber");
     IsHostNameReadOnly = Flag(host, "IsHostNameReadOnly", true);
     RebootRequiredForHostNameChange = Flag(host, "RebootRequiredForHostNameChange", false);
     RebootRequiredForIPConfigChange = Flag(host, "RebootRequiredForIPConfigChange", false);
     ForEachObject(host, "NICs", [this](const JSONObject& nic) { interfaces.push_back(InterfaceOf(nic)); });
     ForEachObject(host, "Products", [this](const JSONObject& product) {
-        Products.push_back({Text(product, "ProductName"), Text(product, "ProductVersion")});
+        Products.push_back({MemberText(product, "ProductName"), MemberText(product, "ProductVersion")});
     });
 }
 

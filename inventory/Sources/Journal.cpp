@@ -2,6 +2,7 @@
 
 #include "Json/JSONObject.h"
 #include "JsonText.h"
+#include "MemberText.h"
 #include "StandardErrors.h"
 
 #include <algorithm>
@@ -15,13 +16,6 @@ namespace Zent::Discovery::Inventory
 {
 namespace
 {
-std::string Text(const JSONObject& object, const char* key)
-{
-    String text;
-    object.TryGetString(key, text);
-    return std::string(text.View());
-}
-
 std::optional<std::string> Settings(const JSONObject& object, const char* key)
 {
     JSONObject settings;
@@ -115,17 +109,17 @@ void Journal::Feed(std::string_view line)
         return;
     }
     const JSONObject object = WithStandardErrors([line] { return JSONObject(String(line)); });
-    if (std::string ended = Text(object, "Ended"); !ended.empty())
+    if (std::string ended = MemberText(object, "Ended"); !ended.empty())
     {
-        End(ended, Text(object, "Verdict"));
+        End(ended, MemberText(object, "Verdict"));
         return;
     }
-    JournalEntry entry{.Time = Text(object, "Time"),
-                       .MACAddress = Text(object, "MACAddress"),
-                       .IPAddress = Text(object, "IPAddress"),
+    JournalEntry entry{.Time = MemberText(object, "Time"),
+                       .MACAddress = MemberText(object, "MACAddress"),
+                       .IPAddress = MemberText(object, "IPAddress"),
                        .Before = Settings(object, "Before"),
                        .After = Settings(object, "After").value_or(""),
-                       .Undoes = Text(object, "Undoes")};
+                       .Undoes = MemberText(object, "Undoes")};
     if (entry.Time.empty() || entry.After.empty())
     {
         throw std::invalid_argument("the line tells neither a change nor the end of one");
