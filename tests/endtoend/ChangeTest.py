@@ -149,14 +149,14 @@ class ChangeTest(TestCase):
             self.assertEqual(self.shown(second.mac)[1], second.ip.replace("127.0.", "10.1."))
             self.assertIn("--yes", self.console("undo", status=2)[1])
             self.console("undo", "--dry-run", "--mac", second.mac)
-            terminal = OnTerminal(*self.console_options(), "undo")
-            terminal.wait_for("[y/N]")
-            terminal.type("n\n")
-            self.assertEqual(terminal.wait(), 2)
-            terminal = OnTerminal(*self.console_options(), "undo")
-            terminal.wait_for("[y/N]")
-            terminal.type("y\n")
-            self.assertEqual(terminal.wait(), 0, terminal.output)
+            for answer, status in (("n\n", 2), (None, 130), ("y\n", 0)):
+                terminal = OnTerminal(*self.console_options(), "undo")
+                terminal.wait_for("[y/N]")
+                if answer is None:
+                    terminal.close()
+                else:
+                    terminal.type(answer)
+                self.assertEqual(terminal.wait(), status, terminal.output)
             self.assertEqual(self.shown(second.mac), before[1])
             self.console("undo", "--yes", "--mac", first.mac)
             self.console("undo", "--yes")

@@ -493,7 +493,8 @@ LineInput& ChangeRun::Input()
 {
     if (input == nullptr)
     {
-        input = std::make_unique<LineInput>([&messages = context.Messages()] { messages.Wake(); });
+        Programs::MessageQueue& messages = context.Messages();
+        input = std::make_unique<LineInput>([&messages] { messages.Wake(); }, [&messages] { messages.Interrupt(); });
     }
     return *input;
 }

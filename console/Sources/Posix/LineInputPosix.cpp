@@ -1,5 +1,6 @@
 #include "Terminal/LineInput.h"
 
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -17,5 +18,11 @@ void LineInput::DropTyped()
     {
         tcflush(STDIN_FILENO, TCIFLUSH);
     }
+}
+
+bool LineInput::HasHungUp()
+{
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    return poll(&input, 1, 0) == 1 && (input.revents & POLLHUP) != 0;
 }
 } // namespace Zent::Discovery::Console

@@ -15,37 +15,39 @@ namespace Zent::Discovery::Console
 {
 struct LineInput::State
 {
-    void Tell() NFX_REQUIRES(ChangeLock)
+    static void Tell(const std::function<void()>& handler)
     {
-        if (OnNews)
+        if (handler)
         {
-            OnNews();
+            handler();
         }
     }
 
     Mutex ChangeLock;
-    std::function<void()> OnNews NFX_GUARDED_BY(ChangeLock); // empty once the owner has gone
+    std::function<void()> OnNews NFX_GUARDED_BY(ChangeLock);   // empty once the owner has gone
+    std::function<void()> OnHangUp NFX_GUARDED_BY(ChangeLock); // likewise
     std::deque<std::string> Lines NFX_GUARDED_BY(ChangeLock);
     bool HasEnded NFX_GUARDED_BY(ChangeLock) = false;
 };
 
-LineInput::LineInput(std::function<void()> onNews)
+LineInput::LineInput(std::function<void()> onNews, std::function<void()> onHangUp)
     : state(std::make_shared<State>())
 {
     DropTyped();
     {
         const Lock guard(state->ChangeLock);
         state->OnNews = std::move(onNews);
+        state->OnHangUp = std::move(onHangUp);
     }
     std::thread([state = state] {
         Process::ReadInput([&state](const std::string& line) {
             const Lock guard(state->ChangeLock);
             state->Lines.push_back(line);
-            state->Tell();
+            State::Tell(state->OnNews);
         });
         const Lock guard(state->ChangeLock);
-        state->HasEnded = true;
-        state->Tell();
+        state->HasEnded = !HasHungUp();
+        State::Tell(state->HasEnded ? state->OnNews : state->OnHangUp);
     }).detach();
 }
 
@@ -53,6 +55,7 @@ LineInput::~LineInput()
 {
     const Lock guard(state->ChangeLock);
     state->OnNews = {};
+    state->OnHangUp = {};
 }
 
 void LineInput::Drop()

@@ -11,10 +11,11 @@ namespace Zent::Discovery::Console
 class LineInput final
 {
 public:
-    /// onNews is called on another thread when there is a line, or no more will come.
-    explicit LineInput(std::function<void()> onNews);
+    /// Both are called on another thread: onNews when there is a line, or no more will come; onHangUp when the terminal
+    /// has been closed, of which the signal may come only later.
+    LineInput(std::function<void()> onNews, std::function<void()> onHangUp);
 
-    /// onNews is not called any more.
+    /// Neither is called any more.
     ~LineInput();
 
     LineInput(const LineInput&) = delete;
@@ -29,13 +30,16 @@ public:
     /// The next line without its end; nothing when there is none yet.
     std::optional<std::string> Take();
 
-    /// Whether no line will come any more.
+    /// Whether no line will come any more from a terminal that is still there.
     bool HasEnded() const;
 
 private:
     struct State;
 
     static void DropTyped();
+
+    /// Whether the input has ended because the terminal has been closed.
+    static bool HasHungUp();
 
     const std::shared_ptr<State> state; // shared with the reader, who may wait for a line that never comes
 };

@@ -15,4 +15,9 @@ void LineInput::DropTyped()
 {
     FlushConsoleInputBuffer(GetStdHandle(STD_INPUT_HANDLE)); // does nothing to what is no console
 }
+
+bool LineInput::HasHungUp()
+{
+    return !IsSomebodyThere();
+}
 } // namespace Zent::Discovery::Console
