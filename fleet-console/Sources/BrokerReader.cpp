@@ -67,7 +67,7 @@ private:
         case BrokerNews::NewsKind::Refused:
             throw std::runtime_error("the broker refuses: " + news.Text);
         case BrokerNews::NewsKind::Received:
-            reading.Take(news.Message.Topic, news.Message.Payload, Now());
+            reading.Take(news.Message.Topic, news.Message.Payload, news.Message.IsRetained, Now());
             break;
         default:
             break;

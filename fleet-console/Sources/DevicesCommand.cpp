@@ -2,6 +2,7 @@
 
 #include "BrokerReader.h"
 #include "Commands/SharedOptions.h"
+#include "Fleet/FleetRecords.h"
 #include "Show/DeviceCsv.h"
 #include "Show/Output.h"
 #include "SitesCommand.h"
@@ -22,6 +23,7 @@ using Zent::Discovery::Console::Style;
 using Zent::Discovery::Console::TerminalText;
 using Zent::Discovery::Fleet::DeviceRecord;
 using Zent::Discovery::Fleet::FleetReading;
+using Zent::Discovery::Fleet::FleetRecords;
 using Zent::Discovery::Fleet::SiteReading;
 using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceMessage;
@@ -58,12 +60,12 @@ DeviceMessage MessageOf(const DeviceRecord& record)
 }
 
 /// Whoever may write to the broker may have written what is no device: that is said, and counts.
-Rows Gather(const FleetReading& reading, Output& output)
+Rows Gather(const FleetReading& reading, FleetRecords& records, Output& output)
 {
     Rows rows;
     for (const SiteReading& site : reading.Sites())
     {
-        for (const auto& [id, record] : site.Devices())
+        for (const auto& [id, record] : records.Of(site.Site()))
         {
             try
             {
@@ -132,9 +134,10 @@ CLI::App& DevicesCommand::AddTo(CLI::App& program)
 
 ExitStatus DevicesCommand::Run(CommandContext& context)
 {
-    FleetReading reading(context.Sites, SiteReading::ReadingScope::Devices);
+    FleetRecords records;
+    FleetReading reading(context.Sites, SiteReading::ReadingScope::Devices, records);
     BrokerReader::Read(context.Broker, context.Waiter, reading);
-    const Rows rows = Gather(reading, context.Out);
+    const Rows rows = Gather(reading, records, context.Out);
     Show(rows, selection.Of(rows.Devices, std::chrono::system_clock::now()), context.Out);
     const ExitStatus status = SitesCommand::Conclude(reading, context);
     return status == ExitStatus::Success && rows.IsCut ? ExitStatus::Incomplete : status;

@@ -18,6 +18,7 @@ using Zent::Discovery::Console::Style;
 using Zent::Discovery::Console::TerminalText;
 using Zent::Discovery::Console::TextTable;
 using Zent::Discovery::Fleet::FleetReading;
+using Zent::Discovery::Fleet::ReadingListener;
 using Zent::Discovery::Fleet::SiteReading;
 using Zent::Discovery::Fleet::SiteState;
 using Zent::Discovery::Fleet::UtcTime;
@@ -81,7 +82,8 @@ CLI::App& SitesCommand::AddTo(CLI::App& program)
 
 ExitStatus SitesCommand::Run(CommandContext& context)
 {
-    FleetReading reading(context.Sites, SiteReading::ReadingScope::Summary);
+    ReadingListener nobody;
+    FleetReading reading(context.Sites, SiteReading::ReadingScope::Summary, nobody);
     BrokerReader::Read(context.Broker, context.Waiter, reading);
     Output& output = context.Out;
     if (output.IsJson() || output.IsCsv())

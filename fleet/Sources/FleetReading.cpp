@@ -1,92 +1,130 @@
 #include "Fleet/FleetReading.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
-#include <utility>
+#include <stdexcept>
 
 namespace Zent::Discovery::Fleet
 {
 namespace
 {
-/// Of those whose summary is two topics each.
-constexpr std::size_t SummariesAtOnce = SiteReading::MaximumAsked / 2;
+void Append(std::vector<ReadingRequest>& all, std::vector<ReadingRequest> more)
+{
+    std::ranges::move(more, std::back_inserter(all));
+}
 } // namespace
 
-FleetReading::FleetReading(const std::vector<std::string>& sites, SiteReading::ReadingScope scope)
+FleetReading::FleetReading(const std::vector<std::string>& sites,
+                           SiteReading::ReadingScope scope,
+                           ReadingListener& listener)
     : scope(scope)
-    , isSearching(sites.empty())
+    , isOpen(sites.empty())
+    , listener(listener)
 {
     for (const std::string& site : sites)
     {
-        if (std::ranges::find(this->sites, site, &SiteReading::Site) == this->sites.end())
+        if (!byName.contains(site))
         {
-            this->sites.emplace_back(site, scope);
+            byName.emplace(site, this->sites.emplace(this->sites.end(), site, scope, listener));
         }
     }
 }
 
-void FleetReading::Take(std::string_view topic, std::string_view bytes, Time now)
+void FleetReading::Take(std::string_view topic, std::string_view bytes, bool isRetained, Time now)
 {
     const std::optional<Topic> parsed = Topic::Parse(topic);
-    if (!parsed)
+    SiteReading* const site = parsed ? Find(*parsed, !bytes.empty()) : nullptr;
+    if (site == nullptr)
     {
         return;
     }
-    if (isSearching)
+    if (phase == Phase::Searching && found.insert(parsed->Site).second)
     {
-        if (parsed->Kind == Topic::TopicKind::State && !bytes.empty() && found.insert(parsed->Site).second)
-        {
-            lastFound = now;
-        }
-        return;
+        lastFound = now;
     }
-    for (SiteReading* site : Active())
+    try
     {
-        if (site->Site() == parsed->Site)
-        {
-            site->Take(*parsed, bytes, now);
-        }
+        site->Take(*parsed, bytes, isRetained, now);
+    }
+    catch (const std::invalid_argument&) // nobody has promised anything of the bytes
+    {
+        ++unreadable;
     }
 }
 
 std::vector<ReadingRequest> FleetReading::Advance(Time now)
 {
-    if (isSearching && !std::exchange(hasAsked, true))
+    if (phase == Phase::Starting && isOpen)
     {
+        phase = Phase::Searching;
         lastFound = now;
         return {{SiteTopics::AllStates()}};
     }
-    std::vector<ReadingRequest> requests;
-    if (isSearching && now >= SearchEnd())
+    if (phase == Phase::Searching && now < SearchEnd())
     {
-        EndSearch();
-        requests.push_back({SiteTopics::AllStates(), true});
+        return {};
     }
-    for (bool isChanged = !isSearching; isChanged;) // those that are over make way for others
+    phase = Phase::Reading;
+    found.clear();
+
+    std::vector<ReadingRequest> requests;
+    for (SiteReading& site : sites)
     {
-        isChanged = false;
-        for (SiteReading* site : Active())
+        Append(requests, site.Conclude(now));
+    }
+    Append(requests, Forget());
+    std::vector<SiteReading*> busy;
+    std::size_t questions = 0;
+    std::size_t streams = 0;
+    for (SiteReading& site : sites)
+    {
+        questions += site.Questions();
+        streams += site.IsStreaming() ? 1U : 0U;
+        if (site.IsBusy())
         {
-            std::ranges::move(site->Advance(now), std::back_inserter(requests));
-            isChanged = isChanged || site->IsOver();
+            busy.push_back(&site);
         }
+    }
+    // Those that tell of much that is not there neither come first nor take all questions.
+    std::ranges::stable_sort(busy, {}, &SiteReading::Silences);
+    for (SiteReading* const site : busy)
+    {
+        const std::size_t most = site->Silences() == 0 ? MaximumQuestions : MaximumQuestions / 2;
+        const std::size_t before = site->Questions();
+        const bool wasStreaming = site->IsStreaming();
+        Append(requests, site->Advance(now, {most - std::min(most, questions), streams < MaximumStreams}));
+        questions += site->Questions() - before;
+        streams += site->IsStreaming() && !wasStreaming ? 1U : 0U;
     }
     return requests;
 }
 
 FleetReading::Time FleetReading::NextTime() const
 {
-    Time next = isSearching ? SearchEnd() : Time::max();
+    Time next = phase == Phase::Reading ? Time::max() : SearchEnd();
     for (const SiteReading& site : sites)
     {
-        next = site.IsBegun() ? std::min(next, site.NextTime()) : next;
+        next = std::min(next, site.NextTime());
     }
     return next;
 }
 
+void FleetReading::Doubt()
+{
+    std::ranges::for_each(sites, &SiteReading::Doubt);
+}
+
+void FleetReading::Disconnect()
+{
+    phase = Phase::Starting;
+    found.clear();
+    std::ranges::for_each(sites, &SiteReading::Disconnect);
+}
+
 bool FleetReading::IsOver() const
 {
-    return !isSearching && std::ranges::all_of(sites, &SiteReading::IsOver);
+    return phase == Phase::Reading && std::ranges::all_of(sites, &SiteReading::IsRead);
 }
 
 std::vector<std::string> FleetReading::Shortfalls() const
@@ -94,44 +132,66 @@ std::vector<std::string> FleetReading::Shortfalls() const
     std::vector<std::string> all;
     for (const SiteReading& site : sites)
     {
-        if (std::string text = site.Shortfall(); !text.empty())
+        if (!site.Text().empty())
         {
-            all.push_back(std::move(text));
+            all.push_back("site " + site.Site() + ": " + site.Text());
         }
     }
-    if (found.size() >= FewestCutSites)
+    if (std::string text = HiddenSites(); !text.empty())
     {
-        all.push_back(std::to_string(found.size()) +
-                      " sites found, and there may be others: a broker with its usual settings gives no more at once");
+        all.push_back(std::move(text));
     }
     return all;
 }
 
-std::vector<SiteReading*> FleetReading::Active()
+std::string FleetReading::HiddenSites() const
 {
-    const std::size_t most = scope == SiteReading::ReadingScope::Summary ? SummariesAtOnce : 1;
-    std::vector<SiteReading*> active;
-    for (auto site = sites.begin(); site != sites.end() && active.size() < most; ++site)
+    return isOpen && sites.size() >= FewestCutSites
+               ? std::to_string(sites.size()) +
+                     " sites found, and there may be others: a broker with its usual settings gives no more at once"
+               : "";
+}
+
+SiteReading& FleetReading::Add(const std::string& site)
+{
+    const auto behind = byName.upper_bound(site);
+    const auto added = sites.emplace(behind == byName.end() ? sites.end() : behind->second, site, scope, listener);
+    byName.emplace_hint(behind, site, added);
+    return *added;
+}
+
+/// The site of a topic, which may be a new one; null when it is none of these.
+SiteReading* FleetReading::Find(const Topic& topic, bool isThere)
+{
+    if (const auto known = byName.find(topic.Site); known != byName.end())
     {
-        if (!site->IsOver())
-        {
-            active.push_back(&*site);
-        }
+        return &*known->second;
     }
-    return active;
+    const bool isNew = isOpen && isThere && topic.Kind == Topic::TopicKind::State && sites.size() < MaximumSites;
+    return isNew ? &Add(topic.Site) : nullptr;
 }
 
 FleetReading::Time FleetReading::SearchEnd() const
 {
-    return !hasAsked ? Time{0} : lastFound + (found.empty() ? SiteReading::AnswerTime : SiteReading::PauseTime);
+    return phase == Phase::Starting ? Time(0)
+                                    : lastFound + (found.empty() ? SiteReading::AnswerTime : SiteReading::PauseTime);
 }
 
-void FleetReading::EndSearch()
+std::vector<ReadingRequest> FleetReading::Forget()
 {
-    isSearching = false;
-    for (const std::string& site : found)
+    std::vector<ReadingRequest> requests;
+    for (auto site = sites.begin(); isOpen && site != sites.end();)
     {
-        sites.emplace_back(site, scope);
+        const auto next = std::next(site);
+        if (site->IsForgotten())
+        {
+            Append(requests, site->End());
+            listener.TakeForgotten(site->Site());
+            byName.erase(site->Site());
+            sites.erase(site);
+        }
+        site = next;
     }
+    return requests;
 }
 } // namespace Zent::Discovery::Fleet

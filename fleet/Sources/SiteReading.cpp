@@ -1,97 +1,179 @@
 #include "Fleet/SiteReading.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <tuple>
 #include <utility>
 
 namespace Zent::Discovery::Fleet
 {
-SiteReading::SiteReading(std::string site, ReadingScope scope)
+namespace
+{
+std::string TopicOf(const SiteTopics& topics, const Topic& topic)
+{
+    switch (topic.Kind)
+    {
+    case Topic::TopicKind::State:
+        return topics.State();
+    case Topic::TopicKind::Manifest:
+        return topic.Part == 0 ? topics.Manifest() : topics.ManifestPart(topic.Part);
+    case Topic::TopicKind::Device:
+        return topics.Device(topic.Device);
+    default:
+        return "";
+    }
+}
+
+/// The revision, or an empty text when there is none.
+std::string RevisionOf(const Manifest::Revisions& revisions, const std::string& id)
+{
+    const auto found = revisions.find(id);
+    return found == revisions.end() ? "" : found->second;
+}
+} // namespace
+
+SiteReading::SiteReading(std::string site, ReadingScope scope, ReadingListener& listener)
     : topics(std::move(site))
     , scope(scope)
+    , listener(listener)
 {
 }
 
-void SiteReading::Take(const Topic& topic, std::string_view bytes, Time now)
+void SiteReading::Take(const Topic& topic, std::string_view bytes, bool isRetained, Time now)
 {
-    using Kind = Topic::TopicKind;
-    if (IsOver())
-    {
-        return;
-    }
-    const std::string name = topic.Kind == Kind::State      ? topics.State()
-                             : topic.Kind == Kind::Device   ? topics.Device(topic.Device)
-                             : topic.Kind != Kind::Manifest ? ""
-                             : topic.Part == 0              ? topics.Manifest()
-                                                            : topics.ManifestPart(topic.Part);
-    const bool wasAsked = open.contains(name);
-    if (wasAsked)
+    isSettled = false;
+    const bool isAnswer = open.erase(TopicOf(topics, topic)) > 0;
+    if (isAnswer || (phase == Phase::Streaming && isRetained))
     {
         lastProgress = now;
-        Close(name);
     }
-    try
+    switch (topic.Kind)
     {
-        if (topic.Kind == Kind::State)
+    case Topic::TopicKind::State:
+        TakeState(bytes);
+        break;
+    case Topic::TopicKind::Manifest:
+        TakeManifest(topic.Part, bytes);
+        break;
+    case Topic::TopicKind::Device:
+        hasStreamed = hasStreamed || isRetained;
+        if (isAnswer)
         {
-            TakeState(bytes);
+            requests.push_back({topics.Device(topic.Device), true});
         }
-        else if (topic.Kind == Kind::Manifest)
-        {
-            TakeManifest(topic.Part, bytes);
-        }
-        else if (topic.Kind == Kind::Device)
-        {
-            TakeRecord(topic.Device, bytes, wasAsked, now);
-        }
-    }
-    catch (const std::invalid_argument&) // nobody has promised anything of the bytes: it counts as not received
-    {
+        TakeRecord(topic.Device, bytes, isAnswer || !isRetained);
+        break;
+    case Topic::TopicKind::Events:
+        TakeEvent(bytes, isRetained);
+        break;
+    case Topic::TopicKind::Commands:
+    case Topic::TopicKind::Reply:
+        break;
     }
 }
 
-std::vector<ReadingRequest> SiteReading::Advance(Time now)
+std::vector<ReadingRequest> SiteReading::Conclude(Time now)
 {
-    if (phase == Phase::Starting)
+    const bool isSilent = now >= NextTime();
+    if (phase == Phase::Streaming && (isSilent || HasAll()))
     {
-        phase = Phase::OneByOne;
+        phase = Phase::Keeping;
         lastProgress = now;
-        Ask(topics.State());
-        Ask(topics.Manifest());
-        if (scope == ReadingScope::Devices)
-        {
-            phase = Phase::Together;
-            requests.push_back({topics.AllDevices()});
-        }
+        Compare();
     }
-    const bool isSilent = !IsOver() && now >= NextTime();
-    if (phase == Phase::Together && (isSilent || HasAll()))
-    {
-        phase = Phase::OneByOne;
-        lastProgress = now;
-        requests.push_back({topics.AllDevices(), true});
-    }
-    else if (isSilent)
+    else if (isSilent && !open.empty())
     {
         lastProgress = now;
         GiveUpOpen();
     }
-    for (const std::string& topic : Wanted())
+    else if (isSilent)
     {
-        Ask(topic);
+        lastDoubt = now;
+        Doubt();
     }
-    if (phase == Phase::OneByOne && open.empty())
+    if (HasAnswers())
     {
-        End();
+        Settle();
+    }
+    return std::exchange(requests, {});
+}
+
+std::vector<ReadingRequest> SiteReading::Advance(Time now, const ReadingAllowance& allowance)
+{
+    if (phase == Phase::Starting)
+    {
+        phase = Phase::Heads;
+        lastDoubt = now;
+        text = "not read yet";
+        listener.TakeSite(*this);
+    }
+    if (phase == Phase::Heads && HasAnswers() && allowance.IsStream)
+    {
+        phase = Phase::Streaming;
+        hasStreamed = false;
+        lastProgress = now;
+        Begin(topics.AllDevices());
+        if (scope == ReadingScope::Events)
+        {
+            Begin(topics.Events());
+        }
+    }
+    for (const std::string& topic : Wanted(allowance.Questions))
+    {
+        lastProgress = open.empty() ? now : lastProgress;
+        ++attempts[topic];
+        open.insert(topic);
+        Begin(topic);
     }
     return std::exchange(requests, {});
 }
 
 SiteReading::Time SiteReading::NextTime() const
 {
-    return IsOver() ? Time::max()
-                    : lastProgress + (phase == Phase::Together && !records.empty() ? PauseTime : AnswerTime);
+    if (phase == Phase::Streaming)
+    {
+        return lastProgress + (hasStreamed ? PauseTime : AnswerTime);
+    }
+    return !open.empty() ? lastProgress + AnswerTime : isSettled ? lastDoubt + CheckInterval : Time::max();
+}
+
+void SiteReading::Doubt()
+{
+    isSettled = false;
+    isStateDoubted = true;
+    isManifestDoubted = true;
+    silences = 0;
+    attempts.clear();
+    newer.clear();
+}
+
+void SiteReading::Disconnect()
+{
+    Doubt();
+    phase = Phase::Starting;
+    absences = 0;
+    open.clear();
+    subscribed.clear();
+    requests.clear();
+    state.reset();
+    text = "no connection to the broker";
+    listener.TakeSite(*this);
+}
+
+std::vector<ReadingRequest> SiteReading::End()
+{
+    std::vector<ReadingRequest> ends;
+    for (const std::string& filter : subscribed)
+    {
+        ends.push_back({filter, true});
+    }
+    return ends;
+}
+
+bool SiteReading::IsForgotten() const
+{
+    return !state && !manifest.HasHead() && (isWithdrawn || absences >= MaximumAttempts);
 }
 
 const char* SiteReading::StateNameOf(const DeviceRecord& record) const
@@ -104,138 +186,241 @@ std::optional<std::size_t> SiteReading::Expected() const
     return manifest.HasHead() ? std::optional(manifest.Devices()) : std::nullopt;
 }
 
-std::string SiteReading::Shortfall() const
-{
-    if (!manifest.HasHead())
-    {
-        return "site " + Site() + ": no manifest, so that nobody knows how many devices it has";
-    }
-    return HasAll() ? ""
-                    : "site " + Site() + ": " + std::to_string(Received()) + " of " +
-                          std::to_string(manifest.Devices()) + " received";
-}
-
 void SiteReading::TakeState(std::string_view bytes)
 {
-    state = bytes.empty() ? std::nullopt : std::optional(SiteState::Parse(bytes));
+    SetState(bytes.empty() ? std::nullopt : std::optional(SiteState::Parse(bytes)));
+    isStateDoubted = false;
+    isWithdrawn = bytes.empty();
+    absences = 0;
 }
 
 void SiteReading::TakeManifest(std::size_t part, std::string_view bytes)
 {
     manifest.Take(part, bytes);
-    told = manifest.Known();
-    Compare();
+    if (part == 0)
+    {
+        isManifestDoubted = false;
+        absences = 0;
+        std::erase_if(attempts, [this](const auto& each) { return each.first.starts_with(topics.Manifest() + "/"); });
+    }
+    Retell();
 }
 
-void SiteReading::TakeRecord(const std::string& id, std::string_view bytes, bool wasAsked, Time now)
+void SiteReading::TakeRecord(const std::string& id, std::string_view bytes, bool isNewest)
 {
     if (bytes.empty())
     {
-        records.erase(id);
-        Compare();
-        return;
+        Drop(id);
     }
-    DeviceRecord record = DeviceRecord::Parse(bytes);
-    if (wasAsked)
+    else
     {
-        current.insert(id);
+        const DeviceRecord record = DeviceRecord::Parse(bytes);
+        const auto known = held.find(id);
+        if (known == held.end() && held.size() >= MaximumDevices)
+        {
+            throw std::invalid_argument("more than " + std::to_string(MaximumDevices) + " devices");
+        }
+        if (known == held.end() || known->second != record.Revision())
+        {
+            held.insert_or_assign(id, record.Revision());
+            listener.TakeRecord(Site(), id, record);
+        }
     }
-    const auto expected = told.find(id);
-    if (current.contains(id) || (expected != told.end() && expected->second == record.Revision()))
+    newer.erase(id);
+    if (isNewest && (held.contains(id) || told.contains(id)))
     {
-        missing.erase(id);
+        newer.emplace(id, RevisionOf(told, id));
     }
-    lastProgress = records.contains(id) ? lastProgress : now; // those that change all the time must not hold it up
-    records.insert_or_assign(id, std::move(record));
+    missing.erase(id);
+    if (IsMissing(id))
+    {
+        missing.insert(id);
+    }
 }
 
-/// A record that the broker gave for its topic alone is the newest that there is, and the manifest comes after it; of
-/// those that came together with others a newer one may have been dropped.
+void SiteReading::TakeEvent(std::string_view bytes, bool isRetained)
+{
+    const SiteEvent event = SiteEvent::Parse(bytes);
+    if (isRetained || event.Site != Site())
+    {
+        throw std::invalid_argument("an event of another time or site");
+    }
+    listener.TakeEvent(event);
+}
+
+void SiteReading::SetState(std::optional<SiteState> value)
+{
+    const bool isNews = state != value;
+    state = std::move(value);
+    if (isNews && phase != Phase::Starting) // it is told when it starts
+    {
+        listener.TakeSite(*this);
+    }
+}
+
+void SiteReading::SetText(std::string value)
+{
+    if (text != value)
+    {
+        text = std::move(value);
+        listener.TakeSite(*this);
+    }
+}
+
+/// What the manifest tells has changed: of a record that is told in another revision it does not matter any more how
+/// often it was asked for.
+void SiteReading::Retell()
+{
+    Manifest::Revisions next = manifest.Known();
+    const Manifest::Difference news = Manifest::Compare(next, told);
+    for (const auto* const ids : {&news.Missing, &news.Stale})
+    {
+        for (const std::string& id : *ids)
+        {
+            attempts.erase(topics.Device(id));
+        }
+    }
+    told = std::move(next);
+    std::erase_if(newer, [this](const auto& each) { return each.second != RevisionOf(told, each.first); });
+    Compare();
+}
+
 void SiteReading::Compare()
 {
+    const Manifest::Difference difference = Manifest::Compare(told, held);
     missing.clear();
-    for (const auto& [id, revision] : told)
+    for (const auto* const ids : {&difference.Missing, &difference.Stale})
     {
-        const auto held = records.find(id);
-        if (held == records.end() || (held->second.Revision() != revision && !current.contains(id)))
+        std::ranges::copy_if(*ids, std::inserter(missing, missing.end()),
+                             [this](const std::string& id) { return IsMissing(id); });
+    }
+    for (const std::string& id : IsToldWhole() ? difference.Extra : std::vector<std::string>())
+    {
+        if (!newer.contains(id))
         {
-            missing.insert(missing.end(), id);
+            Drop(id);
         }
     }
 }
 
+/// A record that has just changed, or that the broker gave for its topic alone, is the newest that there is, and the
+/// manifest comes after it; of those that came together with others a newer one may have been dropped.
+bool SiteReading::IsMissing(const std::string& id) const
+{
+    const auto expected = told.find(id);
+    const auto known = held.find(id);
+    const auto seen = newer.find(id);
+    return expected != told.end() && (known == held.end() || known->second != expected->second) &&
+           (seen == newer.end() || seen->second != expected->second);
+}
+
+void SiteReading::Drop(const std::string& id)
+{
+    if (held.erase(id) > 0)
+    {
+        listener.TakeRemoval(Site(), id);
+    }
+}
+
+bool SiteReading::IsToldWhole() const
+{
+    return manifest.HasHead() && manifest.MissingParts().empty() && told.size() == manifest.Devices();
+}
+
 bool SiteReading::HasAll() const
 {
-    return scope == ReadingScope::Summary ? manifest.HasHead() : manifest.Whole().has_value() && missing.empty();
+    return scope == ReadingScope::Summary ? manifest.HasHead() : IsToldWhole() && missing.empty();
+}
+
+/// Whether everything has come that was asked for, and nothing more is to be asked for.
+bool SiteReading::HasAnswers() const
+{
+    return !isSettled && phase != Phase::Starting && phase != Phase::Streaming && open.empty() && Wanted(1).empty();
+}
+
+std::string SiteReading::Shortfall() const
+{
+    if (!manifest.HasHead())
+    {
+        return "no manifest, so that nobody knows how many devices it has";
+    }
+    return HasAll() ? ""
+                    : std::to_string(told.size() - missing.size()) + " of " + std::to_string(manifest.Devices()) +
+                          " received";
+}
+
+void SiteReading::Begin(std::string filter)
+{
+    if (!filter.starts_with(topics.Device("")) || filter == topics.AllDevices())
+    {
+        subscribed.insert(filter);
+    }
+    requests.push_back({std::move(filter)});
 }
 
 /// Topics to ask for now.
-std::vector<std::string> SiteReading::Wanted() const
+std::vector<std::string> SiteReading::Wanted(std::size_t most) const
 {
     std::vector<std::string> wanted;
-    const auto add = [this, &wanted](std::string topic) {
+    const auto add = [&](std::string topic) {
         const auto found = attempts.find(topic);
         if (!open.contains(topic) && (found == attempts.end() || found->second < MaximumAttempts))
         {
             wanted.push_back(std::move(topic));
         }
-        return open.size() + wanted.size() < MaximumAsked;
+        return wanted.size() < most;
     };
-    if (IsOver() || (!state && !add(topics.State())) || (!manifest.HasHead() && !add(topics.Manifest())))
-    {
-        return wanted;
-    }
-    if (scope == ReadingScope::Summary)
+    if (isSettled || most == 0 || (isStateDoubted && !add(topics.State())) ||
+        (isManifestDoubted && !add(topics.Manifest())) || scope == ReadingScope::Summary)
     {
         return wanted;
     }
     const std::vector<std::size_t> parts = manifest.MissingParts();
     if (std::ranges::all_of(parts, [&](std::size_t part) { return add(topics.ManifestPart(part)); }) &&
-        phase == Phase::OneByOne)
+        phase == Phase::Keeping)
     {
         std::ignore = std::ranges::all_of(missing, [&](const std::string& id) { return add(topics.Device(id)); });
     }
     return wanted;
 }
 
-void SiteReading::Ask(const std::string& topic)
-{
-    ++attempts[topic];
-    open.insert(topic);
-    requests.push_back({topic});
-}
-
-void SiteReading::Close(const std::string& topic)
-{
-    open.erase(topic);
-    if (topic.starts_with(topics.Device("")))
-    {
-        requests.push_back({topic, true});
-    }
-    else
-    {
-        kept.insert(topic);
-    }
-}
-
 void SiteReading::GiveUpOpen()
 {
+    ++silences;
     for (const std::string& topic : std::exchange(open, {}))
     {
-        requests.push_back({topic, true});
+        if (!subscribed.contains(topic))
+        {
+            requests.push_back({topic, true});
+        }
     }
 }
 
-void SiteReading::End()
+/// What has not come is not there.
+void SiteReading::Settle()
 {
-    phase = Phase::Over;
-    for (const std::string& topic : kept)
+    if (isStateDoubted && isManifestDoubted)
     {
-        requests.push_back({topic, true});
+        ++absences;
     }
-    if (manifest.Whole())
+    if (std::exchange(isStateDoubted, false))
     {
-        std::erase_if(records, [this](const auto& each) { return !told.contains(each.first); });
+        SetState(std::nullopt);
+    }
+    if (std::exchange(isManifestDoubted, false))
+    {
+        manifest = {};
+        Retell();
+    }
+    if (phase == Phase::Heads && scope == ReadingScope::Summary)
+    {
+        phase = Phase::Keeping;
+    }
+    if (phase == Phase::Keeping)
+    {
+        isSettled = true;
+        isRead = true;
+        SetText(Shortfall());
     }
 }
 } // namespace Zent::Discovery::Fleet

@@ -1,4 +1,5 @@
 #include "Fleet/FleetReading.h"
+#include "Fleet/FleetRecords.h"
 
 #include <gtest/gtest.h>
 
@@ -14,142 +15,363 @@ using Scope = SiteReading::ReadingScope;
 
 namespace
 {
+using Texts = std::vector<std::string>;
+
+const std::string NoManifest = ", no manifest, so that nobody knows how many devices it has";
+
+std::string Id(std::size_t number)
+{
+    char id[64];
+    std::snprintf(id, sizeof(id), "02-00-00-00-%02zx-%02zx", number / 256, number % 256);
+    return id;
+}
+
+DeviceRecord Record(const std::string& name = "press")
+{
+    return {DeviceRecord::DeviceState::Present, R"({"HostName":")" + name + R"("})", {}};
+}
+
+std::string StateText(SiteState::StateKind kind)
+{
+    return SiteState{kind, "a", "m", {}}.ToJson();
+}
+
 /// A broker that gives a subscriber no more than so many retained messages at once.
 class CuttingBroker final
 {
 public:
-    void Put(const std::string& topic, const std::string& text) { retained[topic] = text; }
+    explicit CuttingBroker(FleetReading& reading)
+        : reading(reading)
+    {
+    }
 
-    void PutSite(const std::string& name, std::size_t count)
+    /// Retains the text, and lets whoever has subscribed have it.
+    void Put(const std::string& topic, const std::string& text, bool isRetained = true)
+    {
+        text.empty() ? (void)retained.erase(topic)
+                     : (void)(isRetained && retained.insert_or_assign(topic, text).second);
+        if (!IsDropping && std::ranges::any_of(subscribed, [&](const auto& each) { return Matches(topic, each); }))
+        {
+            reading.Take(topic, text, false, now);
+        }
+    }
+
+    void PutManifest(const std::string& name, const Manifest::Revisions& revisions)
     {
         const SiteTopics topics(name);
-        Put(topics.State(), SiteState{SiteState::StateKind::Ready, "a", "m", {}}.ToJson());
-        Manifest::Revisions revisions;
-        for (std::size_t i = 0; i < count; ++i)
-        {
-            char id[24];
-            std::snprintf(id, sizeof(id), "02-00-00-00-%02zx-%02zx", i / 256, i % 256);
-            const DeviceRecord record(DeviceRecord::DeviceState::Present, R"({"HostName":"press"})", {});
-            revisions.emplace(id, record.Revision());
-            Put(topics.Device(id), record.ToJson());
-        }
         for (const Manifest::Document& each : Manifest::Write(revisions))
         {
             Put(each.Part == 0 ? topics.Manifest() : topics.ManifestPart(each.Part), each.Json);
         }
     }
 
-    /// Lets the reading come to its end; nothing takes any time but silence.
-    void Serve(FleetReading& reading)
+    void PutSite(const std::string& name, std::size_t count)
     {
-        SiteReading::Time now{0};
-        while (!reading.IsOver())
+        const SiteTopics topics(name);
+        Put(topics.State(), StateText(SiteState::StateKind::Ready));
+        Manifest::Revisions revisions;
+        for (std::size_t i = 0; i < count; ++i)
         {
-            const std::vector<ReadingRequest> requests = reading.Advance(now);
+            revisions.emplace(Id(i), Record().Revision());
+            Put(topics.Device(Id(i)), Record().ToJson());
+        }
+        PutManifest(name, revisions);
+    }
+
+    void Forget(const std::string& name)
+    {
+        for (const auto& [topic, text] : std::map(retained))
+        {
+            if (topic.starts_with(SiteTopics(name).Device("").substr(0, 13 + name.size())))
+            {
+                Put(topic, "");
+            }
+        }
+    }
+
+    /// Breaks the connection, and has lost everything.
+    void LoseAll()
+    {
+        retained.clear();
+        subscribed.clear();
+        reading.Disconnect();
+    }
+
+    /// Lets the reading go on for so long, or until it is over; nothing takes any time but silence.
+    void Serve(std::optional<SiteReading::Time> duration = {})
+    {
+        const SiteReading::Time end = now + duration.value_or(1h);
+        while (duration ? now < end : !reading.IsOver())
+        {
             bool isAnswered = false;
-            for (const ReadingRequest& request : requests)
+            for (const ReadingRequest& request : reading.Advance(now))
             {
                 request.IsEnd ? subscribed.erase(request.Filter) : subscribed.insert(request.Filter).second;
-                MostSubscribed = std::max(MostSubscribed, subscribed.size());
-                isAnswered = (!request.IsEnd && Answer(reading, request.Filter, now)) || isAnswered;
+                const auto isQuestion = [](const std::string& each) { return each.find("/devices/0") < each.size(); };
+                MostAsked = std::max(MostAsked, std::size_t(std::ranges::count_if(subscribed, isQuestion)));
+                isAnswered = (!request.IsEnd && Answer(request.Filter)) || isAnswered;
             }
             if (!isAnswered && !reading.IsOver())
             {
                 ASSERT_GT(reading.NextTime(), now);
-                now = reading.NextTime();
-                ASSERT_LT(now, 1h) << "it never ends";
             }
+            now = isAnswered ? now : std::min(end, reading.NextTime());
+            ASSERT_TRUE(duration || now < end) << "it never ends";
         }
-        EXPECT_TRUE(subscribed.empty()) << *subscribed.begin();
     }
 
     std::size_t Limit = 1000;
-    std::size_t MostSubscribed = 0; // at a time
+    std::size_t MostAsked = 0; // for records alone, at a time
+    bool IsDropping = false;   // what is published
+    SiteReading::Time now{0};
 
 private:
-    bool Answer(FleetReading& reading, const std::string& filter, SiteReading::Time now) const
+    static bool Matches(const std::string& topic, const std::string& filter)
     {
         const std::size_t wildcard = filter.find('+');
-        const std::string front = filter.substr(0, wildcard);
-        const std::string back = wildcard == std::string::npos ? "" : filter.substr(wildcard + 1);
+        return wildcard == std::string::npos
+                   ? topic == filter
+                   : topic.starts_with(filter.substr(0, wildcard)) && topic.ends_with(filter.substr(wildcard + 1));
+    }
+
+    bool Answer(const std::string& filter)
+    {
         std::size_t given = 0;
         for (const auto& [topic, text] : retained)
         {
-            const bool matches =
-                wildcard == std::string::npos ? topic == filter : topic.starts_with(front) && topic.ends_with(back);
-            if (matches && given++ < Limit)
+            if (Matches(topic, filter) && given++ < Limit)
             {
-                reading.Take(topic, text, now);
+                reading.Take(topic, text, true, now);
             }
         }
         return given > 0;
     }
 
+    FleetReading& reading;
     std::map<std::string, std::string> retained;
     std::set<std::string> subscribed;
 };
 
+/// Writes down what a reading finds.
+class Notes final : public ReadingListener
+{
+public:
+    /// What has been written since.
+    Texts Take() { return std::exchange(notes, {}); }
+
+    void TakeSite(const SiteReading& site) override
+    {
+        notes.push_back(site.Site() + " " + site.StateName() + (site.Text().empty() ? "" : ", " + site.Text()));
+    }
+
+    void TakeForgotten(const std::string& site) override { notes.push_back(site + " is forgotten"); }
+
+    void TakeRecord(const std::string& site, const std::string& id, const DeviceRecord& record) override
+    {
+        notes.push_back(site + " " + id.substr(15) + " " + record.StateName() + record.Host());
+    }
+
+    void TakeRemoval(const std::string& site, const std::string& id) override
+    {
+        notes.push_back(site + " " + id.substr(15) + " is removed");
+    }
+
+    void TakeEvent(const SiteEvent& event) override { notes.push_back(event.Site + " " + event.Kind); }
+
+private:
+    Texts notes;
+};
+
+/// A reading with its broker and its listener.
+template <class TListener>
+struct Fixture
+{
+    explicit Fixture(Scope scope, const Texts& sites = {})
+        : Reading(sites, scope, Found)
+    {
+    }
+
+    TListener Found;
+    FleetReading Reading;
+    CuttingBroker Broker{Reading};
+};
+
 TEST(ReadingTest, WhatABrokerHasDroppedIsAskedForTopicByTopic)
 {
-    CuttingBroker broker;
-    broker.PutSite("a", 3000);
-    broker.PutSite("b", 2);
-    FleetReading reading({}, Scope::Devices);
-    broker.Serve(reading);
-    ASSERT_EQ(reading.Sites().size(), 2U);
-    EXPECT_EQ(reading.Sites().front().Devices().size(), 3000U);
-    EXPECT_EQ(reading.Sites().back().Devices().size(), 2U);
-    EXPECT_TRUE(reading.Shortfalls().empty());
-    EXPECT_LE(broker.MostSubscribed, SiteReading::MaximumAsked + 6); // state, manifest, its parts
+    Fixture<FleetRecords> fixture(Scope::Devices);
+    fixture.Broker.PutSite("a", 3000);
+    fixture.Broker.PutSite("b", 2);
+    fixture.Broker.Serve();
+    EXPECT_EQ(fixture.Reading.Sites().size(), 2U);
+    EXPECT_EQ(fixture.Found.Of("a").size(), 3000U);
+    EXPECT_EQ(fixture.Found.Of("b").size(), 2U);
+    EXPECT_TRUE(fixture.Reading.Shortfalls().empty());
+    EXPECT_EQ(fixture.Broker.MostAsked, FleetReading::MaximumQuestions);
 }
 
 TEST(ReadingTest, NothingThatIsCutPassesForWhole)
 {
-    CuttingBroker broker;
+    Fixture<FleetRecords> fixture(Scope::Devices, {"b", "c", "d", "b"});
+    CuttingBroker& broker = fixture.Broker;
     broker.PutSite("b", 1002);
     const SiteTopics topics("b");
-    broker.Put(topics.Device("02-00-00-00-00-07"), "no record");
-    broker.Put(topics.Device("02-00-00-00-00-08"), "");
+    broker.Put(topics.Device(Id(7)), "no record");
+    broker.Put(topics.Device(Id(8)), "");
     broker.Put(SiteTopics("c").State(), "what is that");
     broker.PutSite("d", 2001);
     broker.Put(SiteTopics("d").ManifestPart(2), "{}");
-    FleetReading reading({"b", "c", "d", "b"}, Scope::Devices);
-    broker.Serve(reading);
-    EXPECT_EQ(reading.Shortfalls(),
-              (std::vector<std::string>{"site b: 1000 of 1002 received",
-                                        "site c: no manifest, so that nobody knows how many devices it has",
-                                        "site d: 1001 of 2001 received"}));
-    EXPECT_STREQ(std::next(reading.Sites().begin())->StateName(), "unknown");
+    broker.Serve();
+    EXPECT_EQ(fixture.Reading.Shortfalls(), (Texts{"site b: 1000 of 1002 received",
+                                                   "site c: no manifest, so that nobody knows how many devices it has",
+                                                   "site d: 1001 of 2001 received"}));
+    EXPECT_STREQ(std::next(fixture.Reading.Sites().begin())->StateName(), "unknown");
 }
 
 TEST(ReadingTest, ARecordThatIsNotTheOneOfTheManifestIsAskedForAloneAndOthersAreLeftOut)
 {
-    CuttingBroker broker;
-    broker.PutSite("b", 3);
+    Fixture<FleetRecords> fixture(Scope::Devices, {"b"});
+    fixture.Broker.PutSite("b", 3);
     const DeviceRecord gone(DeviceRecord::DeviceState::Gone, "{}", {});
-    broker.Put(SiteTopics("b").Device("02-00-00-00-00-01"), gone.ToJson());
-    broker.Put(SiteTopics("b").Device("02-00-00-00-00-99"), gone.ToJson());
-    FleetReading reading({"b"}, Scope::Devices);
-    broker.Serve(reading);
-    EXPECT_TRUE(reading.Shortfalls().empty());
-    const SiteReading& site = reading.Sites().front();
-    EXPECT_EQ(site.Devices().size(), 3U);
-    EXPECT_STREQ(site.StateNameOf(site.Devices().at("02-00-00-00-00-01")), "gone");
+    fixture.Broker.Put(SiteTopics("b").Device(Id(1)), gone.ToJson());
+    fixture.Broker.Put(SiteTopics("b").Device(Id(99)), gone.ToJson());
+    fixture.Broker.Serve();
+    EXPECT_TRUE(fixture.Reading.Shortfalls().empty());
+    ASSERT_EQ(fixture.Found.Of("b").size(), 3U);
+    EXPECT_STREQ(fixture.Reading.Sites().front().StateNameOf(fixture.Found.Of("b").at(Id(1))), "gone");
 }
 
 TEST(ReadingTest, SummariesOfManySitesTakeNoRecordsAndAreNotBelievedToBeAll)
 {
-    CuttingBroker broker;
+    Fixture<Notes> fixture(Scope::Summary);
     for (int i = 0; i < 1100; ++i)
     {
-        broker.PutSite("site-" + std::to_string(i), 1);
+        fixture.Broker.PutSite("site-" + std::to_string(i), 1);
     }
-    FleetReading reading({}, Scope::Summary);
-    broker.Serve(reading);
-    EXPECT_EQ(reading.Sites().size(), 1000U);
-    EXPECT_EQ(reading.Sites().front().Expected(), 1U);
-    EXPECT_TRUE(reading.Sites().front().Devices().empty());
-    ASSERT_EQ(reading.Shortfalls().size(), 1U);
-    EXPECT_LE(broker.MostSubscribed, SiteReading::MaximumAsked + 1);
+    fixture.Broker.Serve();
+    EXPECT_EQ(fixture.Reading.Sites().size(), 1000U);
+    EXPECT_EQ(fixture.Reading.Sites().front().Expected(), 1U);
+    EXPECT_EQ(std::ranges::count(fixture.Found.Take(), "site-0 ready"), 1);
+    EXPECT_EQ(fixture.Reading.Shortfalls().size(), 1U);
+    EXPECT_EQ(fixture.Broker.MostAsked, 0U);
+}
+
+TEST(ReadingTest, WhatChangesLaterIsFoundAsItComes)
+{
+    Fixture<Notes> fixture(Scope::Events);
+    auto& [found, reading, broker] = fixture;
+    broker.PutSite("b", 1);
+    broker.Serve();
+    const SiteTopics topics("b");
+    EXPECT_EQ(found.Take(), (Texts{"b ready, not read yet", R"(b 00 present{"HostName":"press"})", "b ready"}));
+
+    broker.Put(topics.Device(Id(1)), Record("new").ToJson()); // and its manifest comes later
+    broker.PutManifest("b", {{Id(0), Record().Revision()}, {Id(1), Record("new").Revision()}});
+    broker.Put(topics.Device(Id(0)), "");
+    const SiteEvent event{"b", "1", "gone", Id(0), {}, "{}"};
+    broker.Put(topics.Events(), event.ToJson(), false);
+    broker.PutManifest("b", {{Id(1), Record("new").Revision()}});
+    broker.Put(topics.State(), StateText(SiteState::StateKind::Lost));
+    broker.PutSite("c", 0);
+    broker.Serve(1min);
+    EXPECT_EQ(found.Take(), (Texts{R"(b 01 present{"HostName":"new"})", "b 00 is removed", "b gone", "b lost",
+                                   "c ready, not read yet", "c ready"}));
+    broker.Forget("b");
+    broker.Serve(1s);
+    EXPECT_EQ(found.Take(), (Texts{"b 01 is removed", "b unknown", "b unknown" + NoManifest, "b is forgotten"}));
+    EXPECT_EQ(reading.Sites().size(), 1U);
+    EXPECT_EQ(broker.MostAsked, 0U) << "nothing was in doubt";
+}
+
+TEST(ReadingTest, WhatWasDroppedLaterIsAskedForAndSaidAndLookedForAgain)
+{
+    Fixture<Notes> fixture(Scope::Events, {"b"});
+    auto& [found, reading, broker] = fixture;
+    broker.PutSite("b", 2);
+    broker.Serve();
+    found.Take();
+    const SiteTopics topics("b");
+    broker.IsDropping = true;
+    broker.Put(topics.Device(Id(0)), Record("other").ToJson());
+    broker.IsDropping = false;
+    const Manifest::Revisions told = {{Id(0), Record("other").Revision()}, {Id(1), Record().Revision()}, {Id(2), "r"}};
+    broker.PutManifest("b", told);
+    broker.Serve(1min);
+    EXPECT_EQ(found.Take(), (Texts{R"(b 00 present{"HostName":"other"})", "b ready, 2 of 3 received"}));
+
+    broker.IsDropping = true;
+    broker.PutSite("b", 1); // and nothing of it comes
+    broker.Put(topics.Device(Id(1)), "");
+    broker.Put(topics.State(), StateText(SiteState::StateKind::Disconnected));
+    broker.Serve(SiteReading::CheckInterval);
+    EXPECT_EQ(found.Take(), (Texts{"b disconnected, 2 of 3 received", "b 01 is removed",
+                                   R"(b 00 present{"HostName":"press"})", "b disconnected"}));
+}
+
+TEST(ReadingTest, ABrokerThatHasLostEverythingTakesNoDeviceAwayBeforeItsAgentIsBack)
+{
+    Fixture<Notes> fixture(Scope::Events);
+    auto& [found, reading, broker] = fixture;
+    broker.PutSite("a", 2);
+    broker.PutSite("b", 2);
+    broker.Serve();
+    found.Take();
+    broker.LoseAll();
+    EXPECT_EQ(found.Take(),
+              (Texts{"a unknown, no connection to the broker", "b unknown, no connection to the broker"}));
+    broker.Serve(1min);
+    EXPECT_EQ(found.Take(), (Texts{"a unknown, not read yet", "b unknown, not read yet", "a unknown" + NoManifest,
+                                   "b unknown" + NoManifest}));
+    broker.PutSite("b", 2);
+    broker.Serve(1min);
+    EXPECT_EQ(found.Take(), (Texts{"b ready" + NoManifest, "b ready"}));
+    broker.Serve(2 * SiteReading::CheckInterval);
+    EXPECT_EQ(found.Take(), (Texts{"a is forgotten"}));
+}
+
+TEST(ReadingTest, SitesThatTellOfWhatIsNotThereHoldUpNoOthers)
+{
+    Fixture<Notes> fixture(Scope::Events);
+    auto& [found, reading, broker] = fixture;
+    Manifest::Revisions nothing;
+    for (std::size_t i = 0; i < 5000; ++i)
+    {
+        nothing.emplace(Id(i), "r");
+    }
+    for (const char* name : {"a", "b", "c"})
+    {
+        broker.PutSite(name, 0);
+        broker.PutManifest(name, nothing);
+    }
+    broker.Serve(20s);
+    found.Take();
+    broker.PutSite("d", 3000);
+    broker.Serve(5s);
+    EXPECT_TRUE(std::ranges::count(found.Take(), "d ready") > 0 && reading.Sites().back().Text().empty());
+    EXPECT_LE(broker.MostAsked, FleetReading::MaximumQuestions);
+}
+
+TEST(ReadingTest, HostileMessagesChangeNothing)
+{
+    Fixture<Notes> fixture(Scope::Events, {"b"});
+    auto& [found, reading, broker] = fixture;
+    broker.PutSite("b", 1);
+    broker.Serve();
+    found.Take();
+    const SiteTopics topics("b");
+    const SiteEvent foreign{"a", "1", "gone", Id(0), {}, "{}"};
+    for (const std::string& text : {std::string("\xFF"), std::string("[]"), foreign.ToJson()})
+    {
+        for (const std::string& topic :
+             {topics.State(), topics.Manifest(), topics.Device(Id(0)), topics.Events(), SiteTopics("c").State()})
+        {
+            reading.Take(topic, text, false, broker.now);
+        }
+    }
+    reading.Take("discovery/v1/+/state", "", false, broker.now);
+    reading.Take(topics.Events(), SiteEvent{"b", "1", "gone", Id(0), {}, "{}"}.ToJson(), true, broker.now);
+    reading.Take(topics.Device(Id(1)), "", false, broker.now);
+    broker.Serve(1s);
+    EXPECT_EQ(found.Take(), Texts());
+    EXPECT_EQ(reading.Unreadable(), 13U);
 }
 } // namespace

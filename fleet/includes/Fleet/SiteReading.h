@@ -2,6 +2,7 @@
 
 #include "Fleet/DeviceRecord.h"
 #include "Fleet/Manifest.h"
+#include "Fleet/ReadingListener.h"
 #include "Fleet/SiteState.h"
 #include "Fleet/Topics.h"
 
@@ -23,8 +24,9 @@ struct ReadingRequest
     bool IsEnd = false; // of the subscription, which begins otherwise
 };
 
-/// Reads a site from a broker that may give a subscriber less than it has, and tell nobody: asks for all records at
-/// once, compares what comes with the manifest, and asks for what is missing topic by topic.
+/// Reads a site from a broker that may give a subscriber less than it has, and tell nobody: lets all records come, and
+/// those that change later, compares them with the manifest, and asks for what is missing topic by topic. Goes on for
+/// as long as it is advanced. Keeps no records but their revisions. One thread.
 class SiteReading final
 {
 public:
@@ -34,13 +36,16 @@ public:
     enum class ReadingScope
     {
         Summary, // the state, and how many devices there are
-        Devices
+        Devices,
+        Events // and the devices
     };
 
-    using Records = std::map<std::string, DeviceRecord>; // by the device's id
-
-    /// So many topics are asked for at a time: brokers keep a thousand messages for a slow reader, and often fewer.
-    static constexpr std::size_t MaximumAsked = 100;
+    /// What the readings of other sites leave to this one, so that the broker does not drop messages for all of them.
+    struct ReadingAllowance
+    {
+        std::size_t Questions; // topics that were asked for and have not come
+        bool IsStream;         // whether all records may come
+    };
 
     /// How long a broker may be silent before what was asked for counts as not there, of which it says nothing.
     static constexpr Time AnswerTime{3000};
@@ -51,26 +56,60 @@ public:
     /// How often a topic is asked for that does not come.
     static constexpr unsigned MaximumAttempts = 2;
 
-    /// @throws std::invalid_argument with the reason when it is no site's name.
-    SiteReading(std::string site, ReadingScope scope);
+    /// How long nothing is doubted: messages that were dropped, those of the manifest among them, show then.
+    static constexpr Time CheckInterval = std::chrono::minutes(10);
 
-    /// A message of one of the site's topics; one that is not as it should be counts as not received.
-    void Take(const Topic& topic, std::string_view bytes, Time now);
+    /// Twice what an agent watches over; further ones are missing.
+    static constexpr std::size_t MaximumDevices = 20000;
+
+    /// listener must outlive the object.
+    /// @throws std::invalid_argument with the reason when it is no site's name.
+    SiteReading(std::string site, ReadingScope scope, ReadingListener& listener);
+
+    /// A message of one of the site's topics. isRetained: it was there before the subscription.
+    /// @throws std::invalid_argument with the reason when it is not as it should be; it counts as not received.
+    void Take(const Topic& topic, std::string_view bytes, bool isRetained, Time now);
+
+    /// Concludes from silence, and from what has come: questions without an answer are over. What is not to be asked
+    /// for any more; before Advance.
+    std::vector<ReadingRequest> Conclude(Time now);
 
     /// What is to be asked for now; begins with the first call.
-    std::vector<ReadingRequest> Advance(Time now);
+    std::vector<ReadingRequest> Advance(Time now, const ReadingAllowance& allowance);
 
-    /// When to call Advance again, at the latest.
+    /// When to call Conclude again, at the latest, unless a message comes before.
     Time NextTime() const;
 
-    bool IsBegun() const { return phase != Phase::Starting; }
+    /// All that has come may be out of date.
+    void Doubt();
 
-    /// Whether there is nothing more to wait for; what was found stays as it is from then on.
-    bool IsOver() const { return phase == Phase::Over; }
+    /// The connection to the broker is lost, so that nobody knows the site's state; begins anew with Advance.
+    void Disconnect();
+
+    /// What it has subscribed to, so that nothing more comes.
+    std::vector<ReadingRequest> End();
+
+    /// Whether it has something to ask for or to wait for.
+    bool IsBusy() const { return !isSettled; }
+
+    /// Topics that were asked for and have not come.
+    std::size_t Questions() const { return open.size(); }
+
+    /// How often nothing came: who is often silent has to let others go first.
+    unsigned Silences() const { return silences; }
+
+    /// Whether all records are coming.
+    bool IsStreaming() const { return phase == Phase::Streaming; }
+
+    /// Whether there was nothing more to wait for at some time.
+    bool IsRead() const { return isRead; }
+
+    /// Whether the broker has nothing of it: somebody has removed it, or it was looked for twice.
+    bool IsForgotten() const;
 
     const std::string& Site() const { return topics.Site(); }
 
-    /// Nothing when the broker has none.
+    /// Nothing when the broker has none, or is out of reach.
     const std::optional<SiteState>& State() const { return state; }
 
     /// The site's state, or "unknown".
@@ -82,50 +121,63 @@ public:
     /// How many devices the manifest tells of; nothing without one.
     std::optional<std::size_t> Expected() const;
 
-    /// Of the devices that the manifest tells of.
-    std::size_t Received() const { return told.size() - missing.size(); }
-
-    /// Empty when everything has been read that the manifest tells of, else for people: "site b: 412 of 1000 received".
-    std::string Shortfall() const;
-
-    /// What was received. Without those that a whole manifest does not tell of: they are about to be removed, or too
-    /// new for it.
-    const Records& Devices() const { return records; }
+    /// What is missing, for people: "412 of 1000 received". Empty once everything has been read that the manifest
+    /// tells.
+    const std::string& Text() const { return text; }
 
 private:
     enum class Phase
     {
         Starting,
-        Together, // all records are coming
-        OneByOne,
-        Over
+        Heads,     // state and manifest are asked for
+        Streaming, // all records are coming
+        Keeping
     };
 
     void TakeState(std::string_view bytes);
     void TakeManifest(std::size_t part, std::string_view bytes);
-    void TakeRecord(const std::string& id, std::string_view bytes, bool wasAsked, Time now);
+    void TakeRecord(const std::string& id, std::string_view bytes, bool isNewest);
+    void TakeEvent(std::string_view bytes, bool isRetained);
+    void SetState(std::optional<SiteState> value);
+    void SetText(std::string value);
+    void Retell();
     void Compare();
+    bool IsMissing(const std::string& id) const;
+    void Drop(const std::string& id);
+    bool IsToldWhole() const;
     bool HasAll() const;
-    std::vector<std::string> Wanted() const;
-    void Ask(const std::string& topic);
-    void Close(const std::string& topic);
+    bool HasAnswers() const;
+    std::string Shortfall() const;
+    void Begin(std::string filter);
+    std::vector<std::string> Wanted(std::size_t most) const;
     void GiveUpOpen();
-    void End();
+    void Settle();
 
     const SiteTopics topics;
     const ReadingScope scope;
+    ReadingListener& listener;
     Phase phase = Phase::Starting;
     Time lastProgress{0};
+    Time lastDoubt{0};
+    bool hasStreamed = false; // something, since all records were asked for
+    bool isSettled = false;   // nothing is open or wanted, until something comes
+    bool isRead = false;
+    unsigned silences = 0;
     std::vector<ReadingRequest> requests;
     std::map<std::string, unsigned> attempts; // by topic
     std::set<std::string> open;               // topics that were asked for and have not come
-    std::set<std::string> kept;               // topics that stay subscribed: what is told may change meanwhile
+    std::set<std::string> subscribed;         // filters that stay so: what is told there changes
 
     std::optional<SiteState> state;
+    std::string text;
+    bool isStateDoubted = true;
+    bool isManifestDoubted = true;
+    bool isWithdrawn = false; // its state was removed
+    unsigned absences = 0;    // of state and manifest, one after the other
     ManifestReader manifest;
-    Manifest::Revisions told;
-    std::set<std::string> missing; // of these, ids
-    std::set<std::string> current; // ids of those that the broker gave for their topics alone
-    Records records;
+    Manifest::Revisions told;      // by the manifest
+    Manifest::Revisions held;      // passed on to the listener
+    Manifest::Revisions newer;     // what was told when something newer came: by id, empty if nothing was
+    std::set<std::string> missing; // ids
 };
 } // namespace Zent::Discovery::Fleet

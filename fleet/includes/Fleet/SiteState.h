@@ -25,6 +25,8 @@ struct SiteState
     /// @throws std::invalid_argument with the reason when the bytes are none. Whatever a broker gives may come.
     static SiteState Parse(std::string_view bytes);
 
+    bool operator==(const SiteState& other) const = default;
+
     const char* KindName() const;
 
     /// Which of two agents of one site goes on: the one that started first. Both of them find the same.
