@@ -6,7 +6,7 @@
 #
 # TIMEOUT          120 without it; three times as much under a sanitizer
 # LONG             the cases that match this gtest pattern become an entry of their own, <name>-long, labelled "long":
-#                  ctest -LE long leaves them out
+#                  ctest -LE long leaves them out, and starts them first
 # DISCOVERY_PORTS  the program binds the fixed UDP ports or broadcasts, so it gets a network namespace of its own
 
 # How ctest starts a program of this build; empty when it starts it directly.
@@ -73,6 +73,7 @@ function(nfx_add_test)
     set(filter "-${arg_LONG}")
     nfx_register_test(${arg_NAME}-long ${arg_NAME} "${arg_LONG}"
       TIMEOUT ${arg_TIMEOUT} LABELS ${arg_LABELS} long ${ports})
+    set_tests_properties(${arg_NAME}-long PROPERTIES COST 100)
   endif()
   nfx_register_test(${arg_NAME} ${arg_NAME} "${filter}" TIMEOUT ${arg_TIMEOUT} LABELS ${arg_LABELS} ${ports})
 endfunction()
