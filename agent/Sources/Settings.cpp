@@ -31,6 +31,8 @@ std::string Credential(const char* name)
     return !folder.empty() && std::filesystem::exists(file) ? file : "";
 }
 
+constexpr std::uint16_t UsualPagePort = 12080;
+
 std::string SiteOfMachine()
 {
     char name[256] = {};
@@ -68,6 +70,8 @@ Settings Settings::Defaults()
     settings.Session.LogFile = "/dev/null";
     settings.Session.LogLevel = DiscoveryLogNone;
     settings.PasswordFile = Credential("broker-password");
+    settings.Page.Port = UsualPagePort;
+    settings.Page.TokenFile = Credential("page-token");
     return settings;
 }
 
@@ -105,6 +109,15 @@ void Settings::Read(const std::string& path)
     file.Number("broker", "keep-alive", Broker.KeepAlive, 5, 600);
     file.Number("broker", "longest-retry", Broker.LongestRetry, 1, 3600);
     file.Flag("broker", "commands", TakesCommands);
+
+    file.Text("page", "address", Page.Address);
+    file.Number("page", "port", Page.Port, 0, 65535);
+    file.Text("page", "certificate", Page.CertificateFile);
+    Page.KeyFile = Page.CertificateFile.empty() ? "" : Credential("page-key");
+    file.Text("page", "key", Page.KeyFile);
+    file.Text("page", "authority", Page.AuthorityFile);
+    file.Text("page", "token-file", Page.TokenFile);
+    file.Texts("page", "names", Page.Names);
     file.RefuseOthers();
 
     if (!PasswordFile.empty())
@@ -137,6 +150,10 @@ void Settings::Check() const
     if (!Broker.UsesTls && !(Broker.AuthorityFile.empty() && Broker.CertificateFile.empty()))
     {
         throw WrongArgument("authority, certificate and key of the broker need tls = true");
+    }
+    if (HasPage())
+    {
+        Page.Check();
     }
 }
 } // namespace Zent::Discovery::Agent

@@ -2,6 +2,7 @@
 
 #include "Broker/BrokerSettings.h"
 #include "Log.h"
+#include "Page/PageSettings.h"
 #include "Programs/HostSession.h"
 
 #include <chrono>
@@ -40,5 +41,9 @@ struct Settings
     Broker::BrokerSettings Broker;
     std::string PasswordFile; // $CREDENTIALS_DIRECTORY/broker-password when that is there
     bool TakesCommands = false;
+
+    Page::PageSettings Page; // its port is 0 when none is served
+
+    bool HasPage() const { return Page.Port != 0; }
 };
 } // namespace Zent::Discovery::Agent

@@ -1,6 +1,7 @@
 #include "SiteAgent.h"
 
 #include "NullPublisher.h"
+#include "PagePublisher.h"
 #include "Programs/UdpSockets.h"
 
 #include <algorithm>
@@ -66,9 +67,9 @@ DeviceTableOptions OptionsOfTable(const Settings& settings)
 }
 
 /// The program that receives what devices send, too; empty when there is none.
-std::string PortHolder()
+std::string PortHolder(const std::vector<UdpSocket>& sockets)
 {
-    for (const UdpSocket& each : UdpSockets::OnPort(ServerPort))
+    for (const UdpSocket& each : sockets)
     {
         if (!each.IsOwn)
         {
@@ -87,8 +88,14 @@ SiteAgent::SiteAgent(const Settings& settings, MessageQueue& messages, Log& log)
     , log(log)
     , topics(settings.Site)
     , self{SiteState::StateKind::Ready, RandomName(), MachineName(), std::chrono::system_clock::now()}
+    , page(MakePage())
     , host(settings.Session, HandlersFor(messages, log))
-    , driver(host, messages, OptionsOfTable(settings), [&log](const std::string& text) { log.Warning(text); })
+    , driver(
+          host,
+          messages,
+          OptionsOfTable(settings),
+          [&log](const std::string& text) { log.Warning(text); },
+          [this](const DeviceMessage& message) { figures.Count(message); })
     , publisher(MakePublisher())
     , inventory(settings.Site, self.Agent, driver.Session(), *publisher, log)
 {
@@ -101,7 +108,18 @@ SiteAgent::SiteAgent(const Settings& settings, MessageQueue& messages, Log& log)
 
 SiteAgent::~SiteAgent() = default;
 
+std::unique_ptr<Page::PageServer> SiteAgent::MakePage() const
+{
+    return settings.HasPage() ? std::make_unique<Page::PageServer>(settings.Page) : nullptr;
+}
+
 std::unique_ptr<ISitePublisher> SiteAgent::MakePublisher()
+{
+    std::unique_ptr<ISitePublisher> world = MakeBrokerPublisher();
+    return page ? std::make_unique<PagePublisher>(settings.Site, *page, std::move(world)) : std::move(world);
+}
+
+std::unique_ptr<ISitePublisher> SiteAgent::MakeBrokerPublisher()
 {
     if (!settings.HasBroker)
     {
@@ -120,6 +138,10 @@ void SiteAgent::Run()
 {
     manager.TellReady();
     log.Info("site " + settings.Site + ": listening on UDP port " + std::to_string(ServerPort));
+    if (page)
+    {
+        log.Info("the page is served on " + page->Url());
+    }
     LookAround(driver.Now());
     StartSearch();
     for (bool goesOn = true; goesOn;)
@@ -133,8 +155,7 @@ void SiteAgent::Run()
         }
         if (now >= nextReport)
         {
-            manager.TellStatus(StatusText());
-            manager.FeedWatchdog();
+            Report(now);
             nextReport = now + manager.ReportInterval();
         }
         const Time next = std::min({nextLook, nextReport, publisher->NextTime(now)});
@@ -197,7 +218,9 @@ void SiteAgent::TakeEvents()
 void SiteAgent::LookAround(Time now)
 {
     nextLook = now + LookInterval;
-    const std::string holder = PortHolder();
+    const std::vector<UdpSocket> sockets = UdpSockets::OnPort(ServerPort);
+    figures.SetSockets(sockets);
+    const std::string holder = PortHolder(sockets);
     if (holder != portHolder)
     {
         log.Warning(holder.empty() ? "the port is this agent's alone again"
@@ -223,11 +246,36 @@ void SiteAgent::LookAround(Time now)
     inventory.RemoveOverdue(std::chrono::system_clock::now());
 }
 
+void SiteAgent::Report(Time now)
+{
+    manager.TellStatus(StatusText());
+    manager.FeedWatchdog();
+    if (!page)
+    {
+        return;
+    }
+    figures.LostMessages = messages.Lost();
+    figures.LostByBroker = knownLost;
+    figures.LastRound = driver.LastRound();
+    const ISitePublisher::PublisherStatus world = publisher->Status();
+    page->Update([&](Page::PageModel& model) {
+        model.SetSite(settings.Site, self.KindName(), world.Text + PortText());
+        model.SetMetrics(figures.Metrics(connection ? std::optional(world) : std::nullopt, now));
+        model.SetHealth(figures.IsPortBound ? "" : "UDP port " + std::to_string(ServerPort) + " is not bound",
+                        std::chrono::steady_clock::now());
+    });
+}
+
+std::string SiteAgent::PortText() const
+{
+    return portHolder.empty() ? "" : "; port shared with " + portHolder;
+}
+
 std::string SiteAgent::StatusText() const
 {
     const SiteInventory::Counts counts = inventory.Count();
     return "site " + settings.Site + ": " + std::to_string(counts.Devices) + " devices, " +
-           std::to_string(counts.Away) + " of them gone; " + publisher->Status().Text +
-           (portHolder.empty() ? "" : "; port shared with " + portHolder);
+           std::to_string(counts.Away) + " of them gone; " + publisher->Status().Text + PortText() +
+           (page ? "; page on " + page->Url() : "");
 }
 } // namespace Zent::Discovery::Agent

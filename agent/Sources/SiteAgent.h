@@ -1,10 +1,12 @@
 #pragma once
 
+#include "AgentFigures.h"
 #include "AuditLog.h"
 #include "Broker/BrokerConnection.h"
 #include "BrokerPublisher.h"
 #include "CommandDesk.h"
 #include "Log.h"
+#include "Page/PageServer.h"
 #include "Programs/HostSession.h"
 #include "Programs/MessageQueue.h"
 #include "Programs/SessionDriver.h"
@@ -23,7 +25,7 @@ class SiteAgent final : private ISitePublisher::IListener
 public:
     /// All must outlive the object. Starts the library.
     /// @throws std::runtime_error and Programs::WrongArgument as HostSession does, and when files for TLS or the log of
-    /// commands cannot be used.
+    /// commands cannot be used, or the page cannot be served.
     SiteAgent(const Settings& settings, Programs::MessageQueue& messages, Log& log);
     ~SiteAgent() override;
 
@@ -37,10 +39,14 @@ private:
     void TakeCommand(const Fleet::CommandMessage& message) override;
     void TakeUnclaimed(const std::string& id, const std::optional<Fleet::DeviceRecord>& record) override;
 
+    std::unique_ptr<Page::PageServer> MakePage() const;
     std::unique_ptr<ISitePublisher> MakePublisher();
+    std::unique_ptr<ISitePublisher> MakeBrokerPublisher();
     void StartSearch();
     void TakeEvents();
     void LookAround(Inventory::Time now);
+    void Report(Inventory::Time now);
+    std::string PortText() const;
     std::string StatusText() const;
 
     const Settings& settings;
@@ -49,6 +55,8 @@ private:
     const Fleet::SiteTopics topics;
     const Fleet::SiteState self;
     ServiceManager manager;
+    const std::unique_ptr<Page::PageServer> page; // null without one
+    AgentFigures figures;
     Programs::HostSession host;
     Programs::SessionDriver driver;
     std::unique_ptr<Broker::BrokerConnection> connection; // null without a broker

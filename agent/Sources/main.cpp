@@ -10,10 +10,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <string>
 
 using namespace Zent::Discovery::Agent;
@@ -37,6 +39,7 @@ struct Options
     std::string Config;
     std::string Site;
     std::string Library;
+    std::optional<std::uint16_t> PagePort;
     bool ChecksOnly = false;
 
     void AddTo(CLI::App& program)
@@ -44,6 +47,7 @@ struct Options
         program.add_option("--config", Config, "the file of settings; all of them have defaults")->type_name("FILE");
         program.add_flag("--check-config", ChecksOnly, "say whether the settings are right, and end");
         program.add_option("--site", Site, "the site's name; this machine's without it")->type_name("NAME");
+        program.add_option("--page-port", PagePort, "where the page is served; 0 for none")->type_name("NUMBER");
         program.add_option("--library", Library, "the library to load")->type_name("FILE");
         program.set_version_flag("--version",
                                  std::string("discovery-agent ") + Zent::Discovery::Programs::ProgramVersion);
@@ -58,6 +62,7 @@ struct Options
         }
         settings.Site = Site.empty() ? settings.Site : Site;
         settings.Session.Library = Library.empty() ? settings.Session.Library : Library;
+        settings.Page.Port = PagePort.value_or(settings.Page.Port);
         settings.Check();
         return settings;
     }

@@ -103,6 +103,7 @@ bool SessionDriver::TryToCarryOut(const Wish& wish)
         {
         case Wish::WishKind::AskAll:
             host.Requests().Discover();
+            lastRound = Now();
             break;
         case Wish::WishKind::AskMAC:
             host.Requests().RefreshClient(wish.Address);

@@ -13,6 +13,8 @@ import subprocess
 import unittest
 from fnmatch import fnmatch
 
+import yaml
+
 import blocks
 import endtoend
 import expectation
@@ -44,6 +46,7 @@ def help_texts():
         help_text([str(setting("bin") / "discovery-console")]),
         output_of([str(setting("bin") / "device-simulator")]),
         output_of([str(setting("bin") / "discovery-fleet")]),
+        output_of([str(setting("bin") / "discovery-agent")]),
         output_of([str(setting("source") / "test")]),
     ])  # fmt: skip
 
@@ -194,6 +197,13 @@ class DocumentTest(TestCase):
         """Settings of an agent; the files that they name are elsewhere."""
         self.save(block.text, self.tree.folder / "agent.toml")
         self.run_commands("discovery-agent --check-config --config agent.toml", None)
+
+    def rule_yaml(self, block, _):
+        """How to watch over an agent, at the port that its settings name."""
+        (job,) = yaml.safe_load(block.text)["scrape_configs"]
+        usual = re.search(r"(?m)^# port = (\d+) +# 0:", (setting("source") / "agent/service/agent.toml").read_text())[1]
+        (target,) = job["static_configs"][0]["targets"]
+        self.assertEqual(target.rpartition(":")[2], usual)
 
     def rule_console(self, block, _):
         """Commands after "$ " with their output."""

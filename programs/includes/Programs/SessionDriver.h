@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -39,6 +40,9 @@ public:
     /// Since the driver was made.
     Inventory::Time Now() const;
 
+    /// When all devices were asked last; nothing before.
+    const std::optional<Inventory::Time>& LastRound() const { return lastRound; }
+
     /// Waits for messages, for that time at most, and lets the session go on. False once the user has interrupted.
     bool Run(std::chrono::milliseconds longest);
 
@@ -70,5 +74,6 @@ private:
     SystemAnswers systemAnswers;
     std::function<void(std::int64_t change)> onRequest;
     std::size_t knownLoss = 0;
+    std::optional<Inventory::Time> lastRound;
 };
 } // namespace Zent::Discovery::Programs
