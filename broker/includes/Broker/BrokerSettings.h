@@ -24,7 +24,7 @@ struct BrokerSettings
     std::string KeyFile = {};
 
     std::chrono::seconds KeepAlive{20};            // and half as long again, until the broker takes it for lost
-    std::chrono::milliseconds LongestRetry{60000}; // from one attempt to connect to the next, chosen by chance
+    std::chrono::milliseconds LongestRetry{30000}; // from one attempt to connect to the next, chosen by chance
     std::optional<Publication> Will = {};          // what the broker publishes when the connection breaks
 };
 } // namespace Zent::Discovery::Broker
