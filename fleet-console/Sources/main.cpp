@@ -4,6 +4,7 @@
 #include "Programs/Process.h"
 #include "Programs/ProgramVersion.h"
 #include "Programs/WrongArgument.h"
+#include "ServeCommand.h"
 #include "Show/Output.h"
 #include "SitesCommand.h"
 #include "Terminal/HostPlatform.h"
@@ -45,7 +46,8 @@ public:
         App.add_option("--site", Sites, "this site alone; may be repeated")->type_name("NAME")->allow_extra_args(false);
         auto* const json = App.add_flag("--json", Json, "one JSON document per line");
         App.add_flag("--csv", Csv, "comma-separated values")->excludes(json);
-        for (ICommand* command : {static_cast<ICommand*>(&sites), static_cast<ICommand*>(&devices)})
+        for (ICommand* command :
+             {static_cast<ICommand*>(&sites), static_cast<ICommand*>(&devices), static_cast<ICommand*>(&serve)})
         {
             CLI::App& added = command->AddTo(App);
             added.fallthrough();
@@ -71,6 +73,7 @@ public:
 private:
     SitesCommand sites;
     DevicesCommand devices;
+    ServeCommand serve;
 };
 
 ExitStatus Run(const CommandLine& line)

@@ -45,7 +45,7 @@ def help_texts():
     return "".join([
         help_text([str(setting("bin") / "discovery-console")]),
         output_of([str(setting("bin") / "device-simulator")]),
-        output_of([str(setting("bin") / "discovery-fleet")]),
+        help_text([str(setting("bin") / "discovery-fleet")]),
         output_of([str(setting("bin") / "discovery-agent")]),
         output_of([str(setting("source") / "test")]),
     ])  # fmt: skip
@@ -204,6 +204,12 @@ class DocumentTest(TestCase):
         usual = re.search(r"(?m)^# port = (\d+) +# 0:", (setting("source") / "agent/service/agent.toml").read_text())[1]
         (target,) = job["static_configs"][0]["targets"]
         self.assertEqual(target.rpartition(":")[2], usual)
+
+    def rule_ini(self, block, _):
+        """A unit of the service manager, with no more rights than it needs."""
+        unit = self.tree.folder / "shown.service"
+        self.save(block.text, unit)
+        self.run_commands(f"systemd-analyze security --offline=true --threshold=20 {unit}", None)
 
     def rule_console(self, block, _):
         """Commands after "$ " with their output."""

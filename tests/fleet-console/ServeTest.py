@@ -1,0 +1,123 @@
+"""The page for all sites with a real broker, an agent, and a viewer."""
+
+import json
+import pathlib
+import queue
+import sys
+import threading
+import urllib.error
+import urllib.request
+
+sys.path[:0] = [str(pathlib.Path(__file__).parent.parent / folder) for folder in ("endtoend", "agent")]
+
+import endtoend  # noqa: E402
+from AgentTest import ANYBODY, SETTINGS  # noqa: E402
+from brokers import PORT, Agent, Broker  # noqa: E402
+from endtoend import TIMEOUT, Process, Simulator, command, wait_until  # noqa: E402
+from FleetTest import Publisher, site  # noqa: E402
+
+
+class Page(Process):
+    """A page that is served, and what its viewers see."""
+
+    def __init__(self):
+        super().__init__(*command("discovery-fleet", "--broker", f"127.0.0.1:{PORT}", "serve", "--page-port", "0"))
+        self.url = self.line_with("the page is served on ").rpartition(" ")[2]
+
+    def get(self, path):
+        with urllib.request.urlopen(self.url + path, timeout=TIMEOUT) as answer:
+            return answer.read().decode()
+
+    def sites(self):
+        """State and text by name."""
+        return {each["Site"]: (each["State"], each["Text"]) for each in json.loads(self.get("devices.json"))["Sites"]}
+
+    def states(self, name):
+        """Of the devices of a site, by id."""
+        devices = json.loads(self.get("devices.json"))["Devices"]
+        return {each["Device"]: each["State"] for each in devices if each["Site"] == name}
+
+    def has(self, name, count, state):
+        states = self.states(name)
+        return len(states) == count and set(states.values()) == {state}
+
+    def __exit__(self, *arguments):
+        self.process.terminate()
+        super().__exit__(*arguments)
+
+
+class Viewer:
+    """Takes the events from now on: kinds with their data."""
+
+    def __init__(self, page):
+        after = json.loads(page.get("devices.json"))["Event"]
+        self.answer = urllib.request.urlopen(page.url + "events?after=" + after, timeout=TIMEOUT)
+        self.events = queue.Queue()
+        threading.Thread(target=self._read, daemon=True).start()  # until the page is served no more
+
+    def _read(self):
+        kind = None
+        with self.answer:
+            for line in self.answer:
+                name, _, value = line.decode().strip().partition(": ")
+                kind = value if name == "event" else kind
+                if name == "data":
+                    self.events.put((kind, json.loads(value)))
+
+    def await_event(self, kind, **members):
+        """Skips events up to one of that kind with these members."""
+        while True:
+            found, data = self.events.get(timeout=TIMEOUT)
+            if found == kind and members.items() <= data.items():
+                return
+
+
+class ServeTest(endtoend.TestCase):
+    def agent(self):
+        return self.enterContext(Agent(self.folder, SETTINGS))
+
+    def test_the_page_shows_all_sites_and_stays_right_whatever_happens(self):
+        with Broker(self.folder, ANYBODY, limit=None):
+            with Publisher() as publisher:
+                publisher.retain({**site("big", 3000), **site("cut", 20, published=12), **site("away", 2, "lost")})
+            simulator = self.enterContext(Simulator("--count", "5"))
+            agent = self.agent()
+            page = self.enterContext(Page())
+            wait_until(lambda: page.has("plant-1", 5, "present") and page.has("big", 3000, "present"), "whole sites")
+            page.line_with("site cut: 12 of 20 received")
+            self.assertTrue(page.has("cut", 12, "present") and page.has("away", 2, "unknown"))
+            self.assertEqual(page.sites(), {"big": ("ready", ""), "cut": ("ready", "12 of 20 received"),
+                                            "away": ("lost", ""), "plant-1": ("ready", "")})  # fmt: skip
+            self.assertIn("discovery_sites_incomplete 1\n", page.get("metrics"))
+            self.assertIn("discovery_broker_connected 1\n", page.get("metrics"))
+
+            viewer = Viewer(page)
+            device = {"Site": "plant-1", "Device": simulator.devices[0].mac.lower().replace(":", "-")}
+            simulator.behave("kill 1")
+            viewer.await_event("device", **device, State="gone")
+            simulator.behave("revive 1")
+            viewer.await_event("device", **device, State="present")
+            agent.kill()
+            viewer.await_event("site", Site="plant-1", State="lost", Text="")
+            viewer.await_event("device", **device, State="unknown")
+            self.agent()
+            viewer.await_event("site", Site="plant-1", State="ready", Text="")
+            with Publisher() as publisher:
+                publisher.retain(dict.fromkeys(site("cut", 20), ""))
+            viewer.await_event("removed-site", Site="cut")
+
+        page.line_with("no connection to the broker: ")
+        viewer.await_event("site", Site="plant-1", State="unknown", Text="no connection to the broker")
+        with self.assertRaises(urllib.error.HTTPError):
+            page.get("healthz")
+        self.enterContext(Broker(self.folder, ANYBODY, limit=None))  # with nothing of what it had
+        viewer.await_event("site", Site="plant-1", State="ready", Text="")
+        page.line_with("site big: no manifest")
+        self.assertTrue(page.has("plant-1", 5, "present") and page.has("big", 3000, "unknown"))
+        page.get("healthz")
+        page.interrupt()
+        self.assertEqual(page.wait(), 0)
+
+
+if __name__ == "__main__":
+    endtoend.main()
