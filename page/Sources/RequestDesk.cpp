@@ -20,7 +20,8 @@ Answer FileAnswer(unsigned status, const Assets::Asset& asset)
 /// The file of a path; null when there is none.
 const Assets::Asset* FileAt(std::string_view path)
 {
-    const Assets::Asset* const file = Assets::Find(path == "/" ? "index.html" : path.substr(1));
+    const std::string_view name = path.starts_with('/') ? path.substr(1) : "";
+    const Assets::Asset* const file = Assets::Find(path == "/" ? "index.html" : name);
     const bool isPage = file != nullptr && std::string_view(file->Name).ends_with(".html");
     return isPage && path != "/" ? nullptr : file;
 }
