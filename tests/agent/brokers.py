@@ -5,12 +5,37 @@ import pathlib
 import queue
 import re
 import socket
+import struct
 import subprocess
 import threading
 
 from endtoend import TIMEOUT, Process, command, library_path, wait_until
 
 PORT = 18830
+
+
+def settings_of(site="plant-1", host="127.0.0.1", address="127.0.0.1"):
+    """Those of the agent of a site, who reaches the broker at the host, and its devices from the address."""
+    return f"""
+site = "{site}"
+[discovery]
+addresses = ["{address}"]
+ask-every = 1
+[broker]
+host = "{host}"
+longest-retry = 1
+port = {PORT}
+"""
+
+
+SETTINGS = settings_of()
+
+ANYBODY = "allow_anonymous true"
+
+
+def identity(device):
+    """What a simulated device is called on the broker."""
+    return device.mac.lower().replace(":", "-")
 
 
 def certificates(folder):
@@ -46,6 +71,55 @@ class Broker(Process):
     def __exit__(self, *_):
         self.process.kill()
         self.end()
+
+
+class RawClient:
+    """A connection to the broker that is nothing but a socket."""
+
+    def __init__(self, **options):
+        self.socket = socket.socket()
+        for name, value in options.items():
+            self.socket.setsockopt(socket.SOL_SOCKET, getattr(socket, name), value)
+        self.socket.connect(("127.0.0.1", PORT))
+        self.send(0x10, b"\0\4MQTT\4\2\0\0\0\0")
+        self.await_answer(4)
+
+    def send(self, kind, body):
+        size, length = len(body), b""
+        while True:
+            size, digit = divmod(size, 128)
+            length += bytes([digit | 128 if size else digit])
+            if not size:
+                break
+        self.socket.sendall(bytes([kind]) + length + body)
+
+    def await_answer(self, size):
+        if len(self.socket.recv(size, socket.MSG_WAITALL)) < size:
+            raise AssertionError("the broker has closed the connection")
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.socket.close()
+
+
+class Publisher(RawClient):
+    """Retains texts by topic, thousands in a moment."""
+
+    def retain(self, texts):
+        """As agents do, acknowledged; what is not is delivered in other ways. Returns once the broker has them."""
+        for number, (topic, text) in enumerate(texts.items(), 1):
+            self.send(0x33, struct.pack(">H", len(topic)) + topic.encode() + struct.pack(">H", number) + text.encode())
+        self.await_answer(4 * len(texts))
+
+
+class IdleReader(RawClient):
+    """Subscribes to everything, and takes nothing of it."""
+
+    def __init__(self):
+        super().__init__(SO_RCVBUF=1)
+        self.send(0x82, b"\0\1\0\1#\1")
 
 
 class Topics(Process):
@@ -99,6 +173,21 @@ class Topics(Process):
         """Whether the manifest tells of so many devices, and each of them is there in that revision."""
         revisions = {name: record["Revision"] for name, record in self.devices().items()}
         return len(revisions) == count and self.manifest() == revisions
+
+    def await_truth(self, devices, away=()):
+        """Waits until the site is ready and whole, and has the records of just these devices, as they are. Those that are
+        away are gone."""
+        truth = {identity(each): (each.name, each.ip, "gone" if each in away else "present") for each in devices}
+
+        def shown(record):
+            return record["Host"]["HostName"], record["Host"]["NICs"][0]["IPAddress"], record["State"]
+
+        wait_until(
+            lambda: self.is_whole(len(truth))
+            and self.state() == "ready"
+            and {name: shown(record) for name, record in self.devices().items()} == truth,
+            "the devices that there are",
+        )
 
     def forget(self):
         """Forgets the messages so far, not what the topics hold."""

@@ -4,15 +4,13 @@ import csv
 import io
 import json
 import pathlib
-import socket
-import struct
 import subprocess
 import sys
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent.parent / folder) for folder in ("endtoend", "agent")]
 
 import endtoend  # noqa: E402
-from brokers import PORT, Broker, certificates  # noqa: E402
+from brokers import PORT, Broker, Publisher, certificates  # noqa: E402
 from endtoend import command, rows  # noqa: E402
 
 TIME = "2026-03-01T12:30:00.250Z"
@@ -34,40 +32,6 @@ def site(name, count, state="ready", published=None):
         host = {"HostName": f"press-{number}", "DeviceType": "T", "NICs": [nic], "Products": []}
         documents["devices/" + identity] = {"Revision": "r", "Since": TIME, "State": "present", "Host": host}
     return {root + topic: json.dumps(document) for topic, document in documents.items()}
-
-
-class Publisher:
-    """Retains texts by topic, thousands in a moment."""
-
-    def __init__(self):
-        self.socket = socket.create_connection(("127.0.0.1", PORT))
-        self.send(0x10, b"\0\4MQTT\4\2\0\0\0\0")
-        self.await_answer(4)
-
-    def send(self, kind, body):
-        size, length = len(body), b""
-        while True:
-            size, digit = divmod(size, 128)
-            length += bytes([digit | 128 if size else digit])
-            if not size:
-                break
-        self.socket.sendall(bytes([kind]) + length + body)
-
-    def await_answer(self, size):
-        if len(self.socket.recv(size, socket.MSG_WAITALL)) < size:
-            raise AssertionError("the broker has closed the connection")
-
-    def retain(self, texts):
-        """As agents do, acknowledged; what is not is delivered in other ways. Returns once the broker has them."""
-        for number, (topic, text) in enumerate(texts.items(), 1):
-            self.send(0x33, struct.pack(">H", len(topic)) + topic.encode() + struct.pack(">H", number) + text.encode())
-        self.await_answer(4 * len(texts))
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.socket.close()
 
 
 class FleetTest(endtoend.TestCase):

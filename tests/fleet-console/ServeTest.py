@@ -11,10 +11,9 @@ import urllib.request
 sys.path[:0] = [str(pathlib.Path(__file__).parent.parent / folder) for folder in ("endtoend", "agent")]
 
 import endtoend  # noqa: E402
-from AgentTest import ANYBODY, SETTINGS  # noqa: E402
-from brokers import PORT, Agent, Broker  # noqa: E402
+from brokers import ANYBODY, PORT, SETTINGS, Agent, Broker, Publisher  # noqa: E402
 from endtoend import TIMEOUT, Process, Simulator, command, wait_until  # noqa: E402
-from FleetTest import Publisher, site  # noqa: E402
+from FleetTest import site  # noqa: E402
 
 
 class Page(Process):
