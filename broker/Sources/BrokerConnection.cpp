@@ -13,7 +13,9 @@ namespace Zent::Discovery::Broker
 {
 namespace
 {
-constexpr std::chrono::milliseconds FirstRetry{1000};
+/// Long enough for 10,000 clients: a broker takes some thousand in a second, and what the system cannot queue for it
+/// meanwhile comes back ever more rarely, up to half a minute later.
+constexpr std::chrono::milliseconds FirstRetry{5000};
 
 /// How long a broker may take to accept a connection.
 constexpr std::chrono::seconds AcceptTime{20};
