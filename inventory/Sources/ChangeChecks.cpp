@@ -5,8 +5,11 @@
 #include "Inventory/Network.h"
 #include "JsonText.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <bit>
+#include <tuple>
 #include <utility>
 
 namespace Zent::Discovery::Inventory
@@ -15,6 +18,19 @@ namespace
 {
 using Code = ChangeRefusal::RefusalCode;
 using Refusal = std::optional<ChangeRefusal>;
+
+bool IsUtf8(const std::string& text)
+{
+    try
+    {
+        std::ignore = nlohmann::json(text).dump();
+        return true;
+    }
+    catch (const nlohmann::json::type_error&)
+    {
+        return false;
+    }
+}
 
 /// In UTF-8, whose control characters from U+0080 on have two bytes.
 bool HasControl(const std::string& text)
@@ -34,6 +50,10 @@ bool IsSameName(const std::string& left, const std::string& right)
 
 Refusal CheckName(const std::string& name)
 {
+    if (!IsUtf8(name))
+    {
+        return ChangeRefusal{Code::BadName, "the name is not UTF-8"};
+    }
     if (HasControl(name))
     {
         return ChangeRefusal{Code::BadName, "the name has a control character in it"};

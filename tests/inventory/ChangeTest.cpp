@@ -202,6 +202,7 @@ TEST_F(ChangeTest, WhatCannotBeRightIsNotSent)
                  {ChangeRequest::Rename(MAC, "  "), "bad-name"},
                  {ChangeRequest::Rename(MAC, controls), "bad-name"},
                  {ChangeRequest::Rename(MAC, "press\xC2\x85"), "bad-name"}, // a line end of other systems
+                 {ChangeRequest::Rename(MAC, "press\xFC"), "bad-name"},     // in another encoding
                  {ChangeRequest::Rename(MAC, std::string(256, 'a')), "bad-name"},
                  {Settings("10.0.0.7", "0.255.0.0"), "bad-mask"},
                  {Settings("10.0.0.7", "0.0.0.0"), "bad-mask"},

@@ -87,10 +87,10 @@
  *         no-answer      it does not answer
  *         not-sent       something was wrong: "Code" and "Text", a sentence for people, say what in place of "Seconds"
  *
- *     Code is bad-name (empty, only blanks, with control characters or over 255 bytes), name-read-only (the device says
- *     so), unknown-device (it has not answered), name-taken, bad-mask, bad-address (of a network, broadcast, multicast,
- *     loopback), gateway-outside (of the interface's network), address-taken, no-route (to the IP address of a device)
- *     or send-failed (the library took no request in time).
+ *     Code is bad-name (empty, only blanks, with control characters, no UTF-8 or over 255 bytes), name-read-only (the
+ *     device says so), unknown-device (it has not answered), name-taken, bad-mask, bad-address (of a network,
+ *     broadcast, multicast, loopback), gateway-outside (of the interface's network), address-taken, no-route (to the IP
+ *     address of a device) or send-failed (the library took no request in time).
  *
  * @par Text
  *     All text is 8-bit and ends with NUL. Options are JSON; unknown members are refused. Text from a device is passed

@@ -13,7 +13,7 @@ struct ChangeRefusal
 {
     enum class RefusalCode
     {
-        BadName,        // empty or only blanks, with control characters, or too long
+        BadName,        // empty or only blanks, with control characters, no UTF-8, or too long
         NameReadOnly,   // the device does not let its name be changed
         UnknownDevice,  // the device has not answered
         NameTaken,      // another device has the name, or another change gives it
