@@ -239,9 +239,10 @@ class RequestTest(TestCase):
         self.assertEqual(documents[0]["Host"]["HostName"], device.name)
         self.assertIn(configuration, documents[0]["Host"]["NICs"])
 
-    def test_configure_names_a_file_that_it_cannot_read(self):
-        _, errors = self.console("configure", str(self.folder), status=1)
-        self.assertIn(f"cannot read {self.folder}", errors)
+    def test_a_file_that_cannot_be_read_is_named(self):
+        for reading in (["configure"], ["site", "diff"]):
+            _, errors = self.console(*reading, str(self.folder), status=2)
+            self.assertRegex(errors, rf"cannot read {self.folder}: .* \(bad-file\)")
         file = self.folder / "nics.json"
         for content, place in (
             ("text", ": line 1, column 1: no JSON object"),

@@ -75,12 +75,11 @@ ChangeRequest RequestOf(const JsonFile::Object& object)
 
 std::vector<JsonFile::Object> ObjectsOf(const std::string& file)
 {
-    const std::string text = TextFile::Read(file);
     try
     {
-        return JsonFile::Read(text, TextFile::NameOf(file));
+        return JsonFile::Read(TextFile::Read(file), TextFile::NameOf(file));
     }
-    catch (const WrongArgument& error)
+    catch (const std::runtime_error& error)
     {
         throw WrongArgument(std::string(error.what()) + " (bad-file)");
     }

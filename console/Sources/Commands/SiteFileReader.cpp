@@ -3,7 +3,7 @@
 #include "Programs/WrongArgument.h"
 #include "Text/TextFile.h"
 
-#include <stdexcept>
+#include <exception>
 #include <string>
 
 using Zent::Discovery::Inventory::SiteFile;
@@ -12,12 +12,11 @@ namespace Zent::Discovery::Console
 {
 SiteFile SiteFileReader::Read(const std::string& path)
 {
-    const std::string text = TextFile::Read(path);
     try
     {
-        return SiteFile::Parse(text, TextFile::NameOf(path));
+        return SiteFile::Parse(TextFile::Read(path), TextFile::NameOf(path));
     }
-    catch (const std::invalid_argument& error)
+    catch (const std::exception& error) // the file cannot be read, or holds something else
     {
         throw Programs::WrongArgument(std::string(error.what()) + " (bad-file)");
     }

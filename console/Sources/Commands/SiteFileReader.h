@@ -13,8 +13,7 @@ public:
     SiteFileReader() = delete;
 
     /// path is UTF-8, or stands for standard input.
-    /// @throws std::runtime_error when the file cannot be read, WrongArgument that names the place when it holds
-    /// something else.
+    /// @throws WrongArgument when the file cannot be read, and when it holds something else, with the place.
     static Inventory::SiteFile Read(const std::string& path);
 };
 } // namespace Zent::Discovery::Console
