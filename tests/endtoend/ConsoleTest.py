@@ -200,7 +200,7 @@ class RequestTest(TestCase):
     def test_refresh_shows_the_device_that_owns_the_address(self):
         with Simulator("--count", "3") as simulator:
             device = simulator.devices[1]
-            table, _ = self.console("refresh", device.mac.lower())
+            table, _ = self.console("refresh", device.mac.lower().replace(":", "-"))
             self.console("refresh", "02:00:00:00:00:99", "--wait", "0.5", status=3)
         self.assertEqual([row[0] for row in rows(table)], [device.name])
 
@@ -372,15 +372,15 @@ class InterfaceTest(TestCase):
             _, errors = self.console("discover", option, value, status=2)
             self.assertRegex(errors, rf'{option}: "{value}" is no .* of this machine; it has (127\.0\.0\.1|lo)')
 
+    def test_what_is_no_address_is_named(self):
+        self.assertIn('"not a MAC" is no MAC address', self.console("refresh", "not a MAC", status=2)[1])
+        self.assertIn('"10.0.0.300" is no IPv4 address', self.console("reach", "10.0.0.300", status=2)[1])
+
 
 class FailureTest(TestCase):
     def test_failures_show_code_and_text(self):
         code = INVALID_FORMAT % 2**32
-        for arguments in (
-            ["refresh", "not a MAC"],
-            ["discover", "--min-version", "one"],
-            ["discover", "--min-version", ""],
-        ):
+        for arguments in (["discover", "--min-version", "one"], ["discover", "--min-version", ""]):
             with self.subTest(arguments):
                 output, errors = self.console(*arguments, status=1)
                 self.assertEqual(output, "")

@@ -194,7 +194,7 @@ class LnavTest(TestCase):
     def test_the_log_opens_with_its_columns_and_levels(self):
         with Simulator("--count", "1"):
             self.console("discover", "--expect", "1")
-        self.console("refresh", "not a MAC", status=1)
+        self.console("discover", "--min-version", "one", status=1)
         self.lnav("-i", str(setting("source") / "tools" / "lnav" / "discovery.json"))
         rows = json.loads(
             self.lnav(

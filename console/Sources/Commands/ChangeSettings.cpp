@@ -2,13 +2,8 @@
 
 #include "Commands/ProgramOptions.h"
 #include "Commands/SharedOptions.h"
-#include "Inventory/ChangeRequest.h"
 
 #include <CLI/CLI.hpp>
-
-#include <stdexcept>
-
-using Zent::Discovery::Inventory::ChangeRequest;
 
 namespace Zent::Discovery::Console
 {
@@ -38,17 +33,7 @@ void ChangeSettings::AddWithLookTo(CLI::App& command)
 
 CLI::Option& ChangeSettings::AddMAC(CLI::App& command, std::string& target, const std::string& description)
 {
-    return *command.add_option("--mac", target, description)->type_name("MAC")->check([](const std::string& text) {
-        try
-        {
-            ChangeRequest::Rename(text, "any").Normal();
-            return std::string();
-        }
-        catch (const std::invalid_argument& error)
-        {
-            return std::string(error.what());
-        }
-    });
+    return *command.add_option("--mac", target, description)->type_name("MAC")->check(SharedOptions::MACAddress());
 }
 
 std::chrono::milliseconds ChangeSettings::TimeoutWith(const ProgramOptions& options) const

@@ -2,6 +2,7 @@
 
 #include "Commands/ChangeRun.h"
 #include "Commands/CommandContext.h"
+#include "Commands/SharedOptions.h"
 #include "Inventory/Network.h"
 
 #include <CLI/CLI.hpp>
@@ -14,12 +15,10 @@ namespace Zent::Discovery::Console
 {
 namespace
 {
-std::string WrongWithAddress(const std::string& text)
+/// Each of them would take the one name.
+std::string WrongWithAll(const std::string& address)
 {
-    const std::optional<IPv4> address = Network::ParseAddress(text);
-    return !address               ? '"' + text + "\" is no IPv4 address, such as 10.0.0.7"
-           : *address == ~IPv4{0} ? text + " is the address of all devices" // each would take the one name
-                                  : "";
+    return Network::ParseAddress(address) == ~IPv4{0} ? address + " is the address of all devices" : "";
 }
 } // namespace
 
@@ -30,7 +29,8 @@ CLI::App& RenameCommand::AddTo(CLI::App& parent)
     CLI::Option& mac = ChangeSettings::AddMAC(command, macAddress, "a MAC address of the device; or else its --ip");
     command.add_option("--ip", ipAddress, "the IP address of the device")
         ->type_name("IP")
-        ->check(&WrongWithAddress)
+        ->check(SharedOptions::IPAddress())
+        ->check(&WrongWithAll)
         ->excludes(&mac);
     settings.AddWithLookTo(command);
     command.parse_complete_callback([this] {

@@ -2,6 +2,7 @@
 
 #include "Commands/CommandContext.h"
 #include "Commands/DeviceReader.h"
+#include "Commands/SharedOptions.h"
 #include "Inventory/AddressText.h"
 #include "Show/Output.h"
 
@@ -47,7 +48,10 @@ ExitStatus RequestCommand::Await(CommandContext& context, const Condition& isFro
 CLI::App& RefreshCommand::AddTo(CLI::App& parent)
 {
     CLI::App& command = *parent.add_subcommand("refresh", "ask the device with a MAC address for its signature");
-    command.add_option("MAC", macAddress, "a MAC address of the device")->required()->type_name("");
+    command.add_option("MAC", macAddress, "a MAC address of the device")
+        ->required()
+        ->type_name("")
+        ->check(SharedOptions::MACAddress());
     return command;
 }
 
@@ -57,14 +61,17 @@ ExitStatus RefreshCommand::Run(CommandContext& context)
     {
         return ExitStatus::NoAnswer;
     }
-    context.Requests().RefreshClient(macAddress);
+    context.Requests().RefreshClient(AddressText::MAC(macAddress));
     return Await(context, OwnsMAC(macAddress));
 }
 
 CLI::App& ReachCommand::AddTo(CLI::App& parent)
 {
     CLI::App& command = *parent.add_subcommand("reach", "ask the device at an IP address for its signature");
-    command.add_option("IP", ipAddress, "the IP address of the device")->required()->type_name("");
+    command.add_option("IP", ipAddress, "the IP address of the device")
+        ->required()
+        ->type_name("")
+        ->check(SharedOptions::IPAddress());
     return command;
 }
 

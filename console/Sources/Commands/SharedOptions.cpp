@@ -1,12 +1,17 @@
 #include "Commands/SharedOptions.h"
 
+#include "Inventory/ChangeRequest.h"
+#include "Inventory/Network.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
 #include <stdexcept>
 #include <vector>
 
+using Zent::Discovery::Inventory::ChangeRequest;
 using Zent::Discovery::Inventory::DeviceSelection;
+using Zent::Discovery::Inventory::Network;
 
 namespace Zent::Discovery::Console
 {
@@ -57,6 +62,32 @@ CLI::Validator SharedOptions::Between(double minimum, double maximum, const std:
 CLI::Validator SharedOptions::Between(int minimum, int maximum, const std::string& unit)
 {
     return InRange(minimum, maximum, "whole number of " + unit);
+}
+
+CLI::Validator SharedOptions::MACAddress()
+{
+    return CLI::Validator(
+        [](const std::string& text) {
+            try
+            {
+                ChangeRequest::Rename(text, "any").Normal();
+                return std::string();
+            }
+            catch (const std::invalid_argument& error)
+            {
+                return std::string(error.what());
+            }
+        },
+        "");
+}
+
+CLI::Validator SharedOptions::IPAddress()
+{
+    return CLI::Validator(
+        [](const std::string& text) {
+            return Network::ParseAddress(text) ? std::string() : '"' + text + "\" is no IPv4 address, such as 10.0.0.7";
+        },
+        "");
 }
 
 void SharedOptions::AddSeconds(CLI::App& command,

@@ -27,6 +27,10 @@ public:
     /// The same for whole numbers.
     static CLI::Validator Between(int minimum, int maximum, const std::string& unit);
 
+    /// Refuse what is no address of that kind, and show one that is.
+    static CLI::Validator MACAddress();
+    static CLI::Validator IPAddress();
+
     /// A time of minimum to 86400 seconds.
     static void AddSeconds(CLI::App& command,
                            const std::string& name,
