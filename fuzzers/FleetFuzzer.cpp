@@ -1,8 +1,5 @@
 #include "Fleet/Command.h"
-#include "Fleet/DeviceRecord.h"
-#include "Fleet/Manifest.h"
-#include "Fleet/SiteEvent.h"
-#include "Fleet/SiteState.h"
+#include "Fleet/FleetReading.h"
 #include "support/FuzzTarget.h"
 #include "support/MemoryFaults.h"
 
@@ -45,6 +42,26 @@ void FuzzManifest(std::string_view input)
     }
 }
 
+/// Whatever the topics of a site hold, it has been read at some time.
+void FuzzReading(std::string_view input)
+{
+    ReadingListener nobody;
+    FleetReading reading({"a"}, SiteReading::ReadingScope::Events, nobody);
+    const SiteTopics topics("a");
+    const std::string device = topics.Device("02-00-00-00-00-01");
+    for (SiteReading::Time now{0}; !reading.IsOver(); now = reading.NextTime())
+    {
+        reading.Advance(now);
+        Fuzzing::Check(reading.Sites().front().Questions() <= FleetReading::MaximumQuestions, "questions are limited");
+        Fuzzing::Check(now < SiteReading::CheckInterval, "a reading comes to its end");
+        for (const std::string& topic :
+             {topics.State(), topics.Manifest(), topics.ManifestPart(1), device, topics.Events()})
+        {
+            reading.Take(topic, input, topic != topics.Events(), now);
+        }
+    }
+}
+
 void FuzzCommand(std::string_view input)
 {
     const SiteTopics topics("a");
@@ -71,6 +88,7 @@ void Fuzzing::Fuzz(std::string_view input)
     FuzzDocument<SiteEvent>(input);
     FuzzDocument<Verdict>(input);
     FuzzManifest(input);
+    FuzzReading(input);
     FuzzCommand(input);
     if (const std::optional<Topic> topic = Topic::Parse(input))
     {

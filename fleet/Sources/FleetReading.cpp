@@ -74,28 +74,22 @@ std::vector<ReadingRequest> FleetReading::Advance(Time now)
         Append(requests, site.Conclude(now));
     }
     Append(requests, Forget());
-    std::vector<SiteReading*> busy;
     std::size_t questions = 0;
     std::size_t streams = 0;
-    for (SiteReading& site : sites)
+    for (const SiteReading& site : sites)
     {
         questions += site.Questions();
         streams += site.IsStreaming() ? 1U : 0U;
-        if (site.IsBusy())
-        {
-            busy.push_back(&site);
-        }
     }
-    // Those that tell of much that is not there neither come first nor take all questions.
-    std::ranges::stable_sort(busy, {}, &SiteReading::Silences);
-    for (SiteReading* const site : busy)
+    for (SiteReading& site : sites)
     {
-        const std::size_t most = site->Silences() == 0 ? MaximumQuestions : MaximumQuestions / 2;
-        const std::size_t before = site->Questions();
-        const bool wasStreaming = site->IsStreaming();
-        Append(requests, site->Advance(now, {most - std::min(most, questions), streams < MaximumStreams}));
-        questions += site->Questions() - before;
-        streams += site->IsStreaming() && !wasStreaming ? 1U : 0U;
+        // Those that tell of much that is not there leave half of all questions to the others.
+        const std::size_t most = site.Silences() == 0 ? MaximumQuestions : MaximumQuestions / 2;
+        const std::size_t before = site.Questions();
+        const bool wasStreaming = site.IsStreaming();
+        Append(requests, site.Advance(now, {most - std::min(most, questions), streams < MaximumStreams}));
+        questions += site.Questions() - before;
+        streams += site.IsStreaming() && !wasStreaming ? 1U : 0U;
     }
     return requests;
 }

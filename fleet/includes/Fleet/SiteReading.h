@@ -95,7 +95,7 @@ public:
     /// Topics that were asked for and have not come.
     std::size_t Questions() const { return open.size(); }
 
-    /// How often nothing came: who is often silent has to let others go first.
+    /// How often questions got no answer since it was doubted.
     unsigned Silences() const { return silences; }
 
     /// Whether all records are coming.
