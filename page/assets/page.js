@@ -689,6 +689,11 @@ function moveAndOpenRows(table, details) {
             details.open(rowOf(target));
         }
     });
+    details.dialog.addEventListener("close", () => {
+        if (details.row.isRemoved) { // and cannot have the focus back
+            table.current?.button.focus();
+        }
+    });
     table.body.addEventListener("focusin", ({ target }) => table.rove(rowOf(target)));
     table.body.addEventListener("keydown", (event) => {
         if (Steps[event.key]) {
