@@ -1,20 +1,22 @@
 #include "BrokerOptions.h"
 
+#include "Commands/Arguments.h"
 #include "Programs/WrongArgument.h"
-
-#include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <fstream>
 #include <random>
 
 using Zent::Discovery::Broker::BrokerSettings;
+using Zent::Discovery::Console::Arguments;
 using Zent::Discovery::Programs::WrongArgument;
 
 namespace Zent::Discovery::FleetConsole
 {
 namespace
 {
+using Argument = Arguments::Argument;
+
 constexpr std::uint16_t TlsPort = 8883;
 
 std::uint16_t PortOf(const std::string& text)
@@ -43,19 +45,19 @@ std::string FirstLineOf(const std::string& path)
 
 void BrokerOptions::AddTo(CLI::App& program)
 {
-    program.add_option("--broker", broker, "the MQTT 5 broker; localhost without it")->type_name("HOST[:PORT]");
-    auto* const tls = program.add_flag("--tls", settings.UsesTls, "encrypt the connection; the port is 8883 then");
-    program.add_option("--authority", settings.AuthorityFile, "certificates that the broker's is checked against")
-        ->type_name("FILE")
-        ->needs(tls);
-    auto* const certificate = program.add_option("--certificate", settings.CertificateFile, "the user's certificate");
-    auto* const key = program.add_option("--key", settings.KeyFile, "the key of the certificate");
-    certificate->type_name("FILE")->needs(tls)->needs(key);
-    key->type_name("FILE")->needs(certificate);
-    auto* const user = program.add_option("--user", settings.User, "the user's name")->type_name("NAME");
-    program.add_option("--password-file", passwordFile, "a file whose first line is the user's password")
-        ->type_name("FILE")
-        ->needs(user);
+    Arguments arguments(program);
+    arguments.Add("--broker", "HOST[:PORT]", broker, "the MQTT 5 broker; localhost without it");
+    const Argument tls = arguments.AddFlag("--tls", settings.UsesTls, "encrypt the connection; the port is 8883 then");
+    arguments.Add("--authority", "FILE", settings.AuthorityFile, "certificates that the broker's is checked against")
+        .Needs(tls);
+    const Argument certificate =
+        arguments.Add("--certificate", "FILE", settings.CertificateFile, "the user's certificate");
+    const Argument key = arguments.Add("--key", "FILE", settings.KeyFile, "the key of the certificate");
+    certificate.Needs(tls).Needs(key);
+    key.Needs(certificate);
+    const Argument user = arguments.Add("--user", "NAME", settings.User, "the user's name");
+    arguments.Add("--password-file", "FILE", passwordFile, "a file whose first line is the user's password")
+        .Needs(user);
 }
 
 BrokerSettings BrokerOptions::Settings() const

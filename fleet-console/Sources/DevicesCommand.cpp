@@ -1,13 +1,13 @@
 #include "DevicesCommand.h"
 
 #include "BrokerReader.h"
+#include "Commands/Arguments.h"
 #include "Commands/SharedOptions.h"
 #include "Fleet/FleetRecords.h"
 #include "Show/DeviceCsv.h"
 #include "Show/Output.h"
 #include "SitesCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <chrono>
@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+using Zent::Discovery::Console::Arguments;
 using Zent::Discovery::Console::DeviceCsv;
 using Zent::Discovery::Console::DeviceTextTable;
 using Zent::Discovery::Console::Output;
@@ -127,9 +128,9 @@ void Show(const Rows& rows, const std::vector<const Device*>& devices, Output& o
 
 CLI::App& DevicesCommand::AddTo(CLI::App& program)
 {
-    CLI::App& command = *program.add_subcommand("devices", "show the devices of the sites");
-    SharedOptions::AddSelection(command, selection);
-    return command;
+    Arguments arguments(program, "devices", "show the devices of the sites");
+    SharedOptions::AddSelection(arguments, selection);
+    return arguments.Command();
 }
 
 ExitStatus DevicesCommand::Run(CommandContext& context)

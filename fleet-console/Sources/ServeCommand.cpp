@@ -1,12 +1,11 @@
 #include "ServeCommand.h"
 
 #include "Broker/BrokerConnection.h"
+#include "Commands/Arguments.h"
 #include "Fleet/FleetReading.h"
 #include "FleetPage.h"
 #include "Page/PageServer.h"
 #include "Show/Output.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <chrono>
@@ -141,9 +140,9 @@ private:
 
 CLI::App& ServeCommand::AddTo(CLI::App& program)
 {
-    CLI::App& command = *program.add_subcommand("serve", "show all sites on a page for browsers, until interrupted");
-    page.AddTo(command);
-    return command;
+    const Console::Arguments arguments(program, "serve", "show all sites on a page for browsers, until interrupted");
+    page.AddTo(arguments.Command());
+    return arguments.Command();
 }
 
 ExitStatus ServeCommand::Run(CommandContext& context)

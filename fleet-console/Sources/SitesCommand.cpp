@@ -1,12 +1,12 @@
 #include "SitesCommand.h"
 
 #include "BrokerReader.h"
+#include "Commands/Arguments.h"
 #include "Inventory/DeviceColumn.h"
 #include "Show/Output.h"
 #include "Text/TerminalText.h"
 #include "Text/TextTable.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <chrono>
@@ -77,7 +77,8 @@ void ShowTable(const FleetReading& reading, Output& output)
 
 CLI::App& SitesCommand::AddTo(CLI::App& program)
 {
-    return *program.add_subcommand("sites", "show the sites, their states and how many devices they have");
+    return Console::Arguments(program, "sites", "show the sites, their states and how many devices they have")
+        .Command();
 }
 
 ExitStatus SitesCommand::Run(CommandContext& context)

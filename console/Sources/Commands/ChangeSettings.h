@@ -1,14 +1,10 @@
 #pragma once
 
+#include "Commands/Arguments.h"
+
 #include <chrono>
 #include <optional>
 #include <string>
-
-namespace CLI
-{
-class App;
-class Option;
-} // namespace CLI
 
 namespace Zent::Discovery::Console
 {
@@ -18,13 +14,13 @@ struct ProgramOptions;
 struct ChangeSettings
 {
     /// Adds them to a command's; reading the command line fills them.
-    void AddTo(CLI::App& command);
+    void AddTo(Arguments& arguments);
 
     /// The same, and those about the search for devices before.
-    void AddWithLookTo(CLI::App& command);
+    void AddWithLookTo(Arguments& arguments);
 
     /// An option that is a MAC address, which the library's way and that of Windows may write.
-    static CLI::Option& AddMAC(CLI::App& command, std::string& target, const std::string& description);
+    static Arguments::Argument AddMAC(Arguments& arguments, std::string& target, const std::string& description);
 
     /// From a request to the verdict: the user's word, or else three seconds.
     std::chrono::milliseconds TimeoutWith(const ProgramOptions& options) const;

@@ -1,12 +1,10 @@
 #include "Commands/ConfigureCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
-#include "Commands/SharedOptions.h"
 #include "Programs/WrongArgument.h"
 #include "Text/JsonFile.h"
 #include "Text/TextFile.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cctype>
@@ -88,15 +86,15 @@ std::vector<JsonFile::Object> ObjectsOf(const std::string& file)
 
 CLI::App& ConfigureCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand(
-        "configure", "give network interfaces of devices new settings and see that they take them");
-    command.add_option("FILE", file, "a JSON array of interfaces")->required()->type_name("");
-    SharedOptions::AddSeconds(command, "--confirm", confirm,
-                              "take the settings back when a device does not show them, on Ctrl-C, and when nobody "
-                              "presses Enter in so many seconds; --yes confirms when all show them",
-                              1.0);
-    settings.AddWithLookTo(command);
-    return command;
+    Arguments arguments(parent, "configure",
+                        "give network interfaces of devices new settings and see that they take them");
+    arguments.AddPositional("FILE", file, "a JSON array of interfaces");
+    arguments.AddSeconds("--confirm", confirm,
+                         "take the settings back when a device does not show them, on Ctrl-C, and when nobody "
+                         "presses Enter in so many seconds; --yes confirms when all show them",
+                         1.0);
+    settings.AddWithLookTo(arguments);
+    return arguments.Command();
 }
 
 ExitStatus ConfigureCommand::Run(CommandContext& context)

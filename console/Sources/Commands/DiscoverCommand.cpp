@@ -1,6 +1,7 @@
 #include "Commands/DiscoverCommand.h"
 
 #include "Commands/AddressList.h"
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
 #include "Commands/DifferenceReport.h"
 #include "Commands/InventoryReader.h"
@@ -10,8 +11,6 @@
 #include "Programs/SessionDriver.h"
 #include "Show/Output.h"
 #include "Text/TextFile.h"
-
-#include <CLI/CLI.hpp>
 
 #include <chrono>
 #include <exception>
@@ -35,38 +34,22 @@ constexpr std::chrono::seconds AskEvery{2}; // for those who are still expected
 
 CLI::App& DiscoverCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("discover", "find all devices, and tell whether they are all");
-    command.add_flag("--once", once, "ask a single time and show who answers within --wait, 2 seconds without it");
-    command.add_option("--expect", expectedDevices, "stop when so many devices have answered")
-        ->type_name("COUNT")
-        ->check(SharedOptions::Between(1, 100000, "devices"));
-    command.add_flag("--no-sweep", noSweep, "never ask the addresses of the local networks one by one");
-    command
-        .add_option_function<std::vector<std::string>>(
-            "--also",
-            [this](const std::vector<std::string>& texts) {
-                try
-                {
-                    for (const std::string& text : texts)
-                    {
-                        const std::vector<Inventory::Network> list = AddressList::Parse(text);
-                        also.insert(also.end(), list.begin(), list.end());
-                    }
-                    Inventory::Search::Check({.Also = also});
-                }
-                catch (const std::exception& error)
-                {
-                    throw CLI::ValidationError("--also", error.what());
-                }
-            },
-            "ask these addresses one by one, too, such as those behind routers; may be repeated")
-        ->type_name("IP[/PREFIX],@FILE")
-        ->allow_extra_args(false);
-    command.add_option("--summary", summaryFile, "write what the search has come to as JSON")->type_name("FILE");
-    command.add_option("--since", sinceFile, "mark what is new, changed and missing since that result was saved")
-        ->type_name("FILE");
-    SharedOptions::AddSelection(command, selection);
-    return command;
+    Arguments arguments(parent, "discover", "find all devices, and tell whether they are all");
+    arguments.AddFlag("--once", once, "ask a single time and show who answers within --wait, 2 seconds without it");
+    arguments.AddCount("--expect", expectedDevices, "stop when so many devices have answered", 1, 100000, "devices");
+    arguments.AddFlag("--no-sweep", noSweep, "never ask the addresses of the local networks one by one");
+    arguments.AddRepeated(
+        "--also", "IP[/PREFIX],@FILE",
+        [this](const std::string& text) {
+            const std::vector<Inventory::Network> list = AddressList::Parse(text);
+            also.insert(also.end(), list.begin(), list.end());
+            Inventory::Search::Check({.Also = also});
+        },
+        "ask these addresses one by one, too, such as those behind routers; may be repeated");
+    arguments.Add("--summary", "FILE", summaryFile, "write what the search has come to as JSON");
+    arguments.Add("--since", "FILE", sinceFile, "mark what is new, changed and missing since that result was saved");
+    SharedOptions::AddSelection(arguments, selection);
+    return arguments.Command();
 }
 
 ExitStatus DiscoverCommand::Run(CommandContext& context)

@@ -1,16 +1,16 @@
 #include "Commands/ErrorCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
 #include "DiscoverySession.h"
 #include "Json/JSONStringer.h"
 #include "Show/Output.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 #include <string_view>
 
 using Zent::Discovery::Programs::HostSession;
@@ -76,7 +76,7 @@ int ReadCode(const std::string& text)
     if (error != std::errc() || stop != end || value < std::numeric_limits<std::int32_t>::min() ||
         value > std::numeric_limits<std::uint32_t>::max())
     {
-        throw CLI::ValidationError("CODE", text + " is not a result code");
+        throw std::invalid_argument(text + " is not a result code");
     }
     return static_cast<int>(static_cast<std::uint32_t>(value));
 }
@@ -84,10 +84,10 @@ int ReadCode(const std::string& text)
 
 CLI::App& ErrorCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("error", "print the text of a result code");
+    Arguments arguments(parent, "error", "print the text of a result code");
     const auto read = [this](const std::string& text) { code = ReadCode(text); };
-    command.add_option_function<std::string>("CODE", read, "such as 73 or 0xC0090114")->required()->type_name("");
-    return command;
+    arguments.AddPositional("CODE", read, "such as 73 or 0xC0090114");
+    return arguments.Command();
 }
 
 ExitStatus ErrorCommand::Run(CommandContext& context)

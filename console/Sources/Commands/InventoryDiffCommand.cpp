@@ -1,12 +1,11 @@
 #include "Commands/InventoryDiffCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
 #include "Commands/DifferenceReport.h"
 #include "Commands/InventoryReader.h"
 #include "Commands/SharedOptions.h"
 #include "Show/Output.h"
-
-#include <CLI/CLI.hpp>
 
 using Zent::Discovery::Inventory::DeviceList;
 
@@ -14,13 +13,11 @@ namespace Zent::Discovery::Console
 {
 CLI::App& InventoryDiffCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("diff", "tell which devices have appeared, left or changed");
-    command.add_option("BEFORE", beforeFile, "the earlier result, saved with: discover --json > FILE")
-        ->required()
-        ->type_name("");
-    command.add_option("AFTER", afterFile, "the later result")->required()->type_name("");
-    SharedOptions::AddSelection(command, selection);
-    return command;
+    Arguments arguments(parent, "diff", "tell which devices have appeared, left or changed");
+    arguments.AddPositional("BEFORE", beforeFile, "the earlier result, saved with: discover --json > FILE");
+    arguments.AddPositional("AFTER", afterFile, "the later result");
+    SharedOptions::AddSelection(arguments, selection);
+    return arguments.Command();
 }
 
 ExitStatus InventoryDiffCommand::Run(CommandContext& context)

@@ -1,11 +1,10 @@
 #include "Commands/InventoryShowCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
 #include "Commands/InventoryReader.h"
 #include "Commands/SharedOptions.h"
 #include "Show/Output.h"
-
-#include <CLI/CLI.hpp>
 
 #include <chrono>
 
@@ -15,10 +14,10 @@ namespace Zent::Discovery::Console
 {
 CLI::App& InventoryShowCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("show", "show a saved result as a table");
-    command.add_option("FILE", file, "saved with: discover --json > FILE")->required()->type_name("");
-    SharedOptions::AddSelection(command, selection);
-    return command;
+    Arguments arguments(parent, "show", "show a saved result as a table");
+    arguments.AddPositional("FILE", file, "saved with: discover --json > FILE");
+    SharedOptions::AddSelection(arguments, selection);
+    return arguments.Command();
 }
 
 ExitStatus InventoryShowCommand::Run(CommandContext& context)

@@ -1,6 +1,6 @@
 #include "Commands/ProgramOptions.h"
 
-#include "Commands/SharedOptions.h"
+#include "Commands/Arguments.h"
 #include "Terminal/HostPlatform.h"
 
 #include <CLI/CLI.hpp>
@@ -49,9 +49,8 @@ void ProgramOptions::AddTo(CLI::App& program)
             "--min-version", [this](const std::string& text) { Session.MinimumVersion = text; },
             "drop messages of older protocol versions")
         ->type_name("VERSION");
-    SharedOptions::AddSeconds(program, "--wait", Wait,
-                              "how long to wait for devices; 2 seconds without it, 10 in a search, watch without end",
-                              0.0);
+    Arguments(program).AddSeconds(
+        "--wait", Wait, "how long to wait for devices; 2 seconds without it, 10 in a search, watch without end", 0.0);
     CLI::Option* const json = program.add_flag("--json", Json, "print one JSON document per line, for scripts");
     program.add_flag("--csv", Csv, "print comma-separated values, for spreadsheets")->excludes(json);
 }

@@ -1,11 +1,10 @@
 #include "Commands/RenameCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/ChangeRun.h"
 #include "Commands/CommandContext.h"
 #include "Commands/SharedOptions.h"
 #include "Inventory/Network.h"
-
-#include <CLI/CLI.hpp>
 
 using Zent::Discovery::Inventory::ChangeRequest;
 using Zent::Discovery::Inventory::IPv4;
@@ -24,22 +23,17 @@ std::string WrongWithAll(const std::string& address)
 
 CLI::App& RenameCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("rename", "give a device a new host name and see that it takes it");
-    command.add_option("NAME", newHostName, "the new host name")->required()->type_name("");
-    CLI::Option& mac = ChangeSettings::AddMAC(command, macAddress, "a MAC address of the device; or else its --ip");
-    command.add_option("--ip", ipAddress, "the IP address of the device")
-        ->type_name("IP")
-        ->check(SharedOptions::IPAddress())
-        ->check(&WrongWithAll)
-        ->excludes(&mac);
-    settings.AddWithLookTo(command);
-    command.parse_complete_callback([this] {
-        if (macAddress.empty() && ipAddress.empty())
-        {
-            throw CLI::RequiredError("--mac or --ip"); // to know which device is meant
-        }
-    });
-    return command;
+    Arguments arguments(parent, "rename", "give a device a new host name and see that it takes it");
+    arguments.AddPositional("NAME", newHostName, "the new host name");
+    const Arguments::Argument mac =
+        ChangeSettings::AddMAC(arguments, macAddress, "a MAC address of the device; or else its --ip");
+    arguments.Add("--ip", "IP", ipAddress, "the IP address of the device")
+        .MustPass(&SharedOptions::WrongWithIP)
+        .MustPass(&WrongWithAll)
+        .Excludes(mac);
+    settings.AddWithLookTo(arguments);
+    arguments.RequireAny("--mac or --ip", [this] { return !macAddress.empty() || !ipAddress.empty(); });
+    return arguments.Command();
 }
 
 ExitStatus RenameCommand::Run(CommandContext& context)

@@ -1,12 +1,11 @@
 #include "Commands/RequestCommands.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
 #include "Commands/DeviceReader.h"
 #include "Commands/SharedOptions.h"
 #include "Inventory/AddressText.h"
 #include "Show/Output.h"
-
-#include <CLI/CLI.hpp>
 
 using Zent::Discovery::Inventory::AddressText;
 using Zent::Discovery::Inventory::Device;
@@ -47,12 +46,9 @@ ExitStatus RequestCommand::Await(CommandContext& context, const Condition& isFro
 
 CLI::App& RefreshCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("refresh", "ask the device with a MAC address for its signature");
-    command.add_option("MAC", macAddress, "a MAC address of the device")
-        ->required()
-        ->type_name("")
-        ->check(SharedOptions::MACAddress());
-    return command;
+    Arguments arguments(parent, "refresh", "ask the device with a MAC address for its signature");
+    arguments.AddPositional("MAC", macAddress, "a MAC address of the device").MustPass(&SharedOptions::WrongWithMAC);
+    return arguments.Command();
 }
 
 ExitStatus RefreshCommand::Run(CommandContext& context)
@@ -67,12 +63,9 @@ ExitStatus RefreshCommand::Run(CommandContext& context)
 
 CLI::App& ReachCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("reach", "ask the device at an IP address for its signature");
-    command.add_option("IP", ipAddress, "the IP address of the device")
-        ->required()
-        ->type_name("")
-        ->check(SharedOptions::IPAddress());
-    return command;
+    Arguments arguments(parent, "reach", "ask the device at an IP address for its signature");
+    arguments.AddPositional("IP", ipAddress, "the IP address of the device").MustPass(&SharedOptions::WrongWithIP);
+    return arguments.Command();
 }
 
 ExitStatus ReachCommand::Run(CommandContext& context)

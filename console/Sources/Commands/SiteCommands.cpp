@@ -1,5 +1,6 @@
 #include "Commands/SiteCommands.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/ChangeRun.h"
 #include "Commands/CommandContext.h"
 #include "Commands/SharedOptions.h"
@@ -10,11 +11,10 @@
 #include "Show/Output.h"
 #include "Text/TextFile.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <array>
 #include <sstream>
+#include <stdexcept>
 
 using Zent::Discovery::Inventory::ChangeRefusal;
 using Zent::Discovery::Inventory::ChangeReport;
@@ -33,9 +33,9 @@ namespace
 using Deviations = std::vector<SiteDeviation>;
 using Kind = SiteDeviation::DeviationKind;
 
-void AddFile(CLI::App& command, std::string& file)
+void AddFile(Arguments& arguments, std::string& file)
 {
-    command.add_option("FILE", file, "written with: site export FILE")->required()->type_name("");
+    arguments.AddPositional("FILE", file, "written with: site export FILE");
 }
 
 std::size_t Count(const Deviations& deviations, Kind kind)
@@ -141,10 +141,10 @@ void Show(const SitePlan::Obstacle& obstacle, Output& output)
 
 CLI::App& SiteExportCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("export", "write names and addresses of all devices into a site file");
-    command.add_option("FILE", file, "the file to make; - prints it")->required()->type_name("");
-    SharedOptions::AddSelection(command, selection);
-    return command;
+    Arguments arguments(parent, "export", "write names and addresses of all devices into a site file");
+    arguments.AddPositional("FILE", file, "the file to make; - prints it");
+    SharedOptions::AddSelection(arguments, selection);
+    return arguments.Command();
 }
 
 ExitStatus SiteExportCommand::Run(CommandContext& context)
@@ -182,10 +182,9 @@ ExitStatus SiteExportCommand::Run(CommandContext& context)
 
 CLI::App& SiteDiffCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command =
-        *parent.add_subcommand("diff", "tell which devices are missing, foreign or otherwise than a site file says");
-    AddFile(command, file);
-    return command;
+    Arguments arguments(parent, "diff", "tell which devices are missing, foreign or otherwise than a site file says");
+    AddFile(arguments, file);
+    return arguments.Command();
 }
 
 ExitStatus SiteDiffCommand::Run(CommandContext& context)
@@ -212,25 +211,23 @@ ExitStatus SiteDiffCommand::Run(CommandContext& context)
 
 CLI::App& SiteApplyCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand(
-        "apply", "give devices the names and addresses of a site file, one by one, up to the first failure");
-    AddFile(command, file);
-    command
-        .add_option_function<std::string>(
-            "--spare",
-            [this](const std::string& text) {
-                const std::optional<Inventory::IPv4> address = Network::ParseAddress(text);
-                if (!address)
-                {
-                    throw CLI::ValidationError("--spare", '"' + text + "\" is no IPv4 address");
-                }
-                options.SpareAddress = Network::TextOf(*address);
-            },
-            "a free address that devices which exchange theirs may have for a while; otherwise the highest one of "
-            "their network that no device is known to have")
-        ->type_name("IP");
-    settings.AddTo(command);
-    return command;
+    Arguments arguments(parent, "apply",
+                        "give devices the names and addresses of a site file, one by one, up to the first failure");
+    AddFile(arguments, file);
+    arguments.Add(
+        "--spare", "IP",
+        [this](const std::string& text) {
+            const std::optional<Inventory::IPv4> address = Network::ParseAddress(text);
+            if (!address)
+            {
+                throw std::invalid_argument('"' + text + "\" is no IPv4 address");
+            }
+            options.SpareAddress = Network::TextOf(*address);
+        },
+        "a free address that devices which exchange theirs may have for a while; otherwise the highest one of "
+        "their network that no device is known to have");
+    settings.AddTo(arguments);
+    return arguments.Command();
 }
 
 ExitStatus SiteApplyCommand::Run(CommandContext& context)

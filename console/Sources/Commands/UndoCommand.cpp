@@ -1,13 +1,12 @@
 #include "Commands/UndoCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/ChangeRun.h"
 #include "Commands/CommandContext.h"
 #include "Inventory/AddressText.h"
 #include "Show/Output.h"
 #include "Text/TerminalText.h"
 #include "Text/TextTable.h"
-
-#include <CLI/CLI.hpp>
 
 #include <stdexcept>
 
@@ -20,14 +19,15 @@ namespace Zent::Discovery::Console
 {
 CLI::App& UndoCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand(
-        "undo", "take back the newest change that is not yet taken back, and see that the device takes it");
-    ChangeSettings::AddMAC(command, macAddress, "the newest change of the interface with this MAC address");
-    command.add_flag("--list", lists, "list the changes that the journal knows, the oldest first");
-    command.add_flag("--keep", keeps, "leave changes as they are that were broken off, and speak of them no more")
-        ->excludes(command.get_option("--list"));
-    settings.AddTo(command);
-    return command;
+    Arguments arguments(parent, "undo",
+                        "take back the newest change that is not yet taken back, and see that the device takes it");
+    ChangeSettings::AddMAC(arguments, macAddress, "the newest change of the interface with this MAC address");
+    const Arguments::Argument list =
+        arguments.AddFlag("--list", lists, "list the changes that the journal knows, the oldest first");
+    arguments.AddFlag("--keep", keeps, "leave changes as they are that were broken off, and speak of them no more")
+        .Excludes(list);
+    settings.AddTo(arguments);
+    return arguments.Command();
 }
 
 ExitStatus UndoCommand::Run(CommandContext& context)

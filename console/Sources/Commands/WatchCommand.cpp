@@ -1,5 +1,6 @@
 #include "Commands/WatchCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
 #include "Commands/ConflictList.h"
 #include "Commands/SharedOptions.h"
@@ -12,8 +13,6 @@
 #include "Show/PlainWatchView.h"
 #include "Show/SiteState.h"
 #include "Terminal/Terminal.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <functional>
@@ -40,42 +39,26 @@ constexpr std::chrono::seconds Patience{3}; // after which nobody's answer calls
 
 CLI::App& WatchCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand(
-        "watch", "show devices as they come, change, fall silent and leave: on a terminal in a live table");
-    SharedOptions::AddSeconds(command, "--every", interval,
-                              "ask all devices again after so many seconds; 10 without it", 1.0);
-    command.add_flag("--listen", listensOnly, "ask nobody; then silence says nothing")
-        ->excludes(command.get_option("--every"));
-    command
-        .add_option_function<std::vector<std::string>>(
-            "--accept-conflict",
-            [this](const std::vector<std::string>& texts) {
-                for (const std::string& text : texts)
-                {
-                    try
-                    {
-                        std::ranges::move(ConflictList::Parse(text), std::back_inserter(acceptedConflicts));
-                    }
-                    catch (const std::runtime_error& error)
-                    {
-                        throw CLI::ValidationError("--accept-conflict", error.what());
-                    }
-                }
-            },
-            "do not tell this conflict between devices, such as ip:10.0.0.5; may be repeated")
-        ->type_name("CONFLICT|@FILE")
-        ->allow_extra_args(false);
-    CLI::Option* const expect =
-        command.add_option("--expect", siteFile, "tell what is missing, foreign or otherwise than this site file says")
-            ->type_name("FILE");
-    command.add_option("--repair", repairs, "give devices the names of the site file back; addresses stay")
-        ->type_name("names")
-        ->needs(expect)
-        ->check([](const std::string& text) {
+    Arguments arguments(parent, "watch",
+                        "show devices as they come, change, fall silent and leave: on a terminal in a live table");
+    const Arguments::Argument every =
+        arguments.AddSeconds("--every", interval, "ask all devices again after so many seconds; 10 without it", 1.0);
+    arguments.AddFlag("--listen", listensOnly, "ask nobody; then silence says nothing").Excludes(every);
+    arguments.AddRepeated(
+        "--accept-conflict", "CONFLICT|@FILE",
+        [this](const std::string& text) {
+            std::ranges::move(ConflictList::Parse(text), std::back_inserter(acceptedConflicts));
+        },
+        "do not tell this conflict between devices, such as ip:10.0.0.5; may be repeated");
+    const Arguments::Argument expect = arguments.Add(
+        "--expect", "FILE", siteFile, "tell what is missing, foreign or otherwise than this site file says");
+    arguments.Add("--repair", "names", repairs, "give devices the names of the site file back; addresses stay")
+        .Needs(expect)
+        .MustPass([](const std::string& text) {
             return text == "names" ? "" : '"' + text + "\" is not names; nothing else is given back by itself";
         });
-    SharedOptions::AddSelection(command, selection, Inventory::DeviceColumn::Names());
-    return command;
+    SharedOptions::AddSelection(arguments, selection, Inventory::DeviceColumn::Names());
+    return arguments.Command();
 }
 
 ExitStatus WatchCommand::Run(CommandContext& context)

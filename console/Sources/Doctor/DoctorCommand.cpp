@@ -1,13 +1,12 @@
 #include "Doctor/DoctorCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
 #include "Doctor/Diagnosis.h"
 #include "Doctor/Examination.h"
 #include "Json/JSONStringer.h"
 #include "Show/Output.h"
 #include "Text/TerminalText.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <optional>
@@ -118,16 +117,14 @@ ExitStatus StatusOf(Severity worst)
 
 CLI::App& DoctorCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command = *parent.add_subcommand("doctor", "look for what keeps devices from being found");
-    command.add_option("--check", codes, "make this check alone; may be repeated")
-        ->type_name("CODE")
-        ->allow_extra_args(false)
-        ->check([](const std::string& code) {
+    Arguments arguments(parent, "doctor", "look for what keeps devices from being found");
+    arguments.AddRepeated("--check", "CODE", codes, "make this check alone; may be repeated")
+        .MustPass([](const std::string& code) {
             return Check::Find(code) != nullptr ? "" : '"' + code + "\" is not one of " + Codes();
         });
-    command.add_flag("--list", onlyLists, "show which checks there are, and make none");
-    command.add_flag("-v,--verbose", isVerbose, "show what each finding affects and which commands help");
-    return command;
+    arguments.AddFlag("--list", onlyLists, "show which checks there are, and make none");
+    arguments.AddFlag("-v,--verbose", isVerbose, "show what each finding affects and which commands help");
+    return arguments.Command();
 }
 
 std::string DoctorCommand::DocumentOf(const Finding& finding)

@@ -1,5 +1,6 @@
 #include "Support/SupportBundleCommand.h"
 
+#include "Commands/Arguments.h"
 #include "Commands/CommandContext.h"
 #include "Doctor/Diagnosis.h"
 #include "Doctor/DoctorCommand.h"
@@ -14,7 +15,6 @@
 #include "Terminal/HostPlatform.h"
 #include "Text/TextFile.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -180,16 +180,12 @@ private:
 
 CLI::App& SupportBundleCommand::AddTo(CLI::App& parent)
 {
-    CLI::App& command =
-        *parent.add_subcommand("support-bundle", "pack logs, interfaces and findings for support, without names");
-    command.add_option("file", path, "the archive to make, such as support.zip")->required();
-    command.add_option("--add", logs, "a log of a host program to pack, too; may be repeated")
-        ->type_name("FILE")
-        ->allow_extra_args(false)
-        ->check(CLI::ExistingFile);
-    command.add_flag("--plain", isPlain, "leave names and addresses as they are");
-    command.add_flag("--force", replaces, "replace files that are there already");
-    return command;
+    Arguments arguments(parent, "support-bundle", "pack logs, interfaces and findings for support, without names");
+    arguments.Add("file", "TEXT", path, "the archive to make, such as support.zip").IsRequired();
+    arguments.AddRepeated("--add", "FILE", logs, "a log of a host program to pack, too; may be repeated").MustBeFile();
+    arguments.AddFlag("--plain", isPlain, "leave names and addresses as they are");
+    arguments.AddFlag("--force", replaces, "replace files that are there already");
+    return arguments.Command();
 }
 
 ExitStatus SupportBundleCommand::Run(CommandContext& context)
