@@ -1,7 +1,10 @@
 """Agents with a real broker and simulated devices."""
 
+import ctypes
 import json
+import os
 import pathlib
+import queue
 import re
 import subprocess
 import sys
@@ -14,6 +17,9 @@ from brokers import (  # noqa: E402
 )  # fmt: skip
 from endtoend import Simulator, command, wait_until  # noqa: E402
 
+PTRACE_ATTACH = 16
+PTRACE_DETACH = 17
+
 
 class AgentTest(endtoend.TestCase):
     def check_description(self, messages, *kinds):
@@ -21,8 +27,8 @@ class AgentTest(endtoend.TestCase):
         description = Description(endtoend.setting("source") / "docs/fleet/asyncapi.json")
         self.assertEqual(description.check(messages, self.folder), set(kinds))
 
-    def start(self, *settings):
-        return self.enterContext(Agent(self.folder, SETTINGS + "\n".join(settings)))
+    def start(self, *settings, before=()):
+        return self.enterContext(Agent(self.folder, SETTINGS + "\n".join(settings), before=before))
 
     def test_a_thousand_devices_are_whole_and_a_new_start_publishes_what_has_changed(self):
         self.enterContext(Broker(self.folder, ANYBODY))
@@ -64,9 +70,9 @@ class AgentTest(endtoend.TestCase):
             "user bob\ntopic read discovery/v1/#\n",
             encoding="ascii",
         )
-        (self.folder / "password").write_text("secret\n", encoding="ascii")
+        (self.folder / "broker-password").write_text("secret\n", encoding="ascii")
         folder = self.folder
-        tls = (f"tls = true\nauthority = '{folder}/ca.crt'", f"user = 'agent'\npassword-file = '{folder}/password'")
+        tls = (f"tls = true\nauthority = '{folder}/ca.crt'", "user = 'agent'")
         self.enterContext(
             Broker(folder, f"cafile {folder}/ca.crt", f"certfile {folder}/own.crt", f"keyfile {folder}/own.key",
                    f"password_file {folder}/passwords", f"acl_file {folder}/acl")
@@ -74,7 +80,7 @@ class AgentTest(endtoend.TestCase):
         simulator = self.enterContext(Simulator("--count", "2"))
         client = ("--cafile", f"{folder}/ca.crt", "-P", "secret", "-u")
         topics = self.enterContext(Topics("plant-1", *client, "ann"))
-        self.start(*tls, "commands = true")
+        self.start(*tls, "commands = true", before=(f"CREDENTIALS_DIRECTORY={folder}",))
         topics.await_truth(simulator.devices)
         device = identity(simulator.devices[0])
         revision = topics.devices()[device]["Revision"]
@@ -139,6 +145,18 @@ class AgentTest(endtoend.TestCase):
         self.assertEqual(details[0]["After"]["HostName"], "press-4")
         sender = json.loads(audit.read_text().splitlines()[0])["Sender"]
         self.assertEqual(sender, "ann")
+
+    def test_the_watchdog_starves_while_the_thread_that_works_hangs(self):
+        agent = self.start(before=("WATCHDOG_USEC=300000",))
+        agent.told_with("WATCHDOG=1")
+        trace, main = ctypes.CDLL(None).ptrace, agent.process.pid
+        self.assertEqual(trace(PTRACE_ATTACH, main, None, None), 0)  # stops this thread alone
+        os.waitpid(main, 0)
+        with self.assertRaises(queue.Empty):
+            for _ in range(100):  # what was told before
+                agent.told.get(timeout=1)
+        self.assertEqual(trace(PTRACE_DETACH, main, None, None), 0)
+        agent.told_with("WATCHDOG=1")
 
     def test_the_unit_gives_the_service_no_more_rights_than_it_needs(self):
         unit = endtoend.setting("source") / "agent/service/discovery-agent.service"

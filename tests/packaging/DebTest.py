@@ -4,8 +4,9 @@ own."""
 import pathlib
 import re
 import shutil
+import socket
 
-from endtoend import main, setting
+from endtoend import TIMEOUT, Process, main, setting
 from package import TestCase, build_with_pkg_config, run
 
 LIBRARY = "libdiscoveryserver.extc1"
@@ -45,10 +46,13 @@ class DebTest(TestCase):
             settings.unlink()  # small machines leave documents out
         self.root = root
 
-    def on_machine(self, *command, user=0):
+    def prefix(self, user):
         identity = ("setpriv", f"--reuid={user}", f"--regid={user}", "--clear-groups") if user else ()
+        return ("chroot", str(self.root), *identity)
+
+    def on_machine(self, *command, user=0):
         environment = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "HOME": "/tmp", "DEBIAN_FRONTEND": "noninteractive"}
-        return run("chroot", self.root, *identity, *command, env=environment)
+        return run(*self.prefix(user), *command, env=environment)
 
     def files(self, *names):
         return [f"/tmp/{self.packages[name].name}" for name in names]
@@ -88,12 +92,25 @@ class DebTest(TestCase):
         console = ("discovery-console", "--from", "127.0.0.1", "--log", "/tmp/c.log", "discover", "--expect", "1")
         self.assertIn(name, self.on_machine(*console, user=NOBODY))
         self.on_machine("python3", "-c", "import discovery_server; discovery_server.Session('/tmp/p.log').close()")
-        settings = "/etc/discovery-agent/agent.toml"
-        self.assertIn("right", self.on_machine("discovery-agent", "--check-config", "--config", settings))
+        self.check_agent()
         program = self.folder / "consumer"
         library = next(self.root.glob("usr/lib/*/libDiscoveryServer.ExtC.so"))
         build_with_pkg_config(library.parent / "pkgconfig", program)
         self.assert_consumer_works(program, LD_LIBRARY_PATH=library.parent)
+
+    def check_agent(self):
+        """It is ready for the service manager with the settings that it brings, and without rights."""
+        settings = ("--config", "/etc/discovery-agent/agent.toml")
+        self.assertIn("right", self.on_machine("discovery-agent", "--check-config", *settings))
+        with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as manager:
+            manager.settimeout(TIMEOUT)
+            manager.bind(str(self.root / "tmp/notify"))
+            (self.root / "tmp/notify").chmod(0o666)
+            service = ("env", "NOTIFY_SOCKET=/tmp/notify", "discovery-agent", *settings)
+            with Process(*self.prefix(NOBODY), *service) as agent:
+                self.assertEqual(manager.recv(99), b"READY=1")
+                agent.process.terminate()
+                self.assertEqual(agent.wait(), 0)
 
     def check_places(self):
         """Other programs find what is theirs."""
