@@ -51,7 +51,8 @@ const std::vector<Answer::Header>& RequestDesk::CommonHeaders()
 {
     static const std::vector<Answer::Header> Headers = {
         {"Content-Security-Policy", "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; "
-                                    "connect-src 'self'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'"},
+                                    "connect-src 'self'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'; "
+                                    "require-trusted-types-for 'script'"},
         {"X-Content-Type-Options", "nosniff"},
         {"Referrer-Policy", "no-referrer"},
         {"Cross-Origin-Resource-Policy", "same-origin"},

@@ -34,7 +34,7 @@ port = {PORT}
 """
 
 FLAGS = ("--headless=new --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking "
-         "--disable-component-update --disable-sync --window-size=1280,760").split()  # fmt: skip
+         "--disable-component-update --disable-dev-shm-usage --disable-sync --window-size=1280,760").split()  # fmt: skip
 
 # What is shown of a row, by column.
 ROWS = """
