@@ -52,9 +52,12 @@ std::vector<Metric> AgentFigures::Metrics(const std::optional<ISitePublisher::Pu
         metrics.push_back(Counter("discovery_datagrams_received_total", "Messages of devices by kind.", received[kind],
                                   Metric::Label("kind", Kinds[kind])));
     }
-    metrics.push_back(Counter("discovery_datagrams_dropped_total",
-                              "Messages of devices that were not taken, by reason.", LostMessages,
-                              Metric::Label("reason", "queue-full")));
+    for (const auto& [reason, count] : {std::pair("queue-full", LostMessages), {"unreadable", UnreadableMessages}})
+    {
+        metrics.push_back(Counter("discovery_datagrams_dropped_total",
+                                  "Messages of devices that the agent has not taken, by reason.", count,
+                                  Metric::Label("reason", reason)));
+    }
     if (KernelDrops)
     {
         metrics.push_back(Counter("discovery_kernel_drops_total",

@@ -31,6 +31,7 @@ public:
     bool IsPortBound = true;
     std::optional<std::uint64_t> KernelDrops = {}; // nothing when the system does not count
     std::size_t LostMessages = 0;                  // of devices, that came faster than they were taken
+    std::size_t UnreadableMessages = 0;            // of devices
     std::size_t LostByBroker = 0;                  // messages of the broker, likewise
     std::optional<Inventory::Time> LastRound = {}; // when all devices were asked last
 

@@ -255,6 +255,7 @@ void SiteAgent::Report(Time now)
         return;
     }
     figures.LostMessages = messages.Lost();
+    figures.UnreadableMessages = driver.Unreadable();
     figures.LostByBroker = knownLost;
     figures.LastRound = driver.LastRound();
     const ISitePublisher::PublisherStatus world = publisher->Status();

@@ -61,6 +61,7 @@ void SessionDriver::Feed(DeviceMessage message)
     }
     catch (const std::invalid_argument& exception)
     {
+        ++unreadable;
         complain("unreadable message left out: " + std::string(exception.what()));
     }
 }

@@ -43,6 +43,9 @@ public:
     /// When all devices were asked last; nothing before.
     const std::optional<Inventory::Time>& LastRound() const { return lastRound; }
 
+    /// How many messages were left out because they were none of the library's.
+    std::size_t Unreadable() const { return unreadable; }
+
     /// Waits for messages, for that time at most, and lets the session go on. False once the user has interrupted.
     bool Run(std::chrono::milliseconds longest);
 
@@ -74,6 +77,7 @@ private:
     SystemAnswers systemAnswers;
     std::function<void(std::int64_t change)> onRequest;
     std::size_t knownLoss = 0;
+    std::size_t unreadable = 0;
     std::optional<Inventory::Time> lastRound;
 };
 } // namespace Zent::Discovery::Programs
