@@ -50,7 +50,7 @@
 
 /** The version of this header; a library with the same first number and the same or a later second one fits it. */
 #define DISCOVERY_EXTC_VERSION_MAJOR 1
-#define DISCOVERY_EXTC_VERSION_MINOR 0 /**< grows with functions, constants and members that are added */
+#define DISCOVERY_EXTC_VERSION_MINOR 0 /**< grows with constants and members of documents; the functions stay */
 #define DISCOVERY_EXTC_VERSION_PATCH 0 /**< grows with corrections */
 
 #if defined(_WIN32)
