@@ -222,6 +222,20 @@ class ProgressTest(TerminalTestCase):
             self.assertRegex(terminal.lines()[1], r"^\S+ .* Signature$")
 
 
+class InputTest(TerminalTestCase):
+    def test_an_interruption_ends_the_console_while_it_waits_for_a_file_from_the_terminal(self):
+        def is_reading():
+            shell = terminal.property("pane_pid")
+            child = pathlib.Path(f"/proc/{shell}/task/{shell}/children").read_text().strip()
+            call = pathlib.Path(f"/proc/{child}/syscall").read_text().split() if child else []
+            return call[:2] == ["0", "0x0"]  # read, from standard input
+
+        with self.terminal("configure", "-") as terminal:
+            wait_until(is_reading, "the console to read")
+            terminal.press("C-c")
+            self.assertEqual(terminal.status(), 130)
+
+
 class ColourTest(TerminalTestCase):
     def coloured(self, *environment):
         with Simulator("--count", "1"):

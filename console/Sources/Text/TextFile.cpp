@@ -1,5 +1,6 @@
 #include "Text/TextFile.h"
 
+#include "Programs/Interruption.h"
 #include "Programs/Process.h"
 
 #include <cerrno>
@@ -68,6 +69,7 @@ std::string Content(const std::string& path)
 {
     if (path == TextFile::StandardInput)
     {
+        const Programs::Interruption::AtOnce whileNobodyTypes;
         return Programs::Process::ReadAllInput();
     }
     const std::filesystem::path place(std::u8string(path.begin(), path.end()));

@@ -46,13 +46,13 @@ private:
             {
                 return;
             }
+            if (isAtOnce || (interrupted && number != SIGHUP)) // a closing terminal and its shell both send one
+            {
+                _exit(128 + number);
+            }
             if (!interrupted)
             {
                 onInterrupt();
-            }
-            else if (number != SIGHUP) // a closing terminal and its shell both send one
-            {
-                _exit(128 + number);
             }
         }
     }

@@ -28,7 +28,7 @@ private:
     static BOOL WINAPI Handle(DWORD event)
     {
         Watcher& watcher = *current.load();
-        if (watcher.interrupted.exchange(true))
+        if (isAtOnce || watcher.interrupted.exchange(true))
         {
             return FALSE; // the next handler ends the process
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -10,6 +11,19 @@ namespace Zent::Discovery::Programs
 class Interruption final
 {
 public:
+    /// While it lives, already the first wish ends the process at once: for a wait that nothing else can end, with
+    /// nothing to tidy up. One at a time.
+    class AtOnce final
+    {
+    public:
+        AtOnce() { isAtOnce = true; }
+
+        ~AtOnce() { isAtOnce = false; }
+
+        AtOnce(const AtOnce&) = delete;
+        AtOnce& operator=(const AtOnce&) = delete;
+    };
+
     /// onInterrupt is called once, on a thread of its own; a second wish of the
     /// user ends the process at once.
     explicit Interruption(std::function<void()> onInterrupt);
@@ -22,6 +36,8 @@ public:
 
 private:
     class Watcher;
+
+    inline static std::atomic<bool> isAtOnce{false}; // read by the thread or the handler that takes the wishes
 
     std::unique_ptr<Watcher> watcher;
 };
