@@ -9,7 +9,7 @@
 
 struct mosquitto;
 struct mosquitto_message;
-struct mqtt5__property;
+struct mqtt5__property; // NOLINT(bugprone-reserved-identifier): the MQTT library's name
 
 namespace Zent::Discovery::Broker
 {
