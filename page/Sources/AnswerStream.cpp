@@ -40,10 +40,6 @@ EventStream::EventStream(SharedModel& model, std::optional<PageModel::Position> 
 
 std::optional<std::string> EventStream::Next(Time now)
 {
-    if (isOver)
-    {
-        return std::nullopt;
-    }
     std::string text = model.With([this](const PageModel& each) {
         if (!position)
         {

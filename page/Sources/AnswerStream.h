@@ -67,9 +67,6 @@ public:
 
     Time NextComment() const { return nextComment; }
 
-    /// The next Read gives the end.
-    void End() { isOver = true; }
-
 protected:
     std::optional<std::string> Next(Time now) override;
 
@@ -77,6 +74,5 @@ private:
     SharedModel& model;
     std::optional<PageModel::Position> position;
     Time nextComment;
-    bool isOver = false;
 };
 } // namespace Zent::Discovery::Page

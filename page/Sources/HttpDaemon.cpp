@@ -197,6 +197,10 @@ struct HttpDaemon::Callbacks
     {
         return Guard(static_cast<ssize_t>(MHD_CONTENT_READER_END_WITH_ERROR), [&] {
             auto& sending = *static_cast<Sending*>(state);
+            if (sending.Owner.isStopping && sending.Events != nullptr)
+            {
+                return static_cast<ssize_t>(MHD_CONTENT_READER_END_OF_STREAM);
+            }
             const std::optional<std::size_t> length = sending.Stream->Read(buffer, size, Now());
             if (length && *length == 0)
             {
@@ -384,14 +388,12 @@ void HttpDaemon::Resume(Sending& sending)
     MHD_resume_connection(&sending.To);
 }
 
-/// The library of HTTP must not be stopped while it has suspended connections.
+/// The library of HTTP must not be stopped while it has suspended connections. OnRead suspends none any more.
 void HttpDaemon::EndStreams()
 {
     while (!waiting.empty())
     {
-        Sending& sending = **waiting.begin();
-        sending.Events->End();
-        Resume(sending);
+        Resume(**waiting.begin());
     }
     MHD_run(daemon);
 }
