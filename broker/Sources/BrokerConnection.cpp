@@ -114,6 +114,10 @@ std::string BrokerConnection::Serve(const std::shared_ptr<Client>& connection)
         const Lock guard(clientLock);
         client = connection;
     }
+    if (IsEndingWithGoodbye()) // since before there was a client to say it
+    {
+        connection->SayGoodbye();
+    }
     std::string reason = LoopOver(*connection);
     const Lock guard(clientLock);
     client.reset();
@@ -139,6 +143,12 @@ std::string BrokerConnection::LoopOver(Client& connection)
             return "the connection was broken off";
         }
     }
+}
+
+bool BrokerConnection::IsEndingWithGoodbye() const
+{
+    const Lock guard(lock);
+    return isEnding && saysGoodbye;
 }
 
 /// False when the connection is to end.

@@ -52,6 +52,7 @@ private:
     void Run();
     std::string Serve(const std::shared_ptr<Client>& connection);
     std::string LoopOver(Client& connection);
+    bool IsEndingWithGoodbye() const;
     bool WaitToRetry(unsigned failures);
     void Tell(BrokerNews each);
     void End(bool goodbye);
