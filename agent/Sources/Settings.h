@@ -31,7 +31,7 @@ struct Settings
 
     std::string Site;
     Log::LogLevel Level = Log::LogLevel::Info;
-    std::string StateFolder; // for the log of commands; $STATE_DIRECTORY or else the current folder
+    std::string StateFolder; // for the log of commands; $STATE_DIRECTORY, empty without it
     Programs::HostSession::Settings Session;
     std::chrono::seconds AskEvery{10};
     bool Sweeps = true;
