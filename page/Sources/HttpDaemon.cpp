@@ -276,9 +276,11 @@ void HttpDaemon::Start(const PageSettings& settings)
     options.push_back({MHD_OPTION_END, 0, nullptr});
     daemon = MHD_start_daemon(flags, 0, nullptr, nullptr, &Callbacks::OnRequest, this, MHD_OPTION_ARRAY, options.data(),
                               MHD_OPTION_END);
-    if (news < 0 || daemon == nullptr)
+    if (daemon == nullptr)
     {
-        throw std::runtime_error("cannot serve the page on " + url + ": " + std::generic_category().message(errno));
+        const std::string reason = std::generic_category().message(errno);
+        close(news);
+        throw std::runtime_error("cannot serve the page on " + url + ": " + reason);
     }
 }
 

@@ -14,17 +14,24 @@ namespace
 {
 constexpr int MaximumWaiting = 64;
 
-bool SetFlag(int socket, int level, int option)
+/// What the system keeps for a viewer who takes nothing; without a limit it is some megabytes.
+constexpr int SendBufferBytes = 64 * 1024;
+
+/// Milliseconds after which a viewer who acknowledges or takes nothing counts as gone.
+constexpr int LongestSilence = 60000;
+
+bool Set(int socket, int level, int option, int value)
 {
-    const int on = 1;
-    return setsockopt(socket, level, option, &on, sizeof(on)) == 0;
+    return setsockopt(socket, level, option, &value, sizeof(value)) == 0;
 }
 } // namespace
 
 ListeningSocket::ListeningSocket(const InternetAddress& address)
     : descriptor(socket(address.Get()->sa_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
 {
-    const bool isOpen = descriptor >= 0 && SetFlag(descriptor, SOL_SOCKET, SO_REUSEADDR) &&
+    const bool isOpen = descriptor >= 0 && Set(descriptor, SOL_SOCKET, SO_REUSEADDR, 1) &&
+                        Set(descriptor, SOL_SOCKET, SO_SNDBUF, SendBufferBytes) &&
+                        Set(descriptor, IPPROTO_TCP, TCP_USER_TIMEOUT, LongestSilence) &&
                         bind(descriptor, address.Get(), address.Size()) == 0 && listen(descriptor, MaximumWaiting) == 0;
     if (!isOpen)
     {
@@ -50,7 +57,7 @@ std::optional<ListeningSocket::Viewer> ListeningSocket::Accept(bool& isExhausted
     {
         return std::nullopt;
     }
-    SetFlag(viewer.Socket, IPPROTO_TCP, TCP_NODELAY); // events are small, and do not wait for more
+    Set(viewer.Socket, IPPROTO_TCP, TCP_NODELAY, 1); // events are small, and do not wait for more
     return viewer;
 }
 } // namespace Zent::Discovery::Page
