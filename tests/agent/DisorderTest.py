@@ -9,7 +9,7 @@ import unittest
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "endtoend"))
 
 import endtoend  # noqa: E402
-from brokers import ANYBODY, PORT, SETTINGS, Agent, Broker, Topics, certificates, settings_of  # noqa: E402
+from brokers import ANYBODY, PORT, SETTINGS, Agent, Broker, Topics, certificates, identity, settings_of  # noqa: E402
 from endtoend import Simulator, wait_until  # noqa: E402
 from networks import HERE, Cable, End, Machine, Occupant, cabled  # noqa: E402
 
@@ -49,20 +49,31 @@ class TestCase(endtoend.TestCase):
 
 
 class DisorderTest(TestCase):
-    def test_a_broker_that_has_lost_everything_has_it_again_from_agents_with_a_certificate(self):
+    def test_a_broker_that_starts_anew_gets_what_it_lacks_from_agents_with_a_certificate(self):
         certificates(self.folder)
         authority, certificate, key = (self.folder / name for name in ("ca.crt", "own.crt", "own.key"))
         broker = (f"cafile {authority}", f"certfile {certificate}", f"keyfile {key}", "require_certificate true",
-                  "use_identity_as_username true")  # fmt: skip
+                  "use_identity_as_username true", "persistence true", f"persistence_location {self.folder}/")  # fmt: skip
         client = ("--cafile", str(authority), "--cert", str(certificate), "--key", str(key))
         simulator = self.enterContext(Simulator("--count", "20"))
-        with Broker(self.folder, *broker):
+        silent = simulator.devices[:1]
+        with Broker(self.folder, *broker) as kept:
             agent = self.start(f"tls = true\nauthority = '{authority}'", f"certificate = '{certificate}'", f"key = '{key}'")
             with Topics("plant-1", *client) as topics:
                 topics.await_truth(simulator.devices)
+            kept.process.terminate()
+            kept.wait()
         agent.told_with("no broker")
-        self.enterContext(Broker(self.folder, *broker))
-        self.enterContext(Topics("plant-1", *client)).await_truth(simulator.devices)
+        simulator.behave("kill 1")
+        agent.told_with("1 of them gone")
+        with Broker(self.folder, *broker), Topics("plant-1", *client) as topics:
+            topics.await_truth(simulator.devices, away=silent)
+            records = [name for name in topics.live if name.startswith("devices/")]
+            self.assertEqual(records, ["devices/" + identity(silent[0])])
+        agent.told_with("no broker")
+        (self.folder / "mosquitto.db").unlink()
+        with Broker(self.folder, *broker), Topics("plant-1", *client) as topics:
+            topics.await_truth(simulator.devices, away=silent)
 
     def test_of_two_agents_for_one_site_the_second_publishes_nothing_until_the_first_is_gone(self):
         machine = cabled(self, "10.9.0.1/24", "10.9.0.2/24")

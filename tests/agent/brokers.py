@@ -128,6 +128,7 @@ class Topics(Process):
     def __init__(self, site, *options):
         self.root = f"discovery/v1/{site}/"
         self.messages = []
+        self.live = []  # the topics of those that were published meanwhile
         self.held = {}
         super().__init__("mosquitto_sub", "-p", str(PORT), "-h", "127.0.0.1", "-q", "1", "-F", "%j", "-t",
                          self.root + "#", *options)  # fmt: skip
@@ -143,6 +144,8 @@ class Topics(Process):
             name = message["topic"].removeprefix(self.root)
             payload = json.loads(message["payload"]) if message["payloadlen"] else None
             self.messages.append((name, payload))
+            if not message["retain"]:
+                self.live.append(name)
             self.held[name] = payload
 
     def devices(self):
