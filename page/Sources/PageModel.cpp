@@ -19,6 +19,9 @@ namespace
 /// Details that are longer are not shown.
 constexpr std::size_t MaximumDetails = std::size_t{64} * 1024;
 
+/// A conflict is between a few devices, each of which keeps its details: a longer one tells of none.
+constexpr std::size_t MaximumConflict = 4096;
+
 std::string Dumped(const Json& value)
 {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -144,7 +147,7 @@ void PageModel::TakeChange(const SiteEvent& event)
 
 void PageModel::TakeConflict(const SiteEvent& event)
 {
-    const Json details = Json::parse(event.Details, nullptr, false);
+    const Json details = event.Details.size() > MaximumConflict ? Json() : Json::parse(event.Details, nullptr, false);
     if (!details.is_object() || !details.contains("Devices") || !details["Devices"].is_array())
     {
         return;

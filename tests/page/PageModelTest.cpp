@@ -155,6 +155,7 @@ TEST(PageModelTest, ChangesAndConflictsStandBesideTheRecordUntilTheConflictIsOve
                 R"({"Conflict":"ip:10.0.0.5","Count":2,"Devices":[")" + Device + R"(",")" + Other + R"(",7]})"});
     model.Take({"s", "3", "changed", "no-such", WallTime(), "{}"});
     model.Take({"s", "4", "conflict", "", WallTime(), "[[["});
+    model.Take({"s", "5", "conflict", "", WallTime(), std::string(4096, ' ') + R"({"Devices":[")" + Device + R"("]})"});
     Json devices = Document(model, 1)["Devices"];
     EXPECT_EQ(devices[0]["Changed"]["Details"], Json::parse(R"({"Changes":[{"Property":"MTU"}]})"));
     EXPECT_EQ(devices[0]["Conflict"]["Details"]["Count"], 2);
@@ -164,7 +165,7 @@ TEST(PageModelTest, ChangesAndConflictsStandBesideTheRecordUntilTheConflictIsOve
     EXPECT_TRUE(Document(model, 1)["Devices"][0].contains("Conflict"));
     model.SetDevice("s", Device, Record(R"({"IPAddress":"10.0.0.50"})"));
     EXPECT_FALSE(Document(model, 1)["Devices"][0].contains("Conflict"));
-    EXPECT_NE(model.MetricsText().find("discovery_events_total{kind=\"conflict\"} 2\n"), std::string::npos);
+    EXPECT_NE(model.MetricsText().find("discovery_events_total{kind=\"conflict\"} 3\n"), std::string::npos);
 }
 
 TEST(PageModelTest, HealthIsLostWhenNobodyReportsIt)
