@@ -50,9 +50,11 @@ RequestDesk::Rules RulesOf(const PageSettings& settings, const PageSecrets& secr
     return rules;
 }
 
+/// By a name that requests may use: an address that stands for all of the machine's is none.
 std::string UrlOf(const PageSettings& settings, const InternetAddress& address)
 {
-    const std::string text = address.Text();
+    const bool isAny = address.Text() == "0.0.0.0" || address.Text() == "::";
+    const std::string text = !isAny ? address.Text() : settings.Names.empty() ? "localhost" : settings.Names.front();
     const std::string host = text.find(':') == std::string::npos ? text : "[" + text + "]";
     return (settings.CertificateFile.empty() ? "http://" : "https://") + host + ":" + std::to_string(address.Port()) +
            "/";

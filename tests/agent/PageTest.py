@@ -84,6 +84,7 @@ class PageTest(endtoend.TestCase):
         certificates(self.folder)
         lines = [f"certificate = '{self.folder}/own.crt'", f"key = '{self.folder}/own.key'", *settings]
         self.start("address = '0.0.0.0'\n" + "\n".join(lines))
+        self.agent.line_with("the page is served on https://localhost:12080/")
         return ssl.create_default_context(cafile=f"{self.folder}/ca.crt")
 
     def test_what_happens_reaches_viewers_and_those_who_come_back(self):
