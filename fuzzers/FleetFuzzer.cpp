@@ -51,14 +51,15 @@ void FuzzReading(std::string_view input)
     const std::string device = topics.Device("02-00-00-00-00-01");
     for (SiteReading::Time now{0}; !reading.IsOver(); now = reading.NextTime())
     {
+        Fuzzing::Check(now < SiteReading::RetryInterval, "a reading comes to its end");
         reading.Advance(now);
-        Fuzzing::Check(reading.Sites().front().Questions() <= FleetReading::MaximumQuestions, "questions are limited");
-        Fuzzing::Check(now < SiteReading::CheckInterval, "a reading comes to its end");
         for (const std::string& topic :
              {topics.State(), topics.Manifest(), topics.ManifestPart(1), device, topics.Events()})
         {
             reading.Take(topic, input, topic != topics.Events(), now);
         }
+        reading.Advance(now);
+        Fuzzing::Check(reading.Sites().front().Questions() <= FleetReading::MaximumQuestions, "questions are limited");
     }
 }
 

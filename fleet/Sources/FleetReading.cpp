@@ -75,21 +75,24 @@ std::vector<ReadingRequest> FleetReading::Advance(Time now)
     }
     Append(requests, Forget());
     std::size_t questions = 0;
-    std::size_t streams = 0;
+    bool isAnswering = false;
+    bool isStreaming = false;
     for (const SiteReading& site : sites)
     {
         questions += site.Questions();
-        streams += site.IsStreaming() ? 1U : 0U;
+        isAnswering = isAnswering || (site.Questions() > 0 && site.Silences() == 0);
+        isStreaming = isStreaming || site.IsStreaming();
     }
+    // A broker drops answers behind the many records of a site. Those that tell of much that is not there hold up
+    // neither records nor all questions.
     for (SiteReading& site : sites)
     {
-        // Those that tell of much that is not there leave half of all questions to the others.
-        const std::size_t most = site.Silences() == 0 ? MaximumQuestions : MaximumQuestions / 2;
+        const std::size_t most = isStreaming ? 0 : site.Silences() == 0 ? MaximumQuestions : MaximumQuestions / 2;
         const std::size_t before = site.Questions();
-        const bool wasStreaming = site.IsStreaming();
-        Append(requests, site.Advance(now, {most - std::min(most, questions), streams < MaximumStreams}));
+        Append(requests, site.Advance(now, {most - std::min(most, questions), !isStreaming && !isAnswering}));
         questions += site.Questions() - before;
-        streams += site.IsStreaming() && !wasStreaming ? 1U : 0U;
+        isAnswering = isAnswering || (site.Questions() > 0 && site.Silences() == 0);
+        isStreaming = isStreaming || site.IsStreaming();
     }
     return requests;
 }

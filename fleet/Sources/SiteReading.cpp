@@ -135,7 +135,9 @@ SiteReading::Time SiteReading::NextTime() const
     {
         return lastProgress + (hasStreamed ? PauseTime : AnswerTime);
     }
-    return !open.empty() ? lastProgress + AnswerTime : isSettled ? lastDoubt + CheckInterval : Time::max();
+    return !open.empty() ? lastProgress + AnswerTime
+           : isSettled   ? lastDoubt + (text.empty() ? CheckInterval : RetryInterval)
+                         : Time::max();
 }
 
 void SiteReading::Doubt()
@@ -173,7 +175,7 @@ std::vector<ReadingRequest> SiteReading::End()
 
 bool SiteReading::IsForgotten() const
 {
-    return !state && !manifest.HasHead() && (isWithdrawn || absences >= MaximumAttempts);
+    return !state && !manifest.HasHead() && (isWithdrawn || absences >= MaximumAbsences);
 }
 
 const char* SiteReading::StateNameOf(const DeviceRecord& record) const

@@ -30,9 +30,6 @@ public:
     /// So many topics are asked for at a time: brokers keep a thousand messages for a slow reader, and often fewer.
     static constexpr std::size_t MaximumQuestions = 100;
 
-    /// So many sites may send all their records at a time.
-    static constexpr std::size_t MaximumStreams = 4;
-
     /// sites are their names; all that there are when it is empty. listener must outlive the object.
     /// @throws std::invalid_argument with the reason when one is no site's name.
     FleetReading(const std::vector<std::string>& sites, SiteReading::ReadingScope scope, ReadingListener& listener);

@@ -59,6 +59,13 @@ public:
     /// How long nothing is doubted: messages that were dropped, those of the manifest among them, show then.
     static constexpr Time CheckInterval = std::chrono::minutes(10);
 
+    /// The same, while something is missing.
+    static constexpr Time RetryInterval = std::chrono::minutes(1);
+
+    /// How often a site is looked for in vain before it is forgotten: a broker that has lost everything has it again
+    /// from the agents before.
+    static constexpr unsigned MaximumAbsences = 10;
+
     /// Twice what an agent watches over; further ones are missing.
     static constexpr std::size_t MaximumDevices = 20000;
 
@@ -104,7 +111,7 @@ public:
     /// Whether there was nothing more to wait for at some time.
     bool IsRead() const { return isRead; }
 
-    /// Whether the broker has nothing of it: somebody has removed it, or it was looked for twice.
+    /// Whether the broker has nothing of it: somebody has removed it, or it was often looked for.
     bool IsForgotten() const;
 
     const std::string& Site() const { return topics.Site(); }
