@@ -278,6 +278,7 @@ void BrokerPublisher::TakeManifest(std::size_t part, const std::string& bytes, T
         log.Warning("unreadable manifest on the broker: " + std::string(error.what()));
         return;
     }
+    readingEnds = std::max(readingEnds, now + RetainedTime); // over a slow line the next part takes as long again
     for (const std::size_t missing : reader.MissingParts())
     {
         if (asked.insert(missing).second)

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
 #include <sstream>
 
 using namespace Zent::Discovery;
@@ -132,6 +135,25 @@ TEST_F(BrokerPublisherTest, TheManifestTellsWhatTheBrokerHasTakenAndNothingThatI
     EXPECT_NE(manifest.find("02-00-00-00-00-02"), std::string::npos);
     EXPECT_NE(SentTo(topics.State()).second.find("ready"), std::string::npos);
     EXPECT_NE(publisher.Status().Text.find("1 refused by the broker"), std::string::npos);
+}
+
+TEST_F(BrokerPublisherTest, TheOwnManifestMayComeOverASlowLine)
+{
+    Fleet::Manifest::Revisions revisions;
+    for (unsigned i = 0; i <= 3 * Fleet::Manifest::PartDevices; ++i)
+    {
+        std::array<char, 24> id{};
+        std::snprintf(id.data(), id.size(), "02-00-00-00-%02x-%02x", i >> 8U, i & 255U);
+        revisions.emplace(id.data(), "r");
+    }
+    std::vector<Fleet::Manifest::Document> documents = Fleet::Manifest::Write(revisions);
+    std::ranges::rotate(documents, documents.end() - 1); // the manifest itself comes first
+    Go(0s, {{Kind::Connected}, {Kind::Subscribed, 0}});
+    for (const auto& [part, text] : documents)
+    {
+        Go(2s, {Message(part == 0 ? topics.Manifest() : topics.ManifestPart(part), text, true), {Kind::Subscribed, 0}});
+    }
+    EXPECT_TRUE(publisher.HasRecord(revisions.rbegin()->first));
 }
 
 TEST_F(BrokerPublisherTest, TheWillOfAnEarlierConnectionDoesNotLast)
