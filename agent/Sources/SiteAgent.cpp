@@ -2,12 +2,11 @@
 
 #include "NullPublisher.h"
 #include "PagePublisher.h"
+#include "Programs/RandomName.h"
 #include "Programs/UdpSockets.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <random>
 #include <unistd.h>
 #include <utility>
 
@@ -19,6 +18,7 @@ using Zent::Discovery::Inventory::Event;
 using Zent::Discovery::Inventory::Time;
 using Zent::Discovery::Programs::HostSession;
 using Zent::Discovery::Programs::MessageQueue;
+using Zent::Discovery::Programs::RandomName;
 using Zent::Discovery::Programs::UdpSocket;
 using Zent::Discovery::Programs::UdpSockets;
 
@@ -30,14 +30,6 @@ constexpr std::uint16_t ServerPort = 12001;
 
 /// How often to look for other programs on the port, and for records whose time is over.
 constexpr Time LookInterval{5000};
-
-std::string RandomName()
-{
-    std::random_device random;
-    std::array<char, 24> text{};
-    std::snprintf(text.data(), text.size(), "%08x%08x", random(), random());
-    return text.data();
-}
 
 std::string MachineName()
 {
@@ -87,7 +79,7 @@ SiteAgent::SiteAgent(const Settings& settings, MessageQueue& messages, Log& log)
     , messages(messages)
     , log(log)
     , topics(settings.Site)
-    , self{SiteState::StateKind::Ready, RandomName(), MachineName(), std::chrono::system_clock::now()}
+    , self{SiteState::StateKind::Ready, RandomName::Make(), MachineName(), std::chrono::system_clock::now()}
     , page(MakePage())
     , host(settings.Session, HandlersFor(messages, log))
     , driver(
@@ -110,13 +102,21 @@ SiteAgent::~SiteAgent() = default;
 
 std::unique_ptr<Page::PageServer> SiteAgent::MakePage() const
 {
-    return settings.HasPage() ? std::make_unique<Page::PageServer>(settings.Page) : nullptr;
+    if (!settings.HasPage())
+    {
+        return nullptr;
+    }
+    return std::make_unique<Page::PageServer>(settings.Page);
 }
 
 std::unique_ptr<ISitePublisher> SiteAgent::MakePublisher()
 {
     std::unique_ptr<ISitePublisher> world = MakeBrokerPublisher();
-    return page ? std::make_unique<PagePublisher>(settings.Site, *page, std::move(world)) : std::move(world);
+    if (!page)
+    {
+        return world;
+    }
+    return std::make_unique<PagePublisher>(settings.Site, *page, std::move(world));
 }
 
 std::unique_ptr<ISitePublisher> SiteAgent::MakeBrokerPublisher()

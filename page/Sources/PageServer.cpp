@@ -2,27 +2,17 @@
 
 #include "HttpDaemon.h"
 #include "PageSecrets.h"
+#include "Programs/RandomName.h"
 #include "SharedModel.h"
 
-#include <array>
 #include <csignal>
-#include <cstdio>
 #include <pthread.h>
-#include <random>
 #include <thread>
 
 namespace Zent::Discovery::Page
 {
 namespace
 {
-std::string RandomName()
-{
-    std::random_device random;
-    std::array<char, 24> text{};
-    std::snprintf(text.data(), text.size(), "%08x%08x", random(), random());
-    return text.data();
-}
-
 const PageSettings& Checked(const PageSettings& settings)
 {
     settings.Check();
@@ -34,7 +24,7 @@ class PageServer::Implementation final
 {
 public:
     explicit Implementation(const PageSettings& settings)
-        : model(RandomName())
+        : model(Programs::RandomName::Make())
         , daemon(Checked(settings), PageSecrets::Load(settings), model)
         , thread([this] { Serve(); })
     {
