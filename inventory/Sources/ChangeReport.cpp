@@ -53,6 +53,13 @@ std::optional<ChangeRequest> ChangeReport::Undo() const
     return interface == nullptr ? std::nullopt : std::optional(ChangeRequest::Configure(*interface));
 }
 
+std::string ChangeReport::PlanText() const
+{
+    const std::string name = Before == nullptr ? "" : " (" + Before->HostName + ")";
+    const std::optional<ChangeRequest> before = Undo();
+    return Subject() + name + ": " + Request.ToString() + (before ? " instead of " + before->ToString() : "");
+}
+
 std::string ChangeReport::ToJson() const
 {
     JsonText json;

@@ -7,7 +7,6 @@
 #include "Text/TerminalText.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <utility>
 
@@ -51,21 +50,6 @@ void Refuse(ChangeReport& report, Code code, const std::string& text)
 {
     report.Verdict = Verdict::NotSent;
     report.Refusal = {code, text};
-}
-
-/// 02:00:00:00:00:01 (press-4): the name "press-5" instead of the name "press-4"
-std::string PlanOf(const ChangeReport& report)
-{
-    const std::string name = report.Before == nullptr ? "" : " (" + report.Before->HostName + ")";
-    const std::optional<ChangeRequest> before = report.Undo();
-    return report.Subject() + name + ": " + report.Request.ToString() +
-           (before ? " instead of " + before->ToString() : "");
-}
-
-bool IsYes(std::string answer)
-{
-    std::ranges::transform(answer, answer.begin(), [](unsigned char each) { return std::tolower(each); });
-    return answer == "y" || answer == "yes";
 }
 
 std::string Seconds(Time time)
@@ -240,11 +224,11 @@ void ChangeRun::ShowPlan(const Steps& steps) const
     {
         if (!context.Out().IsJson())
         {
-            context.Out().PrintLine(TerminalText::Plain(PlanOf(step.Report)));
+            context.Out().PrintLine(TerminalText::Plain(step.Report.PlanText()));
             continue;
         }
         ChangeReport report = step.Report;
-        Refuse(report, Code::DryRun, PlanOf(report));
+        Refuse(report, Code::DryRun, report.PlanText());
         context.Out().PrintLine(R"({"Change":)" + TerminalText::Json(report.ToJson()) + "}");
     }
 }
@@ -269,7 +253,7 @@ ExitStatus ChangeRun::Ask(const Steps& steps, const Manner& manner)
     std::string question;
     for (const Step& step : steps)
     {
-        question += TerminalText::Plain(PlanOf(step.Report)) + "\n";
+        question += TerminalText::Plain(step.Report.PlanText()) + "\n";
     }
     Input().Drop(); // before the question: who has seen it may answer at once
     output.Ask(question + "Send this? [y/N] ");
@@ -280,7 +264,7 @@ ExitStatus ChangeRun::Ask(const Steps& steps, const Manner& manner)
             return answer || Input().HasEnded();
         },
         {});
-    if (isAnswered && IsYes(answer.value_or("")))
+    if (isAnswered && LineInput::IsYes(answer.value_or("")))
     {
         return ExitStatus::Success;
     }

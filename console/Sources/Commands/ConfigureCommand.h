@@ -5,7 +5,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace Zent::Discovery::Console
 {
@@ -17,8 +16,6 @@ public:
     ExitStatus Run(CommandContext& context) override;
 
 private:
-    std::vector<ChangeRun::Wanted> Read() const;
-
     ChangeSettings settings;
     std::optional<std::chrono::milliseconds> confirm;
     std::string file; // its UTF-8 path

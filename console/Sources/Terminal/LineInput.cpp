@@ -3,6 +3,8 @@
 #include "Programs/Mutex.h"
 #include "Programs/Process.h"
 
+#include <algorithm>
+#include <cctype>
 #include <deque>
 #include <thread>
 #include <utility>
@@ -56,6 +58,12 @@ LineInput::~LineInput()
     const Lock guard(state->ChangeLock);
     state->OnNews = {};
     state->OnHangUp = {};
+}
+
+bool LineInput::IsYes(std::string answer)
+{
+    std::ranges::transform(answer, answer.begin(), [](unsigned char each) { return std::tolower(each); });
+    return answer == "y" || answer == "yes";
 }
 
 void LineInput::Drop()

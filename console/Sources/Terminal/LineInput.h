@@ -24,6 +24,9 @@ public:
     /// Whether there is somebody to answer: what he types comes to this program, and he sees its questions.
     static bool IsSomebodyThere();
 
+    /// Whether an answer agrees, in either case.
+    static bool IsYes(std::string answer);
+
     /// Drops what was typed so far: it answers no question that is asked only now.
     void Drop();
 

@@ -43,6 +43,9 @@ struct ChangeReport
     /// started with GivesBack.
     std::optional<ChangeRequest> Undo() const;
 
+    /// For people, before it is sent: 02:00:00:00:00:01 (press-4): the name "press-5" instead of the name "press-4"
+    std::string PlanText() const;
+
     /// {"MACAddress":"..","Verdict":"applied","Seconds":0.4,"Before":{..},"After":{..}}; what is unknown is left out.
     /// One that was not sent has "Code" and "Text" in the place of the seconds, one at a device whose MAC address is
     /// unknown "IPAddress".
