@@ -111,19 +111,23 @@ BrokerConnection::Client::Client(const BrokerSettings& settings, Tell tell)
 
     using Kind = BrokerNews::NewsKind;
     mosquitto_connect_v5_callback_set(handle.get(),
-                                      [](mosquitto*, void* self, int reason, int, const mosquitto_property*) {
-                                          static_cast<Client*>(self)->OnConnect(reason);
+                                      [](mosquitto*, void* self, int reason, int, const mosquitto_property* said) {
+                                          static_cast<Client*>(self)->OnConnect(reason, said);
                                       });
-    mosquitto_publish_v5_callback_set(
-        handle.get(), [](mosquitto*, void* self, int number, int reason, const mosquitto_property*) {
-            static_cast<Client*>(self)->tell({IsError(reason) ? Kind::Refused : Kind::Delivered, number,
-                                              IsError(reason) ? mosquitto_reason_string(reason) : ""});
-        });
+    mosquitto_publish_v5_callback_set(handle.get(),
+                                      [](mosquitto*, void* self, int number, int reason, const mosquitto_property*) {
+                                          BrokerNews news{IsError(reason) ? Kind::Refused : Kind::Delivered, number,
+                                                          IsError(reason) ? mosquitto_reason_string(reason) : ""};
+                                          news.Code = static_cast<std::uint8_t>(reason);
+                                          static_cast<Client*>(self)->tell(std::move(news));
+                                      });
     mosquitto_subscribe_v5_callback_set(
         handle.get(), [](mosquitto*, void* self, int number, int count, const int* granted, const mosquitto_property*) {
             const bool isRefused = count < 1 || IsError(granted[0]);
-            static_cast<Client*>(self)->tell({isRefused ? Kind::Refused : Kind::Subscribed, number,
-                                              isRefused ? "the subscription is not authorized" : ""});
+            BrokerNews news{isRefused ? Kind::Refused : Kind::Subscribed, number,
+                            isRefused ? "the subscription is not authorized" : ""};
+            news.Code = isRefused ? MQTT_RC_NOT_AUTHORIZED : 0;
+            static_cast<Client*>(self)->tell(std::move(news));
         });
     mosquitto_message_v5_callback_set(handle.get(), [](mosquitto*, void* self, const mosquitto_message* message,
                                                        const mosquitto_property* properties) {
@@ -213,15 +217,27 @@ void BrokerConnection::Client::SayGoodbye()
     mosquitto_disconnect_v5(handle.get(), 0, nullptr);
 }
 
-void BrokerConnection::Client::OnConnect(int reason)
+void BrokerConnection::Client::OnConnect(int reason, const mqtt5__property* properties)
 {
     if (IsError(reason))
     {
-        refusal = mosquitto_reason_string(reason);
+        refusal = reason == MQTT_RC_UNSUPPORTED_PROTOCOL_VERSION ? "the broker does not speak MQTT 5"
+                                                                 : mosquitto_reason_string(reason);
         return;
     }
     isAccepted = true;
-    tell({BrokerNews::NewsKind::Connected});
+    BrokerNews news{BrokerNews::NewsKind::Connected};
+    if (std::uint8_t keeps = 1;
+        mosquitto_property_read_byte(properties, MQTT_PROP_RETAIN_AVAILABLE, &keeps, false) != nullptr)
+    {
+        news.KeepsRetained = keeps != 0;
+    }
+    if (std::uint32_t bytes = 0;
+        mosquitto_property_read_int32(properties, MQTT_PROP_MAXIMUM_PACKET_SIZE, &bytes, false) != nullptr)
+    {
+        news.MaximumPacketBytes = bytes;
+    }
+    tell(std::move(news));
 }
 
 void BrokerConnection::Client::OnMessage(const mosquitto_message& message, const mqtt5__property* properties)

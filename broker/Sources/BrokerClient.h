@@ -46,7 +46,7 @@ public:
 private:
     void PrepareTls();
     void PrepareWill();
-    void OnConnect(int reason);
+    void OnConnect(int reason, const mqtt5__property* properties);
     void OnMessage(const mosquitto_message& message, const mqtt5__property* properties);
 
     const BrokerSettings& settings;

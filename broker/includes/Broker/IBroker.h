@@ -47,6 +47,9 @@ struct BrokerNews
     int Number = 0;
     std::string Text = {};
     BrokerMessage Message = {};
+    std::uint8_t Code = 0;                                // of Delivered and Refused: the reason code of MQTT 5
+    bool KeepsRetained = true;                            // of Connected: what the broker says of itself
+    std::optional<std::uint32_t> MaximumPacketBytes = {}; // the same
 };
 
 /// What can be asked of a broker, once and for the connection that there is: nothing waits for the next one.

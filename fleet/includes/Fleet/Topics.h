@@ -58,6 +58,9 @@ public:
 
     const std::string& Site() const { return site; }
 
+    /// What all of them begin with, the slash included.
+    const std::string& Prefix() const { return root; }
+
     std::string State() const { return root + "state"; }
 
     std::string Manifest() const { return root + "manifest"; }
