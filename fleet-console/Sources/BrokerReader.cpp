@@ -1,14 +1,12 @@
 #include "BrokerReader.h"
 
-#include "Broker/BrokerConnection.h"
+#include "BrokerDialogue.h"
+#include "Fleet/Conversation.h"
 
-#include <algorithm>
-#include <chrono>
 #include <stdexcept>
 
-using Zent::Discovery::Broker::BrokerConnection;
-using Zent::Discovery::Broker::BrokerNews;
 using Zent::Discovery::Broker::BrokerSettings;
+using Zent::Discovery::Fleet::Conversation;
 using Zent::Discovery::Fleet::FleetReading;
 using Zent::Discovery::Fleet::ReadingRequest;
 using Zent::Discovery::Programs::MessageQueue;
@@ -17,88 +15,50 @@ namespace Zent::Discovery::FleetConsole
 {
 namespace
 {
-using Clock = std::chrono::steady_clock;
-
-/// How long the program sleeps at most while it connects.
-constexpr std::chrono::hours LongestWait{1};
-
-class Session final
+/// A reading as what is said on a connection.
+class ReadingConversation final : public Conversation
 {
 public:
-    Session(const BrokerSettings& settings, MessageQueue& waiter, FleetReading& reading)
-        : waiter(waiter)
-        , reading(reading)
-        , connection(settings, [&waiter] { waiter.Wake(); })
+    explicit ReadingConversation(FleetReading& reading)
+        : reading(reading)
     {
     }
 
-    void Run()
+    void TakeAnswer(const Answer& answer, Time /*now*/) override
     {
-        while (!reading.IsOver() && !waiter.IsInterrupted())
+        if (answer.IsRefusal())
         {
-            for (const BrokerNews& each : connection.Take())
-            {
-                Take(each);
-            }
-            if (isConnected)
-            {
-                Ask();
-            }
-            if (!reading.IsOver())
-            {
-                waiter.Take(Clock::now() + (isConnected ? reading.NextTime() - Now() : LongestWait));
-            }
+            throw std::runtime_error("the broker refuses: " + answer.Text);
         }
-        connection.Close();
     }
+
+    void TakeMessage(const Message& message, Time now) override
+    {
+        reading.Take(message.Topic, message.Payload, message.IsRetained, now);
+    }
+
+    std::vector<Step> Advance(Time now) override
+    {
+        std::vector<Step> steps;
+        for (const ReadingRequest& each : reading.Advance(now))
+        {
+            steps.push_back({each.IsEnd ? Step::StepKind::Unsubscribe : Step::StepKind::Subscribe, each.Filter});
+        }
+        return steps;
+    }
+
+    Time NextTime() const override { return reading.NextTime(); }
+
+    bool IsOver() const override { return reading.IsOver(); }
 
 private:
-    FleetReading::Time Now() const { return std::chrono::duration_cast<FleetReading::Time>(Clock::now() - start); }
-
-    void Take(const BrokerNews& news)
-    {
-        switch (news.Kind)
-        {
-        case BrokerNews::NewsKind::Connected:
-            isConnected = true;
-            break;
-        case BrokerNews::NewsKind::Disconnected:
-            throw std::runtime_error("no connection to the broker: " + news.Text);
-        case BrokerNews::NewsKind::Refused:
-            throw std::runtime_error("the broker refuses: " + news.Text);
-        case BrokerNews::NewsKind::Received:
-            reading.Take(news.Message.Topic, news.Message.Payload, news.Message.IsRetained, Now());
-            break;
-        default:
-            break;
-        }
-    }
-
-    void Ask()
-    {
-        for (const ReadingRequest& each : reading.Advance(Now()))
-        {
-            if (each.IsEnd)
-            {
-                connection.Unsubscribe(each.Filter);
-            }
-            else
-            {
-                connection.Subscribe(each.Filter);
-            }
-        }
-    }
-
-    MessageQueue& waiter;
     FleetReading& reading;
-    const Clock::time_point start = Clock::now();
-    bool isConnected = false;
-    BrokerConnection connection;
 };
 } // namespace
 
 void BrokerReader::Read(const BrokerSettings& settings, MessageQueue& waiter, FleetReading& reading)
 {
-    Session(settings, waiter, reading).Run();
+    ReadingConversation conversation(reading);
+    BrokerDialogue::Hold(settings, waiter, conversation);
 }
 } // namespace Zent::Discovery::FleetConsole

@@ -22,10 +22,11 @@ namespace Zent::Discovery::FleetConsole
 enum class ExitStatus
 {
     Success = 0,
-    Failure = 1, // the broker cannot be reached or refuses
-    Usage = 2,
-    NoAnswer = 3,   // the broker has no site
-    Incomplete = 6, // less was received than there is
+    Failure = 1,    // the broker cannot be reached or refuses
+    Usage = 2,      // or a command that was not sent
+    NoAnswer = 3,   // the broker has no site, or a command has come to anything but what it is for
+    Incomplete = 6, // less was received, or removed, than there is
+    Errors = 7,     // the broker is no good for the inventory
     Interrupted = 130
 };
 

@@ -1,5 +1,9 @@
+#include "AskCommand.h"
 #include "BrokerOptions.h"
+#include "ChangeCommands.h"
+#include "CheckBrokerCommand.h"
 #include "DevicesCommand.h"
+#include "ForgetCommand.h"
 #include "Programs/Interruption.h"
 #include "Programs/Process.h"
 #include "Programs/ProgramVersion.h"
@@ -13,6 +17,7 @@
 #include <CLI/CLI.hpp>
 
 #include <exception>
+#include <initializer_list>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -23,6 +28,7 @@ using Zent::Discovery::Console::HostPlatform;
 using Zent::Discovery::Console::Output;
 using Zent::Discovery::Console::Terminal;
 using Zent::Discovery::Console::TextTable;
+using Zent::Discovery::Fleet::Command;
 using Zent::Discovery::Programs::Interruption;
 using Zent::Discovery::Programs::MessageQueue;
 using Zent::Discovery::Programs::Process;
@@ -37,7 +43,8 @@ class CommandLine final
 {
 public:
     CommandLine()
-        : App("Shows what a message broker has of the devices of many sites.", ProgramName)
+        : App("Shows what a message broker has of the devices of many sites, and sends commands to their agents.",
+              ProgramName)
     {
         App.require_subcommand(1);
         App.failure_message(CLI::FailureMessage::simple);
@@ -46,8 +53,8 @@ public:
         App.add_option("--site", Sites, "this site alone; may be repeated")->type_name("NAME")->allow_extra_args(false);
         auto* const json = App.add_flag("--json", Json, "one JSON document per line");
         App.add_flag("--csv", Csv, "comma-separated values")->excludes(json);
-        for (ICommand* command :
-             {static_cast<ICommand*>(&sites), static_cast<ICommand*>(&devices), static_cast<ICommand*>(&serve)})
+        for (ICommand* command : std::initializer_list<ICommand*>{&sites, &devices, &serve, &rename, &configure,
+                                                                  &discover, &refresh, &checkBroker, &forget})
         {
             CLI::App& added = command->AddTo(App);
             added.fallthrough();
@@ -55,11 +62,12 @@ public:
             added.callback([this, command] { Chosen = command; });
         }
         App.footer("Exit status:\n"
-                   "  0     everything was received\n"
+                   "  0     everything was received; the device has taken the change; the broker is right\n"
                    "  1     the broker cannot be reached or refuses\n"
-                   "  2     wrong arguments\n"
-                   "  3     the broker has no site\n"
-                   "  6     less was received than there is\n"
+                   "  2     wrong arguments, or a command that was not sent\n"
+                   "  3     the broker has no site, or a command has not come true\n"
+                   "  6     less was received, or removed, than there is; the broker gives less than it has\n"
+                   "  7     the broker is set up so that the inventory does not work\n"
                    "  130   interrupted\n");
     }
 
@@ -74,6 +82,12 @@ private:
     SitesCommand sites;
     DevicesCommand devices;
     ServeCommand serve;
+    RenameCommand rename;
+    ConfigureCommand configure;
+    AskCommand discover{Command::CommandKind::Discover};
+    AskCommand refresh{Command::CommandKind::Refresh};
+    CheckBrokerCommand checkBroker;
+    ForgetCommand forget;
 };
 
 ExitStatus Run(const CommandLine& line)

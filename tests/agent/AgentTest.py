@@ -13,7 +13,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "endtoend"))
 
 import endtoend  # noqa: E402
 from brokers import (  # noqa: E402
-    ANYBODY, PORT, SETTINGS, Agent, Broker, Description, IdleReader, Topics, certificates, identity,
+    ANYBODY, PORT, SETTINGS, Agent, Broker, Description, IdleReader, Topics, certificates, identity, secured,
 )  # fmt: skip
 from endtoend import Simulator, command, wait_until  # noqa: E402
 
@@ -61,22 +61,15 @@ class AgentTest(endtoend.TestCase):
         wait_until(lambda: topics.state() == "disconnected", "goodbye")
 
     def test_commands_need_tls_and_a_name_and_are_checked_and_kept(self):
-        certificates(self.folder)
-        (self.folder / "passwords").write_text("agent:secret\nann:secret\nbob:secret\n", encoding="ascii")
-        subprocess.run(["mosquitto_passwd", "-U", str(self.folder / "passwords")], check=True)
-        (self.folder / "acl").write_text(
+        folder = self.folder
+        rights = (
             "user agent\ntopic readwrite discovery/v1/plant-1/#\n"
             "user ann\ntopic read discovery/v1/#\ntopic write discovery/v1/+/commands\n"
-            "user bob\ntopic read discovery/v1/#\n",
-            encoding="ascii",
+            "user bob\ntopic read discovery/v1/#\n"
         )
-        (self.folder / "broker-password").write_text("secret\n", encoding="ascii")
-        folder = self.folder
+        (folder / "broker-password").write_text("secret\n", encoding="ascii")
         tls = (f"tls = true\nauthority = '{folder}/ca.crt'", "user = 'agent'")
-        self.enterContext(
-            Broker(folder, f"cafile {folder}/ca.crt", f"certfile {folder}/own.crt", f"keyfile {folder}/own.key",
-                   f"password_file {folder}/passwords", f"acl_file {folder}/acl")
-        )  # fmt: skip
+        self.enterContext(Broker(folder, *secured(folder, rights, "agent", "ann", "bob")))
         simulator = self.enterContext(Simulator("--count", "2"))
         client = ("--cafile", f"{folder}/ca.crt", "-P", "secret", "-u")
         topics = self.enterContext(Topics("plant-1", *client, "ann"))

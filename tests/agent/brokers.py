@@ -52,6 +52,17 @@ def certificates(folder):
             "-extfile", "names", "-days", "2")  # fmt: skip
 
 
+def secured(folder, rights, *users):
+    """What a broker needs to be encrypted, and to know users, all with the password secret, by their rights."""
+    certificates(folder)
+    (folder / "users").write_text("".join(f"{user}:secret\n" for user in users), encoding="ascii")
+    subprocess.run(["mosquitto_passwd", "-U", str(folder / "users")], check=True)
+    (folder / "rights").write_text(rights, encoding="ascii")
+    (folder / "password").write_text("secret\n", encoding="ascii")
+    return (f"cafile {folder}/ca.crt", f"certfile {folder}/own.crt", f"keyfile {folder}/own.key",
+            f"password_file {folder}/users", f"acl_file {folder}/rights")  # fmt: skip
+
+
 class Broker(Process):
     """A mosquitto that keeps nothing when it ends. The limit is that of messages for a slow reader; None for its own."""
 

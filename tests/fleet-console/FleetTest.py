@@ -47,7 +47,7 @@ class FleetTest(endtoend.TestCase):
         self.assertEqual(ran.returncode, status, ran.stdout + ran.stderr)
         return ran.stdout, ran.stderr
 
-    def test_a_large_site_is_read_whole_from_a_broker_with_its_usual_settings(self):
+    def test_a_large_site_is_read_whole_and_forgotten_whole_with_a_broker_of_usual_settings(self):
         self.enterContext(Broker(self.folder, "allow_anonymous true", limit=None))
         self.retain(site("a", 3000), site("b", 2, "lost"))
         documents = [json.loads(line) for line in self.fleet("devices", "--json")[0].splitlines()]
@@ -57,7 +57,9 @@ class FleetTest(endtoend.TestCase):
 
         table, _ = self.fleet("devices", "--site", "a", "--sort", "name:desc", "--filter", "name=press-1?")
         self.assertEqual([row[:3] for row in rows(table)], [["a", "present", f"press-{n}"] for n in range(19, 9, -1)])
-        self.assertEqual([row[:3] for row in rows(self.fleet("sites")[0])], [["a", "ready", "3000"], ["b", "lost", "2"]])
+        removed, _ = self.fleet("--json", "forget", "a", "--yes", "--force")
+        self.assertEqual(json.loads(removed), {"Forgotten": {"Site": "a", "Removed": 3005, "Left": 0}})
+        self.assertEqual([row[:3] for row in rows(self.fleet("sites")[0])], [["b", "lost", "2"]])
 
     def test_what_is_missing_is_said(self):
         broker = Broker(self.folder, "allow_anonymous true")

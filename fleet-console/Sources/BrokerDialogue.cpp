@@ -1,0 +1,141 @@
+#include "BrokerDialogue.h"
+
+#include "Broker/BrokerConnection.h"
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+#include <stdexcept>
+#include <utility>
+
+using Zent::Discovery::Broker::BrokerConnection;
+using Zent::Discovery::Broker::BrokerNews;
+using Zent::Discovery::Broker::BrokerSettings;
+using Zent::Discovery::Broker::Publication;
+using Zent::Discovery::Fleet::Conversation;
+using Zent::Discovery::Programs::MessageQueue;
+
+namespace Zent::Discovery::FleetConsole
+{
+namespace
+{
+using Clock = std::chrono::steady_clock;
+
+/// How long the program sleeps at most while it waits for nothing but the broker.
+constexpr std::chrono::hours LongestWait{1};
+
+class Dialogue final
+{
+public:
+    Dialogue(const BrokerSettings& settings, MessageQueue& waiter, Conversation& conversation)
+        : waiter(waiter)
+        , conversation(conversation)
+        , connection(settings, [&waiter] { waiter.Wake(); })
+    {
+    }
+
+    void Run()
+    {
+        while (!conversation.IsOver() && !waiter.IsInterrupted())
+        {
+            for (BrokerNews& each : connection.Take())
+            {
+                if (!conversation.IsOver()) // what breaks then harms nobody
+                {
+                    Take(each);
+                }
+            }
+            if (isConnected && !conversation.IsOver())
+            {
+                for (Conversation::Step& each : conversation.Advance(Now()))
+                {
+                    Do(each);
+                }
+            }
+            if (!conversation.IsOver())
+            {
+                waiter.Take(Clock::now() + TimeToSleep());
+            }
+        }
+        connection.Close();
+    }
+
+private:
+    Conversation::Time Now() const { return std::chrono::duration_cast<Conversation::Time>(Clock::now() - start); }
+
+    Conversation::Time TimeToSleep() const
+    {
+        const Conversation::Time now = Now();
+        const Conversation::Time next = isConnected ? conversation.NextTime() : now + LongestWait;
+        return std::clamp<Conversation::Time>(next - now, Conversation::Time{0}, LongestWait);
+    }
+
+    void Take(BrokerNews& news)
+    {
+        switch (news.Kind)
+        {
+        case BrokerNews::NewsKind::Connected:
+            isConnected = true;
+            conversation.TakeLimits({news.KeepsRetained, news.MaximumPacketBytes});
+            break;
+        case BrokerNews::NewsKind::Disconnected:
+            throw std::runtime_error("no connection to the broker: " + news.Text);
+        case BrokerNews::NewsKind::Delivered:
+        case BrokerNews::NewsKind::Refused:
+        case BrokerNews::NewsKind::Subscribed:
+            if (const auto step = numbers.extract(news.Number); step)
+            {
+                conversation.TakeAnswer({step.mapped(), news.Code, std::move(news.Text)}, Now());
+            }
+            break;
+        case BrokerNews::NewsKind::Received:
+            conversation.TakeMessage({std::move(news.Message.Topic), std::move(news.Message.Payload),
+                                      news.Message.IsRetained, std::move(news.Message.CorrelationData)},
+                                     Now());
+            break;
+        }
+    }
+
+    void Do(Conversation::Step& step)
+    {
+        if (step.Kind == Conversation::Step::StepKind::Unsubscribe)
+        {
+            connection.Unsubscribe(step.Topic);
+            return;
+        }
+        const std::optional<int> number = step.Kind == Conversation::Step::StepKind::Subscribe
+                                              ? connection.Subscribe(step.Topic)
+                                              : connection.Publish(PublicationOf(step));
+        if (number)
+        {
+            numbers.emplace(*number, step.Number);
+        }
+        else // the end of the connection comes next; or nothing of the kind can be sent to this broker
+        {
+            conversation.TakeAnswer({step.Number, Conversation::Answer::FirstOfRefusals, "it cannot be sent"}, Now());
+        }
+    }
+
+    static Publication PublicationOf(Conversation::Step& step)
+    {
+        Publication publication{std::move(step.Topic), std::move(step.Payload), step.IsRetained};
+        publication.ResponseTopic = std::move(step.ResponseTopic);
+        publication.CorrelationData = std::move(step.CorrelationData);
+        publication.ExpirySeconds = step.ExpirySeconds;
+        return publication;
+    }
+
+    MessageQueue& waiter;
+    Conversation& conversation;
+    const Clock::time_point start = Clock::now();
+    bool isConnected = false;
+    std::map<int, std::size_t> numbers; // of steps, by those that the broker answers with
+    BrokerConnection connection;
+};
+} // namespace
+
+void BrokerDialogue::Hold(const BrokerSettings& settings, MessageQueue& waiter, Conversation& conversation)
+{
+    Dialogue(settings, waiter, conversation).Run();
+}
+} // namespace Zent::Discovery::FleetConsole

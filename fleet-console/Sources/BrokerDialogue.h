@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Broker/BrokerSettings.h"
+#include "Fleet/Conversation.h"
+#include "Programs/MessageQueue.h"
+
+namespace Zent::Discovery::FleetConsole
+{
+/// Holds conversations with a broker, each on a connection of its own.
+class BrokerDialogue final
+{
+public:
+    BrokerDialogue() = delete;
+
+    /// Lets the conversation come to its end; waiter is where the program waits, and is interrupted.
+    /// @throws std::runtime_error when the broker cannot be reached, or the connection breaks.
+    static void Hold(const Broker::BrokerSettings& settings,
+                     Programs::MessageQueue& waiter,
+                     Fleet::Conversation& conversation);
+};
+} // namespace Zent::Discovery::FleetConsole
