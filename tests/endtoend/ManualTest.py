@@ -6,7 +6,12 @@ import subprocess
 
 from endtoend import TestCase, command, main, setting
 
-PROGRAMS = {"discovery-console": "console", "device-simulator": "simulator"}
+PAGES = {
+    "discovery-console": "console/man/discovery-console.1",
+    "device-simulator": "simulator/man/device-simulator.1",
+    "discovery-fleet": "fleet-console/man/discovery-fleet.1",
+    "discovery-agent": "agent/man/discovery-agent.8",
+}
 COMPLETION = """
 source {script} || exit
 COMP_WORDS=({words})
@@ -33,12 +38,12 @@ def all_commands(program, *commands):
 
 
 class ManualTest(TestCase):
-    def file(self, program, kind, name):
-        return setting("source") / PROGRAMS[program] / kind / name
+    def page(self, program):
+        return setting("source") / PAGES[program]
 
     def completions(self, program, *words):
         script = COMPLETION.format(
-            script=shlex.quote(str(self.file(program, "completion", program))),
+            script=shlex.quote(str(self.page(program).parent.parent / "completion" / program)),
             words=shlex.join((program, *words)),
             last=len(words),
             function="_" + program.replace("-", "_"),
@@ -47,8 +52,8 @@ class ManualTest(TestCase):
         return result.stdout.decode().split()
 
     def test_pages_and_completions_know_every_option_and_command(self):
-        for program in PROGRAMS:
-            page = self.file(program, "man", program + ".1").read_text().replace("\\-", "-")
+        for program in PAGES:
+            page = self.page(program).read_text().replace("\\-", "-")
             for words, options in all_commands(program):
                 with self.subTest(program, words=words):
                     self.assertTrue(options)
@@ -61,12 +66,12 @@ class ManualTest(TestCase):
                         self.assertIn(option, offered)
 
     def test_the_page_and_the_help_have_the_same_exit_statuses(self):
-        text = subprocess.run(command("discovery-console", "--help"), stdout=subprocess.PIPE, check=True).stdout.decode()
-        page = self.file("discovery-console", "man", "discovery-console.1").read_text()
-        self.assertEqual(
-            re.findall(r"^  (\d+) ", text.partition("Exit status:\n")[2], re.MULTILINE),
-            re.findall(r"^\.B (\d+)$", page, re.MULTILINE),
-        )
+        for program in ("discovery-console", "discovery-fleet"):
+            text = subprocess.run(command(program, "--help"), stdout=subprocess.PIPE, check=True).stdout.decode()
+            self.assertEqual(
+                re.findall(r"^  (\d+) ", text.partition("Exit status:\n")[2], re.MULTILINE),
+                re.findall(r"^\.B (\d+)$", self.page(program).read_text(), re.MULTILINE),
+            )
 
     def test_completes_what_stands_behind_options(self):
         (self.folder / "a result.json").touch()
@@ -82,8 +87,7 @@ class ManualTest(TestCase):
         self.assertEqual(self.completions(console, "inventory", "show", "a"), ["a", "result.json"])
 
     def test_pages_are_well_formed(self):
-        for program in PROGRAMS:
-            page = self.file(program, "man", program + ".1")
+        for page in map(self.page, PAGES):
             result = subprocess.run(["mandoc", "-T", "lint", "-W", "warning", str(page)], stdout=subprocess.PIPE)
             self.assertEqual((result.returncode, result.stdout.decode()), (0, ""))
 

@@ -129,11 +129,12 @@ class DebTest(TestCase):
 
     def check_operating_notes(self):
         """Their links hold where only the programs are installed."""
-        folder = self.root / "usr/share/doc" / TOOLS
-        self.assertTrue((folder / "operating.md").exists())
-        for page in folder.rglob("*.md"):
-            for link in re.findall(r"\]\(([^)#]+)", page.read_text(encoding="utf-8")):
-                self.assertTrue((page.parent / link).exists(), f"{page.name}: {link}")
+        for package, note in ((TOOLS, "operating.md"), (AGENT, "fleet.md")):
+            folder = self.root / "usr/share/doc" / package
+            self.assertTrue((folder / note).exists())
+            for page in folder.rglob("*.md"):
+                for link in re.findall(r"\]\(([^)#]+)", page.read_text(encoding="utf-8")):
+                    self.assertTrue((page.parent / link).exists(), f"{page.name}: {link}")
 
     def check_choice(self):
         defaults = self.root / "etc/default" / TOOLS
