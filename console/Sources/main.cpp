@@ -5,6 +5,7 @@
 #include "Programs/WrongArgument.h"
 #include "Show/Output.h"
 #include "Terminal/HostPlatform.h"
+#include "Terminal/ProgramRights.h"
 #include "Terminal/Terminal.h"
 #include "system/Exception.h"
 
@@ -68,7 +69,7 @@ int main(int argc, char* argv[])
         ICommand* const command = commandLine.Parse(Process::Arguments(argc, argv), std::cout, std::cerr, status);
         if (command != nullptr)
         {
-            HostPlatform::KeepRightsOnlyFor(commandLine.Options().Session.Library);
+            ProgramRights::KeepOnlyFor(commandLine.Options().Session.Library);
             return static_cast<int>(Run(*command, commandLine.Options()));
         }
         if (!std::cout.flush().good())

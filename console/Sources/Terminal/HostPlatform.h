@@ -15,11 +15,6 @@ public:
     /// Where the library lies in an installation: found from the program's own place.
     static std::string DefaultLibraryPath();
 
-    /// For a program whose file gives rights to whoever starts it: keeps them only where the library that it loads is
-    /// the installed one, which none but the administrator can replace. Before other threads start.
-    /// @throws std::runtime_error when the system does not take them back.
-    static void KeepRightsOnlyFor(const std::string& library);
-
     /// A log of the user's own; its folder need not exist. Where users have no folder of their own there is no log.
     static std::string DefaultLogPath();
 

@@ -46,11 +46,6 @@ std::string HostPlatform::DefaultLibraryPath()
     return Utf8(ProgramPath().replace_filename(L"DiscoveryServer.ExtC.dll"));
 }
 
-void HostPlatform::KeepRightsOnlyFor(const std::string& /*library*/)
-{
-    // A file gives no rights here.
-}
-
 std::string HostPlatform::DefaultLogPath()
 {
     const std::filesystem::path folder = StateFolder();
