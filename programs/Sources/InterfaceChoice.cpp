@@ -104,14 +104,15 @@ void InterfaceChoice::Check(std::span<const NetworkInterface> interfaces, const 
     {
         if (!FindOwn(interfaces, text))
         {
-            throw WrongArgument("--from: \"" + text + "\" is no address of this machine; it has " + Joined(texts));
+            throw WrongArgument(wishes.AddressSetting + (": \"" + text) + "\" is no address of this machine; it has " +
+                                Joined(texts));
         }
     }
     for (const std::string& name : wishes.Names)
     {
         if (std::ranges::find(names, name) == names.end())
         {
-            throw WrongArgument("--interface: \"" + name + "\" is no interface of this machine; it has " +
+            throw WrongArgument(wishes.NameSetting + (": \"" + name) + "\" is no interface of this machine; it has " +
                                 Joined(names));
         }
     }

@@ -166,16 +166,19 @@ class AgentTest(endtoend.TestCase):
         subprocess.run([*program, str(uncommented)], check=True, stdout=subprocess.DEVNULL)
 
     def test_settings_are_checked_with_their_place(self):
-        def check(text):
+        def check(text, *options):
             file = self.folder / "agent.toml"
             file.write_text(text, encoding="utf-8")
             result = subprocess.run(
-                command("discovery-agent", "--config", str(file), "--check-config"),
+                command("discovery-agent", "--config", str(file), *(options or ("--check-config",))),
                 capture_output=True, text=True, check=False,
             )  # fmt: skip
             return result.returncode, result.stderr.removeprefix(f"discovery-agent: {file}: ")
 
         self.assertEqual(check(SETTINGS), (0, ""))
+        status, reason = check(SETTINGS.replace('["127.0.0.1"]', '["192.0.2.7"]'), "--library", endtoend.library_path())
+        self.assertIn('discovery.addresses: "192.0.2.7" is no address of this machine', reason)
+        self.assertEqual(status, 2)
         for text, expected in (
             ('site = "a/b"', "line 1, column 8: site: "),
             ("[broker]\nport = 70000", "line 2, column 8: port is no whole number from 1 to 65535"),

@@ -18,6 +18,10 @@ public:
         std::vector<std::string> Addresses = {}; // counts alone when there is one
         std::vector<std::string> Names = {};     // these interfaces alone, whatever they are
         bool All = false;                        // those too that are usually left out
+
+        // What the user has said the first two by.
+        const char* AddressSetting = "--from"; // a literal
+        const char* NameSetting = "--interface";
     };
 
     /// Without wishes every interface that is up, has an address and can broadcast takes part, unless it is a loopback
