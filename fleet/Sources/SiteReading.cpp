@@ -87,14 +87,14 @@ std::vector<ReadingRequest> SiteReading::Conclude(Time now)
         lastProgress = now;
         GiveUpOpen();
     }
-    else if (isSilent)
-    {
-        lastDoubt = now;
-        Doubt();
-    }
     if (HasAnswers())
     {
         Settle();
+    }
+    if (isSettled && now >= NextTime())
+    {
+        lastDoubt = now;
+        Doubt();
     }
     return std::exchange(requests, {});
 }
