@@ -62,6 +62,7 @@ std::optional<std::string> PlanOrder::Clear(Item& item, SitePlan& plan)
         const bool isStillThere = holder != item.What.Holder && holders[value].contains(holder);
         if (const auto reason = isStillThere ? MakeWay(holder, value, plan) : std::nullopt)
         {
+            // NOLINTNEXTLINE(performance-inefficient-string-concatenation): once, for it ends the loop
             return '"' + value + "\" is what " + holder + " has, " + *reason;
         }
     }
