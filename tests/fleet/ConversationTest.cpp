@@ -136,7 +136,9 @@ TEST(ConversationTest, ASenderLearnsWhyNobodyReplies)
     {
         SCOPED_TRACE(expected);
         ScriptedBroker broker;
-        broker.Code = [&](const Conversation::Step& step) { return step.Topic == topic ? code : std::uint8_t{0}; };
+        broker.Code = [topic = topic, code = code](const Conversation::Step& step) {
+            return step.Topic == topic ? code : std::uint8_t{0};
+        };
         CommandExchange exchange(Plant, "ann", "token", TwoRenames(), 2s);
         broker.Hold(exchange);
         EXPECT_EQ(exchange.Verdicts()[1]->Name, name);
