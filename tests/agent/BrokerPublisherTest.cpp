@@ -147,7 +147,7 @@ TEST_F(BrokerPublisherTest, TheOwnManifestMayComeOverASlowLine)
         revisions.emplace(id.data(), "r");
     }
     std::vector<Fleet::Manifest::Document> documents = Fleet::Manifest::Write(revisions);
-    std::ranges::rotate(documents, documents.end() - 1); // the manifest itself comes first
+    std::rotate(documents.begin(), documents.end() - 1, documents.end()); // the manifest itself comes first
     Go(0s, {{Kind::Connected}, {Kind::Subscribed, 0}});
     for (const auto& [part, text] : documents)
     {
