@@ -3,7 +3,9 @@
 #include "Fleet/Topics.h"
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace Zent::Discovery::Fleet
@@ -84,7 +86,8 @@ std::vector<Conversation::Step> RetainedRemoval::Advance(Time now)
         lastProgress = now;
         steps.push_back({Step::StepKind::Subscribe, root + "#", Subscription});
     }
-    for (const std::size_t most = isTried ? lastNumber : std::min(lastNumber, First); sent < most;)
+    const std::size_t most = isTried ? lastNumber : IsAboutToTry() && now >= NextTime() ? First : sent;
+    while (sent < most)
     {
         ++sent;
         steps.push_back(
@@ -95,15 +98,35 @@ std::vector<Conversation::Step> RetainedRemoval::Advance(Time now)
 
 Conversation::Time RetainedRemoval::NextTime() const
 {
-    return isOver || !underWay.empty() ? Time::max()
-           : !isAsking                 ? Time{0}
-                                       : lastProgress + (hasCome ? PauseTime : AnswerTime);
+    return isOver              ? Time::max()
+           : IsAboutToTry()    ? lastProgress + PauseTime
+           : !underWay.empty() ? Time::max()
+           : !isAsking         ? Time{0}
+                               : lastProgress + (hasCome ? PauseTime : AnswerTime);
 }
 
 std::size_t RetainedRemoval::Left() const
 {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(targets, [](const auto& each) { return each.second.IsLeft; }));
+    std::set<std::string_view> left; // those that wait may be there twice
+    for (const auto& [number, topic] : underWay)
+    {
+        left.insert(topic);
+    }
+    for (const auto& [topic, target] : targets)
+    {
+        if (target.IsLeft)
+        {
+            left.insert(topic);
+        }
+    }
+    return left.size();
+}
+
+/// A broker that breaks the connection with something unread takes its last words back, which would be the refusal: the
+/// first removal goes when nothing is on its way.
+bool RetainedRemoval::IsAboutToTry() const
+{
+    return sent == 0 && !underWay.empty();
 }
 
 void RetainedRemoval::TakeManifest(const Message& message)

@@ -186,7 +186,7 @@ TEST(ConversationTest, WhatIsLeftOfASiteIsTold)
     RetainedRemoval refused(Plant.Prefix());
     broker.Hold(refused);
     EXPECT_EQ(broker.Published.size(), 1U) << "brokers break the connection after the first refusal";
-    EXPECT_EQ(refused.Left(), 1U);
+    EXPECT_EQ(std::pair(refused.Removed(), refused.Left()), std::pair(std::size_t{0}, std::size_t{2}));
     EXPECT_EQ(refused.Trouble(), Plant.Device("02-00-00-00-00-01") + ": no");
 
     broker.Retained.erase(Plant.Device("02-00-00-00-00-01"));

@@ -36,7 +36,7 @@ public:
     /// How many topics hold nothing now that did, or were said to.
     std::size_t Removed() const { return targets.size() - Left(); }
 
-    /// How many topics still hold something.
+    /// How many topics still hold something, those included that were not tried.
     std::size_t Left() const;
 
     /// Why one of them does: the topic with what the broker or somebody else has against it; empty when none is left.
@@ -50,6 +50,7 @@ private:
         bool IsLeft = false;
     };
 
+    bool IsAboutToTry() const;
     void TakeManifest(const Message& message);
     void RemoveKnown(const std::string& topic);
     void Remove(const std::string& topic);
