@@ -1,8 +1,10 @@
 #include "BrokerClient.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <mosquitto.h>
 #include <mqtt_protocol.h>
 #include <stdexcept>
@@ -12,6 +14,11 @@ namespace Zent::Discovery::Broker
 namespace
 {
 constexpr int LoopMilliseconds = 1000;
+constexpr std::chrono::seconds LongestLoop{LoopMilliseconds / 1000 + 1}; // for times that are cut to seconds
+
+/// How long after a standstill messages may be read that had come before.
+constexpr std::chrono::seconds ReadingTime{5};
+
 constexpr int AtMostOnce = 0;
 constexpr int AtLeastOnce = 1;
 
@@ -78,6 +85,14 @@ std::string ReasonOf(int code)
 bool IsError(int reasonCode)
 {
     return reasonCode >= 0x80; // by the protocol
+}
+
+/// Since the machine was started, the time that it has slept included.
+std::chrono::seconds Uptime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_BOOTTIME, &time);
+    return std::chrono::seconds(time.tv_sec);
 }
 
 } // namespace
@@ -173,11 +188,14 @@ std::string BrokerConnection::Client::Connect()
     const int result =
         mosquitto_connect_bind_v5(handle.get(), settings.Host.c_str(), settings.Port,
                                   static_cast<int>(settings.KeepAlive.count()), nullptr, properties.Get());
+    loopBegan = Uptime();
     return result == MOSQ_ERR_SUCCESS ? "" : ReasonOf(result);
 }
 
 std::string BrokerConnection::Client::Loop()
 {
+    NoteStandstill();
+    loopBegan = Uptime();
     const int result = mosquitto_loop(handle.get(), LoopMilliseconds, 1);
     return !refusal.empty()               ? refusal
            : result == MOSQ_ERR_SUCCESS   ? ""
@@ -240,6 +258,25 @@ void BrokerConnection::Client::OnConnect(int reason, const mqtt5__property* prop
     tell(std::move(news));
 }
 
+/// Notes when program or machine have stood still. What was sent meanwhile is read now, and the broker has counted its
+/// expiry only until it sent it.
+void BrokerConnection::Client::NoteStandstill()
+{
+    const std::chrono::seconds now = Uptime();
+    if (now - loopBegan > LongestLoop)
+    {
+        standstill = now - loopBegan - LongestLoop;
+        standstillCounts = now + ReadingTime;
+    }
+}
+
+std::uint32_t BrokerConnection::Client::LeftOf(std::uint32_t expiry)
+{
+    NoteStandstill();
+    const auto late = static_cast<std::uint32_t>(Uptime() < standstillCounts ? standstill.count() : 0);
+    return expiry - std::min(expiry, late);
+}
+
 void BrokerConnection::Client::OnMessage(const mosquitto_message& message, const mqtt5__property* properties)
 {
     BrokerNews news{BrokerNews::NewsKind::Received};
@@ -263,7 +300,7 @@ void BrokerConnection::Client::OnMessage(const mosquitto_message& message, const
     if (std::uint32_t seconds = 0;
         mosquitto_property_read_int32(properties, MQTT_PROP_MESSAGE_EXPIRY_INTERVAL, &seconds, false) != nullptr)
     {
-        news.Message.ExpirySeconds = seconds;
+        news.Message.ExpirySeconds = LeftOf(seconds);
     }
     tell(std::move(news));
 }

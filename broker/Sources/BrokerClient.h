@@ -3,6 +3,8 @@
 #include "Broker/BrokerConnection.h"
 
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -48,11 +50,18 @@ private:
     void PrepareWill();
     void OnConnect(int reason, const mqtt5__property* properties);
     void OnMessage(const mosquitto_message& message, const mqtt5__property* properties);
+    void NoteStandstill();
+    std::uint32_t LeftOf(std::uint32_t expiry);
 
     const BrokerSettings& settings;
     const Tell tell;
     const std::unique_ptr<mosquitto, void (*)(mosquitto*)> handle;
-    std::string refusal;                 // the broker's; only the thread of Loop
     std::atomic<bool> isAccepted{false}; // written by the thread of Loop
+
+    // Only the thread of Loop. Times are those of the machine's uptime.
+    std::string refusal;                      // the broker's
+    std::chrono::seconds loopBegan{0};        // the last one
+    std::chrono::seconds standstill{0};       // the last one, as long as it counts
+    std::chrono::seconds standstillCounts{0}; // until then
 };
 } // namespace Zent::Discovery::Broker

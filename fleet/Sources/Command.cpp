@@ -37,6 +37,10 @@ void CheckMessage(const CommandMessage& message, const SiteTopics& topics)
         throw Refusal("no-expiry", "a command needs an expiry of at most " +
                                        std::to_string(Command::MaximumAge.count()) + " seconds");
     }
+    if (*message.ExpirySeconds == 0)
+    {
+        throw Refusal("expired", "the command has come too late");
+    }
     if (*message.ExpirySeconds > Command::MaximumAge.count())
     {
         throw Refusal("expiry-too-long", "the expiry of " + std::to_string(*message.ExpirySeconds) +

@@ -6,6 +6,7 @@ import re
 import signal
 import subprocess
 import sys
+import time
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent.parent / folder) for folder in ("endtoend", "agent")]
 
@@ -73,6 +74,11 @@ class CommandTest(endtoend.TestCase):
             agent.process.send_signal(signal.SIGSTOP)
             told = self.change("rename", "x", "--device", identity, "--timeout", "1", status=3)
             self.assertEqual(told["Verdict"], "no-reply")
+            time.sleep(3)  # until it has expired for sure
+            known = len(self.audit())
+            agent.process.send_signal(signal.SIGCONT)
+            wait_until(lambda: len(self.audit()) > known, "verdict")
+            self.assertEqual(self.audit()[known].get("Code"), "expired")
             agent.kill()
             wait_until(lambda: topics.state() == "lost", "will")
         self.assertEqual(self.change("rename", "x", "--device", identity, status=2)["Code"], "no-agent")
@@ -116,8 +122,10 @@ class CommandTest(endtoend.TestCase):
             check=True,
         )  # fmt: skip
         self.assertEqual(self.change("rename", "x", "--device", identity, status=2)["Code"], "stale")
-        audit = [json.loads(line) for line in (self.folder / "commands.log").read_text().splitlines()]
-        self.assertEqual({line["Sender"] for line in audit}, {"ann"})
+        self.assertEqual({line["Sender"] for line in self.audit()}, {"ann"})
+
+    def audit(self):
+        return [json.loads(line) for line in (self.folder / "commands.log").read_text().splitlines()]
 
     def test_a_broker_is_checked_and_left_as_it_was(self):
         def watch(*options):

@@ -44,6 +44,8 @@ TEST(CommandTest, AMessageMustNotWriteElsewhereNorBeOldNorBeRepeated)
     EXPECT_EQ(CodeOf(message), "no-expiry");
     message.ExpirySeconds = 31;
     EXPECT_EQ(CodeOf(message), "expiry-too-long");
+    message.ExpirySeconds = 0;
+    EXPECT_EQ(CodeOf(message), "expired");
     message = Message(Rename);
     message.IsRetained = true;
     EXPECT_EQ(CodeOf(message), "retained");

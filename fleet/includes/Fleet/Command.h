@@ -54,7 +54,7 @@ public:
     static constexpr std::chrono::seconds MaximumAge{30};
 
     /// @throws Refusal: foreign-topic when the reply would go elsewhere than to a client's own topics, retained,
-    /// no-expiry and expiry-too-long, bad-command.
+    /// no-expiry, expired and expiry-too-long, bad-command.
     static Command Read(const CommandMessage& message, const SiteTopics& topics);
 
     CommandKind Kind;
