@@ -153,6 +153,10 @@ void Settings::Check() const
     {
         throw WrongArgument("authority, certificate and key of the broker need tls = true");
     }
+    if (const std::string wrong = Broker.WrongWithFiles(); !wrong.empty())
+    {
+        throw WrongArgument("[broker]: " + wrong);
+    }
     if (HasPage())
     {
         Page.Check();

@@ -29,7 +29,7 @@ namespace
 enum ExitStatus
 {
     Success = 0,
-    Failure = 1, // the library, the system or the settings of TLS
+    Failure = 1, // the library or the system
     Usage = 2    // the command line or the settings are wrong
 };
 
@@ -47,7 +47,9 @@ struct Options
         program.add_option("--config", Config, "the file of settings; all of them have defaults")->type_name("FILE");
         program.add_flag("--check-config", ChecksOnly, "say whether the settings are right, and end");
         program.add_option("--site", Site, "the site's name; this machine's without it")->type_name("NAME");
-        program.add_option("--page-port", PagePort, "where the page is served; 0 for none")->type_name("NUMBER");
+        program.add_option("--page-port", PagePort, "where the page is served; 0 for none")
+            ->type_name("NUMBER")
+            ->check(CLI::Range(0, 65535).description(""));
         program.add_option("--library", Library, "the library to load")->type_name("FILE");
         program.set_version_flag("--version",
                                  std::string("discovery-agent ") + Zent::Discovery::Programs::ProgramVersion);

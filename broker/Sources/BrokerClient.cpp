@@ -79,7 +79,9 @@ void AddTo(Properties& properties, const Publication& publication)
 
 std::string ReasonOf(int code)
 {
-    return code == MOSQ_ERR_ERRNO ? std::strerror(errno) : mosquitto_strerror(code); // NOLINT(concurrency-mt-unsafe)
+    return code == MOSQ_ERR_ERRNO ? std::strerror(errno) // NOLINT(concurrency-mt-unsafe)
+           : code == MOSQ_ERR_EAI ? "the name is not known"
+                                  : mosquitto_strerror(code);
 }
 
 bool IsError(int reasonCode)
@@ -116,6 +118,9 @@ BrokerConnection::Client::Client(const BrokerSettings& settings, Tell tell)
     // which the broker's system puts off for 40 ms in the hope of an answer to send along.
     mosquitto_int_option(handle.get(), MOSQ_OPT_TCP_NODELAY, 1);
     mosquitto_threaded_set(handle.get(), true);
+    mosquitto_log_callback_set(handle.get(), [](mosquitto*, void* self, int level, const char* text) {
+        static_cast<Client*>(self)->OnLog(level, text);
+    });
     if (!settings.User.empty())
     {
         mosquitto_username_pw_set(handle.get(), settings.User.c_str(),
@@ -168,7 +173,8 @@ void BrokerConnection::Client::PrepareTls()
                                 file(settings.CertificateFile), file(settings.KeyFile), nullptr);
     if (result != MOSQ_ERR_SUCCESS)
     {
-        throw std::runtime_error("the files for TLS cannot be used: " + ReasonOf(result));
+        const std::string wrong = settings.WrongWithFiles();
+        throw std::runtime_error(wrong.empty() ? "the files for TLS cannot be used: " + ReasonOf(result) : wrong);
     }
 }
 
@@ -189,7 +195,12 @@ std::string BrokerConnection::Client::Connect()
         mosquitto_connect_bind_v5(handle.get(), settings.Host.c_str(), settings.Port,
                                   static_cast<int>(settings.KeepAlive.count()), nullptr, properties.Get());
     loopBegan = Uptime();
-    return result == MOSQ_ERR_SUCCESS ? "" : ReasonOf(result);
+    return result == MOSQ_ERR_SUCCESS ? "" : EndReasonOf(result);
+}
+
+std::string BrokerConnection::Client::EndReasonOf(int code) const
+{
+    return code == MOSQ_ERR_TLS && !complaint.empty() ? "TLS: " + complaint : ReasonOf(code);
 }
 
 std::string BrokerConnection::Client::Loop()
@@ -202,7 +213,7 @@ std::string BrokerConnection::Client::Loop()
            : result == MOSQ_ERR_CONN_LOST ? "the connection was lost"
            : result == MOSQ_ERR_NO_CONN   ? "the connection is closed"
            : result == MOSQ_ERR_KEEPALIVE ? "the broker does not answer"
-                                          : ReasonOf(result);
+                                          : EndReasonOf(result);
 }
 
 std::optional<int> BrokerConnection::Client::Publish(const Publication& publication)
@@ -235,6 +246,16 @@ void BrokerConnection::Client::SayGoodbye()
     mosquitto_disconnect_v5(handle.get(), 0, nullptr);
 }
 
+void BrokerConnection::Client::OnLog(int level, const std::string& text)
+{
+    if (level == MOSQ_LOG_ERR && complaint.empty())
+    {
+        const std::size_t begin = text.find_first_not_of(' ', text.rfind(':') + 1); // after what tells where it is from
+        complaint = begin == std::string::npos ? text : text.substr(begin);
+        complaint.resize(complaint.size() - (complaint.ends_with('.') ? 1 : 0));
+    }
+}
+
 void BrokerConnection::Client::OnConnect(int reason, const mqtt5__property* properties)
 {
     if (IsError(reason))
@@ -243,6 +264,7 @@ void BrokerConnection::Client::OnConnect(int reason, const mqtt5__property* prop
                                                                  : mosquitto_reason_string(reason);
         return;
     }
+    mosquitto_log_callback_set(handle.get(), nullptr); // all messages would be told there
     isAccepted = true;
     BrokerNews news{BrokerNews::NewsKind::Connected};
     if (std::uint8_t keeps = 1;

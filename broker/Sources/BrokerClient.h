@@ -48,6 +48,8 @@ public:
 private:
     void PrepareTls();
     void PrepareWill();
+    void OnLog(int level, const std::string& text);
+    std::string EndReasonOf(int code) const;
     void OnConnect(int reason, const mqtt5__property* properties);
     void OnMessage(const mosquitto_message& message, const mqtt5__property* properties);
     void NoteStandstill();
@@ -55,6 +57,7 @@ private:
 
     const BrokerSettings& settings;
     const Tell tell;
+    std::string complaint; // of the libraries, until the broker has accepted; only the thread of Loop
     const std::unique_ptr<mosquitto, void (*)(mosquitto*)> handle;
     std::atomic<bool> isAccepted{false}; // written by the thread of Loop
 

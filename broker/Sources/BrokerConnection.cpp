@@ -94,6 +94,10 @@ void BrokerConnection::Run()
             reason = attempt->Connect();
             reason = reason.empty() ? Serve(attempt) : reason;
             failures = attempt->IsAccepted() ? 0 : failures;
+            if (!attempt->IsAccepted())
+            {
+                reason += " (" + settings.Host + ", port " + std::to_string(settings.Port) + ')';
+            }
         }
         catch (const std::runtime_error& error) // files for TLS that were there at the start
         {

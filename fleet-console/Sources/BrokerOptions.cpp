@@ -64,12 +64,23 @@ BrokerSettings BrokerOptions::Settings() const
 {
     BrokerSettings result = settings;
     const std::size_t colon = broker.rfind(':');
-    const bool hasPort = colon != std::string::npos && broker.find(':') == colon; // other colons are an IPv6 address's
+    // An IPv6 address has colons of its own; with a port it stands in brackets.
+    const bool hasBrackets = broker.starts_with('[');
+    const bool hasPort =
+        colon != std::string::npos && (hasBrackets ? broker[colon - 1] == ']' : broker.find(':') == colon);
     result.Host = hasPort ? broker.substr(0, colon) : broker;
+    if (hasBrackets && result.Host.ends_with(']'))
+    {
+        result.Host = result.Host.substr(1, result.Host.size() - 2);
+    }
     result.Port = hasPort ? PortOf(broker.substr(colon + 1)) : settings.UsesTls ? TlsPort : settings.Port;
     if (result.Host.empty())
     {
         throw WrongArgument("--broker: \"" + broker + "\" has no name of a machine");
+    }
+    if (const std::string wrong = result.WrongWithFiles(); !wrong.empty())
+    {
+        throw WrongArgument(wrong);
     }
     result.Password = passwordFile.empty() ? "" : FirstLineOf(passwordFile);
     std::random_device random;

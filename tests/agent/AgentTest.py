@@ -195,6 +195,8 @@ class AgentTest(endtoend.TestCase):
         for option in re.findall(r"--[a-z][\w-]+", shown):
             if option != "--help":
                 self.assertRegex(page, rf"{option}\b(?!-)")
+        missing = 'discovery-agent: [broker]: cannot read "/nowhere": No such file or directory\n'
+        self.assertEqual(check("[broker]\ntls = true\nauthority = '/nowhere'"), (2, missing))
         status, reason = check('[broker]\nhost = "b"\ncommands = true')
         self.assertEqual(status, 2)
         self.assertIn("needs a broker with tls", reason)

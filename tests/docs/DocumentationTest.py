@@ -194,8 +194,9 @@ class DocumentTest(TestCase):
         self.run_commands("cmake --build host/build", None)
 
     def rule_toml(self, block, _):
-        """Settings of an agent; the files that they name are elsewhere."""
-        self.save(block.text, self.tree.folder / "agent.toml")
+        """Settings of an agent; the files of its folder lie where the page has made them."""
+        text = block.text.replace('"/etc/discovery-agent/', f'"{self.tree.folder}/')
+        self.save(text, self.tree.folder / "agent.toml")
         self.run_commands("discovery-agent --check-config --config agent.toml", None)
 
     def rule_yaml(self, block, _):

@@ -82,6 +82,9 @@ class FleetTest(endtoend.TestCase):
         self.fleet("sites", *tls, "--certificate", certificate, "--key", key, status=3)
         self.fleet("sites", *tls, status=1)
         self.fleet("sites", "--authority", authority, status=2)
+        self.assertIn("certificate verify failed (", self.fleet("sites", "--tls", "--authority", certificate, status=1)[1])
+        missing = self.fleet("sites", "--tls", "--authority", "nowhere.crt", status=2)[1]
+        self.assertEqual(missing, 'discovery-fleet: cannot read "nowhere.crt": No such file or directory\n')
 
 
 if __name__ == "__main__":

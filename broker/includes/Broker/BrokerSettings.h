@@ -26,5 +26,8 @@ struct BrokerSettings
     std::chrono::seconds KeepAlive{20};            // and half as long again, until the broker takes it for lost
     std::chrono::milliseconds LongestRetry{30000}; // from one attempt to connect to the next, chosen by chance
     std::optional<Publication> Will = {};          // what the broker publishes when the connection breaks
+
+    /// Which of the files for TLS cannot be read, and why; empty when all can.
+    std::string WrongWithFiles() const;
 };
 } // namespace Zent::Discovery::Broker
