@@ -2,6 +2,7 @@
 
 #include "Log.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -15,7 +16,8 @@ AuditLog::AuditLog(const std::string& folder, Log& log)
 {
     if (!path.empty() && !std::ofstream(path, std::ios::app))
     {
-        throw std::runtime_error("cannot write the log of commands \"" + path + '"');
+        throw std::runtime_error("cannot write the log of commands \"" + path +
+                                 "\": " + std::generic_category().message(errno));
     }
 }
 

@@ -39,8 +39,11 @@ CLI::App& AskCommand::AddTo(CLI::App& program)
                                  : "have the agent of a site ask all devices");
     if (isForOne)
     {
-        arguments.AddPositional("DEVICE", request.Device, "what its record is called, such as 02-00-00-00-00-0a")
-            .MustPass(&WrongWithId);
+        arguments
+            .AddPositional(
+                "DEVICE", [this](const std::string& text) { request.Device = DeviceId::FromMAC(text).value_or(text); },
+                "what its record is called, such as 02-00-00-00-00-0a, or that as a MAC address")
+            .MustPass([](const std::string& text) { return DeviceId::FromMAC(text) ? "" : WrongWithId(text); });
     }
     arguments.AddSeconds("--timeout", timeout, "how long to wait for the agent; 35 seconds without it", 1.0);
     return arguments.Command();

@@ -67,8 +67,10 @@ std::string RenameCommand::MeantBy(const SiteDevices& devices) const
     {
         others += (others.empty() ? ": " : ", ") + each;
     }
-    throw WrongArgument("--name: " + (found.empty() ? "no device" : std::to_string(found.size()) + " devices") +
-                        " of the site have the name \"" + hostName + '"' + others);
+    throw WrongArgument(
+        "--name: " +
+        (found.empty() ? "no device of the site has" : std::to_string(found.size()) + " devices of the site have") +
+        " the name \"" + hostName + '"' + others);
 }
 
 CLI::App& ConfigureCommand::AddTo(CLI::App& program)

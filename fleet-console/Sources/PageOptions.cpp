@@ -11,7 +11,8 @@ void PageOptions::AddTo(CLI::App& command)
     command
         .add_option("--page-port", settings.Port,
                     "0 for any that is free; " + std::to_string(UsualPort) + " without it")
-        ->type_name("NUMBER");
+        ->type_name("NUMBER")
+        ->check(CLI::Range(0, 65535).description(""));
     auto* const certificate =
         command.add_option("--page-certificate", settings.CertificateFile, "serve the page by TLS alone");
     auto* const key = command.add_option("--page-key", settings.KeyFile, "the key of the certificate");
