@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 #include <unistd.h>
 #include <utility>
 
@@ -28,7 +29,8 @@ namespace
 {
 constexpr std::uint16_t ServerPort = 12001;
 
-/// How often to look for other programs on the port, and for records whose time is over.
+/// How often to look for other programs on the port, for records whose time is over, and whether the page's address can
+/// be had.
 constexpr Time LookInterval{5000};
 
 std::string MachineName()
@@ -136,13 +138,9 @@ std::unique_ptr<ISitePublisher> SiteAgent::MakeBrokerPublisher()
 
 void SiteAgent::Run()
 {
+    LookAround(driver.Now());
     manager.TellReady();
     log.Info("site " + settings.Site + ": listening on UDP port " + std::to_string(ServerPort));
-    if (page)
-    {
-        log.Info("the page is served on " + page->Url());
-    }
-    LookAround(driver.Now());
     StartSearch();
     for (bool goesOn = true; goesOn;)
     {
@@ -243,7 +241,32 @@ void SiteAgent::LookAround(Time now)
                     " messages of the broker lost: they come faster than they are taken");
         knownLost = lost;
     }
+    if (page && !page->IsListening())
+    {
+        ServePage();
+    }
     inventory.RemoveOverdue(std::chrono::system_clock::now());
+}
+
+/// Any user of the machine can take the page's port; the site is watched over all the same.
+void SiteAgent::ServePage()
+{
+    std::string problem;
+    try
+    {
+        page->Listen();
+        log.Info("the page is served on " + page->Url());
+    }
+    catch (const std::runtime_error& error)
+    {
+        problem = error.what();
+        if (problem != pageProblem)
+        {
+            log.Error(problem + "; goes on without the page, and tries again every " +
+                      std::to_string(LookInterval / std::chrono::seconds(1)) + " s");
+        }
+    }
+    pageProblem = problem;
 }
 
 void SiteAgent::Report(Time now)
@@ -276,7 +299,11 @@ std::string SiteAgent::StatusText() const
 {
     const SiteInventory::Counts counts = inventory.Count();
     return "site " + settings.Site + ": " + std::to_string(counts.Devices) + " devices, " +
-           std::to_string(counts.Away) + " of them gone; " + publisher->Status().Text + PortText() +
-           (page ? "; page on " + page->Url() : "");
+           std::to_string(counts.Away) + " of them gone; " + publisher->Status().Text + PortText() + PageText();
+}
+
+std::string SiteAgent::PageText() const
+{
+    return !page ? "" : page->IsListening() ? "; page on " + page->Url() : "; " + pageProblem;
 }
 } // namespace Zent::Discovery::Agent

@@ -24,8 +24,8 @@ class SiteAgent final : private ISitePublisher::IListener
 {
 public:
     /// All must outlive the object. Starts the library.
-    /// @throws std::runtime_error and Programs::WrongArgument as HostSession does, and when files for TLS or the log of
-    /// commands cannot be used, or the page cannot be served.
+    /// @throws std::runtime_error and Programs::WrongArgument as HostSession does, and when files for TLS, for the page
+    /// or for the log of commands cannot be used.
     SiteAgent(const Settings& settings, Programs::MessageQueue& messages, Log& log);
     ~SiteAgent() override;
 
@@ -42,11 +42,13 @@ private:
     std::unique_ptr<Page::PageServer> MakePage() const;
     std::unique_ptr<ISitePublisher> MakePublisher();
     std::unique_ptr<ISitePublisher> MakeBrokerPublisher();
+    void ServePage();
     void StartSearch();
     void TakeEvents();
     void LookAround(Inventory::Time now);
     void Report(Inventory::Time now);
     std::string PortText() const;
+    std::string PageText() const;
     std::string StatusText() const;
 
     const Settings& settings;
@@ -64,6 +66,7 @@ private:
     SiteInventory inventory;
     std::optional<AuditLog> audit; // only where commands are taken
     std::optional<CommandDesk> desk;
+    std::string pageProblem;   // why the page is not served
     std::string portHolder;    // another program on the port, if there is one
     unsigned knownChanges = 0; // of the interfaces
     std::size_t knownLost = 0; // messages of the broker

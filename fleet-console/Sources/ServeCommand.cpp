@@ -43,6 +43,7 @@ public:
 
     void Run()
     {
+        page.Listen();
         context.Out.Conclude("the page is served on " + page.Url());
         while (!context.Waiter.IsInterrupted())
         {

@@ -6,8 +6,10 @@
 #include "SharedModel.h"
 
 #include <csignal>
+#include <functional>
 #include <pthread.h>
 #include <thread>
+#include <utility>
 
 namespace Zent::Discovery::Page
 {
@@ -24,28 +26,39 @@ class PageServer::Implementation final
 {
 public:
     explicit Implementation(const PageSettings& settings)
-        : model(Programs::RandomName::Make())
-        , daemon(Checked(settings), PageSecrets::Load(settings), model)
-        , thread([this] { Serve(); })
+        : settings(Checked(settings))
+        , secrets(PageSecrets::Load(settings))
+        , model(Programs::RandomName::Make())
     {
     }
 
     ~Implementation()
     {
-        daemon.Stop();
-        thread.join();
+        if (daemon)
+        {
+            daemon->Stop();
+            thread.join();
+        }
     }
 
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
 
+    void Listen()
+    {
+        auto made = std::make_unique<HttpDaemon>(settings, secrets, model);
+        thread = std::thread(Serve, std::ref(*made));
+        daemon = std::move(made);
+    }
+
     SharedModel& Model() { return model; }
 
-    HttpDaemon& Daemon() { return daemon; }
+    /// Null while it does not listen.
+    HttpDaemon* Daemon() const { return daemon.get(); }
 
 private:
     /// All signals are the main thread's; a viewer that goes away in the middle of an answer is none.
-    void Serve()
+    static void Serve(HttpDaemon& daemon)
     {
         sigset_t all;
         sigfillset(&all);
@@ -53,9 +66,11 @@ private:
         daemon.Run();
     }
 
+    const PageSettings settings;
+    const PageSecrets secrets;
     SharedModel model;
-    HttpDaemon daemon;
-    std::thread thread;
+    std::unique_ptr<HttpDaemon> daemon;
+    std::thread thread; // of the daemon
 };
 
 PageServer::PageServer(const PageSettings& settings)
@@ -65,14 +80,27 @@ PageServer::PageServer(const PageSettings& settings)
 
 PageServer::~PageServer() = default;
 
+void PageServer::Listen()
+{
+    implementation->Listen();
+}
+
+bool PageServer::IsListening() const
+{
+    return implementation->Daemon() != nullptr;
+}
+
 void PageServer::Update(const std::function<void(PageModel& model)>& change)
 {
     implementation->Model().With([&change](PageModel& model) { change(model); });
-    implementation->Daemon().Wake();
+    if (HttpDaemon* const daemon = implementation->Daemon())
+    {
+        daemon->Wake();
+    }
 }
 
 const std::string& PageServer::Url() const
 {
-    return implementation->Daemon().Url();
+    return implementation->Daemon()->Url();
 }
 } // namespace Zent::Discovery::Page

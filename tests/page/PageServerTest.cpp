@@ -44,6 +44,7 @@ TEST(PageServerTest, EndsWhateverItsViewersAreAboutToGet)
     for (int i = 0; i < 100; ++i)
     {
         auto server = std::make_unique<PageServer>(PageSettings());
+        server->Listen();
         const Viewer one(server->Url());
         const Viewer other(server->Url());
         server->Update([](PageModel& model) { model.SetSite("s", "ready", ""); });

@@ -20,9 +20,8 @@ public:
     /// So many of them may wait for events.
     static constexpr unsigned MaximumStreams = 200;
 
-    /// Serves from now on.
-    /// @throws Programs::WrongArgument as PageSettings::Check does, and std::runtime_error with the reason when the
-    /// address cannot be had.
+    /// Loads what the settings name; serves once Listen has succeeded.
+    /// @throws Programs::WrongArgument as PageSettings::Check does, and when a file cannot be used.
     explicit PageServer(const PageSettings& settings);
 
     /// Ends all connections.
@@ -31,10 +30,16 @@ public:
     PageServer(const PageServer&) = delete;
     PageServer& operator=(const PageServer&) = delete;
 
+    /// Serves from now on. Only while it does not; no other thread may use the object meanwhile.
+    /// @throws std::runtime_error with the reason when the address cannot be had; it may be tried again.
+    void Listen();
+
+    bool IsListening() const;
+
     /// Changes what viewers see, and lets them know. No viewer is served meanwhile.
     void Update(const std::function<void(PageModel& model)>& change);
 
-    /// For people and browsers of this machine: http://127.0.0.1:12080/
+    /// For people and browsers of this machine: http://127.0.0.1:12080/. Only while it is listening.
     const std::string& Url() const;
 
 private:
