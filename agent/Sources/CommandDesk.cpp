@@ -5,7 +5,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <chrono>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 using Zent::Discovery::Fleet::Command;
@@ -17,6 +19,7 @@ using Zent::Discovery::Fleet::WallTime;
 using Zent::Discovery::Inventory::ChangeReport;
 using Zent::Discovery::Inventory::ChangeRequest;
 using Zent::Discovery::Inventory::DeviceRow;
+using Zent::Discovery::Inventory::Time;
 using Json = nlohmann::json;
 
 namespace Zent::Discovery::Agent
@@ -105,6 +108,17 @@ std::optional<Verdict> CommandDesk::CarryOut(const CommandMessage& message, cons
 
 void CommandDesk::Ask(const Command& command)
 {
+    const Time now = driver.Now();
+    std::erase_if(questions, [now](const auto& each) { return now - each.second >= QuestionInterval; });
+    const std::string limit = std::to_string(QuestionInterval / std::chrono::seconds(1)) + " s";
+    if (questions.contains(command.Device))
+    {
+        throw Refusal("too-soon", "the same was asked within the last " + limit);
+    }
+    if (questions.size() >= MaximumQuestions)
+    {
+        throw Refusal("too-soon", std::to_string(MaximumQuestions) + " questions were asked within the last " + limit);
+    }
     const bool isTaken = command.Kind == Command::CommandKind::Discover
                              ? driver.AskAll()
                              : driver.Ask(DeviceId::ToMAC(command.Device).value_or(""));
@@ -112,6 +126,7 @@ void CommandDesk::Ask(const Command& command)
     {
         throw Refusal("busy", "the library takes no requests at the moment");
     }
+    questions.emplace(command.Device, now);
 }
 
 /// The settings of an interface name it by themselves; it must be one of the device that the sender has seen.

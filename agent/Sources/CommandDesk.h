@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <string>
 
 namespace Zent::Discovery::Programs
 {
@@ -24,6 +25,11 @@ class CommandDesk final
 public:
     /// So many changes of devices may be under way.
     static constexpr std::size_t MaximumChanges = 100;
+
+    /// How long the same question is not asked again, and nothing more once MaximumQuestions were: each one goes to all
+    /// devices of the network.
+    static constexpr Inventory::Time QuestionInterval{5000};
+    static constexpr std::size_t MaximumQuestions = 100;
 
     /// All but the topics must outlive the object.
     CommandDesk(Fleet::SiteTopics topics,
@@ -57,6 +63,7 @@ private:
     Programs::SessionDriver& driver;
     ISitePublisher& publisher;
     AuditLog& audit;
-    std::map<std::int64_t, Open> changes; // by their ids in the session
+    std::map<std::int64_t, Open> changes;             // by their ids in the session
+    std::map<std::string, Inventory::Time> questions; // of late: when by device, which is empty for all of them
 };
 } // namespace Zent::Discovery::Agent

@@ -95,7 +95,7 @@ class AgentTest(endtoend.TestCase):
         rename = {"Command": "rename", "Device": device, "Revision": "old", "HostName": "press-4"}
         refresh = {"Command": "refresh", "Device": device}
         send({**rename, "Revision": revision}, user="bob")  # who must not
-        send({"Command": "discover"})
+        send({"Command": "discover"}, "--repeat", "2")
         send(refresh)
         send(rename)
         send({**refresh, "Device": "02-00-00-00-00-99"})
@@ -103,8 +103,8 @@ class AgentTest(endtoend.TestCase):
         send({**rename, "Revision": revision}, expiry=31)
         send(refresh, topic="devices/" + device)
         send({"Command": "reboot"})
-        expected = ["done", "done", "stale", "unknown-device", "no-expiry", "expiry-too-long", "foreign-topic",
-                    "bad-command"]  # fmt: skip
+        expected = ["done", "too-soon", "done", "stale", "unknown-device", "no-expiry", "expiry-too-long",
+                    "foreign-topic", "bad-command"]  # fmt: skip
         wait_until(lambda: len(codes()) == len(expected), "verdicts")
         self.assertEqual(codes(), expected)
 

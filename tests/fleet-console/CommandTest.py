@@ -106,7 +106,7 @@ class CommandTest(endtoend.TestCase):
         self.assertEqual(self.change("configure", "-", text=json.dumps([nic]))["Verdict"], "applied")
         wait_until(lambda: topics.devices()[identity]["Host"]["NICs"][0]["IPAddress"] == "10.0.0.77", "address")
         self.fleet("ann", "--site", "plant-1", "discover")
-        for device in (identity, first.mac):
+        for device in (identity, second.mac):
             self.fleet("ann", "--site", "plant-1", "refresh", device)
 
         self.assertEqual(self.change("rename", second.name, "--device", identity, status=2)["Code"], "name-taken")
