@@ -216,17 +216,7 @@ void SiteReading::TakeRecord(const std::string& id, std::string_view bytes, bool
     }
     else
     {
-        const DeviceRecord record = DeviceRecord::Parse(bytes);
-        const auto known = held.find(id);
-        if (known == held.end() && held.size() >= MaximumDevices)
-        {
-            throw std::invalid_argument("more than " + std::to_string(MaximumDevices) + " devices");
-        }
-        if (known == held.end() || known->second != record.Revision())
-        {
-            held.insert_or_assign(id, record.Revision());
-            listener.TakeRecord(Site(), id, record);
-        }
+        Hold(id, DeviceRecord::Parse(bytes));
     }
     newer.erase(id);
     if (isNewest && (held.contains(id) || told.contains(id)))
@@ -316,10 +306,36 @@ bool SiteReading::IsMissing(const std::string& id) const
            (seen == newer.end() || seen->second != expected->second);
 }
 
+void SiteReading::Hold(const std::string& id, const DeviceRecord& record)
+{
+    const auto known = held.find(id);
+    if (known != held.end() && known->second == record.Revision())
+    {
+        return;
+    }
+    if (known == held.end() && held.size() >= MaximumDevices)
+    {
+        throw std::invalid_argument("more than " + std::to_string(MaximumDevices) + " devices");
+    }
+    const std::size_t before = known == held.end() ? 0 : hostSizes.at(id);
+    const std::size_t bytes = hostBytes - before + record.Host().size();
+    if (bytes > MaximumHostBytes)
+    {
+        throw std::invalid_argument("hosts of more than " + std::to_string(MaximumHostBytes) + " bytes");
+    }
+    hostBytes = bytes;
+    hostSizes.insert_or_assign(id, record.Host().size());
+    held.insert_or_assign(id, record.Revision());
+    listener.TakeRecord(Site(), id, record);
+}
+
 void SiteReading::Drop(const std::string& id)
 {
     if (held.erase(id) > 0)
     {
+        const auto size = hostSizes.find(id);
+        hostBytes -= size->second;
+        hostSizes.erase(size);
         listener.TakeRemoval(Site(), id);
     }
 }

@@ -16,11 +16,9 @@ namespace Zent::Discovery::Page
 {
 namespace
 {
-/// Details that are longer are not shown.
-constexpr std::size_t MaximumDetails = std::size_t{64} * 1024;
-
-/// A conflict is between a few devices, each of which keeps its details: a longer one tells of none.
-constexpr std::size_t MaximumConflict = 4096;
+/// Details that are longer are not shown: each device keeps those of its latest change and conflict. A conflict is
+/// between a few devices, so that a longer one tells of none.
+constexpr std::size_t MaximumDetails = 4096;
 
 std::string Dumped(const Json& value)
 {
@@ -147,7 +145,7 @@ void PageModel::TakeChange(const SiteEvent& event)
 
 void PageModel::TakeConflict(const SiteEvent& event)
 {
-    const Json details = event.Details.size() > MaximumConflict ? Json() : Json::parse(event.Details, nullptr, false);
+    const Json details = event.Details.size() > MaximumDetails ? Json() : Json::parse(event.Details, nullptr, false);
     if (!details.is_object() || !details.contains("Devices") || !details["Devices"].is_array())
     {
         return;

@@ -73,15 +73,15 @@ public:
         }
     }
 
-    void PutSite(const std::string& name, std::size_t count)
+    void PutSite(const std::string& name, std::size_t count, const DeviceRecord& record = Record())
     {
         const SiteTopics topics(name);
         Put(topics.State(), StateText(SiteState::StateKind::Ready));
         Manifest::Revisions revisions;
         for (std::size_t i = 0; i < count; ++i)
         {
-            revisions.emplace(Id(i), Record().Revision());
-            Put(topics.Device(Id(i)), Record().ToJson());
+            revisions.emplace(Id(i), record.Revision());
+            Put(topics.Device(Id(i)), record.ToJson());
         }
         PutManifest(name, revisions);
     }
@@ -219,7 +219,7 @@ TEST(ReadingTest, WhatABrokerHasDroppedIsAskedForTopicByTopic)
 
 TEST(ReadingTest, NothingThatIsCutPassesForWhole)
 {
-    Fixture<FleetRecords> fixture(Scope::Devices, {"b", "c", "d", "b"});
+    Fixture<FleetRecords> fixture(Scope::Devices, {"b", "c", "d", "b", "e"});
     CuttingBroker& broker = fixture.Broker;
     broker.PutSite("b", 1002);
     const SiteTopics topics("b");
@@ -228,10 +228,12 @@ TEST(ReadingTest, NothingThatIsCutPassesForWhole)
     broker.Put(SiteTopics("c").State(), "what is that");
     broker.PutSite("d", 2001);
     broker.Put(SiteTopics("d").ManifestPart(2), "{}");
+    const std::string host = R"({"A":")" + std::string(DeviceRecord::MaximumHostBytes - 8, 'a') + R"("})";
+    broker.PutSite("e", 1026, DeviceRecord(DeviceRecord::DeviceState::Present, host, {}));
     broker.Serve();
     EXPECT_EQ(fixture.Reading.Shortfalls(), (Texts{"site b: 1000 of 1002 received",
                                                    "site c: no manifest, so that nobody knows how many devices it has",
-                                                   "site d: 1001 of 2001 received"}));
+                                                   "site d: 1001 of 2001 received", "site e: 1024 of 1026 received"}));
     EXPECT_STREQ(std::next(fixture.Reading.Sites().begin())->StateName(), "unknown");
 }
 

@@ -69,6 +69,9 @@ public:
     /// Twice what an agent watches over; further ones are missing.
     static constexpr std::size_t MaximumDevices = 20000;
 
+    /// Of all hosts of the site, which whoever listens may keep; those that would go beyond are missing.
+    static constexpr std::size_t MaximumHostBytes = std::size_t{64} * 1024 * 1024;
+
     /// listener must outlive the object.
     /// @throws std::invalid_argument with the reason when it is no site's name.
     SiteReading(std::string site, ReadingScope scope, ReadingListener& listener);
@@ -150,6 +153,7 @@ private:
     void Retell();
     void Compare();
     bool IsMissing(const std::string& id) const;
+    void Hold(const std::string& id, const DeviceRecord& record);
     void Drop(const std::string& id);
     bool IsToldWhole() const;
     bool HasAll() const;
@@ -182,8 +186,10 @@ private:
     bool isWithdrawn = false; // its state was removed
     unsigned absences = 0;    // of state and manifest, one after the other
     ManifestReader manifest;
-    Manifest::Revisions told;      // by the manifest
-    Manifest::Revisions held;      // passed on to the listener
+    Manifest::Revisions told;                     // by the manifest
+    Manifest::Revisions held;                     // passed on to the listener
+    std::map<std::string, std::size_t> hostSizes; // of those that are held, in bytes
+    std::size_t hostBytes = 0;                    // of all of them
     Manifest::Revisions newer;     // what was told when something newer came: by id, empty if nothing was
     std::set<std::string> missing; // ids
 };
