@@ -580,6 +580,9 @@ class Connection {
 
     #follow() {
         this.source?.close();
+        if (document.hidden) {
+            return; // goes on once it is seen
+        }
         const source = new EventSource(`events?after=${encodeURIComponent(this.last)}`);
         this.source = source;
         const on = (kind, take) =>
