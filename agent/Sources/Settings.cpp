@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -47,17 +46,6 @@ std::string InstalledLibrary()
     const std::filesystem::path prefix = program.parent_path().parent_path();
     const std::filesystem::path installed = prefix / NFX_INSTALLED_LIBRARY;
     return std::filesystem::exists(installed) ? installed : prefix / "lib" / installed.filename(); // in a build folder
-}
-
-std::string FirstLineOf(const std::string& path)
-{
-    std::ifstream file(path);
-    std::string line;
-    if (!std::getline(file, line))
-    {
-        throw WrongArgument("cannot read the broker's password from \"" + path + "\"");
-    }
-    return line;
 }
 } // namespace
 
@@ -124,7 +112,7 @@ void Settings::Read(const std::string& path)
 
     if (!PasswordFile.empty())
     {
-        Broker.Password = FirstLineOf(PasswordFile);
+        Broker.ReadPassword(PasswordFile);
     }
 }
 

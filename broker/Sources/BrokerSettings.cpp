@@ -1,5 +1,7 @@
 #include "Broker/BrokerSettings.h"
 
+#include "Programs/WrongArgument.h"
+
 #include <cerrno>
 #include <fstream>
 #include <system_error>
@@ -19,5 +21,18 @@ std::string BrokerSettings::WrongWithFiles() const
         }
     }
     return "";
+}
+
+void BrokerSettings::ReadPassword(const std::string& file)
+{
+    std::ifstream stream(file);
+    if (!std::getline(stream, Password))
+    {
+        throw Programs::WrongArgument("cannot read the broker's password from \"" + file + "\"");
+    }
+    if (Password.ends_with('\r'))
+    {
+        Password.pop_back(); // of a file from Windows
+    }
 }
 } // namespace Zent::Discovery::Broker

@@ -1,14 +1,14 @@
 #include "BrokerOptions.h"
 
 #include "Commands/Arguments.h"
+#include "Programs/RandomName.h"
 #include "Programs/WrongArgument.h"
 
 #include <charconv>
-#include <fstream>
-#include <random>
 
 using Zent::Discovery::Broker::BrokerSettings;
 using Zent::Discovery::Console::Arguments;
+using Zent::Discovery::Programs::RandomName;
 using Zent::Discovery::Programs::WrongArgument;
 
 namespace Zent::Discovery::FleetConsole
@@ -29,17 +29,6 @@ std::uint16_t PortOf(const std::string& text)
         throw WrongArgument("--broker: \"" + text + "\" is no port from 1 to 65535");
     }
     return port;
-}
-
-std::string FirstLineOf(const std::string& path)
-{
-    std::ifstream file(path);
-    std::string line;
-    if (!std::getline(file, line))
-    {
-        throw WrongArgument("--password-file: cannot read a password from \"" + path + "\"");
-    }
-    return line;
 }
 } // namespace
 
@@ -82,9 +71,11 @@ BrokerSettings BrokerOptions::Settings() const
     {
         throw WrongArgument(wrong);
     }
-    result.Password = passwordFile.empty() ? "" : FirstLineOf(passwordFile);
-    std::random_device random;
-    result.ClientId = "discovery-fleet-" + std::to_string(random()) + std::to_string(random());
+    if (!passwordFile.empty())
+    {
+        result.ReadPassword(passwordFile);
+    }
+    result.ClientId = "discovery-fleet-" + RandomName::Make();
     return result;
 }
 } // namespace Zent::Discovery::FleetConsole

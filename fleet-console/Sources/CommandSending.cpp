@@ -2,12 +2,11 @@
 
 #include "BrokerDialogue.h"
 #include "Fleet/CommandExchange.h"
+#include "Programs/RandomName.h"
 #include "Programs/WrongArgument.h"
 #include "Show/Output.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <random>
 #include <stdexcept>
 #include <utility>
 
@@ -15,20 +14,13 @@ using Zent::Discovery::Fleet::Command;
 using Zent::Discovery::Fleet::CommandExchange;
 using Zent::Discovery::Fleet::SiteTopics;
 using Zent::Discovery::Fleet::Verdict;
+using Zent::Discovery::Programs::RandomName;
 using Zent::Discovery::Programs::WrongArgument;
 
 namespace Zent::Discovery::FleetConsole
 {
 namespace
 {
-std::string NewToken()
-{
-    std::random_device random;
-    char text[40];
-    std::snprintf(text, sizeof(text), "%08x%08x%08x%08x", random(), random(), random(), random());
-    return text;
-}
-
 /// The level of the topic below which replies come: the broker lets a user read those below his own name.
 std::string ClientOf(const CommandContext& context)
 {
@@ -62,7 +54,8 @@ std::vector<std::optional<Verdict>> CommandSending::Send(CommandContext& context
 {
     const std::chrono::seconds longest = std::chrono::ceil<std::chrono::seconds>(
         patience.value_or(std::chrono::milliseconds(CommandExchange::LongestReply)));
-    CommandExchange exchange(SiteTopics(SiteOf(context)), ClientOf(context), NewToken(), std::move(commands), longest);
+    const std::string token = RandomName::Make() + RandomName::Make(); // too long to be guessed
+    CommandExchange exchange(SiteTopics(SiteOf(context)), ClientOf(context), token, std::move(commands), longest);
     context.Out.ShowStatus(status + ", for " + std::to_string(longest.count()) + " s at most");
     try
     {

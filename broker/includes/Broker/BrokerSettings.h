@@ -29,5 +29,9 @@ struct BrokerSettings
 
     /// Which of the files for TLS cannot be read, and why; empty when all can.
     std::string WrongWithFiles() const;
+
+    /// Takes the first line of the file as the password.
+    /// @throws Programs::WrongArgument that names the file when it cannot be read.
+    void ReadPassword(const std::string& file);
 };
 } // namespace Zent::Discovery::Broker
