@@ -67,7 +67,7 @@ class AgentTest(endtoend.TestCase):
             "user ann\ntopic read discovery/v1/#\ntopic write discovery/v1/+/commands\n"
             "user bob\ntopic read discovery/v1/#\n"
         )
-        (folder / "broker-password").write_text("secret\n", encoding="ascii")
+        (folder / "broker-password").write_text("secret\r\n", encoding="ascii", newline="")
         tls = (f"tls = true\nauthority = '{folder}/ca.crt'", "user = 'agent'")
         self.enterContext(Broker(folder, *secured(folder, rights, "agent", "ann", "bob")))
         simulator = self.enterContext(Simulator("--count", "2"))
