@@ -7,6 +7,7 @@
 #include "Show/DeviceCsv.h"
 #include "Show/Output.h"
 #include "SitesCommand.h"
+#include "Text/TerminalText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -27,38 +28,82 @@ using Zent::Discovery::Fleet::FleetReading;
 using Zent::Discovery::Fleet::FleetRecords;
 using Zent::Discovery::Fleet::SiteReading;
 using Zent::Discovery::Inventory::Device;
+using Zent::Discovery::Inventory::DeviceColumn;
 using Zent::Discovery::Inventory::DeviceMessage;
 
 namespace Zent::Discovery::FleetConsole
 {
 namespace
 {
-/// A device with its place in the fleet.
-struct Row
-{
-    const SiteReading* Site;
-    const std::string* Id;
-    const DeviceRecord* Record;
-
-    const char* State() const { return Site->StateNameOf(*Record); }
-};
-
-/// All devices, and beside each one its row.
-struct Rows
-{
-    std::vector<Device> Devices;
-    std::vector<Row> Places;
-    bool IsCut = false; // some records are no devices
-
-    const Row& Of(const Device& device) const { return Places[static_cast<std::size_t>(&device - Devices.data())]; }
-};
-
 DeviceMessage MessageOf(const DeviceRecord& record)
 {
     const bool hasLeft = record.State() == DeviceRecord::DeviceState::Left;
     return {hasLeft ? DeviceMessage::MessageKind::Bye : DeviceMessage::MessageKind::Signature, record.ToDocument(),
             record.Since()};
 }
+
+/// A device with its place in the fleet.
+class SiteDevice final : public Device
+{
+public:
+    SiteDevice(const SiteReading& site, const std::string& id, const DeviceRecord& record)
+        : Device(MessageOf(record))
+        , site(&site)
+        , id(&id)
+        , record(&record)
+    {
+    }
+
+    const std::string& Site() const { return site->Site(); }
+
+    const char* State() const { return site->StateNameOf(*record); }
+
+    const std::string& Id() const { return *id; }
+
+    const DeviceRecord& Record() const { return *record; }
+
+private:
+    const SiteReading* site;
+    const std::string* id;
+    const DeviceRecord* record;
+};
+
+/// Only such devices are shown and selected here.
+const SiteDevice& Of(const Device& device)
+{
+    return static_cast<const SiteDevice&>(device);
+}
+
+std::string Site(const Device& device, DeviceColumn::TimePoint /*now*/)
+{
+    return Of(device).Site();
+}
+
+std::string State(const Device& device, DeviceColumn::TimePoint /*now*/)
+{
+    return Of(device).State();
+}
+
+constexpr DeviceColumn PlaceColumns[] = {
+    {"site", &Site, &DeviceColumn::IsNaturallyBefore<&Site>},
+    {"state", &State, &DeviceColumn::IsNaturallyBefore<&State>},
+};
+
+struct Rows
+{
+    std::vector<SiteDevice> Devices;
+    bool IsCut = false; // some records are no devices
+
+    std::vector<const Device*> All() const
+    {
+        std::vector<const Device*> all;
+        for (const SiteDevice& device : Devices)
+        {
+            all.push_back(&device);
+        }
+        return all;
+    }
+};
 
 /// Whoever may write to the broker may have written what is no device: that is said, and counts.
 Rows Gather(const FleetReading& reading, FleetRecords& records, Output& output)
@@ -70,8 +115,7 @@ Rows Gather(const FleetReading& reading, FleetRecords& records, Output& output)
         {
             try
             {
-                rows.Devices.emplace_back(MessageOf(record));
-                rows.Places.push_back({&site, &id, &record});
+                rows.Devices.emplace_back(site, id, record);
             }
             catch (const std::invalid_argument& error)
             {
@@ -84,10 +128,10 @@ Rows Gather(const FleetReading& reading, FleetRecords& records, Output& output)
 }
 
 /// The record with its place, and with what is known of the device now.
-std::string JsonOf(const Row& row)
+std::string JsonOf(const SiteDevice& device)
 {
-    nlohmann::json document = nlohmann::json::parse(row.Record->ToJson());
-    document.update({{"Site", row.Site->Site()}, {"Device", *row.Id}, {"State", row.State()}});
+    nlohmann::json document = nlohmann::json::parse(device.Record().ToJson());
+    document.update({{"Site", device.Site()}, {"Device", device.Id()}, {"State", device.State()}});
     return document.dump();
 }
 
@@ -98,25 +142,25 @@ std::vector<std::string> With(std::vector<std::string> first, const TRest& rest)
     return first;
 }
 
-void Show(const Rows& rows, const std::vector<const Device*>& devices, Output& output)
+void Show(const std::vector<const Device*>& devices, Output& output)
 {
     DeviceTextTable table = DeviceTextTable::OfSites(std::chrono::system_clock::now());
-    for (const Device* device : devices)
+    for (const Device* each : devices)
     {
-        const Row& row = rows.Of(*device);
+        const SiteDevice& device = Of(*each);
         if (output.IsJson())
         {
-            output.PrintLine(TerminalText::Json(JsonOf(row)));
+            output.PrintLine(TerminalText::Json(JsonOf(device)));
         }
         else if (output.IsCsv())
         {
             output.PrintRow(With({"site", "state"}, DeviceCsv::Titles()),
-                            With({row.Site->Site(), row.State()}, DeviceCsv::Cells(*device)));
+                            With({device.Site(), device.State()}, DeviceCsv::Cells(device)));
         }
         else
         {
-            const bool isPresent = row.State() == std::string_view("present");
-            table.Add(*device, isPresent ? Style::Plain : Style::Left, {row.Site->Site(), row.State()});
+            const bool isPresent = device.State() == std::string_view("present");
+            table.Add(device, isPresent ? Style::Plain : Style::Left, {device.Site(), device.State()});
         }
     }
     if (!output.IsJson() && !output.IsCsv())
@@ -126,10 +170,15 @@ void Show(const Rows& rows, const std::vector<const Device*>& devices, Output& o
 }
 } // namespace
 
+DevicesCommand::DevicesCommand()
+    : selection(&TerminalText::Plain, PlaceColumns)
+{
+}
+
 CLI::App& DevicesCommand::AddTo(CLI::App& program)
 {
     Arguments arguments(program, "devices", "show the devices of the sites");
-    SharedOptions::AddSelection(arguments, selection);
+    SharedOptions::AddSelection(arguments, selection, selection.ColumnNames());
     return arguments.Command();
 }
 
@@ -139,7 +188,7 @@ ExitStatus DevicesCommand::Run(CommandContext& context)
     FleetReading reading(context.Sites, SiteReading::ReadingScope::Devices, records);
     BrokerReader::Read(context.Broker, context.Waiter, reading);
     const Rows rows = Gather(reading, records, context.Out);
-    Show(rows, selection.Of(rows.Devices, std::chrono::system_clock::now()), context.Out);
+    Show(selection.Of(rows.All(), std::chrono::system_clock::now()), context.Out);
     const ExitStatus status = SitesCommand::Conclude(reading, context);
     return status == ExitStatus::Success && rows.IsCut ? ExitStatus::Incomplete : status;
 }

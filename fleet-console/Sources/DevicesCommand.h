@@ -2,7 +2,6 @@
 
 #include "ICommand.h"
 #include "Inventory/DeviceSelection.h"
-#include "Text/TerminalText.h"
 
 namespace Zent::Discovery::FleetConsole
 {
@@ -10,10 +9,12 @@ namespace Zent::Discovery::FleetConsole
 class DevicesCommand final : public ICommand
 {
 public:
+    DevicesCommand();
+
     CLI::App& AddTo(CLI::App& program) override;
     ExitStatus Run(CommandContext& context) override;
 
 private:
-    Inventory::DeviceSelection selection{&Console::TerminalText::Plain};
+    Inventory::DeviceSelection selection;
 };
 } // namespace Zent::Discovery::FleetConsole

@@ -1,7 +1,5 @@
 #include "Inventory/DeviceColumn.h"
 
-#include "Inventory/NaturalOrder.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -61,12 +59,6 @@ std::string Age(const Device& device, TimePoint now)
     return DeviceColumn::AgeText(now - device.Message.Received);
 }
 
-template <std::string (*Text)(const Device&, TimePoint)>
-bool IsNaturallyBefore(const Device& left, const Device& right)
-{
-    return NaturalOrder::IsBefore(Text(left, {}), Text(right, {}));
-}
-
 /// Hexadecimal digits are no runs of decimal ones.
 bool IsBeforeByMAC(const Device& left, const Device& right)
 {
@@ -79,14 +71,14 @@ bool IsYounger(const Device& left, const Device& right)
 }
 
 constexpr DeviceColumn Columns[] = {
-    {"name", &HostName, &IsNaturallyBefore<&HostName>},
-    {"type", &Type, &IsNaturallyBefore<&Type>},
-    {"family", &Family, &IsNaturallyBefore<&Family>},
-    {"serial", &SerialNumber, &IsNaturallyBefore<&SerialNumber>},
+    {"name", &HostName, &DeviceColumn::IsNaturallyBefore<&HostName>},
+    {"type", &Type, &DeviceColumn::IsNaturallyBefore<&Type>},
+    {"family", &Family, &DeviceColumn::IsNaturallyBefore<&Family>},
+    {"serial", &SerialNumber, &DeviceColumn::IsNaturallyBefore<&SerialNumber>},
     {"mac", &MACAddress, &IsBeforeByMAC},
-    {"ip", &IPAddress, &IsNaturallyBefore<&IPAddress>},
-    {"products", &Products, &IsNaturallyBefore<&Products>},
-    {"message", &LastMessage, &IsNaturallyBefore<&LastMessage>},
+    {"ip", &IPAddress, &DeviceColumn::IsNaturallyBefore<&IPAddress>},
+    {"products", &Products, &DeviceColumn::IsNaturallyBefore<&Products>},
+    {"message", &LastMessage, &DeviceColumn::IsNaturallyBefore<&LastMessage>},
     {"age", &Age, &IsYounger},
 };
 } // namespace

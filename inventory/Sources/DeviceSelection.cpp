@@ -6,22 +6,20 @@
 
 namespace Zent::Discovery::Inventory
 {
-namespace
-{
-const DeviceColumn* ColumnNamed(const std::string& name)
-{
-    const DeviceColumn* const column = DeviceColumn::Find(name);
-    if (column == nullptr)
-    {
-        throw std::invalid_argument('"' + name + "\" is not a column; the columns are " + DeviceColumn::Names());
-    }
-    return column;
-}
-} // namespace
-
-DeviceSelection::DeviceSelection(Show show)
+DeviceSelection::DeviceSelection(Show show, std::span<const DeviceColumn> first)
     : show(show)
+    , first(first)
 {
+}
+
+std::string DeviceSelection::ColumnNames() const
+{
+    std::string names;
+    for (const DeviceColumn& column : first)
+    {
+        names += std::string(column.Name) + ", ";
+    }
+    return names + DeviceColumn::Names();
 }
 
 void DeviceSelection::AddFilter(const std::string& text)
@@ -75,6 +73,17 @@ std::vector<const Device*> DeviceSelection::Of(std::vector<const Device*> device
                                  [this](const Device* left, const Device* right) { return IsBefore(*left, *right); });
     }
     return devices;
+}
+
+const DeviceColumn* DeviceSelection::ColumnNamed(const std::string& name) const
+{
+    const auto found = std::ranges::find(first, name, &DeviceColumn::Name);
+    const DeviceColumn* const column = found == first.end() ? DeviceColumn::Find(name) : &*found;
+    if (column == nullptr)
+    {
+        throw std::invalid_argument('"' + name + "\" is not a column; the columns are " + ColumnNames());
+    }
+    return column;
 }
 
 bool DeviceSelection::IsBefore(const Device& left, const Device& right) const

@@ -55,7 +55,8 @@ class FleetTest(endtoend.TestCase):
         self.assertEqual({each["State"] for each in documents if each["Site"] == "b"}, {"unknown"})
         self.assertEqual({each["State"] for each in documents if each["Site"] == "a"}, {"present"})
 
-        table, _ = self.fleet("devices", "--site", "a", "--sort", "name:desc", "--filter", "name=press-1?")
+        table, _ = self.fleet("devices", "--sort", "site", "--sort", "name:desc", "--filter", "name=press-1?", "--filter",
+                              "state=present", "--filter", "site=A")  # fmt: skip
         self.assertEqual([row[:3] for row in rows(table)], [["a", "present", f"press-{n}"] for n in range(19, 9, -1)])
         removed, _ = self.fleet("--json", "forget", "a", "--yes", "--force")
         self.assertEqual(json.loads(removed), {"Forgotten": {"Site": "a", "Removed": 3005, "Left": 0}})

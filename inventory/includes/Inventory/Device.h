@@ -9,7 +9,7 @@
 namespace Zent::Discovery::Inventory
 {
 /// What one message told about a device. All texts are as the device sent them, unfit for a terminal.
-class Device final
+class Device
 {
 public:
     struct Interface

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Inventory/Device.h"
+#include "Inventory/NaturalOrder.h"
 
 #include <span>
 #include <string>
@@ -19,6 +20,13 @@ struct DeviceColumn
     std::string (*Text)(const Device& device, TimePoint now);
 
     bool (*IsBefore)(const Device& left, const Device& right);
+
+    /// The order of texts as people expect it, for IsBefore.
+    template <std::string (*TextOf)(const Device& device, TimePoint now)>
+    static bool IsNaturallyBefore(const Device& left, const Device& right)
+    {
+        return NaturalOrder::IsBefore(TextOf(left, {}), TextOf(right, {}));
+    }
 
     /// All columns from left to right.
     static std::span<const DeviceColumn> All();

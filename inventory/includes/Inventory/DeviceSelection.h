@@ -3,6 +3,7 @@
 #include "Inventory/DeviceColumn.h"
 #include "Inventory/Wildcard.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,7 +18,12 @@ public:
     using Show = std::string (*)(std::string_view text);
 
     /// Patterns are held against what show makes of a text, or against the text as the device sent it without one.
-    explicit DeviceSelection(Show show = nullptr);
+    /// The first columns stand in front of those that all devices have, and must outlive the selection. They are given
+    /// the very devices that it is asked about: of a class derived from Device they may show what that one adds.
+    explicit DeviceSelection(Show show = nullptr, std::span<const DeviceColumn> first = {});
+
+    /// All names, for a message to the user.
+    std::string ColumnNames() const;
 
     /// Adds a condition: COLUMN=PATTERN or COLUMN!=PATTERN.
     /// @throws std::invalid_argument with what is wrong, for the user.
@@ -48,9 +54,11 @@ private:
         bool Descending;
     };
 
+    const DeviceColumn* ColumnNamed(const std::string& name) const;
     bool IsBefore(const Device& left, const Device& right) const;
 
     Show show;
+    std::span<const DeviceColumn> first;
     std::vector<Filter> filters;
     std::vector<Order> orders;
 };
