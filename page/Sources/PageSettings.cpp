@@ -29,9 +29,9 @@ void PageSettings::Check() const
     }
     if (!address->IsLoopback() && !isForSome)
     {
-        throw WrongArgument("the page's address " + Address +
-                            " can be reached from other machines: it needs certificate "
-                            "and key, and either an authority of viewers' certificates or a token");
+        throw WrongArgument("the page's address " + Address + " can be reached from other machines: it needs " +
+                            (CertificateFile.empty() ? "certificate and key, and either " : "") +
+                            "an authority of viewers' certificates or a token");
     }
     for (const std::string& name : Names)
     {

@@ -193,8 +193,8 @@ TEST(PageSettingsTest, WhoIsNotOnThisMachineComesByTlsAndShowsThatHeMay)
     EXPECT_EQ(reason({.Address = "::1"}), "");
     for (const auto& [settings, part] : std::vector<std::pair<PageSettings, std::string>>{
              {{.Address = "localhost"}, "neither an IPv4 nor an IPv6 address"},
-             {{.Address = "0.0.0.0"}, "can be reached from other machines"},
-             {{.Address = "0.0.0.0", .CertificateFile = token, .KeyFile = token}, "can be reached from other machines"},
+             {{.Address = "0.0.0.0"}, "other machines: it needs certificate and key, and either an authority"},
+             {{.Address = "0.0.0.0", .CertificateFile = token, .KeyFile = token}, "machines: it needs an authority"},
              {{.CertificateFile = token}, "belong together"},
              {{.TokenFile = token}, "need certificate and key"},
              {{.CertificateFile = token, .KeyFile = token, .TokenFile = token}, "cannot be used: "},
