@@ -124,9 +124,13 @@ bool Settings::CanTakeCommands() const
 
 void Settings::Check() const
 {
-    if (!Fleet::SiteTopics::IsName(Site))
+    try
     {
-        throw WrongArgument("--site: \"" + Site + "\" is no name of a site");
+        const Fleet::SiteTopics checked(Site);
+    }
+    catch (const std::invalid_argument& error)
+    {
+        throw WrongArgument(std::string("--site: ") + error.what());
     }
     if (TakesCommands && !CanTakeCommands())
     {

@@ -3,9 +3,11 @@
 #include "Programs/WrongArgument.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <set>
 #include <sstream>
+#include <system_error>
 #include <toml++/toml.h>
 
 using Zent::Discovery::Programs::WrongArgument;
@@ -16,12 +18,14 @@ namespace
 {
 std::string ReadAll(const std::string& path)
 {
+    errno = 0;
     std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
     text << file.rdbuf();
     if (!file || !text)
     {
-        throw WrongArgument("cannot read \"" + path + "\"");
+        throw WrongArgument("cannot read \"" + path +
+                            "\": " + (errno == 0 ? "it is empty" : std::generic_category().message(errno)));
     }
     return text.str();
 }

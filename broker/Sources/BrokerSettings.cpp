@@ -8,6 +8,15 @@
 
 namespace Zent::Discovery::Broker
 {
+namespace
+{
+/// Why nothing could be read. errno must have been 0 before.
+std::string Reason()
+{
+    return errno == 0 ? "it is empty" : std::generic_category().message(errno);
+}
+} // namespace
+
 std::string BrokerSettings::WrongWithFiles() const
 {
     for (const std::string& path : {AuthorityFile, CertificateFile, KeyFile})
@@ -16,8 +25,7 @@ std::string BrokerSettings::WrongWithFiles() const
         std::ifstream file(path);
         if (!path.empty() && file.peek() == std::ifstream::traits_type::eof())
         {
-            return "cannot read \"" + path +
-                   "\": " + (errno == 0 ? "it is empty" : std::generic_category().message(errno));
+            return "cannot read \"" + path + "\": " + Reason();
         }
     }
     return "";
@@ -25,10 +33,11 @@ std::string BrokerSettings::WrongWithFiles() const
 
 void BrokerSettings::ReadPassword(const std::string& file)
 {
+    errno = 0;
     std::ifstream stream(file);
     if (!std::getline(stream, Password))
     {
-        throw Programs::WrongArgument("cannot read the broker's password from \"" + file + "\"");
+        throw Programs::WrongArgument("cannot read the broker's password from \"" + file + "\": " + Reason());
     }
     if (Password.ends_with('\r'))
     {

@@ -195,6 +195,7 @@ class AgentTest(endtoend.TestCase):
         for option in re.findall(r"--[a-z][\w-]+", shown):
             if option != "--help":
                 self.assertRegex(page, rf"{option}\b(?!-)")
+        self.assertIn("letters, digits", check(SETTINGS, "--check-config", "--site", "a b")[1])
         missing = 'discovery-agent: [broker]: cannot read "/nowhere": No such file or directory\n'
         self.assertEqual(check("[broker]\ntls = true\nauthority = '/nowhere'"), (2, missing))
         status, reason = check('[broker]\nhost = "b"\ncommands = true')
