@@ -2,6 +2,7 @@
 #include "BrokerOptions.h"
 #include "ChangeCommands.h"
 #include "CheckBrokerCommand.h"
+#include "Commands/ParserReport.h"
 #include "DevicesCommand.h"
 #include "ForgetCommand.h"
 #include "Programs/Interruption.h"
@@ -26,6 +27,7 @@
 using namespace Zent::Discovery::FleetConsole;
 using Zent::Discovery::Console::HostPlatform;
 using Zent::Discovery::Console::Output;
+using Zent::Discovery::Console::ParserReport;
 using Zent::Discovery::Console::Terminal;
 using Zent::Discovery::Console::TextTable;
 using Zent::Discovery::Fleet::Command;
@@ -140,7 +142,8 @@ int main(int argc, char* argv[])
         }
         catch (const CLI::ParseError& error)
         {
-            return static_cast<int>(line.App.exit(error) == 0 ? ExitStatus::Success : ExitStatus::Usage);
+            const bool isHelp = ParserReport::Print(line.App, error, std::cout, std::cerr);
+            return static_cast<int>(isHelp ? ExitStatus::Success : ExitStatus::Usage);
         }
         return static_cast<int>(Run(line));
     }

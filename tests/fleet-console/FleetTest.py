@@ -71,6 +71,7 @@ class FleetTest(endtoend.TestCase):
             self.assertEqual(complaint, "discovery-fleet: site b: 12 of 20 received\n")
             self.assertEqual(len(list(csv.DictReader(io.StringIO(listed)))), 13)
             self.assertIn("no manifest", self.fleet("sites", "--site", "nowhere", status=6)[1])
+            self.assertIn("discovery-fleet: unknown command nonsense\n", self.fleet("nonsense", status=2)[1])
             self.assertIn("no name of a site", self.fleet("sites", "--site", "a/b", status=2)[1])
         self.assertIn("no connection to the broker", self.fleet("sites", status=1)[1])
 

@@ -5,6 +5,7 @@
 #include "Commands/ErrorCommand.h"
 #include "Commands/InventoryDiffCommand.h"
 #include "Commands/InventoryShowCommand.h"
+#include "Commands/ParserReport.h"
 #include "Commands/RenameCommand.h"
 #include "Commands/RequestCommands.h"
 #include "Commands/SiteCommands.h"
@@ -20,31 +21,6 @@
 
 namespace Zent::Discovery::Console
 {
-namespace
-{
-/// The innermost command that the user named; the program itself without one.
-const CLI::App& LastCommand(const CLI::App& app)
-{
-    const std::vector<CLI::App*> commands = app.get_subcommands();
-    return commands.empty() ? app : LastCommand(*commands.front());
-}
-
-/// What is wrong when a command is missing, of which the parser would say only that; else empty.
-std::string WhatIsMissing(const CLI::App& app, const CLI::ParseError& error)
-{
-    const CLI::App& last = LastCommand(app);
-    const bool isAboutCommands = error.get_name() == "RequiredError" || error.get_name() == "ExtrasError";
-    if (!isAboutCommands || last.get_require_subcommand_min() == 0 || !last.get_subcommands().empty())
-    {
-        return "";
-    }
-    const std::vector<std::string> rest = app.remaining(true);
-    return rest.empty()                    ? "a command is missing"
-           : rest.front().starts_with('-') ? "unknown option " + rest.front()
-                                           : "unknown command " + rest.front();
-}
-} // namespace
-
 CommandLine::CommandLine()
     : app(std::make_unique<CLI::App>("Finds devices on the local networks and talks with them.", "discovery-console"))
 {
@@ -95,18 +71,7 @@ ICommand* CommandLine::Parse(const std::vector<std::string>& arguments,
     }
     catch (const CLI::ParseError& error)
     {
-        const bool isHelp = error.get_exit_code() == 0;
-        status = isHelp ? ExitStatus::Success : ExitStatus::Usage;
-        errors << (isHelp ? "" : "discovery-console: ");
-        const std::string missing = WhatIsMissing(*app, error);
-        if (missing.empty())
-        {
-            app->exit(error, out, errors);
-        }
-        else
-        {
-            errors << missing << "\nRun with --help for more information.\n";
-        }
+        status = ParserReport::Print(*app, error, out, errors) ? ExitStatus::Success : ExitStatus::Usage;
         return nullptr;
     }
 }
