@@ -44,6 +44,11 @@ public:
     void Run()
     {
         page.Listen();
+        if (context.Out.IsJson())
+        {
+            context.Out.PrintLine(R"({"Page":")" + page.Url() + "\"}");
+            context.Out.Finish(); // now: who asked for any free port waits for it
+        }
         context.Out.Conclude("the page is served on " + page.Url());
         while (!context.Waiter.IsInterrupted())
         {

@@ -20,8 +20,9 @@ class Page(Process):
     """A page that is served, and what its viewers see."""
 
     def __init__(self):
-        super().__init__(*command("discovery-fleet", "--broker", f"127.0.0.1:{PORT}", "serve", "--page-port", "0"))
-        self.url = self.line_with("the page is served on ").rpartition(" ")[2]
+        super().__init__(*command("discovery-fleet", "--json", "--broker", f"127.0.0.1:{PORT}", "serve",
+                                  "--page-port", "0"))  # fmt: skip
+        self.url = json.loads(self.line_with('{"Page":'))["Page"]
 
     def get(self, path):
         with urllib.request.urlopen(self.url + path, timeout=TIMEOUT) as answer:
