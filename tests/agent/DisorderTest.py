@@ -70,6 +70,7 @@ class DisorderTest(TestCase):
             topics.await_truth(simulator.devices, away=silent)
             records = [name for name in topics.live if name.startswith("devices/")]
             self.assertEqual(records, ["devices/" + identity(silent[0])])
+            agent.told_with("broker connected")  # else nothing would be new when it is not
         agent.told_with("no broker")
         (self.folder / "mosquitto.db").unlink()
         with Broker(self.folder, *broker), Topics("plant-1", *client) as topics:

@@ -8,6 +8,7 @@ import socket
 import struct
 import subprocess
 import threading
+import time
 
 from endtoend import TIMEOUT, Process, command, library_path, wait_until
 
@@ -265,9 +266,11 @@ class Agent(Process):
                 self.told.put(text.decode())
 
     def told_with(self, part):
-        """Waits until the service manager is told something with that part."""
+        """Waits until the service manager is told something with that part. It is told what is new, once a second."""
+        deadline = time.monotonic() + 3 * TIMEOUT  # the watchdog's signs go on without end
         while part not in (text := self.told.get(timeout=TIMEOUT)):
-            pass
+            if time.monotonic() > deadline:
+                raise AssertionError(f"{part!r} was not told")
         return text
 
     def stop(self):
