@@ -15,6 +15,9 @@ set(NFX_TEST_LAUNCHER ${CMAKE_CROSSCOMPILING_EMULATOR})
 # What goes before that to give the program a network of its own.
 set(NFX_TEST_ISOLATED ${PROJECT_SOURCE_DIR}/cmake/isolated)
 
+# The system's own Python, for which scripts/install-dependencies installs modules; one that PATH names first lacks them.
+set(NFX_TEST_PYTHON /usr/bin/python3)
+
 # How many times as long as a native build without sanitizers a program may take.
 set(NFX_TEST_TIME_SCALE 1)
 if(NFX_SANITIZE OR WIN32)
