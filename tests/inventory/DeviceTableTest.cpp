@@ -180,6 +180,13 @@ TEST_F(TableTest, InterfacesOfOneDeviceAreOneRow)
     EXPECT_EQ(session->Devices().Size(), 2u);
     EXPECT_THROW(session->Feed({Kind::Hello, "{}"}, 6s), std::invalid_argument);
     EXPECT_EQ(session->Devices().Size(), 2u);
+    for (const char* const address : {"02:03", "02:04"}) // two devices that list their loopback interfaces
+    {
+        Feed(R"({"Host":{"HostName":"b","NICs":[)" + Nic("00:00:00:00:00:00", "127.0.0.1") + "," +
+                 Nic(address, "10.0.0.3") + "]}}",
+             7s);
+    }
+    EXPECT_EQ(session->Devices().Size(), 4u);
 }
 
 TEST_F(TableTest, ManySilentDevicesAreFewWakeUps)
