@@ -140,7 +140,7 @@ ChangeRequest CommandDesk::RequestOf(const Command& command) const
                  : ChangeRequest::Parse(command.Settings))
                 .Normal();
         const DeviceRow* const row = request.TargetIn(driver.Session().Devices());
-        if (row == nullptr || SiteInventory::IdOf(*row->Latest) != command.Device)
+        if (row == nullptr || inventory.IdOf(*row) != command.Device)
         {
             throw Refusal("unknown-device", "the settings are for no interface of " + command.Device);
         }

@@ -5,7 +5,7 @@
 namespace Zent::Discovery::Agent
 {
 /// For an agent without a broker, which serves its own subnet.
-class NullPublisher final : public ISitePublisher
+class NullPublisher : public ISitePublisher
 {
 public:
     void PublishRecord(const std::string& /*id*/, const Fleet::DeviceRecord& /*record*/) override {}

@@ -93,17 +93,6 @@ SiteInventory::SiteInventory(
 {
 }
 
-std::optional<std::string> SiteInventory::IdOf(const Device& device)
-{
-    std::optional<std::string> lowest;
-    for (const Device::Interface& each : device.Interfaces())
-    {
-        const std::optional<std::string> id = DeviceId::FromMAC(each.MACAddress);
-        lowest = id && (!lowest || *id < *lowest) ? id : lowest;
-    }
-    return lowest;
-}
-
 void SiteInventory::Take(const Event& event, WallTime now)
 {
     if (event.Contradiction)
@@ -113,22 +102,21 @@ void SiteInventory::Take(const Event& event, WallTime now)
     }
     if (event.Kind == Event::EventKind::Forgotten)
     {
-        Forget(IdOf(*event.Subject).value_or(""));
+        Withdraw(event.Row);
         return;
     }
-    const DeviceRow* const row =
-        event.Subject == nullptr ? nullptr : session.Devices().Find(event.Subject->MainInterface().MACAddress);
-    const std::optional<std::string> id = row == nullptr ? std::nullopt : IdOf(*row->Latest);
-    if (!id)
+    const DeviceRow* const row = session.Devices().Find(event.Row);
+    const std::string id = row == nullptr ? "" : LowestIdOf(*row);
+    if (id.empty())
     {
         return;
     }
-    const bool isNews = event.Kind != Event::EventKind::Appeared || !publisher.HasRecord(*id);
-    Update(*row, now);
-    const DeviceRecord* const record = Find(*id);
+    const bool isNews = event.Kind != Event::EventKind::Appeared || !publisher.HasRecord(id);
+    Update(*row, id, now);
+    const DeviceRecord* const record = Find(id);
     if (const char* const kind = KindOf(event); kind != nullptr && record != nullptr && isNews)
     {
-        Tell(kind, *id, DetailsOf(*record, event), now);
+        Tell(kind, id, DetailsOf(*record, event), now);
     }
 }
 
@@ -185,6 +173,48 @@ void SiteInventory::RemoveOverdue(WallTime now)
         }
         each = next;
     }
+    for (auto each = ids.begin(); each != ids.end();)
+    {
+        const std::uint64_t row = (each++)->first;
+        if (session.Devices().Find(row) == nullptr)
+        {
+            Withdraw(row);
+        }
+    }
+}
+
+std::string SiteInventory::IdOf(const DeviceRow& row) const
+{
+    const auto found = ids.find(row.Id);
+    return found == ids.end() ? "" : found->second;
+}
+
+std::string SiteInventory::IdOf(const Device& device) const
+{
+    for (const Device::Interface& each : device.Interfaces())
+    {
+        if (const DeviceRow* const row = session.Devices().Find(each.MACAddress))
+        {
+            return IdOf(*row);
+        }
+    }
+    return "";
+}
+
+/// The lowest of the MAC addresses by which the table knows the row: a device that answers on several interfaces in
+/// turn stays one, and an address that two devices have is that of one.
+std::string SiteInventory::LowestIdOf(const DeviceRow& row) const
+{
+    std::optional<std::string> lowest;
+    for (const Device::Interface& each : row.Latest->Interfaces())
+    {
+        const std::optional<std::string> id = DeviceId::FromMAC(each.MACAddress);
+        if (id && (!lowest || *id < *lowest) && session.Devices().Find(each.MACAddress) == &row)
+        {
+            lowest = id;
+        }
+    }
+    return lowest.value_or("");
 }
 
 const DeviceRecord* SiteInventory::Find(const std::string& id) const
@@ -199,12 +229,11 @@ SiteInventory::Counts SiteInventory::Count() const
     return {records.size(), static_cast<std::size_t>(std::ranges::count_if(records, isAway))};
 }
 
-void SiteInventory::Update(const DeviceRow& row, WallTime now)
+void SiteInventory::Update(const DeviceRow& row, const std::string& id, WallTime now)
 {
-    const std::string id = IdOf(*row.Latest).value_or("");
-    if (const auto known = ids.find(row.Id); known != ids.end() && known->second != id)
+    if (IdOf(row) != id)
     {
-        Withdraw(known->second); // an interface came or went, and with it the lowest address
+        Withdraw(row.Id); // an interface came or went, and with it the lowest address
     }
     ids.insert_or_assign(row.Id, id);
     rows.insert_or_assign(id, row.Id);
@@ -226,20 +255,16 @@ void SiteInventory::Update(const DeviceRow& row, WallTime now)
     }
 }
 
-void SiteInventory::Withdraw(const std::string& id)
+/// Removes the row's record, unless it is another row's by now.
+void SiteInventory::Withdraw(std::uint64_t row)
 {
-    rows.erase(id);
-    records.erase(id);
-    publisher.RemoveRecord(id);
-}
-
-/// The device has given way to others in the table, and nobody will know what becomes of it.
-void SiteInventory::Forget(const std::string& id)
-{
-    if (const auto row = rows.find(id); row != rows.end())
+    const auto known = ids.extract(row);
+    const auto holder = known ? rows.find(known.mapped()) : rows.end();
+    if (holder != rows.end() && holder->second == row)
     {
-        ids.erase(row->second);
-        Withdraw(id);
+        records.erase(known.mapped());
+        publisher.RemoveRecord(known.mapped());
+        rows.erase(holder);
     }
 }
 
@@ -253,7 +278,7 @@ void SiteInventory::TellOfConflict(const Conflict& conflict, WallTime now)
     Json devices = Json::array();
     for (const Device* const each : {conflict.First.get(), conflict.Second.get()})
     {
-        devices.push_back(IdOf(*each).value_or(""));
+        devices.push_back(IdOf(*each));
     }
     const Json details = {
         {"Conflict", conflict.ToString()}, {"Count", conflict.Count}, {"Devices", std::move(devices)}};

@@ -25,10 +25,6 @@ public:
         std::size_t Away = 0; // of these: gone or left
     };
 
-    /// What the device is called: by the lowest of its MAC addresses, so that one which answers on several interfaces
-    /// in turn stays one. Nothing when it has none.
-    static std::optional<std::string> IdOf(const Inventory::Device& device);
-
     /// All must outlive the object. agent is a name that no other start of an agent has.
     SiteInventory(
         std::string site, std::string agent, const Inventory::Session& session, ISitePublisher& publisher, Log& log);
@@ -45,8 +41,11 @@ public:
     /// The table is whole: the devices of such records that have not answered are gone.
     void CallSilentGone(Fleet::WallTime now);
 
-    /// Removes the records whose time is over.
+    /// Removes the records whose time is over, and those of rows that have become one with others.
     void RemoveOverdue(Fleet::WallTime now);
+
+    /// What the device of a row is called; empty when it has no MAC address.
+    std::string IdOf(const Inventory::DeviceRow& row) const;
 
     /// Null when there is none.
     const Fleet::DeviceRecord* Find(const std::string& id) const;
@@ -54,10 +53,11 @@ public:
     Counts Count() const;
 
 private:
-    void Update(const Inventory::DeviceRow& row, Fleet::WallTime now);
+    void Update(const Inventory::DeviceRow& row, const std::string& id, Fleet::WallTime now);
     void CallGone(const std::string& id, Fleet::DeviceRecord& record, Fleet::WallTime now);
-    void Withdraw(const std::string& id);
-    void Forget(const std::string& id);
+    void Withdraw(std::uint64_t row);
+    std::string LowestIdOf(const Inventory::DeviceRow& row) const;
+    std::string IdOf(const Inventory::Device& device) const;
     void Tell(const char* kind, const std::string& id, std::string details, Fleet::WallTime now);
     void TellOfConflict(const Inventory::Conflict& conflict, Fleet::WallTime now);
 

@@ -99,7 +99,7 @@ DeviceTable::Entry& DeviceTable::EntryOf(const Device& device, Time now)
     if (entries.size() >= options.MaximumDevices)
     {
         Entry& oldest = entries.front();
-        events.Raise({.Kind = Kind::Forgotten, .When = now, .Subject = oldest.Latest});
+        Raise(Kind::Forgotten, oldest, now);
         Forget(oldest);
     }
     Entry& entry = entries.emplace_back();
@@ -200,6 +200,11 @@ void DeviceTable::Forget(Entry& entry)
     entries.erase(entry.Place);
 }
 
+void DeviceTable::Raise(Kind kind, const Entry& entry, Time now, Differences changes)
+{
+    events.Raise({.Kind = kind, .When = now, .Subject = entry.Latest, .Row = entry.Id, .Changes = std::move(changes)});
+}
+
 void DeviceTable::BeHere(Entry& entry, bool isNew, Differences changes, Time now)
 {
     const bool hasReturned = !isNew && !entry.IsHere();
@@ -210,7 +215,7 @@ void DeviceTable::BeHere(Entry& entry, bool isNew, Differences changes, Time now
     }
     if (isNew)
     {
-        events.Raise({.Kind = Kind::Appeared, .When = now, .Subject = entry.Latest});
+        Raise(Kind::Appeared, entry, now);
         return;
     }
     if (hasReturned)
@@ -219,11 +224,11 @@ void DeviceTable::BeHere(Entry& entry, bool isNew, Differences changes, Time now
     }
     if (hasReturned && !entry.IsFlapping)
     {
-        events.Raise({.Kind = Kind::Returned, .When = now, .Subject = entry.Latest, .Changes = std::move(changes)});
+        Raise(Kind::Returned, entry, now, std::move(changes));
     }
     else if (!changes.empty())
     {
-        events.Raise({.Kind = Kind::Changed, .When = now, .Subject = entry.Latest, .Changes = std::move(changes)});
+        Raise(Kind::Changed, entry, now, std::move(changes));
     }
 }
 
@@ -241,7 +246,7 @@ void DeviceTable::BeAway(Entry& entry, State state, Time now)
     }
     else if (isNews)
     {
-        events.Raise({.Kind = state == State::Left ? Kind::Left : Kind::Gone, .When = now, .Subject = entry.Latest});
+        Raise(state == State::Left ? Kind::Left : Kind::Gone, entry, now);
     }
 }
 
@@ -256,7 +261,7 @@ void DeviceTable::Turn(Entry& entry, Time now)
     }
     if (entry.Returns.size() >= FlappingReturns && !std::exchange(entry.IsFlapping, true))
     {
-        events.Raise({.Kind = Kind::Flapping, .When = now, .Subject = entry.Latest});
+        Raise(Kind::Flapping, entry, now);
     }
     if (entry.Returns.size() > FlappingReturns)
     {
@@ -304,7 +309,7 @@ void DeviceTable::HandleDue(Entry& entry, Time now)
     {
         entry.IsFlapping = false;
         entry.Returns.clear();
-        events.Raise({.Kind = Kind::Settled, .When = now, .Subject = entry.Latest});
+        Raise(Kind::Settled, entry, now);
     }
     switch (entry.Condition)
     {
@@ -461,6 +466,12 @@ const DeviceRow* DeviceTable::Find(std::string_view address) const
 {
     const auto found = byKey.find(std::string(address));
     return found == byKey.end() ? nullptr : found->second;
+}
+
+const DeviceRow* DeviceTable::Find(std::uint64_t id) const
+{
+    const auto found = byId.find(id);
+    return found == byId.end() ? nullptr : found->second;
 }
 
 std::size_t DeviceTable::Size() const

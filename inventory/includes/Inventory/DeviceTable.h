@@ -64,6 +64,9 @@ public:
     /// The device with that MAC address in the library's form; null when there is none.
     const DeviceRow* Find(std::string_view address) const;
 
+    /// The row with that number; null when there is none any more.
+    const DeviceRow* Find(std::uint64_t id) const;
+
     std::size_t Size() const;
 
     /// When to call Advance again, at the latest.
@@ -80,6 +83,10 @@ private:
     static void NoteChanges(Entry& entry, const std::vector<DeviceDifferences::Difference>& differences, Time now);
     void Forget(Entry& entry);
 
+    void Raise(Event::EventKind kind,
+               const Entry& entry,
+               Time now,
+               std::vector<DeviceDifferences::Difference> changes = {});
     void BeHere(Entry& entry, bool isNew, std::vector<DeviceDifferences::Difference> changes, Time now);
     void BeAway(Entry& entry, State state, Time now);
     void Turn(Entry& entry, Time now);

@@ -7,6 +7,7 @@
 #include "Inventory/Time.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -58,6 +59,7 @@ struct Event
     EventKind Kind;
     Time When;
     std::shared_ptr<const Device> Subject = {};              // the device as it is now; null when it is about none
+    std::uint64_t Row = 0;                                   // of the device in the table; 0 when it is about no row
     std::vector<DeviceDifferences::Difference> Changes = {}; // of Changed and Returned
     std::optional<Conflict> Contradiction = {};
     std::optional<SearchReport> Report = {};
