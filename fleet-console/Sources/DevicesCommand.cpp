@@ -93,16 +93,6 @@ struct Rows
 {
     std::vector<SiteDevice> Devices;
     bool IsCut = false; // some records are no devices
-
-    std::vector<const Device*> All() const
-    {
-        std::vector<const Device*> all;
-        for (const SiteDevice& device : Devices)
-        {
-            all.push_back(&device);
-        }
-        return all;
-    }
 };
 
 /// Whoever may write to the broker may have written what is no device: that is said, and counts.
@@ -178,7 +168,7 @@ DevicesCommand::DevicesCommand()
 CLI::App& DevicesCommand::AddTo(CLI::App& program)
 {
     Arguments arguments(program, "devices", "show the devices of the sites");
-    SharedOptions::AddSelection(arguments, selection, selection.ColumnNames());
+    SharedOptions::AddSelection(arguments, selection, "");
     return arguments.Command();
 }
 
@@ -188,7 +178,7 @@ ExitStatus DevicesCommand::Run(CommandContext& context)
     FleetReading reading(context.Sites, SiteReading::ReadingScope::Devices, records);
     BrokerReader::Read(context.Broker, context.Waiter, reading);
     const Rows rows = Gather(reading, records, context.Out);
-    Show(selection.Of(rows.All(), std::chrono::system_clock::now()), context.Out);
+    Show(selection.Of(rows.Devices, std::chrono::system_clock::now()), context.Out);
     const ExitStatus status = SitesCommand::Conclude(reading, context);
     return status == ExitStatus::Success && rows.IsCut ? ExitStatus::Incomplete : status;
 }

@@ -2,6 +2,7 @@
 
 #include "BrokerReader.h"
 #include "Commands/Arguments.h"
+#include "Commands/SharedOptions.h"
 #include "Inventory/DeviceColumn.h"
 #include "Show/Output.h"
 #include "Text/TerminalText.h"
@@ -9,11 +10,15 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <string>
 #include <vector>
 
+using Zent::Discovery::Console::Arguments;
 using Zent::Discovery::Console::Output;
+using Zent::Discovery::Console::SharedOptions;
 using Zent::Discovery::Console::Style;
 using Zent::Discovery::Console::TerminalText;
 using Zent::Discovery::Console::TextTable;
@@ -28,24 +33,48 @@ namespace Zent::Discovery::FleetConsole
 {
 namespace
 {
-std::string CountOf(const SiteReading& site)
+using Column = Inventory::Column<SiteReading>;
+
+std::string Site(const SiteReading& site, Column::TimePoint /*now*/)
+{
+    return site.Site();
+}
+
+std::string State(const SiteReading& site, Column::TimePoint /*now*/)
+{
+    return site.StateName();
+}
+
+std::string Devices(const SiteReading& site, Column::TimePoint /*now*/)
 {
     return site.Expected() ? std::to_string(*site.Expected()) : "";
 }
 
-std::string StartedOf(const SiteReading& site)
+std::string Age(const SiteReading& site, Column::TimePoint now)
 {
-    return site.State() ? UtcTime::ToText(site.State()->Started) : "";
+    return site.State() ? DeviceColumn::AgeText(now - site.State()->Started) : "";
 }
 
-std::string MachineOf(const SiteReading& site)
+std::string Machine(const SiteReading& site, Column::TimePoint /*now*/)
 {
     return site.State() ? site.State()->Machine : "";
 }
 
-Style LookOf(const SiteReading& site)
+/// Those of which nobody knows come last.
+bool IsYounger(const SiteReading& left, const SiteReading& right)
 {
-    return site.State() && site.State()->Kind == SiteState::StateKind::Ready ? Style::Plain : Style::Left;
+    return left.State() && (!right.State() || left.State()->Started > right.State()->Started);
+}
+
+constexpr Column Columns[] = {
+    {"site", &Site, &Column::IsNaturallyBefore<&Site>},          {"state", &State, &Column::IsNaturallyBefore<&State>},
+    {"devices", &Devices, &Column::IsNaturallyBefore<&Devices>}, {"age", &Age, &IsYounger},
+    {"machine", &Machine, &Column::IsNaturallyBefore<&Machine>},
+};
+
+std::string StartedOf(const SiteReading& site)
+{
+    return site.State() ? UtcTime::ToText(site.State()->Started) : "";
 }
 
 std::string JsonOf(const SiteReading& site)
@@ -57,28 +86,52 @@ std::string JsonOf(const SiteReading& site)
     }
     if (site.State())
     {
-        document.update({{"Started", StartedOf(site)}, {"Machine", MachineOf(site)}});
+        document.update({{"Started", StartedOf(site)}, {"Machine", site.State()->Machine}});
     }
     return document.dump();
 }
 
-void ShowTable(const FleetReading& reading, Output& output)
+void Show(const std::vector<const SiteReading*>& sites, Column::TimePoint now, Output& output)
 {
-    const auto now = std::chrono::system_clock::now();
     TextTable table({{"SITE"}, {"STATE"}, {"DEVICES"}, {"AGE"}, {"MACHINE", 0, 64, 1}});
-    for (const SiteReading& site : reading.Sites())
+    for (const SiteReading* site : sites)
     {
-        const std::string age = site.State() ? DeviceColumn::AgeText(now - site.State()->Started) : "";
-        table.AddRow({site.Site(), site.StateName(), CountOf(site), age, MachineOf(site)}, LookOf(site));
+        if (output.IsJson())
+        {
+            output.PrintLine(TerminalText::Json(JsonOf(*site)));
+        }
+        else if (output.IsCsv())
+        {
+            output.PrintRow(
+                {"site", "state", "devices", "started", "machine"},
+                {site->Site(), site->StateName(), Devices(*site, now), StartedOf(*site), Machine(*site, now)});
+        }
+        else
+        {
+            std::vector<std::string> cells;
+            std::ranges::transform(Columns, std::back_inserter(cells),
+                                   [&](const Column& column) { return column.Text(*site, now); });
+            const bool isReady = site->State() && site->State()->Kind == SiteState::StateKind::Ready;
+            table.AddRow(cells, isReady ? Style::Plain : Style::Left);
+        }
     }
-    output.Show(table);
+    if (!output.IsJson() && !output.IsCsv())
+    {
+        output.Show(table);
+    }
 }
 } // namespace
 
+SitesCommand::SitesCommand()
+    : selection(&TerminalText::Plain, {std::begin(Columns), std::end(Columns)})
+{
+}
+
 CLI::App& SitesCommand::AddTo(CLI::App& program)
 {
-    return Console::Arguments(program, "sites", "show the sites, their states and how many devices they have")
-        .Command();
+    Arguments arguments(program, "sites", "show the sites, their states and how many devices they have");
+    SharedOptions::AddSelection(arguments, selection, "", "sites");
+    return arguments.Command();
 }
 
 ExitStatus SitesCommand::Run(CommandContext& context)
@@ -86,26 +139,8 @@ ExitStatus SitesCommand::Run(CommandContext& context)
     ReadingListener nobody;
     FleetReading reading(context.Sites, SiteReading::ReadingScope::Summary, nobody);
     BrokerReader::Read(context.Broker, context.Waiter, reading);
-    Output& output = context.Out;
-    if (output.IsJson() || output.IsCsv())
-    {
-        for (const SiteReading& site : reading.Sites())
-        {
-            if (output.IsJson())
-            {
-                output.PrintLine(TerminalText::Json(JsonOf(site)));
-            }
-            else
-            {
-                output.PrintRow({"site", "state", "devices", "started", "machine"},
-                                {site.Site(), site.StateName(), CountOf(site), StartedOf(site), MachineOf(site)});
-            }
-        }
-    }
-    else
-    {
-        ShowTable(reading, output);
-    }
+    const auto now = std::chrono::system_clock::now();
+    Show(selection.Of(reading.Sites(), now), now, context.Out);
     return Conclude(reading, context);
 }
 

@@ -2,6 +2,8 @@
 
 #include "Fleet/FleetReading.h"
 #include "ICommand.h"
+#include "Inventory/Column.h"
+#include "Inventory/Selection.h"
 
 namespace Zent::Discovery::FleetConsole
 {
@@ -9,10 +11,15 @@ namespace Zent::Discovery::FleetConsole
 class SitesCommand final : public ICommand
 {
 public:
+    SitesCommand();
+
     CLI::App& AddTo(CLI::App& program) override;
     ExitStatus Run(CommandContext& context) override;
 
     /// How a command ends that has read sites; says what is missing.
     static ExitStatus Conclude(const Fleet::FleetReading& reading, CommandContext& context);
+
+private:
+    Inventory::Selection<Inventory::Column<Fleet::SiteReading>> selection;
 };
 } // namespace Zent::Discovery::FleetConsole

@@ -1,7 +1,6 @@
 #include "Inventory/DeviceColumn.h"
 
-#include <algorithm>
-#include <utility>
+#include <chrono>
 
 namespace Zent::Discovery::Inventory
 {
@@ -88,13 +87,6 @@ std::span<const DeviceColumn> DeviceColumn::All()
     return Columns;
 }
 
-const DeviceColumn* DeviceColumn::Find(std::string_view name)
-{
-    const auto* const found =
-        std::ranges::find(Columns, name, [](const DeviceColumn& each) { return std::string_view(each.Name); });
-    return found == std::end(Columns) ? nullptr : found;
-}
-
 std::string DeviceColumn::AgeText(TimePoint::duration age)
 {
     const auto seconds = std::chrono::floor<std::chrono::seconds>(age).count();
@@ -107,19 +99,5 @@ std::string DeviceColumn::AgeText(TimePoint::duration age)
         return std::to_string(seconds / 60) + " min";
     }
     return seconds < 86400 ? std::to_string(seconds / 3600) + " h" : std::to_string(seconds / 86400) + " d";
-}
-
-std::string DeviceColumn::Names(std::string_view without)
-{
-    std::string names;
-    std::string last;
-    for (const DeviceColumn& column : Columns)
-    {
-        if (column.Name != without)
-        {
-            names += (names.empty() ? "" : ", ") + std::exchange(last, column.Name);
-        }
-    }
-    return names + " and " + last;
 }
 } // namespace Zent::Discovery::Inventory

@@ -81,6 +81,7 @@ class ManualTest(TestCase):
         self.assertEqual(self.completions(console, "watch", "--sort", "m"), ["mac", "message"])
         self.assertEqual(self.completions(console, "watch", "--sort", "name", ":", "d"), ["desc"])
         self.assertEqual(self.completions(console, "watch", "--filter", "na"), ["name="])
+        self.assertEqual(self.completions("discovery-fleet", "sites", "--sort", "m"), ["machine"])
         self.assertEqual(self.completions(console, "--wait", ""), [])
         self.assertEqual(self.completions(console, "--log", "discover", "wa"), ["watch"])
         self.assertEqual(self.completions(console, "inventory", "diff", "ot"), ["other"])

@@ -58,9 +58,12 @@ class FleetTest(endtoend.TestCase):
         table, _ = self.fleet("devices", "--sort", "site", "--sort", "name:desc", "--filter", "name=press-1?", "--filter",
                               "state=present", "--filter", "site=A")  # fmt: skip
         self.assertEqual([row[:3] for row in rows(table)], [["a", "present", f"press-{n}"] for n in range(19, 9, -1)])
+        sites, _ = self.fleet("sites", "--sort", "devices:desc", "--filter", "machine=BOX", "--csv")
+        self.assertEqual([row["devices"] for row in csv.DictReader(io.StringIO(sites))], ["3000", "2"])
         removed, _ = self.fleet("--json", "forget", "a", "--yes", "--force")
         self.assertEqual(json.loads(removed), {"Forgotten": {"Site": "a", "Removed": 3005, "Left": 0}})
         self.assertEqual([row[:3] for row in rows(self.fleet("sites")[0])], [["b", "lost", "2"]])
+        self.assertEqual(rows(self.fleet("sites", "--filter", "state!=lost")[0]), [])
 
     def test_what_is_missing_is_said(self):
         broker = Broker(self.folder, "allow_anonymous true")

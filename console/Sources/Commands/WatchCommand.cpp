@@ -57,7 +57,7 @@ CLI::App& WatchCommand::AddTo(CLI::App& parent)
         .MustPass([](const std::string& text) {
             return text == "names" ? "" : '"' + text + "\" is not names; nothing else is given back by itself";
         });
-    SharedOptions::AddSelection(arguments, selection, Inventory::DeviceColumn::Names());
+    SharedOptions::AddSelection(arguments, selection, "");
     return arguments.Command();
 }
 
