@@ -4,7 +4,6 @@
 #include "Commands/Arguments.h"
 #include "Fleet/RetainedRemoval.h"
 #include "Fleet/Topics.h"
-#include "Programs/WrongArgument.h"
 #include "Show/Output.h"
 #include "Text/TerminalText.h"
 
@@ -22,7 +21,6 @@ using Zent::Discovery::Fleet::Probes;
 using Zent::Discovery::Fleet::ProbeWriting;
 using Zent::Discovery::Fleet::RetainedRemoval;
 using Zent::Discovery::Fleet::SiteTopics;
-using Zent::Discovery::Programs::WrongArgument;
 using Json = nlohmann::ordered_json;
 
 namespace Zent::Discovery::FleetConsole
@@ -60,10 +58,6 @@ CLI::App& CheckBrokerCommand::AddTo(CLI::App& program)
 
 ExitStatus CheckBrokerCommand::Run(CommandContext& context)
 {
-    if (context.Out.IsCsv())
-    {
-        throw WrongArgument("--csv: only sites and devices have rows");
-    }
     const std::string client = ClientOf(context);
     RetainedRemoval leftovers(Probes::Root(client));
     Hold(context, leftovers, "Looking for probes of earlier runs");

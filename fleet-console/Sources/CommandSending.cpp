@@ -40,10 +40,6 @@ const std::string& CommandSending::SiteOf(const CommandContext& context)
     {
         throw WrongArgument("--site: the command is for one site, which must be named");
     }
-    if (context.Out.IsCsv())
-    {
-        throw WrongArgument("--csv: only sites and devices have rows");
-    }
     return context.Sites.front();
 }
 

@@ -12,6 +12,9 @@ public:
     DevicesCommand();
 
     CLI::App& AddTo(CLI::App& program) override;
+
+    bool HasRows() const override { return true; }
+
     ExitStatus Run(CommandContext& context) override;
 
 private:

@@ -6,7 +6,6 @@
 #include "Fleet/FleetReading.h"
 #include "Fleet/RetainedRemoval.h"
 #include "Fleet/Topics.h"
-#include "Programs/WrongArgument.h"
 #include "Question.h"
 #include "Show/Output.h"
 #include "Text/TerminalText.h"
@@ -18,7 +17,6 @@ using Zent::Discovery::Fleet::RetainedRemoval;
 using Zent::Discovery::Fleet::SiteReading;
 using Zent::Discovery::Fleet::SiteState;
 using Zent::Discovery::Fleet::SiteTopics;
-using Zent::Discovery::Programs::WrongArgument;
 
 namespace Zent::Discovery::FleetConsole
 {
@@ -44,10 +42,6 @@ CLI::App& ForgetCommand::AddTo(CLI::App& program)
 
 ExitStatus ForgetCommand::Run(CommandContext& context)
 {
-    if (context.Out.IsCsv())
-    {
-        throw WrongArgument("--csv: only sites and devices have rows");
-    }
     const ExitStatus agreed = Confirm(context);
     return agreed == ExitStatus::Success ? Remove(context) : agreed;
 }

@@ -48,6 +48,9 @@ public:
     /// Adds the command to the program's. Reading the command line fills it.
     virtual CLI::App& AddTo(CLI::App& program) = 0;
 
+    /// Whether it shows rows, which may be comma-separated values.
+    virtual bool HasRows() const { return false; }
+
     /// @throws std::runtime_error when the broker cannot be reached or refuses.
     virtual ExitStatus Run(CommandContext& context) = 0;
 };

@@ -14,6 +14,9 @@ public:
     SitesCommand();
 
     CLI::App& AddTo(CLI::App& program) override;
+
+    bool HasRows() const override { return true; }
+
     ExitStatus Run(CommandContext& context) override;
 
     /// How a command ends that has read sites; says what is missing.

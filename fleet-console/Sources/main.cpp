@@ -108,6 +108,10 @@ ExitStatus Run(const CommandLine& line)
                    .Program = ProgramName});
     try
     {
+        if (line.Csv && !line.Chosen->HasRows())
+        {
+            throw WrongArgument("--csv: only sites and devices have rows");
+        }
         CommandContext context{line.Broker.Settings(), line.Sites, waiter, output};
         const ExitStatus status = line.Chosen->Run(context);
         return output.Finish() ? status : ExitStatus::Failure;

@@ -90,6 +90,7 @@ class FleetTest(endtoend.TestCase):
         self.assertIn("certificate verify failed (", self.fleet("sites", "--tls", "--authority", certificate, status=1)[1])
         missing = self.fleet("sites", "--tls", "--authority", "nowhere.crt", status=2)[1]
         self.assertEqual(missing, 'discovery-fleet: cannot read "nowhere.crt": No such file or directory\n')
+        self.assertIn("--csv: ", self.fleet("serve", "--csv", status=2)[1])
         unread = self.fleet("sites", "--user", "u", "--password-file", "nofile", status=2)[1]
         self.assertIn('password from "nofile": No such file or directory\n', unread)
 
