@@ -1,17 +1,21 @@
 """The page for all sites with a real broker, an agent, and a viewer."""
 
 import json
+import os
 import pathlib
 import queue
+import ssl
+import subprocess
 import sys
 import threading
 import urllib.error
+import urllib.parse
 import urllib.request
 
 sys.path[:0] = [str(pathlib.Path(__file__).parent.parent / folder) for folder in ("endtoend", "agent")]
 
 import endtoend  # noqa: E402
-from brokers import ANYBODY, PORT, SETTINGS, Agent, Broker, Publisher  # noqa: E402
+from brokers import ANYBODY, PORT, SETTINGS, Agent, Broker, Publisher, certificates  # noqa: E402
 from endtoend import TIMEOUT, Process, Simulator, command, wait_until  # noqa: E402
 from FleetTest import site  # noqa: E402
 
@@ -19,9 +23,9 @@ from FleetTest import site  # noqa: E402
 class Page(Process):
     """A page that is served, and what its viewers see."""
 
-    def __init__(self):
+    def __init__(self, *options):
         super().__init__(*command("discovery-fleet", "--json", "--broker", f"127.0.0.1:{PORT}", "serve",
-                                  "--page-port", "0"))  # fmt: skip
+                                  "--page-port", "0", *options))  # fmt: skip
         self.url = json.loads(self.line_with('{"Page":'))["Page"]
 
     def get(self, path):
@@ -117,6 +121,45 @@ class ServeTest(endtoend.TestCase):
         page.get("healthz")
         page.interrupt()
         self.assertEqual(page.wait(), 0)
+
+    def test_other_machines_are_served_by_tls_alone_and_with_a_token_or_a_certificate(self):
+        certificates(self.folder)
+        authority, certificate, key, token = (str(self.folder / name) for name in ("ca.crt", "own.crt", "own.key", "token"))
+        secret = "0123456789abcdef" * 4
+        with open(token, "w", opener=lambda path, flags: os.open(path, flags, 0o600), encoding="ascii") as file:
+            file.write(secret + "\n")
+        everywhere = ("--page-address", "0.0.0.0")
+        tls = ("--page-certificate", certificate, "--page-key", key)
+        for options, reason in (((), "certificate and key, and either an authority"), (tls, "needs an authority")):
+            refused = subprocess.run(command("discovery-fleet", "serve", *everywhere, *options), capture_output=True,
+                                     text=True, timeout=TIMEOUT, check=False)  # fmt: skip
+            self.assertEqual((refused.returncode, refused.stdout), (2, ""))
+            self.assertRegex(refused.stderr, f"^discovery-fleet: the page's address 0.0.0.0 .*{reason}.*\n$")
+
+        page = self.enterContext(Page(*everywhere, *tls, "--page-token-file", token, "--page-authority", authority,
+                                      "--page-name", "fleet.example"))  # fmt: skip
+        self.assertRegex(page.url, r"^https://[^/?]+:\d+/$")
+        port = urllib.parse.urlsplit(page.url).port
+
+        def status(path="devices.json", data=None, certified=False, **headers):
+            context = ssl.create_default_context(cafile=authority)
+            if certified:
+                context.load_cert_chain(certificate, key)
+            request = urllib.request.Request(f"https://localhost:{port}/{path}", data, headers)
+            try:
+                with urllib.request.urlopen(request, timeout=TIMEOUT, context=context) as answer:
+                    return answer.status
+            except urllib.error.HTTPError as error:
+                return error.code
+
+        bearer = {"Authorization": "Bearer " + secret}
+        self.assertEqual((status(), status("devices.json?token=" + secret)), (401, 401))
+        self.assertEqual((status(**bearer), status(certified=True)), (200, 200))
+        self.assertEqual((status("token", b"token=" + secret[1:].encode()), status(Authorization="Bearer x")), (403, 401))
+        self.assertEqual(status(Host="fleet.example", **bearer), 200)
+        self.assertEqual(status(Host="elsewhere.example", **bearer), 421)
+        with self.assertRaises(OSError):
+            urllib.request.urlopen(f"http://localhost:{port}/devices.json", timeout=TIMEOUT)
 
 
 if __name__ == "__main__":
