@@ -52,11 +52,16 @@ std::vector<Metric> AgentFigures::Metrics(const std::optional<ISitePublisher::Pu
         metrics.push_back(Counter("discovery_datagrams_received_total", "Messages of devices by kind.", received[kind],
                                   Metric::Label("kind", Kinds[kind])));
     }
-    for (const auto& [reason, count] : {std::pair("queue-full", LostMessages), {"unreadable", UnreadableMessages}})
+    std::vector<std::pair<const char*, std::size_t>> dropped = {
+        {"queue-full", LostMessages + (Library ? Library->QueueFull : 0)}, {"unreadable", UnreadableMessages}};
+    if (Library)
     {
-        metrics.push_back(Counter("discovery_datagrams_dropped_total",
-                                  "Messages of devices that the agent has not taken, by reason.", count,
-                                  Metric::Label("reason", reason)));
+        dropped.insert(dropped.end(), {{"format", Library->FormatDropped}, {"oversize", Library->Oversize}});
+    }
+    for (const auto& [reason, count] : dropped)
+    {
+        metrics.push_back(Counter("discovery_datagrams_dropped_total", "Datagrams that were not taken, by reason.",
+                                  count, Metric::Label("reason", reason)));
     }
     if (KernelDrops)
     {

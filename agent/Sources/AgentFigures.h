@@ -4,6 +4,7 @@
 #include "Inventory/DeviceMessage.h"
 #include "Inventory/Time.h"
 #include "Page/PageModel.h"
+#include "Programs/LogReader.h"
 #include "Programs/UdpSockets.h"
 
 #include <array>
@@ -29,11 +30,12 @@ public:
     void SetSockets(const std::vector<Programs::UdpSocket>& sockets);
 
     bool IsPortBound = true;
-    std::optional<std::uint64_t> KernelDrops = {}; // nothing when the system does not count
-    std::size_t LostMessages = 0;                  // of devices, that came faster than they were taken
-    std::size_t UnreadableMessages = 0;            // of devices
-    std::size_t LostByBroker = 0;                  // messages of the broker, likewise
-    std::optional<Inventory::Time> LastRound = {}; // when all devices were asked last
+    std::optional<std::uint64_t> KernelDrops = {};    // nothing when the system does not count
+    std::optional<Programs::LogSummary> Library = {}; // what it has dropped; nothing when its log goes elsewhere
+    std::size_t LostMessages = 0;                     // of devices, that came faster than they were taken
+    std::size_t UnreadableMessages = 0;               // of devices
+    std::size_t LostByBroker = 0;                     // messages of the broker, likewise
+    std::optional<Inventory::Time> LastRound = {};    // when all devices were asked last
 
 private:
     std::array<std::uint64_t, 3> received = {}; // messages by kind

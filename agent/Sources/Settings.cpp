@@ -55,10 +55,8 @@ Settings Settings::Defaults()
     settings.Site = SiteOfMachine();
     settings.StateFolder = EnvironmentVariable("STATE_DIRECTORY");
     settings.Session.Library = InstalledLibrary();
-    settings.Session.LogFile = "/dev/null";
     settings.Session.Interfaces.AddressSetting = "discovery.addresses";
     settings.Session.Interfaces.NameSetting = "discovery.interfaces";
-    settings.Session.LogLevel = DiscoveryLogNone;
     settings.PasswordFile = Credential("broker-password");
     settings.Page.Port = UsualPagePort;
     settings.Page.TokenFile = Credential("page-token");

@@ -31,8 +31,8 @@ struct Settings
 
     std::string Site;
     Log::LogLevel Level = Log::LogLevel::Info;
-    std::string StateFolder; // for the log of commands; $STATE_DIRECTORY, empty without it
-    Programs::HostSession::Settings Session;
+    std::string StateFolder;                 // for the log of commands; $STATE_DIRECTORY, empty without it
+    Programs::HostSession::Settings Session; // without a log file the library's log is read by the agent
     std::chrono::seconds AskEvery{10};
     bool Sweeps = true;
     std::vector<std::string> AcceptedConflicts;

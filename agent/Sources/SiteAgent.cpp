@@ -83,7 +83,7 @@ SiteAgent::SiteAgent(const Settings& settings, MessageQueue& messages, Log& log)
     , topics(settings.Site)
     , self{SiteState::StateKind::Ready, RandomName::Make(), MachineName(), std::chrono::system_clock::now()}
     , page(MakePage())
-    , host(settings.Session, HandlersFor(messages, log))
+    , host(SessionSettings(), HandlersFor(messages, log))
     , driver(
           host,
           messages,
@@ -101,6 +101,17 @@ SiteAgent::SiteAgent(const Settings& settings, MessageQueue& messages, Log& log)
 }
 
 SiteAgent::~SiteAgent() = default;
+
+HostSession::Settings SiteAgent::SessionSettings()
+{
+    HostSession::Settings session = settings.Session;
+    if (session.LogFile.empty())
+    {
+        session.LogFile = libraryLog.emplace().Path();
+        session.LogLevel = DiscoveryLogCritical;
+    }
+    return session;
+}
 
 std::unique_ptr<Page::PageServer> SiteAgent::MakePage() const
 {
@@ -273,6 +284,7 @@ void SiteAgent::Report(Time now)
 {
     manager.TellStatus(StatusText());
     manager.FeedWatchdog();
+    figures.Library = libraryLog ? std::optional(libraryLog->Read()) : std::nullopt;
     if (!page)
     {
         return;

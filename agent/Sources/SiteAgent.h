@@ -5,6 +5,7 @@
 #include "Broker/BrokerConnection.h"
 #include "BrokerPublisher.h"
 #include "CommandDesk.h"
+#include "LibraryLog.h"
 #include "Log.h"
 #include "Page/PageServer.h"
 #include "Programs/HostSession.h"
@@ -39,6 +40,7 @@ private:
     void TakeCommand(const Fleet::CommandMessage& message) override;
     void TakeUnclaimed(const std::string& id, const std::optional<Fleet::DeviceRecord>& record) override;
 
+    Programs::HostSession::Settings SessionSettings();
     std::unique_ptr<Page::PageServer> MakePage() const;
     std::unique_ptr<ISitePublisher> MakePublisher();
     std::unique_ptr<ISitePublisher> MakeBrokerPublisher();
@@ -59,6 +61,7 @@ private:
     ServiceManager manager;
     const std::unique_ptr<Page::PageServer> page; // null without one
     AgentFigures figures;
+    std::optional<LibraryLog> libraryLog; // unless the user wants the log elsewhere
     Programs::HostSession host;
     Programs::SessionDriver driver;
     std::unique_ptr<Broker::BrokerConnection> connection; // null without a broker

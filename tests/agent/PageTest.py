@@ -111,6 +111,9 @@ class PageTest(endtoend.TestCase):
         self.assertEqual(figure('discovery_events_total{kind="gone"}'), 1)
         self.assertGreater(figure('discovery_datagrams_received_total{kind="signature"}'), received)
         self.assertLess(figure("discovery_last_round_seconds"), TIMEOUT)
+        with socket.socket(type=socket.SOCK_DGRAM) as stranger:
+            stranger.sendto(b"no message", ("127.0.0.1", 12001))
+        wait_until(lambda: figure('discovery_datagrams_dropped_total{reason="format"}') == 1, "figure")
         self.assertEqual(self.agent.stop(), 0)
 
     def test_a_hundred_viewers_of_whom_one_reads_nothing_all_learn_of_it(self):

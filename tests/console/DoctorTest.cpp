@@ -1,5 +1,4 @@
 #include "Doctor/Diagnosis.h"
-#include "Doctor/LogReader.h"
 #include "Doctor/NftRules.h"
 #include "Doctor/WindowsRules.h"
 
@@ -8,7 +7,6 @@
 #include <algorithm>
 #include <map>
 #include <set>
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -151,38 +149,6 @@ TEST(DiagnosisTest, ACauseStandsInThePlaceOfWhatItHides)
     EXPECT_FALSE(Faults(observations).contains("nobody-answers"));
     EXPECT_TRUE(Faults(observations, {"nobody-answers"}).contains("firewall"));
     EXPECT_EQ(Faults(observations, {"conflict"}).size(), 0u);
-}
-
-TEST(LogReaderTest, CountsWhatTheLastUseOfTheLibraryHasDropped)
-{
-    const auto line = [](const std::string& channel, const std::string& message) {
-        return "|25/11/2026 10:15:32.501|          0.000096|" + channel + std::string(40 - channel.size(), ' ') +
-               "|C|           |" + message + "\r\n";
-    };
-    std::stringstream log;
-    log << line("MessageParser", "Message dropped : bad format !") << line("Start", "Start Log")
-        << "|Date                   |RefTime\n"
-        << line("Receiver", "Thread priority Highest refused by the system.")
-        << line("MessageParser", "Version mismatch with received message ! [1.0.18] <> [1.0.17].")
-        << line("MessageParser", "The protocol version of the message is not supported ! Message dropped.")
-        << line("MessageParser", "Sender of the dropped message : 10.0.0.5")
-        << line("SignatureBroadcastMessage", "No Host key !!! => BAD MESSAGE FORMAT !")
-        << line("MessageParser", "Message dropped : bad format !")
-        << line("MessageParser", "Message : {\"a\":\"|Semaphore is full\"}")
-        << line("MessageParser", "Semaphore is full (512) !!! Ignoring this datagram...")
-        << line("ServerTaskProcessor", "Semaphore is full (512) !!! Ignoring this task...")
-        << line("Receiver", "MessageSize is too low : 2048! Doubling it... The message is too long.")
-        << line("Discovery Server", "Another socket on this machine is bound to port 12001 : answers");
-    const LogSummary summary = LogReader::Read(log);
-    EXPECT_EQ(summary.VersionDropped, 1u);
-    EXPECT_EQ(summary.Versions, std::set<std::string>{"1.0.17"});
-    EXPECT_EQ(summary.VersionSenders, std::set<std::string>{"10.0.0.5"});
-    EXPECT_EQ(summary.FormatDropped, 1u);
-    EXPECT_EQ(summary.Defect, "No Host key");
-    EXPECT_EQ(summary.QueueFull, 2u);
-    EXPECT_EQ(summary.Oversize, 1u);
-    EXPECT_TRUE(summary.SharesPort);
-    EXPECT_TRUE(summary.IsRealTimeRefused);
 }
 
 TEST(NftRulesTest, FollowsADatagramThroughTheRules)

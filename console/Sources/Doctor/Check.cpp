@@ -151,7 +151,7 @@ std::string From(const std::set<std::string>& addresses)
 
 std::optional<Symptom> FindVersionDropped(const Observations& observations)
 {
-    const LogSummary& log = observations.Search->Log;
+    const Programs::LogSummary& log = observations.Search->Log;
     if (log.VersionDropped == 0)
     {
         return std::nullopt;
@@ -162,7 +162,7 @@ std::optional<Symptom> FindVersionDropped(const Observations& observations)
 
 std::optional<Symptom> FindFormatDropped(const Observations& observations)
 {
-    const LogSummary& log = observations.Search->Log;
+    const Programs::LogSummary& log = observations.Search->Log;
     if (log.FormatDropped == 0)
     {
         return std::nullopt;

@@ -4,9 +4,9 @@
 #include "Commands/DeviceReader.h"
 #include "Doctor/Diagnosis.h"
 #include "Doctor/HostProbe.h"
-#include "Doctor/LogReader.h"
 #include "Programs/HostSession.h"
 #include "Programs/InterfaceChoice.h"
+#include "Programs/LogReader.h"
 #include "Programs/SystemNetwork.h"
 #include "Show/Output.h"
 
@@ -22,6 +22,8 @@ using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Discovery::Inventory::IPv4;
 using Zent::Discovery::Programs::HostSession;
 using Zent::Discovery::Programs::InterfaceChoice;
+using Zent::Discovery::Programs::LogReader;
+using Zent::Discovery::Programs::LogSummary;
 using Zent::Discovery::Programs::NetworkInterface;
 using Zent::Discovery::Programs::SystemNetwork;
 using Zent::Discovery::Programs::UdpSocket;
@@ -85,7 +87,12 @@ std::string TextOfLog(const fs::path& file)
 LogSummary Summary(const std::string& log)
 {
     std::istringstream stream(log);
-    return LogReader::Read(stream);
+    LogReader reader;
+    for (std::string line; std::getline(stream, line);)
+    {
+        reader.Add(line);
+    }
+    return reader.Summary();
 }
 
 Observations Observe(const ProgramOptions& options, const std::vector<NetworkInterface>& interfaces)

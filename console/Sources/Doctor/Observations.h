@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Inventory/Network.h"
+#include "Programs/LogReader.h"
 #include "Programs/UdpSockets.h"
 
 #include <compare>
@@ -28,21 +29,6 @@ struct FirewallState
     std::vector<std::string> Commands; // that let them in on this system
 };
 
-/// What a log of the library tells about what was dropped.
-struct LogSummary
-{
-    std::size_t VersionDropped = 0;       // datagrams
-    std::set<std::string> Versions;       // of these
-    std::set<std::string> VersionSenders; // addresses
-    std::size_t FormatDropped = 0;        // datagrams
-    std::string Defect;                   // of the first of these, when the log names it
-    std::set<std::string> FormatSenders;  // addresses
-    std::size_t QueueFull = 0;            // datagrams, requests and notifications
-    std::size_t Oversize = 0;             // datagrams
-    bool SharesPort = false;
-    bool IsRealTimeRefused = false;
-};
-
 /// One of the things that a device has said of itself. All texts are as the device sent them.
 struct HeardDevice
 {
@@ -60,7 +46,7 @@ struct SearchResult
     double Seconds = 0;
     std::set<HeardDevice> Devices;
     std::optional<std::uint64_t> BufferDrops; // nothing where the system does not count them
-    LogSummary Log;
+    Programs::LogSummary Log;
     std::string LogText;   // of the library
     std::string Documents; // of the devices, a line each
 };
