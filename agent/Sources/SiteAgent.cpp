@@ -206,20 +206,42 @@ void SiteAgent::TakeEvents()
 {
     while (const std::optional<Event> event = driver.Session().NextEvent())
     {
-        if (event->Kind == Event::EventKind::SearchEnded)
+        // The end of a search that has made way for another one is not the end.
+        if (event->Kind == Event::EventKind::SearchEnded && driver.Session().SearchState()->IsOver)
         {
             log.Info(event->Report->ToString());
-            isSearched = portHolder.empty();
+            isSearched = portHolder.empty() && !isOffline;
             if (isSearched)
             {
                 inventory.CallSilentGone(std::chrono::system_clock::now());
             }
             publisher->BeReady();
         }
+        TakeNetwork(*event);
         inventory.Take(*event, std::chrono::system_clock::now());
         if (event->Outcome && desk)
         {
             desk->TakeOutcome(*event->Outcome, std::chrono::system_clock::now());
+        }
+    }
+}
+
+/// A search of which the network was missing says nothing of those who were silent, either.
+void SiteAgent::TakeNetwork(const Event& event)
+{
+    if (event.Kind == Event::EventKind::Offline)
+    {
+        isOffline = true;
+        log.Warning("no network interface takes part; left out: " + host.Interfaces().LeftOut() +
+                    ": no device is called gone");
+    }
+    else if (event.Kind == Event::EventKind::Online)
+    {
+        isOffline = false;
+        log.Info("a network interface takes part again");
+        if (!isSearched)
+        {
+            StartSearch();
         }
     }
 }

@@ -47,6 +47,7 @@ private:
     void ServePage();
     void StartSearch();
     void TakeEvents();
+    void TakeNetwork(const Inventory::Event& event);
     void LookAround(Inventory::Time now);
     void Report(Inventory::Time now);
     std::string PortText() const;
@@ -75,6 +76,7 @@ private:
     std::size_t knownLost = 0; // messages of the broker
     Inventory::Time nextLook{0};
     Inventory::Time nextReport{0};
+    bool isOffline = false;  // no network interface takes part
     bool isSearched = false; // by a search that heard all answers
 };
 } // namespace Zent::Discovery::Agent

@@ -287,8 +287,11 @@ void DeviceTable::Advance(Time now, bool mayAsk)
 {
     if (mayAsk && options.AskEvery > Time{0} && now >= nextQuestion)
     {
-        questions.AskAll();
         nextQuestion = now + options.AskEvery;
+        if (!isOffline)
+        {
+            questions.AskAll();
+        }
     }
     while (!due.empty() && due.begin()->first <= now)
     {
@@ -296,7 +299,7 @@ void DeviceTable::Advance(Time now, bool mayAsk)
         Disarm(entry);
         HandleDue(entry, now);
     }
-    if (mayAsk)
+    if (mayAsk && !isOffline)
     {
         AskWaiting(now);
     }
@@ -431,9 +434,31 @@ void DeviceTable::SetPortHeld(bool isHeld, Time now)
         return;
     }
     events.Raise({.Kind = isHeld ? Kind::PortHeld : Kind::PortReleased, .When = now});
+    ForgiveSilence(now);
+}
+
+void DeviceTable::SetOffline(bool isOff, Time now)
+{
+    if (std::exchange(isOffline, isOff) == isOff)
+    {
+        return;
+    }
+    events.Raise({.Kind = isOff ? Kind::Offline : Kind::Online, .When = now});
+    ForgiveSilence(now);
+}
+
+/// Nobody could be heard, or nobody can from now on: devices that are here have all their time again.
+void DeviceTable::ForgiveSilence(Time now)
+{
     for (Entry& entry : entries)
     {
-        entry.Misses = 0; // those before say nothing
+        if (entry.IsHere())
+        {
+            entry.Misses = 0;
+            entry.IsWaiting = false;
+            entry.Condition = entry.Condition == State::Asked ? State::Stale : entry.Condition;
+            Arm(entry, now + options.StaleAfter);
+        }
     }
 }
 
@@ -483,7 +508,7 @@ Time DeviceTable::NextTime(Time now) const
 {
     Time next = options.AskEvery > Time{0} ? nextQuestion : Time::max();
     next = due.empty() ? next : std::min(next, due.begin()->first);
-    next = waiting.empty() ? next : std::min(next, questions.NextTime(now));
+    next = waiting.empty() || isOffline ? next : std::min(next, questions.NextTime(now));
     return std::max(now, next);
 }
 } // namespace Zent::Discovery::Inventory

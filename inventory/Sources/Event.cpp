@@ -31,9 +31,9 @@ std::string Conflict::ToString() const
 
 const char* Event::KindName() const
 {
-    static constexpr const char* Names[] = {"Appeared",     "Changed",    "Left",        "Gone",       "Returned",
-                                            "Flapping",     "Settled",    "Forgotten",   "Conflict",   "PortHeld",
-                                            "PortReleased", "RoundEnded", "SearchEnded", "ChangeEnded"};
+    static constexpr const char* Names[] = {
+        "Appeared", "Changed",  "Left",         "Gone",    "Returned", "Flapping",   "Settled",     "Forgotten",
+        "Conflict", "PortHeld", "PortReleased", "Offline", "Online",   "RoundEnded", "SearchEnded", "ChangeEnded"};
     return Names[static_cast<std::size_t>(Kind)];
 }
 

@@ -93,6 +93,12 @@ void Session::SetPortHeld(bool isHeld, Time time)
     devices.SetPortHeld(isHeld, now);
 }
 
+void Session::SetOffline(bool isOffline, Time time)
+{
+    GoOn(time);
+    devices.SetOffline(isOffline, now);
+}
+
 void Session::StartSearch(SearchOptions options, Time time)
 {
     GoOn(time);

@@ -35,8 +35,15 @@ std::string WhyLeftOut(const NetworkInterface& interface)
                                       : "";
 }
 
+/// An address of this machine, and the interface that has it.
+struct Own
+{
+    Network Address;
+    const NetworkInterface& Interface;
+};
+
 /// The machine's own address that the text means; every address of the loopback network is one.
-std::optional<Network> FindOwn(std::span<const NetworkInterface> interfaces, const std::string& text)
+std::optional<Own> FindOwn(std::span<const NetworkInterface> interfaces, const std::string& text)
 {
     const std::optional<IPv4> wanted = Network::ParseAddress(text);
     for (const NetworkInterface& interface : interfaces)
@@ -45,7 +52,7 @@ std::optional<Network> FindOwn(std::span<const NetworkInterface> interfaces, con
         {
             if (wanted && (interface.IsLoopback ? own.HasHost(*wanted) : own.Address == *wanted))
             {
-                return Network{*wanted, own.PrefixLength};
+                return Own{{*wanted, own.PrefixLength}, interface};
             }
         }
     }
@@ -135,13 +142,15 @@ void InterfaceChoice::TakeWished(std::span<const NetworkInterface> interfaces, c
 {
     for (const std::string& text : wished)
     {
-        if (const std::optional<Network> own = FindOwn(interfaces, text))
+        const std::optional<Own> own = FindOwn(interfaces, text);
+        const std::string reason = own ? WhyUnusable(own->Interface) : "no address of this machine any more";
+        if (reason.empty())
         {
-            addresses.push_back(*own);
+            addresses.push_back(own->Address);
         }
         else
         {
-            leftOut.push_back(text + " (no address of this machine any more)");
+            leftOut.push_back(text + " (" + reason + ")");
         }
     }
 }

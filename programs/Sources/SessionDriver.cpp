@@ -34,6 +34,7 @@ Time SessionDriver::Now() const
 bool SessionDriver::Run(std::chrono::milliseconds longest)
 {
     systemAnswers.TellOfPort(session, Now());
+    session.SetOffline(host.Interfaces().Addresses().empty(), Now());
     session.Advance(Now());
     while (const std::optional<Wish> wish = session.NextWish())
     {

@@ -16,7 +16,12 @@ namespace Zent::Discovery::Programs
 {
 namespace
 {
-constexpr Time PortLookInterval{5000};
+constexpr Time LookInterval{5000};
+
+std::vector<Network> UsualNetworks()
+{
+    return InterfaceChoice(SystemNetwork::Interfaces(), {}).Addresses();
+}
 } // namespace
 
 bool SystemAnswers::Answer(Session& session, const Wish& wish)
@@ -40,7 +45,7 @@ std::vector<Network> SystemAnswers::Networks()
 {
     try
     {
-        return InterfaceChoice(SystemNetwork::Interfaces(), {}).Addresses();
+        return UsualNetworks();
     }
     catch (const std::system_error&)
     {
@@ -54,8 +59,27 @@ void SystemAnswers::TellOfPort(Session& session, Time now)
     {
         return;
     }
-    nextLook = now + PortLookInterval;
+    nextLook = now + LookInterval;
     const std::vector<UdpSocket> sockets = UdpSockets::OnPort(UdpSockets::HostPort);
     session.SetPortHeld(!std::ranges::all_of(sockets, &UdpSocket::IsOwn), now);
+}
+
+void SystemAnswers::TellOfPortAndNetworks(Session& session, Time now)
+{
+    if (now < nextLook)
+    {
+        return;
+    }
+    TellOfPort(session, now);
+    try
+    {
+        const bool hasNetworks = !UsualNetworks().empty();
+        hadNetworks = hadNetworks || hasNetworks;
+        session.SetOffline(hadNetworks && !hasNetworks, now);
+    }
+    catch (const std::system_error&)
+    {
+        // The system does not tell: what was told last still holds.
+    }
 }
 } // namespace Zent::Discovery::Programs

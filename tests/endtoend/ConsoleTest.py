@@ -342,7 +342,9 @@ class InterfaceTest(TestCase):
             simulator.behave("kill 2")
             self.assertIn(simulator.devices[1].name, console.line_with("is gone"))  # and nobody before
             cable.near.down()
-            console.line_with("no-interface: no network interface takes part")
+            self.assertIn("not called gone", console.line_with("no-interface: no network interface takes part"))
+            cable.near.up()
+            console.line_with("a network interface takes part again")
             console.interrupt()
             self.assertEqual(console.wait(), 0)
 

@@ -143,6 +143,22 @@ TEST_F(TableTest, NobodyIsGoneWhileAnotherProgramHoldsThePort)
     EXPECT_EQ(Told(), "Gone a;");
 }
 
+TEST_F(TableTest, NobodyIsAskedOrGoneWhileThisMachineHasNoNetwork)
+{
+    Feed(Document("a", "02:01", "10.0.0.1"), 0s);
+    Pass(0s, 20s);
+    session->SetOffline(true, 20s);
+    wakeUps = 0;
+    Pass(20s, 600s);
+    EXPECT_LT(wakeUps, 70u);
+    EXPECT_EQ(StateOf("02:01"), State::Stale);
+    session->SetOffline(false, 600s);
+    Pass(600s, 622s);
+    EXPECT_EQ(Told(), "Appeared a;Offline ;Online ;");
+    Pass(622s, 624s);
+    EXPECT_EQ(Told(), "Gone a;");
+}
+
 TEST_F(TableTest, ADeviceThatComesAndGoesIsToldOnce)
 {
     const std::string document = Document("a", "02:01", "10.0.0.1");

@@ -256,7 +256,11 @@ int main(void)
     Run(session, 40000);
     CHECK(CountShown("\"Gone\"") == 0 && CountShown("\"PortHeld\"") == 1);
     CHECK(DiscoveryInventorySetPortHeld(session, 0, now) == 0);
-    Run(session, 60000);
+    CHECK(DiscoveryInventorySetOffline(session, 1, now) == 0);
+    Run(session, 80000);
+    CHECK(CountShown("\"Gone\"") == 0 && CountShown("\"Offline\"") == 1);
+    CHECK(DiscoveryInventorySetOffline(session, 0, now) == 0);
+    Run(session, 110000);
     CHECK(CountShown("\"Gone\"") == DeviceCount);
     CHECK(questionsByMAC > 0 && questionsByIP > 0); /* the one with a route */
     CHECK(DiscoveryInventoryStopSearch(session, now) == 0);

@@ -36,6 +36,9 @@ TEST(InterfaceChoiceTest, TheUsersWordCountsAlone)
     EXPECT_EQ(InterfaceChoice(Machine, {.Addresses = {"127.0.0.9", "010.009.0.5"}}).AddressTexts(),
               (Texts{"127.0.0.9", "10.9.0.5"}));
     EXPECT_EQ(InterfaceChoice(Machine, {.Addresses = {"10.0.0.6"}}).AddressTexts(), Texts{});
+    const InterfaceChoice unplugged(Machine, {.Addresses = {"10.1.0.5"}});
+    EXPECT_EQ(unplugged.AddressTexts(), Texts{});
+    EXPECT_EQ(unplugged.LeftOut(), "10.1.0.5 (down)");
 }
 
 TEST(InterfaceChoiceTest, WhatTheMachineDoesNotHaveIsRefusedWithWhatItHas)

@@ -104,10 +104,9 @@ void WatchCommand::Watch(
     CommandContext& context, SessionDriver& driver, IWatchView& view, SiteGuard* guard, const bool& isRead)
 {
     const Time end = context.Options().Wait.value_or(Time::max());
-    unsigned knownChanges = 0;       // of the interfaces: those after which all were asked
-    unsigned toldChanges = 0;        // and those of which the user knows
+    unsigned knownChanges = 0;       // of the interfaces, after which all were asked
     std::future<std::string> reason; // nobody has answered for; the system takes its time to tell
-    bool isExplained = listensOnly;
+    Time nextReason = listensOnly ? Time::max() : Patience;
     for (Time nextRefresh{0}; isRead && driver.Now() < end;)
     {
         const Time now = driver.Now();
@@ -116,18 +115,11 @@ void WatchCommand::Watch(
         {
             knownChanges = changes;
         }
-        if (std::exchange(toldChanges, changes) != changes)
-        {
-            if (const std::string lack = context.WhyNoInterface(); !lack.empty())
-            {
-                view.Complain(lack);
-            }
-        }
-        if (!isExplained && now >= Patience && driver.Session().Devices().Size() == 0)
+        if (now >= nextReason && driver.Session().Devices().Size() == 0)
         {
             reason = std::async(std::launch::async, &Doctor::Examination::ReasonForSilence,
                                 std::cref(context.Options()), Patience.count());
-            isExplained = true;
+            nextReason = Time::max();
         }
         if (reason.valid() && reason.wait_for(Time(0)) == std::future_status::ready)
         {
@@ -136,6 +128,17 @@ void WatchCommand::Watch(
         while (const std::optional<Event> event = driver.Session().NextEvent())
         {
             view.Tell(*event);
+            if (event->Kind == Event::EventKind::Offline)
+            {
+                const std::string lack = context.WhyNoInterface();
+                view.Complain((lack.empty() ? "no network interface took part for a moment" : lack) +
+                              "; silent devices are not called gone");
+                nextReason = Time::max();
+            }
+            else if (event->Kind == Event::EventKind::Online && !listensOnly)
+            {
+                nextReason = now + Patience;
+            }
             if (guard != nullptr)
             {
                 guard->Heard(*event, view);

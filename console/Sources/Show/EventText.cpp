@@ -73,6 +73,10 @@ std::vector<EventText> EventText::Of(const Event& event)
     {
         texts.push_back({"no other program receives the answers any more", Style::Appeared});
     }
+    if (event.Kind == Event::EventKind::Online)
+    {
+        texts.push_back({"a network interface takes part again", Style::Appeared});
+    }
     return texts;
 }
 } // namespace Zent::Discovery::Console

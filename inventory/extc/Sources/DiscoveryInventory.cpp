@@ -189,7 +189,7 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryAdvanceTime(DiscoveryInventory* s
             const Time time = TimeOf(now);
             if (session->System)
             {
-                session->System->TellOfPort(session->Engine, time);
+                session->System->TellOfPortAndNetworks(session->Engine, time);
             }
             session->Engine.Advance(time);
         },
@@ -256,6 +256,11 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextTime(DiscoveryInventory* sess
 int DISCOVERY_INVENTORY_CALL DiscoveryInventorySetPortHeld(DiscoveryInventory* session, int isHeld, long long now)
 {
     return Guard([&] { session->Engine.SetPortHeld(isHeld != 0, TimeOf(now)); }, session);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventorySetOffline(DiscoveryInventory* session, int isOffline, long long now)
+{
+    return Guard([&] { session->Engine.SetOffline(isOffline != 0, TimeOf(now)); }, session);
 }
 
 int DISCOVERY_INVENTORY_CALL DiscoveryInventorySnapshot(DiscoveryInventory* session, const char** json)

@@ -64,8 +64,8 @@
  *     {"Event":"Appeared","When":1500,"Device":{"Host":{...},"SourceNIC":{...}}}. Device is the document as the
  *     callback gave it. Events are Appeared, Changed, Left (it said Bye), Gone (it answers no more), Returned,
  *     Flapping (it comes and goes, and no Left, Gone and Returned are told until it has Settled), Settled, Forgotten
- *     (it gave way to another one in a full table), Conflict, PortHeld, PortReleased, RoundEnded, SearchEnded and
- *     ChangeEnded.
+ *     (it gave way to another one in a full table), Conflict, PortHeld, PortReleased, Offline, Online, RoundEnded,
+ *     SearchEnded and ChangeEnded.
  *     Changed and Returned may have "Changes":[{"Property":"HostName","Before":"a","After":"b"}], in which what was not
  *     there is left out; Conflict has "Conflict":{"Kind":"mac"|"ip"|"name","Value":"10.0.0.5","Count":2,
  *     "First":{document},"Second":{document}}, the two of a search have "Search":{report}, and ChangeEnded has "Id",
@@ -179,8 +179,9 @@ extern "C"
      *      "AcceptedConflicts":[],   not told, such as "ip:10.0.0.5", "name:press-4" or "mac:00:1A:2B:3C:4D:5E"
      *      "AskSystem":false}        true: what only the system knows the session finds out by itself, in the process
      *                                of the library: whether there is a route, how many datagrams were lost, whether
-     *                                another program holds the port, and the Networks of a search whose options have
-     *                                none. The host has neither of the wishes IsReachable and CountLost.
+     *                                another program holds the port, whether the machine has lost its networks, and
+     *                                the Networks of a search whose options have none. The host has neither of the
+     *                                wishes IsReachable and CountLost.
      *
      * @param optionsJson the options; null or empty for the usual ones.
      * @param session     where the session is put, or null when there is none; DiscoveryInventoryFree ends it.
@@ -287,6 +288,20 @@ extern "C"
     DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventorySetPortHeld(DiscoveryInventory* session,
                                                                                        int isHeld,
                                                                                        long long now);
+
+    /**
+     * Says whether no network interface of this machine takes part, as when its cable is pulled. As long as none does,
+     * devices are asked by searches and changes alone, and none is told to be gone; afterwards all have their time
+     * again.
+     *
+     * @param session   the session.
+     * @param isOffline not 0 when none takes part.
+     * @param now       the time.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventorySetOffline(DiscoveryInventory* session,
+                                                                                      int isOffline,
+                                                                                      long long now);
 
     /**
      * Gives all devices:

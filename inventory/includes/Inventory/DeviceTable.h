@@ -52,6 +52,10 @@ public:
     /// Whether another program receives the answers of devices: nobody is gone as long as it does.
     void SetPortHeld(bool isHeld, Time now);
 
+    /// Whether no network interface of this machine takes part: nobody is asked, and so nobody is gone, as long as none
+    /// does.
+    void SetOffline(bool isOffline, Time now);
+
     /// There is no route to an address that the table wanted to ask.
     void NoteNoRoute(const std::string& address);
 
@@ -94,6 +98,7 @@ private:
     void Arm(Entry& entry, Time when);
     void Disarm(Entry& entry);
     void HandleDue(Entry& entry, Time now);
+    void ForgiveSilence(Time now);
     void Miss(Entry& entry, Time now);
     void WaitToAsk(Entry& entry);
     void AskWaiting(Time now);
@@ -104,6 +109,7 @@ private:
     EventQueue& events;
     Conflicts conflicts;
     bool isPortHeld = false;
+    bool isOffline = false;
     Time nextQuestion{0};
     std::uint64_t lastId = 0;
 

@@ -51,6 +51,8 @@ struct Event
         Conflict,     // devices contradict each other
         PortHeld,     // another program receives the answers: no device is told to be gone
         PortReleased, // no longer
+        Offline,      // no network interface of this machine takes part: no device is told to be gone
+        Online,       // one does again
         RoundEnded,   // of the search
         SearchEnded,
         ChangeEnded

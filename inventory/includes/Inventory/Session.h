@@ -50,6 +50,10 @@ public:
     /// be gone.
     void SetPortHeld(bool isHeld, Time now);
 
+    /// Whether no network interface of this machine takes part, as when its cable is pulled. Then the table asks
+    /// nobody, and no device is told to be gone; afterwards all have their time again.
+    void SetOffline(bool isOffline, Time now);
+
     /// Starts a search in the place of one that may be running. While it runs, the table asks nobody.
     /// @throws std::invalid_argument when the options are not possible; nothing has changed.
     void StartSearch(SearchOptions options, Time now);

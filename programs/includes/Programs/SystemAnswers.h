@@ -20,10 +20,15 @@ public:
     /// Tells whether another program receives what devices send, once it is time to look.
     void TellOfPort(Inventory::Session& session, Inventory::Time now);
 
+    /// The same, and whether this machine has lost the networks that it had. For hosts of which it is not known which
+    /// interfaces they use: one that never had a network uses the loopback interface.
+    void TellOfPortAndNetworks(Inventory::Session& session, Inventory::Time now);
+
     /// When it is.
     Inventory::Time NextLook() const { return nextLook; }
 
 private:
     Inventory::Time nextLook{0};
+    bool hadNetworks = false;
 };
 } // namespace Zent::Discovery::Programs

@@ -43,6 +43,7 @@ static void (*const volatile Functions[])(void) = {
     FUNCTION(DiscoveryInventoryNextTime),
     FUNCTION(DiscoveryInventoryNextWish),
     FUNCTION(DiscoveryInventorySearchState),
+    FUNCTION(DiscoveryInventorySetOffline),
     FUNCTION(DiscoveryInventorySetPortHeld),
     FUNCTION(DiscoveryInventorySnapshot),
     FUNCTION(DiscoveryInventoryStartChange),
