@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 #include <string>
@@ -77,10 +78,78 @@ void CommandDesk::Take(const CommandMessage& message, WallTime now)
 
 void CommandDesk::TakeOutcome(const ChangeReport& report, WallTime now)
 {
-    if (const auto found = changes.extract(report.Id); found)
+    const auto found = changes.extract(report.Id);
+    if (!found)
     {
-        Conclude(found.mapped().Message, &found.mapped().Command, VerdictOf(report), now);
+        return;
     }
+    const Open& change = found.mapped();
+    const std::string& device = change.Command.Device;
+    std::erase_if(turns, [this](const auto& each) { return inventory.Find(each.first) == nullptr; });
+    const auto turn = turns.find(device);
+    const auto isOfDevice = [&device](const auto& each) { return each.second.Command.Device == device; };
+    if (turn != turns.end() && std::ranges::none_of(changes, isOfDevice))
+    {
+        turn->second.After = inventory.Find(device)->Revision();
+    }
+    Conclude(change.Message, &change.Command, VerdictOf(report), now);
+}
+
+/// What the sender must have seen: the revision of the record, or for a further interface the one before his own
+/// changes as long as nothing else has changed it.
+std::string CommandDesk::RevisionFor(const Open& change) const
+{
+    std::string current = RecordOf(change.Command.Device).Revision();
+    const auto found = turns.find(change.Command.Device);
+    if (found == turns.end() || change.Request.Kind != ChangeRequest::ChangeKind::Configure)
+    {
+        return current;
+    }
+    const Turn& turn = found->second;
+    const bool isOwn = turn.ResponseTopic == change.Message.ResponseTopic && turn.Before == change.Command.Revision &&
+                       !turn.Interfaces.contains(change.Request.Interface.MACAddress) &&
+                       (turn.After.empty() || turn.After == current);
+    return isOwn ? turn.Before : current;
+}
+
+const Fleet::DeviceRecord& CommandDesk::RecordOf(const std::string& device) const
+{
+    const Fleet::DeviceRecord* const record = inventory.Find(device);
+    if (record == nullptr)
+    {
+        throw Refusal("unknown-device", "no device " + device + " is known here");
+    }
+    return *record;
+}
+
+/// A revision says nothing of what is under way: of two senders who saw the same one, the second must look again.
+void CommandDesk::CheckFree(const Open& change) const
+{
+    if (changes.size() >= MaximumChanges)
+    {
+        throw Refusal("busy", std::to_string(MaximumChanges) + " changes are under way");
+    }
+    for (const auto& [id, other] : changes)
+    {
+        const bool isSame = other.Request.Kind == change.Request.Kind &&
+                            other.Request.Interface.MACAddress == change.Request.Interface.MACAddress;
+        if (other.Command.Device == change.Command.Device &&
+            (isSame || other.Message.ResponseTopic != change.Message.ResponseTopic))
+        {
+            throw Refusal("busy", "another change of the device is under way");
+        }
+    }
+}
+
+void CommandDesk::NoteTurn(const Open& change)
+{
+    Turn& turn = turns[change.Command.Device];
+    if (turn.ResponseTopic != change.Message.ResponseTopic || turn.Before != change.Command.Revision)
+    {
+        turn = {change.Message.ResponseTopic, change.Command.Revision};
+    }
+    turn.Interfaces.insert(change.Request.Interface.MACAddress);
+    turn.After.clear();
 }
 
 /// Nothing while a change is under way.
@@ -88,21 +157,20 @@ std::optional<Verdict> CommandDesk::CarryOut(const CommandMessage& message, cons
 {
     if (command.Kind != Command::CommandKind::Discover)
     {
-        const Fleet::DeviceRecord* const record = inventory.Find(command.Device);
-        command.CheckRevision(record == nullptr ? std::nullopt : std::optional(record->Revision()));
+        RecordOf(command.Device); // else the reason would be another one
     }
     if (command.Kind == Command::CommandKind::Discover || command.Kind == Command::CommandKind::Refresh)
     {
         Ask(command);
         return Verdict{"done"};
     }
-    if (changes.size() >= MaximumChanges)
-    {
-        throw Refusal("busy", std::to_string(MaximumChanges) + " changes are under way");
-    }
+    const Open change{message, command, RequestOf(command)};
+    command.CheckRevision(RevisionFor(change));
+    CheckFree(change);
     // The table is whole as long as the agent runs: what other devices have is known.
-    const std::int64_t id = driver.Session().StartChange(RequestOf(command), {.Look = {}}, driver.Now());
-    changes.emplace(id, Open{message, command});
+    const std::int64_t id = driver.Session().StartChange(change.Request, {.Look = {}}, driver.Now());
+    changes.emplace(id, change);
+    NoteTurn(change);
     return std::nullopt;
 }
 

@@ -4,12 +4,14 @@
 #include "Fleet/Command.h"
 #include "Fleet/Topics.h"
 #include "Inventory/ChangeReport.h"
+#include "Inventory/ChangeRequest.h"
 #include "SiteInventory.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace Zent::Discovery::Programs
@@ -48,8 +50,22 @@ private:
     {
         Fleet::CommandMessage Message;
         Fleet::Command Command;
+        Inventory::ChangeRequest Request;
     };
 
+    /// The interfaces of a device that one sender has changed. He saw it before the first change.
+    struct Turn
+    {
+        std::string ResponseTopic;
+        std::string Before; // the revision that he saw
+        std::set<std::string> Interfaces = {};
+        std::string After = {}; // the revision that his changes have led to; empty while some are under way
+    };
+
+    const Fleet::DeviceRecord& RecordOf(const std::string& device) const;
+    std::string RevisionFor(const Open& change) const;
+    void CheckFree(const Open& change) const;
+    void NoteTurn(const Open& change);
     std::optional<Fleet::Verdict> CarryOut(const Fleet::CommandMessage& message, const Fleet::Command& command);
     void Ask(const Fleet::Command& command);
     Inventory::ChangeRequest RequestOf(const Fleet::Command& command) const;
@@ -64,6 +80,7 @@ private:
     ISitePublisher& publisher;
     AuditLog& audit;
     std::map<std::int64_t, Open> changes;             // by their ids in the session
+    std::map<std::string, Turn> turns;                // by device: the latest
     std::map<std::string, Inventory::Time> questions; // of late: when by device, which is empty for all of them
 };
 } // namespace Zent::Discovery::Agent

@@ -114,15 +114,11 @@ const char* Command::KindName() const
     return KindNames[static_cast<std::size_t>(Kind)].data();
 }
 
-void Command::CheckRevision(const std::optional<std::string>& current) const
+void Command::CheckRevision(const std::string& current) const
 {
-    if (!current)
+    if (current != Revision)
     {
-        throw Refusal("unknown-device", "no device " + Device + " is known here");
-    }
-    if (Kind != CommandKind::Refresh && *current != Revision)
-    {
-        throw Refusal("stale", "the device has changed since: its revision is " + *current);
+        throw Refusal("stale", "the device has changed since: its revision is " + current);
     }
 }
 

@@ -117,8 +117,11 @@ class AgentTest(endtoend.TestCase):
         self.assertEqual(replies(), expected)
         self.assertEqual(topics.devices()[device]["Revision"], revision)
 
-        send({**rename, "Revision": revision})
+        send({**rename, "Revision": revision}, "--repeat", "2")
         wait_until(lambda: topics.devices()[device]["Host"]["HostName"] == "press-4", "new name")
+        wait_until(lambda: len(replies()) == len(expected) + 2, "verdicts of two who saw the same")
+        again = next(each for each in replies()[-2:] if each != "applied")
+        self.assertIn(again, ("busy", "stale"))
         revision = topics.devices()[device]["Revision"]
         send({**rename, "Revision": revision, "HostName": simulator.devices[1].name})
         nic = {**topics.devices()[device]["Host"]["NICs"][0], "IPAddress": "127.0.0.77"}
@@ -127,10 +130,16 @@ class AgentTest(endtoend.TestCase):
         other = {**nic, "MACAddress": simulator.devices[1].mac}
         send({"Command": "configure", "Device": device, "Revision": revision, "Settings": other})
         send({"Command": "configure", "Device": device, "Revision": revision, "Settings": nic})
-        expected = [*expected, "applied", "name-taken", "bad-address", "unknown-device", "applied"]
+        expected = [*expected, "applied", again, "name-taken", "bad-address", "unknown-device", "applied"]
         wait_until(lambda: len(replies()) == len(expected), "verdicts of changes")
+        wait_until(lambda: topics.devices()[device]["Revision"] != revision, "new address")
+        second = {**topics.devices()[device]["Host"]["NICs"][1], "IPAddress": "10.1.0.77"}
+        for other in ("replies/ann/2", "replies/ann/1"):  # his own change of the first interface is none that he missed
+            send({"Command": "configure", "Device": device, "Revision": revision, "Settings": second}, topic=other)
+        expected += ["stale", "applied"]
+        wait_until(lambda: len(replies()) == len(expected), "verdicts of the second interface")
         self.assertEqual(sorted(replies()), sorted(expected))
-        self.assertEqual([line["Verdict"] for line in map(json.loads, audit.read_text().splitlines())].count("started"), 4)
+        self.assertEqual([line["Verdict"] for line in map(json.loads, audit.read_text().splitlines())].count("started"), 5)
         sent = [(name, payload) for name, payload in topics.messages if payload != {"Command": "reboot"}]
         self.check_description(sent, "state", "record", "manifest", "event", "command", "reply")
         details = [payload["Details"] for name, payload in topics.messages if "replies" in name and "Details" in payload]

@@ -77,7 +77,6 @@ TEST(CommandTest, WhatWasMeantForADeviceAsItWasIsRefusedWhenItIsAnotherOne)
     const Command command = Command::Read(Message(Rename), Topics);
     EXPECT_NO_THROW(command.CheckRevision("r1"));
     EXPECT_THROW(command.CheckRevision("r2"), Refusal);
-    EXPECT_THROW(command.CheckRevision(std::nullopt), Refusal);
 }
 
 TEST(CommandTest, TheAuditLineNamesSenderAndVerdictAndHoldsNoEndOfALine)

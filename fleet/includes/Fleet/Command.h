@@ -66,8 +66,8 @@ public:
     const char* KindName() const;
 
     /// Refuses what was meant for a device that is another one by now.
-    /// @throws Refusal: unknown-device when there is no revision, stale when it differs.
-    void CheckRevision(const std::optional<std::string>& current) const;
+    /// @throws Refusal: stale when the sender saw another revision.
+    void CheckRevision(const std::string& current) const;
 
     /// What a client sends, for instance {"Command":"rename","Device":"02-00-00-00-00-01","HostName":"press-4",
     /// "Revision":".."}.
