@@ -33,11 +33,8 @@ AutomaticRestart::AutomaticRestart(IServer& server, const ComponentLog& log)
 void AutomaticRestart::Watch()
 {
     const Lock guard(lock);
-    if (!recovery.IsNull())
-    {
-        recovery->End();
-    }
     state = State::Watching;
+    carriedOver = HostRegistrations();
 }
 
 void AutomaticRestart::Report(Kind kind)
@@ -60,13 +57,24 @@ void AutomaticRestart::Begin(Kind kind)
     }
 }
 
-void AutomaticRestart::BeginWaiting(const Recovery& current)
+bool AutomaticRestart::IsDue(const Recovery& current, bool isServerRunning)
 {
-    if (current.What == Kind::Restart)
+    const Lock guard(lock);
+    if (current.IsOverWithin(0))
     {
-        const Lock guard(lock);
+        return false;
+    }
+    if (state == State::Called && isServerRunning)
+    {
         state = State::Waiting;
     }
+    return state == State::Waiting;
+}
+
+void AutomaticRestart::WaitAgain()
+{
+    const Lock guard(lock);
+    state = State::Waiting;
 }
 
 bool AutomaticRestart::IsWaiting() const
@@ -92,18 +100,16 @@ bool AutomaticRestart::TryCarryOver(const SmartPointer<IBroadcastProvider>& prov
     return true;
 }
 
-void AutomaticRestart::CarryOverProviderOnly()
+HostRegistrations AutomaticRestart::CarriedOver() const
 {
-    HostRegistrations kept;
     const Lock guard(lock);
-    kept.Provider = carriedOver.Provider;
-    carriedOver = kept;
+    return carriedOver;
 }
 
-HostRegistrations AutomaticRestart::TakeCarriedOver()
+SmartPointer<IBroadcastProvider> AutomaticRestart::CarriedOverProvider() const
 {
     const Lock guard(lock);
-    return std::exchange(carriedOver, HostRegistrations());
+    return carriedOver.Provider;
 }
 
 void AutomaticRestart::Recover(Recovery& current)
@@ -113,11 +119,11 @@ void AutomaticRestart::Recover(Recovery& current)
         server.StopFor(current);
         return;
     }
-    if (!WaitForPace(current) || !server.StopFor(current))
+    if (!WaitForPace(current))
     {
         return;
     }
-    for (std::int32_t delay = 1; !server.StartFor(current, delay) && !current.IsOverWithin(1000 * delay);
+    for (std::int32_t delay = 1; !server.RestartFor(current, delay) && !current.IsOverWithin(1000 * delay);
          delay = std::min(2 * delay, LongestRetryDelaySeconds))
     {
     }
@@ -202,6 +208,7 @@ void AutomaticRestart::Recovery::Run()
                           LogStreamLevel::Critical);
         if (!former.IsNull())
         {
+            former->End();
             former->Join();
             former = nullptr;
         }

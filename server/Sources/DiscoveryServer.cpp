@@ -71,29 +71,50 @@ void DiscoveryServer::Start(const HostRegistrations& registrations)
         }
         return;
     }
-    SmartPointer<IDiscoverySocket> openSocket;
     if (restart.IsWaiting())
     {
-        openSocket = OpenSocket(); // when it fails, the restart goes on waiting
-        restart.CarryOverProviderOnly();
+        StartInsteadOfRestart(OpenSocket(), registrations);
     }
-    StartLocked(openSocket, registrations);
+    else
+    {
+        StartLocked(nullptr, registrations);
+    }
 }
 
-bool DiscoveryServer::StartFor(const AutomaticRestart::Recovery& recovery, std::int32_t secondsToNextTry)
+bool DiscoveryServer::RestartFor(const AutomaticRestart::Recovery& recovery, std::int32_t secondsToNextTry)
+{
+    bool isThrough = false;
+    log.Guard("Restart failed", [&] {
+        const String delay = Int32(secondsToNextTry).ToString() + " s";
+        const String failure = "Restart failed, trying again in " + delay;
+        const String noSocket = "No socket for the restart yet, trying again in " + delay;
+        log.Guard(failure.CString(), [&] { isThrough = TryToRestart(recovery, noSocket); });
+    });
+    return isThrough;
+}
+
+bool DiscoveryServer::TryToRestart(const AutomaticRestart::Recovery& recovery, const String& noSocket)
 {
     const Lock lock(lifecycleLock);
-    if (recovery.IsOverWithin(0) || IsStartingOrRunning())
+    if (!restart.IsDue(recovery, IsRunning()))
     {
         return true;
     }
-    const SmartPointer<IDiscoverySocket> openSocket = TryOpenSocket(secondsToNextTry);
-    if (openSocket.IsNull())
+    if (IsRunning())
+    {
+        StopLocked();
+    }
+    else
+    {
+        StopComponents(); // those that the last try could not stop
+    }
+    SmartPointer<IDiscoverySocket> openSocket;
+    if (!log.Guard(noSocket.CString(), [&] { openSocket = OpenSocket(); }))
     {
         return false;
     }
     LogStart();
-    StartLocked(openSocket, HostRegistrations());
+    StartInsteadOfRestart(openSocket, restart.CarriedOver());
     return true;
 }
 
@@ -122,6 +143,21 @@ void DiscoveryServer::StartLocked(const SmartPointer<IDiscoverySocket>& openSock
     state = DiscoveryServiceState::Running;
 }
 
+void DiscoveryServer::StartInsteadOfRestart(const SmartPointer<IDiscoverySocket>& openSocket,
+                                            const HostRegistrations& registrations)
+{
+    try
+    {
+        StartLocked(openSocket, registrations);
+    }
+    catch (...) // it goes on
+    {
+        restart.WaitAgain();
+        StopComponents();
+        throw;
+    }
+}
+
 void DiscoveryServer::StartWorkers()
 {
     taskProcessor->Start();
@@ -145,7 +181,10 @@ void DiscoveryServer::CreateComponents(const SmartPointer<IDiscoverySocket>& new
     newTaskProcessor->Install(registrations);
 
     const Lock lock(componentsLock);
-    newTaskProcessor->Install(restart.TakeCarriedOver());
+    if (const SmartPointer<IBroadcastProvider> provider = restart.CarriedOverProvider(); !provider.IsNull())
+    {
+        newTaskProcessor->SetBroadcastProvider(provider); // the newest one, which may have come just now
+    }
     socket = newSocket;
     taskProcessor = newTaskProcessor;
     parser = newParser;
@@ -163,17 +202,6 @@ SmartPointer<IDiscoverySocket> DiscoveryServer::OpenSocket() const
                       " : answers of devices go to only one of them.",
                   LogStreamLevel::Critical);
     }
-    return opened;
-}
-
-SmartPointer<IDiscoverySocket> DiscoveryServer::TryOpenSocket(std::int32_t secondsToNextTry) const
-{
-    SmartPointer<IDiscoverySocket> opened;
-    log.Guard("No socket for the restart yet", [&] {
-        const String failure =
-            "No socket for the restart yet, trying again in " + Int32(secondsToNextTry).ToString() + " s";
-        log.Guard(failure.CString(), [&] { opened = OpenSocket(); });
-    });
     return opened;
 }
 
@@ -197,16 +225,13 @@ void DiscoveryServer::StopIfRunning()
     }
 }
 
-bool DiscoveryServer::StopFor(const AutomaticRestart::Recovery& recovery)
+void DiscoveryServer::StopFor(const AutomaticRestart::Recovery& recovery)
 {
     const Lock lock(lifecycleLock);
-    if (recovery.IsOverWithin(0) || state != DiscoveryServiceState::Running)
+    if (!recovery.IsOverWithin(0) && IsRunning())
     {
-        return false;
+        StopLocked();
     }
-    restart.BeginWaiting(recovery);
-    StopLocked();
-    return true;
 }
 
 void DiscoveryServer::StopLocked()
@@ -218,14 +243,22 @@ void DiscoveryServer::StopLocked()
                   LogStreamLevel::Critical);
         return;
     }
-    state = DiscoveryServiceState::Stopping;
-    receiver->Stop();
-    parser->Stop();
-    taskProcessor->Stop();
-    ReleaseComponents();
+    StopComponents();
+    log.Write("Discovery Server stopped", LogStreamLevel::Critical);
+}
+
+void DiscoveryServer::StopComponents()
+{
+    if (!receiver.IsNull()) // all are there or none
+    {
+        state = DiscoveryServiceState::Stopping;
+        receiver->Stop();
+        parser->Stop();
+        taskProcessor->Stop();
+        ReleaseComponents();
+    }
     componentsMustBeCreated = true;
     state = DiscoveryServiceState::Stopped;
-    log.Write("Discovery Server stopped", LogStreamLevel::Critical);
 }
 
 void DiscoveryServer::DisconnectComponents()
@@ -257,7 +290,8 @@ void DiscoveryServer::ReleaseComponents()
         taskProcessor = nullptr;
         socket = nullptr;
     }
-    LogDiscarded(formerTaskProcessor->PendingCount(), formerParser->PendingCount());
+    log.Guard("Discarded what was still queued",
+              [&] { LogDiscarded(formerTaskProcessor->PendingCount(), formerParser->PendingCount()); });
 }
 
 void DiscoveryServer::LogDiscarded(std::int32_t tasks, std::int32_t datagrams) const

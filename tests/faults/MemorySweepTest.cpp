@@ -130,6 +130,11 @@ TEST_F(MemorySweepTest, AShortageIsToldAndOutlived)
 TEST_F(MemorySweepTest, AStopNeedsNoMemory)
 {
     ASSERT_NO_FATAL_FAILURE(Serve());
+    ASSERT_TRUE(WaitUntil([] {
+        Faults::Fail(Call::ReleaseSemaphore, 1);
+        EXPECT_EQ(0, ExtC::Discover());
+        return Faults::FailedCalls() > 0; // nobody wakes the task processor, and the stop has something to discard
+    }));
     std::int32_t code = 0;
     {
         const MemoryFaults::Scope shortage(true);
@@ -141,21 +146,19 @@ TEST_F(MemorySweepTest, AStopNeedsNoMemory)
     ExpectStopped();
 }
 
-TEST_F(MemorySweepTest, LongAFailureDuringARestartIsToldOrOutlived)
+TEST_F(MemorySweepTest, LongARestartOutlivesAShortage)
 {
     bool isStruck = true;
-    for (int number = 1; isStruck; number += 3)
+    for (int number = 1; isStruck; number += 10)
     {
         SCOPED_TRACE("allocation " + std::to_string(number));
         ASSERT_NO_FATAL_FAILURE(Serve());
         ASSERT_TRUE(HelloArrives());
         Faults::Fail(Call::Receive, 1, 1, SocketError::NetworkDown);
-        MemoryFaults::Fail(number);
+        MemoryFaults::Fail(number, 3);
         device.Send("{}");
-        const bool isServed = WaitUntil(
-            [this] { return HelloArrives(std::chrono::milliseconds(50)) || Count("Background operation failed") > 0; });
+        EXPECT_TRUE(HelloArrives()) << Log();
         isStruck = MemoryFaults::Clear() > 0;
-        EXPECT_TRUE(isServed) << Log();
         EXPECT_EQ(0, ExtC::StopServer());
         Faults::Clear();
         EXPECT_EQ(0, ExtC::Terminate());

@@ -11,17 +11,16 @@
 
 namespace Zent::Discovery::Server
 {
-/// Answers what the server's components report: stops the server, waits until a socket can be had and starts it again,
-/// on a thread that is there only for that. Its state says where the server stands with it:
+/// Answers what the server's components report: stops the server and tries to start it again until that succeeds, on a
+/// thread that is there only for that. Its state says where the server stands with it:
 ///
 ///     Idle      the server has not been started, or somebody stops it: what components notice then is no loss
-///     Watching  the server runs
+///     Watching  the server runs, or its threads are being started
 ///     Called    something was reported, and the thread is going to stop the server
-///     Waiting   the server is stopped; the thread starts it again as soon as it can, with what is carried over
+///     Waiting   the thread stops the server and starts it again as soon as it can, with what is carried over
 ///
-/// Watch and Cancel end a recovery in whichever state it is. The server calls both, and takes both steps of a recovery,
-/// under its lifecycle lock: a start or stop of the host application comes before a step or after it, and a recovery
-/// that has been ended takes no further one.
+/// The server calls Watch, WaitAgain and Cancel, and makes the tries of a recovery, under its lifecycle lock: a start
+/// or stop of the host application comes before a try or after it, and makes the next one superfluous.
 ///
 /// Any thread; no operation but Cancellation's destructor waits.
 class AutomaticRestart final
@@ -40,8 +39,13 @@ public:
     AutomaticRestart(const AutomaticRestart&) = delete;
     AutomaticRestart& operator=(const AutomaticRestart&) = delete;
 
-    /// The server has its components and starts their threads: their reports count from now on.
+    /// The server has its components and starts their threads: their reports count from now on. Empties what was
+    /// carried over, which the components have got.
     void Watch();
+
+    /// The threads could not be started in place of a restart that waited: it goes on waiting, or one that a component
+    /// has called for meanwhile takes its place.
+    void WaitAgain();
 
     /// A component's report. Does nothing unless Watching.
     /// @throws OutOfMemoryException when there is no thread to answer it; logged. It has to be reported again.
@@ -66,12 +70,13 @@ public:
         Nfx::System::SmartPointer<Recovery> cancelled;
     };
 
-    // What is carried over from the stop of a restart to its start.
-
-    /// Called -> Waiting, unless the recovery only stops the server.
-    void BeginWaiting(const Recovery& recovery);
+    /// Asked before each try; the first makes Waiting of Called when the server runs. False when there is nothing to
+    /// restart any more.
+    bool IsDue(const Recovery& recovery, bool isServerRunning);
 
     bool IsWaiting() const;
+
+    // What is carried over from the stop of a restart to its start.
 
     /// What the components that are being released had installed. While Waiting, and within the components' lock: so
     /// that a provider is set either before this or by TryCarryOver.
@@ -80,11 +85,10 @@ public:
     /// While Waiting the provider takes the place of the one that is carried over; else false.
     bool TryCarryOver(const Nfx::System::SmartPointer<IBroadcastProvider>& provider);
 
-    /// For a start of the host application, which brings its handlers along.
-    void CarryOverProviderOnly();
+    HostRegistrations CarriedOver() const;
 
-    /// Empties it. Within the components' lock, when the new ones take the place of the former.
-    HostRegistrations TakeCarriedOver();
+    /// Null when there is none. Within the components' lock, when the new ones take the place of the former.
+    Nfx::System::SmartPointer<IBroadcastProvider> CarriedOverProvider() const;
 
 private:
     enum class State
@@ -117,7 +121,7 @@ private:
 class AutomaticRestart::Recovery final : public Nfx::System::Object
 {
 public:
-    /// The former one, if any, is joined before this one begins.
+    /// The former one, if any, is ended and joined before this one begins.
     Recovery(AutomaticRestart& restart, Kind kind, const Nfx::System::SmartPointer<Recovery>& former);
 
     /// Once.
@@ -144,15 +148,15 @@ private:
     const Nfx::System::SmartPointer<Nfx::System::Threading::Thread> thread;
 };
 
-/// The two steps of a recovery, called on its thread. A step that is not wanted any more does nothing.
+/// What a recovery does, on its thread. Nothing when it is not wanted any more, or not due.
 class AutomaticRestart::IServer
 {
 public:
-    /// Stops the server; false when it was not running.
-    virtual bool StopFor(const Recovery& recovery) = 0;
+    virtual void StopFor(const Recovery& recovery) = 0;
 
-    /// Starts the server again. False when there is no socket for it yet: to be called again after so many seconds.
-    virtual bool StartFor(const Recovery& recovery, std::int32_t secondsToNextTry) = 0;
+    /// Stops the server, when it is not stopped yet, and starts it again. False when that has failed, which is logged:
+    /// to be called again after so many seconds.
+    virtual bool RestartFor(const Recovery& recovery, std::int32_t secondsToNextTry) = 0;
 
 protected:
     ~IServer() = default;

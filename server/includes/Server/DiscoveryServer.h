@@ -24,8 +24,8 @@ namespace Zent::Discovery::Server
 ///
 /// A socket that is lost while nobody asked to stop, and a thread that somebody else has ended, are answered by an
 /// automatic restart, at most one a second. It keeps what the host application has installed: the broadcast provider
-/// and the event handlers. Before it starts again it waits until a socket can be bound, trying after 1, 2, 4, 8 and
-/// then every 10 seconds. A stop cancels it; a start while it waits takes its place.
+/// and the event handlers. While there is no socket, memory or thread for it, it tries again after 1, 2, 4, 8 and then
+/// every 10 seconds. A stop cancels it; a start while it waits takes its place.
 class DiscoveryServer final : public Nfx::System::Object, private AutomaticRestart::IServer
 {
 public:
@@ -39,8 +39,8 @@ public:
 
     /// Creates the components, installs the registrations and starts the threads. Refused with a log line when the
     /// server is starting or running; the registrations are added all the same. When it fails the state stays Starting
-    /// and only the destructor cleans up; but while an automatic restart waits for a socket, a start that cannot open
-    /// one either leaves everything as it is.
+    /// and only the destructor cleans up; but while an automatic restart waits, a start that fails, too, leaves
+    /// everything as it is.
     /// @throws SocketException when the socket cannot be opened; OutOfMemoryException when a thread cannot be created.
     void Start(const HostRegistrations& registrations);
 
@@ -87,8 +87,11 @@ private:
 
     // On the thread of a recovery, without any lock.
 
-    bool StopFor(const AutomaticRestart::Recovery& recovery) override;
-    bool StartFor(const AutomaticRestart::Recovery& recovery, std::int32_t secondsToNextTry) override;
+    void StopFor(const AutomaticRestart::Recovery& recovery) override;
+    bool RestartFor(const AutomaticRestart::Recovery& recovery, std::int32_t secondsToNextTry) override;
+
+    /// False when there is no socket for it, which becomes a line; throws when anything else is missing.
+    bool TryToRestart(const AutomaticRestart::Recovery& recovery, const Nfx::System::String& noSocket);
 
     bool IsStartingOrRunning() const noexcept;
     void LogStart() const;
@@ -97,12 +100,18 @@ private:
 
     void StartLocked(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
                      const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
+
+    /// StartLocked while a restart waits; when it fails, that goes on waiting.
+    void StartInsteadOfRestart(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
+                               const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     void StartWorkers() NFX_REQUIRES(lifecycleLock);
     void CreateComponents(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
                           const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     Nfx::System::SmartPointer<IDiscoverySocket> OpenSocket() const;
-    Nfx::System::SmartPointer<IDiscoverySocket> TryOpenSocket(std::int32_t secondsToNextTry) const;
     void StopLocked() NFX_REQUIRES(lifecycleLock);
+
+    /// Ends what there is. When it fails it may be called again.
+    void StopComponents() NFX_REQUIRES(lifecycleLock);
     void LogDiscarded(std::int32_t tasks, std::int32_t datagrams) const;
 
     /// While there are components and nobody starts or stops them: within lifecycleLock, or in the destructor.
