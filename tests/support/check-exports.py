@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Checks that a library exports the listed functions and nothing else, and needs only what every machine has."""
 
 import re
