@@ -173,14 +173,6 @@ void SiteInventory::RemoveOverdue(WallTime now)
         }
         each = next;
     }
-    for (auto each = ids.begin(); each != ids.end();)
-    {
-        const std::uint64_t row = (each++)->first;
-        if (session.Devices().Find(row) == nullptr)
-        {
-            Withdraw(row);
-        }
-    }
 }
 
 std::string SiteInventory::IdOf(const DeviceRow& row) const

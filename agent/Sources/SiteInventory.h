@@ -41,7 +41,7 @@ public:
     /// The table is whole: the devices of such records that have not answered are gone.
     void CallSilentGone(Fleet::WallTime now);
 
-    /// Removes the records whose time is over, and those of rows that have become one with others.
+    /// Removes the records whose time is over.
     void RemoveOverdue(Fleet::WallTime now);
 
     /// What the device of a row is called; empty when it has no MAC address.

@@ -98,9 +98,7 @@ DeviceTable::Entry& DeviceTable::EntryOf(const Device& device, Time now)
     }
     if (entries.size() >= options.MaximumDevices)
     {
-        Entry& oldest = entries.front();
-        Raise(Kind::Forgotten, oldest, now);
-        Forget(oldest);
+        Forget(entries.front(), now);
     }
     Entry& entry = entries.emplace_back();
     entry.Place = std::prev(entries.end());
@@ -124,7 +122,7 @@ void DeviceTable::Learn(Entry& entry, const std::shared_ptr<const Device>& devic
     questions.NoteAnswer(*device);
     if (isNew || !differences.empty())
     {
-        IndexAddresses(entry);
+        IndexAddresses(entry, now);
         NoteChanges(entry, differences, now);
     }
     if (device->Message.Kind == DeviceMessage::MessageKind::Bye)
@@ -137,7 +135,7 @@ void DeviceTable::Learn(Entry& entry, const std::shared_ptr<const Device>& devic
 }
 
 /// Makes all addresses of the device lead to it. Two rows that turn out to be interfaces of one device become one.
-void DeviceTable::IndexAddresses(Entry& entry)
+void DeviceTable::IndexAddresses(Entry& entry, Time now)
 {
     for (const std::string& key : entry.Keys)
     {
@@ -153,7 +151,7 @@ void DeviceTable::IndexAddresses(Entry& entry)
             {
                 continue; // an adapter that moved from one device to another, or somebody lies
             }
-            Forget(*other->second);
+            Forget(*other->second, now);
         }
         byKey.emplace(key, &entry);
         entry.Keys.push_back(key);
@@ -188,8 +186,9 @@ void DeviceTable::NoteChanges(Entry& entry, const Differences& differences, Time
     }
 }
 
-void DeviceTable::Forget(Entry& entry)
+void DeviceTable::Forget(Entry& entry, Time now)
 {
+    Raise(Kind::Forgotten, entry, now);
     Disarm(entry);
     conflicts.Remove(entry.Id);
     for (const std::string& key : entry.Keys)

@@ -46,7 +46,6 @@ protected:
         {
             inventory.Take(*event, {});
         }
-        inventory.RemoveOverdue({});
     }
 
     /// The ends of the ids.

@@ -187,8 +187,10 @@ TEST_F(TableTest, InterfacesOfOneDeviceAreOneRow)
     Feed(Document("a", "02:01", "10.0.0.1", R"("SerialNumber":"7",)"), 0s);
     Feed(alone, 1s);
     EXPECT_EQ(session->Devices().Size(), 2u); // nothing tells yet
+    Told();
     Feed(both + source + Nic("02:02", "10.0.0.2") + "}", 2s);
     Feed(both + source + Nic("02:01", "10.0.0.1") + "}", 3s);
+    EXPECT_EQ(Told(), "Forgotten a;Changed a;");
     EXPECT_EQ(session->Devices().Size(), 1u);
     EXPECT_EQ(session->Devices().Rows()[0]->Source, "02:01");
     Feed(R"({"Host":{"HostName":"no interface"}})", 4s);

@@ -75,7 +75,7 @@ enum class DeviceEvent
     Returned,
     Flapping, ///< it comes and goes; that is not told any more until it has settled
     Settled,
-    Forgotten, ///< it gave way to another one: there are too many
+    Forgotten, ///< it turned out to be an interface of another one, or gave way to it: there are too many
     Conflict
 };
 

@@ -43,7 +43,7 @@ constexpr Words AboutDevices[] = {
     {"came back", Event::EventKind::Returned, Style::Appeared},
     {"comes and goes", Event::EventKind::Flapping, Style::Left},
     {"no longer comes and goes", Event::EventKind::Settled, Style::Appeared},
-    {"is forgotten: there are too many devices", Event::EventKind::Forgotten, Style::Faint},
+    {"is forgotten: it belongs to another device, or there are too many", Event::EventKind::Forgotten, Style::Faint},
 };
 } // namespace
 

@@ -64,8 +64,8 @@
  *     {"Event":"Appeared","When":1500,"Device":{"Host":{...},"SourceNIC":{...}}}. Device is the document as the
  *     callback gave it. Events are Appeared, Changed, Left (it said Bye), Gone (it answers no more), Returned,
  *     Flapping (it comes and goes, and no Left, Gone and Returned are told until it has Settled), Settled, Forgotten
- *     (it gave way to another one in a full table), Conflict, PortHeld, PortReleased, Offline, Online, RoundEnded,
- *     SearchEnded and ChangeEnded.
+ *     (it turned out to be an interface of another one, or gave way to it in a full table), Conflict, PortHeld,
+ *     PortReleased, Offline, Online, RoundEnded, SearchEnded and ChangeEnded.
  *     Changed and Returned may have "Changes":[{"Property":"HostName","Before":"a","After":"b"}], in which what was not
  *     there is left out; Conflict has "Conflict":{"Kind":"mac"|"ip"|"name","Value":"10.0.0.5","Count":2,
  *     "First":{document},"Second":{document}}, the two of a search have "Search":{report}, and ChangeEnded has "Id",

@@ -83,9 +83,9 @@ private:
 
     Entry& EntryOf(const Device& device, Time now);
     void Learn(Entry& entry, const std::shared_ptr<const Device>& device, Time now);
-    void IndexAddresses(Entry& entry);
+    void IndexAddresses(Entry& entry, Time now);
     static void NoteChanges(Entry& entry, const std::vector<DeviceDifferences::Difference>& differences, Time now);
-    void Forget(Entry& entry);
+    void Forget(Entry& entry, Time now);
 
     void Raise(Event::EventKind kind,
                const Entry& entry,

@@ -47,7 +47,7 @@ struct Event
         Returned,     // it was heard again after it had left or gone
         Flapping,     // it comes and goes: the three above are not told any more
         Settled,      // it no longer comes and goes
-        Forgotten,    // it gave way to another one in a table that is full
+        Forgotten,    // its row is part of another one now, or gave way to it in a table that is full
         Conflict,     // devices contradict each other
         PortHeld,     // another program receives the answers: no device is told to be gone
         PortReleased, // no longer
