@@ -1,6 +1,7 @@
 """Hosts that end, each way many times: processes come and go while datagrams keep coming in."""
 
 import concurrent.futures
+import itertools
 import json
 import socket
 import subprocess
@@ -44,10 +45,11 @@ class FloodTest(HostTest):
 
         def flood():
             hello = json.dumps(message("Hello")).encode()
+            datagrams = itertools.cycle([hello] + 9 * [b"{"])  # what is malformed has a thread throw, also at the end
             with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as vandal:
                 vandal.setsockopt(socket.SOL_SOCKET, socket.SO_BROADCAST, 1)
                 while not is_over.wait(0.0002):
-                    vandal.sendto(hello, ("127.255.255.255", SERVER_PORT))  # reaches all hosts that run
+                    vandal.sendto(next(datagrams), ("127.255.255.255", SERVER_PORT))  # reaches all hosts that run
 
         thread = threading.Thread(target=flood)
         thread.start()
