@@ -1,5 +1,6 @@
 """What the tests of the packages share: the programs of an installation, and a consumer built with it."""
 
+import os
 import pathlib
 import re
 import subprocess
@@ -71,13 +72,16 @@ class TestCase(endtoend.TestCase):
             self.assertEqual(consumer.end(), 0)
 
     def assert_pages_hold(self, folder):
-        """The pages link to what is there, and speak of nothing that only the source tree has."""
+        """The pages link to what is there, run what can be run, and speak of nothing that only the source tree has."""
         pages = list(folder.rglob("*.md"))
         self.assertGreater(len(pages), 10)
         for page in pages:
             name = page.relative_to(folder)
             self.assertNotRegex(page.read_text(encoding="utf-8"), r"\./(run|test|package|bench|soak)\b|build/(linux|win)|/pack\b", name)
-            for link in blocks.Markdown(page).links():
+            document = blocks.Markdown(page)
+            for file in re.findall(r"^[\w-]+/\S+", "".join(block.text for block in document.blocks), re.MULTILINE):
+                self.assertTrue(not (folder / file).is_file() or os.access(folder / file, os.X_OK), f"{name}: {file}")
+            for link in document.links():
                 file, _, anchor = link.partition("#")
                 target = page.parent / file if file else page
                 if not re.match("[a-z]+:", link):
