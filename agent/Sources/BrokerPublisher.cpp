@@ -26,6 +26,9 @@ constexpr Inventory::Time RetainedTime{3000};
 
 constexpr Inventory::Time SubscriptionTime{30000};
 
+/// How long somebody who removes a site may take to find nothing more of it.
+constexpr Inventory::Time RemovalTime{8000};
+
 /// How long another agent may take to say that it is still there.
 constexpr Inventory::Time AnswerTime{5000};
 
@@ -294,6 +297,11 @@ void BrokerPublisher::TakeManifest(std::size_t part, const std::string& bytes, T
 /// own state; the first of two agents answers that.
 void BrokerPublisher::TakeState(const BrokerMessage& message, Time now)
 {
+    if (message.Payload.empty())
+    {
+        StartAnew(now);
+        return;
+    }
     SiteState state{};
     try
     {
@@ -301,10 +309,7 @@ void BrokerPublisher::TakeState(const BrokerMessage& message, Time now)
     }
     catch (const std::invalid_argument& error)
     {
-        if (!message.Payload.empty())
-        {
-            log.Warning("unreadable state of the site on the broker: " + std::string(error.what()));
-        }
+        log.Warning("unreadable state of the site on the broker: " + std::string(error.what()));
         return;
     }
     if (state.Agent == self.Agent)
@@ -371,13 +376,27 @@ void BrokerPublisher::TakeUnclaimed(const std::string& id, const std::string& by
 
 void BrokerPublisher::StartReading(Time now)
 {
+    BeginReading(now + SubscriptionTime);
+    broker.Subscribe(topics.Manifest());
+}
+
+/// Somebody has removed the state, and whatever else there is of the site before or afterwards: once he is through with
+/// it, all of it is published again.
+void BrokerPublisher::StartAnew(Time now)
+{
+    log.Warning("somebody has removed the site from the broker: it will be published again");
+    isAnnounced = false;
+    BeginReading(now + RemovalTime);
+}
+
+void BrokerPublisher::BeginReading(Time end)
+{
     phase = Phase::Reading;
     underWay.clear();
     unclaimed.clear();
     reader = {};
     asked.clear();
-    readingEnds = now + SubscriptionTime;
-    broker.Subscribe(topics.Manifest());
+    readingEnds = end;
 }
 
 void BrokerPublisher::StopReading()

@@ -63,6 +63,8 @@ private:
     void TakeState(const Broker::BrokerMessage& message, Time now);
     void TakeUnclaimed(const std::string& id, const std::string& bytes);
     void StartReading(Time now);
+    void StartAnew(Time now);
+    void BeginReading(Time end);
     void StopReading();
     void AskForUnclaimed(Time now);
     void SendRecords();

@@ -36,7 +36,7 @@ CLI::App& ForgetCommand::AddTo(CLI::App& program)
     Console::Arguments arguments(program, "forget", "remove all that the broker has of a site, for good");
     arguments.AddPositional("SITE", site, "its name");
     arguments.AddFlag("--yes", yes, "ask nothing: yes is the answer");
-    arguments.AddFlag("--force", force, "though its agent is there, which goes on publishing what changes");
+    arguments.AddFlag("--force", force, "though its agent is there, which publishes all of it anew");
     return arguments.Command();
 }
 

@@ -166,6 +166,22 @@ TEST_F(BrokerPublisherTest, TheWillOfAnEarlierConnectionDoesNotLast)
     EXPECT_NE(SentTo(topics.State()).second.find("ready"), std::string::npos);
 }
 
+TEST_F(BrokerPublisherTest, ASiteThatSomebodyRemovesIsPublishedAnewOnceHeIsThroughWithIt)
+{
+    publisher.BeReady();
+    Put("02-00-00-00-00-01");
+    Connect();
+    AcknowledgeAll();
+    const std::size_t manifests = SentTo(topics.Manifest()).first;
+    Go(4s, {Message(topics.State(), "")});
+    EXPECT_EQ(SentTo(topics.Device("02-00-00-00-00-01")).first, 1u);
+    Go(4s);
+    AcknowledgeAll();
+    EXPECT_EQ(SentTo(topics.Device("02-00-00-00-00-01")).first, 2u);
+    EXPECT_GT(SentTo(topics.Manifest()).first, manifests);
+    EXPECT_EQ(SentTo(topics.State()).first, 2u);
+}
+
 TEST_F(BrokerPublisherTest, AnAgentThatIsGoneWithoutAWordHoldsUpNobody)
 {
     publisher.BeReady();
