@@ -20,6 +20,9 @@ constexpr std::chrono::milliseconds FirstRetry{5000};
 /// How long a broker may take to accept a connection.
 constexpr std::chrono::seconds AcceptTime{20};
 
+/// How long a broker that takes nothing more may hold up the goodbye.
+constexpr std::chrono::seconds GoodbyeTime{3};
+
 /// Anything up to twice the time of the attempt before: thousands of clients of a broker that was started anew must not
 /// come at once.
 std::chrono::milliseconds RetryTime(unsigned failures, std::chrono::milliseconds longest)
@@ -142,7 +145,7 @@ std::string BrokerConnection::LoopOver(Client& connection)
             return "the broker does not accept the connection";
         }
         const Lock guard(lock);
-        if (isEnding && !saysGoodbye)
+        if (isEnding && std::chrono::steady_clock::now() >= endsBy)
         {
             return "the connection was broken off";
         }
@@ -192,6 +195,7 @@ void BrokerConnection::End(bool goodbye)
         const Lock guard(lock);
         isEnding = true;
         saysGoodbye = goodbye;
+        endsBy = std::chrono::steady_clock::now() + (goodbye ? GoodbyeTime : std::chrono::seconds(0));
         changed.notify_all();
     }
     {

@@ -4,6 +4,7 @@
 #include "Broker/IBroker.h"
 #include "Programs/Mutex.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -43,7 +44,8 @@ public:
     /// How many messages were dropped so far.
     std::size_t Lost() const;
 
-    /// Says goodbye: the broker publishes no will. Returns once the thread has ended.
+    /// Says goodbye: the broker publishes no will, unless it takes nothing more for seconds. Returns once the thread has
+    /// ended.
     void Close();
 
 private:
@@ -67,6 +69,7 @@ private:
     std::size_t lost NFX_GUARDED_BY(lock) = 0;
     bool isEnding NFX_GUARDED_BY(lock) = false;
     bool saysGoodbye NFX_GUARDED_BY(lock) = false;
+    std::chrono::steady_clock::time_point endsBy NFX_GUARDED_BY(lock); // once it is ending
 
     Programs::Mutex clientLock;                                // held while the broker's library is called
     std::shared_ptr<Client> client NFX_GUARDED_BY(clientLock); // null while there is no connection
