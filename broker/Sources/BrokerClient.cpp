@@ -230,9 +230,18 @@ std::optional<int> BrokerConnection::Client::Publish(const Publication& publicat
 
 std::optional<int> BrokerConnection::Client::Subscribe(const std::string& filter)
 {
+    return SubscribeWith(MQTT_SUB_OPT_NO_LOCAL, filter);
+}
+
+std::optional<int> BrokerConnection::Client::Follow(const std::string& filter)
+{
+    return SubscribeWith(MQTT_SUB_OPT_NO_LOCAL | MQTT_SUB_OPT_SEND_RETAIN_NEVER, filter);
+}
+
+std::optional<int> BrokerConnection::Client::SubscribeWith(int options, const std::string& filter)
+{
     int number = 0;
-    const int result =
-        mosquitto_subscribe_v5(handle.get(), &number, filter.c_str(), AtLeastOnce, MQTT_SUB_OPT_NO_LOCAL, nullptr);
+    const int result = mosquitto_subscribe_v5(handle.get(), &number, filter.c_str(), AtLeastOnce, options, nullptr);
     return result == MOSQ_ERR_SUCCESS ? std::optional(number) : std::nullopt;
 }
 

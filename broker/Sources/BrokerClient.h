@@ -40,12 +40,14 @@ public:
 
     std::optional<int> Publish(const Publication& publication);
     std::optional<int> Subscribe(const std::string& filter);
+    std::optional<int> Follow(const std::string& filter);
     void Unsubscribe(const std::string& filter);
 
     /// Loop ends soon.
     void SayGoodbye();
 
 private:
+    std::optional<int> SubscribeWith(int options, const std::string& filter);
     void PrepareTls();
     void PrepareWill();
     void OnLog(int level, const std::string& text);

@@ -64,6 +64,12 @@ std::optional<int> BrokerConnection::Subscribe(const std::string& filter)
     return client != nullptr && client->IsAccepted() ? client->Subscribe(filter) : std::nullopt;
 }
 
+std::optional<int> BrokerConnection::Follow(const std::string& filter)
+{
+    const Lock guard(clientLock);
+    return client != nullptr && client->IsAccepted() ? client->Follow(filter) : std::nullopt;
+}
+
 void BrokerConnection::Unsubscribe(const std::string& filter)
 {
     const Lock guard(clientLock);

@@ -1,7 +1,5 @@
 #include "BrokerDialogue.h"
 
-#include "Broker/BrokerConnection.h"
-
 #include <algorithm>
 #include <chrono>
 #include <map>
@@ -98,31 +96,16 @@ private:
 
     void Do(Conversation::Step& step)
     {
-        if (step.Kind == Conversation::Step::StepKind::Unsubscribe)
+        const std::size_t number = step.Number;
+        const bool hasAnswer = step.Kind != Conversation::Step::StepKind::Unsubscribe;
+        if (const std::optional<int> sent = BrokerDialogue::Do(connection, std::move(step)))
         {
-            connection.Unsubscribe(step.Topic);
-            return;
+            numbers.emplace(*sent, number);
         }
-        const std::optional<int> number = step.Kind == Conversation::Step::StepKind::Subscribe
-                                              ? connection.Subscribe(step.Topic)
-                                              : connection.Publish(PublicationOf(step));
-        if (number)
+        else if (hasAnswer) // the end of the connection comes next; or nothing of the kind can be sent to this broker
         {
-            numbers.emplace(*number, step.Number);
+            conversation.TakeAnswer({number, Conversation::Answer::FirstOfRefusals, "it cannot be sent"}, Now());
         }
-        else // the end of the connection comes next; or nothing of the kind can be sent to this broker
-        {
-            conversation.TakeAnswer({step.Number, Conversation::Answer::FirstOfRefusals, "it cannot be sent"}, Now());
-        }
-    }
-
-    static Publication PublicationOf(Conversation::Step& step)
-    {
-        Publication publication{std::move(step.Topic), std::move(step.Payload), step.IsRetained};
-        publication.ResponseTopic = std::move(step.ResponseTopic);
-        publication.CorrelationData = std::move(step.CorrelationData);
-        publication.ExpirySeconds = step.ExpirySeconds;
-        return publication;
     }
 
     MessageQueue& waiter;
@@ -132,10 +115,37 @@ private:
     std::map<int, std::size_t> numbers; // of steps, by those that the broker answers with
     BrokerConnection connection;
 };
+
+Publication PublicationOf(Conversation::Step step)
+{
+    Publication publication{std::move(step.Topic), std::move(step.Payload), step.IsRetained};
+    publication.ResponseTopic = std::move(step.ResponseTopic);
+    publication.CorrelationData = std::move(step.CorrelationData);
+    publication.ExpirySeconds = step.ExpirySeconds;
+    return publication;
+}
 } // namespace
 
 void BrokerDialogue::Hold(const BrokerSettings& settings, MessageQueue& waiter, Conversation& conversation)
 {
     Dialogue(settings, waiter, conversation).Run();
+}
+
+std::optional<int> BrokerDialogue::Do(BrokerConnection& connection, Conversation::Step step)
+{
+    using Kind = Conversation::Step::StepKind;
+    switch (step.Kind)
+    {
+    case Kind::Subscribe:
+        return connection.Subscribe(step.Topic);
+    case Kind::Follow:
+        return connection.Follow(step.Topic);
+    case Kind::Unsubscribe:
+        connection.Unsubscribe(step.Topic);
+        return std::nullopt;
+    case Kind::Publish:
+        break;
+    }
+    return connection.Publish(PublicationOf(std::move(step)));
 }
 } // namespace Zent::Discovery::FleetConsole

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "Broker/BrokerSettings.h"
+#include "Broker/BrokerConnection.h"
 #include "Fleet/Conversation.h"
 #include "Programs/MessageQueue.h"
+
+#include <optional>
 
 namespace Zent::Discovery::FleetConsole
 {
@@ -17,5 +19,8 @@ public:
     static void Hold(const Broker::BrokerSettings& settings,
                      Programs::MessageQueue& waiter,
                      Fleet::Conversation& conversation);
+
+    /// Does a step on a connection. A number by which the broker's answer comes; nothing when none will.
+    static std::optional<int> Do(Broker::BrokerConnection& connection, Fleet::Conversation::Step step);
 };
 } // namespace Zent::Discovery::FleetConsole

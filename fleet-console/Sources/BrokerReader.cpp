@@ -8,7 +8,6 @@
 using Zent::Discovery::Broker::BrokerSettings;
 using Zent::Discovery::Fleet::Conversation;
 using Zent::Discovery::Fleet::FleetReading;
-using Zent::Discovery::Fleet::ReadingRequest;
 using Zent::Discovery::Programs::MessageQueue;
 
 namespace Zent::Discovery::FleetConsole
@@ -37,15 +36,7 @@ public:
         reading.Take(message.Topic, message.Payload, message.IsRetained, now);
     }
 
-    std::vector<Step> Advance(Time now) override
-    {
-        std::vector<Step> steps;
-        for (const ReadingRequest& each : reading.Advance(now))
-        {
-            steps.push_back({each.IsEnd ? Step::StepKind::Unsubscribe : Step::StepKind::Subscribe, each.Filter});
-        }
-        return steps;
-    }
+    std::vector<Step> Advance(Time now) override { return reading.Advance(now); }
 
     Time NextTime() const override { return reading.NextTime(); }
 

@@ -1,6 +1,7 @@
 #include "ServeCommand.h"
 
 #include "Broker/BrokerConnection.h"
+#include "BrokerDialogue.h"
 #include "Commands/Arguments.h"
 #include "Fleet/FleetReading.h"
 #include "FleetPage.h"
@@ -14,8 +15,8 @@
 
 using Zent::Discovery::Broker::BrokerConnection;
 using Zent::Discovery::Broker::BrokerNews;
+using Zent::Discovery::Fleet::Conversation;
 using Zent::Discovery::Fleet::FleetReading;
-using Zent::Discovery::Fleet::ReadingRequest;
 using Zent::Discovery::Fleet::SiteReading;
 using Zent::Discovery::Page::PageServer;
 using Zent::Discovery::Page::PageSettings;
@@ -106,16 +107,9 @@ private:
 
     void Ask()
     {
-        for (const ReadingRequest& each : reading.Advance(Now()))
+        for (Conversation::Step& each : reading.Advance(Now()))
         {
-            if (each.IsEnd)
-            {
-                connection.Unsubscribe(each.Filter);
-            }
-            else
-            {
-                connection.Subscribe(each.Filter);
-            }
+            BrokerDialogue::Do(connection, std::move(each));
         }
     }
 

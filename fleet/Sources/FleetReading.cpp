@@ -9,7 +9,7 @@ namespace Zent::Discovery::Fleet
 {
 namespace
 {
-void Append(std::vector<ReadingRequest>& all, std::vector<ReadingRequest> more)
+void Append(std::vector<Conversation::Step>& all, std::vector<Conversation::Step> more)
 {
     std::ranges::move(more, std::back_inserter(all));
 }
@@ -53,13 +53,13 @@ void FleetReading::Take(std::string_view topic, std::string_view bytes, bool isR
     }
 }
 
-std::vector<ReadingRequest> FleetReading::Advance(Time now)
+std::vector<Conversation::Step> FleetReading::Advance(Time now)
 {
     if (phase == Phase::Starting && isOpen)
     {
         phase = Phase::Searching;
         lastFound = now;
-        return {{SiteTopics::AllStates()}};
+        return {{Step::StepKind::Subscribe, SiteTopics::AllStates()}};
     }
     if (phase == Phase::Searching && now < SearchEnd())
     {
@@ -68,12 +68,12 @@ std::vector<ReadingRequest> FleetReading::Advance(Time now)
     phase = Phase::Reading;
     found.clear();
 
-    std::vector<ReadingRequest> requests;
+    std::vector<Step> steps;
     for (SiteReading& site : sites)
     {
-        Append(requests, site.Conclude(now));
+        Append(steps, site.Conclude(now));
     }
-    Append(requests, Forget());
+    Append(steps, Forget());
     std::size_t questions = 0;
     bool isAnswering = false;
     bool isStreaming = false;
@@ -89,12 +89,12 @@ std::vector<ReadingRequest> FleetReading::Advance(Time now)
     {
         const std::size_t most = isStreaming ? 0 : site.Silences() == 0 ? MaximumQuestions : MaximumQuestions / 2;
         const std::size_t before = site.Questions();
-        Append(requests, site.Advance(now, {most - std::min(most, questions), !isStreaming && !isAnswering}));
+        Append(steps, site.Advance(now, {most - std::min(most, questions), !isStreaming && !isAnswering}));
         questions += site.Questions() - before;
         isAnswering = isAnswering || (site.Questions() > 0 && site.Silences() == 0);
         isStreaming = isStreaming || site.IsStreaming();
     }
-    return requests;
+    return steps;
 }
 
 FleetReading::Time FleetReading::NextTime() const
@@ -174,21 +174,21 @@ FleetReading::Time FleetReading::SearchEnd() const
                                     : lastFound + (found.empty() ? SiteReading::AnswerTime : SiteReading::PauseTime);
 }
 
-std::vector<ReadingRequest> FleetReading::Forget()
+std::vector<Conversation::Step> FleetReading::Forget()
 {
-    std::vector<ReadingRequest> requests;
+    std::vector<Step> steps;
     for (auto site = sites.begin(); isOpen && site != sites.end();)
     {
         const auto next = std::next(site);
         if (site->IsForgotten())
         {
-            Append(requests, site->End());
+            Append(steps, site->End());
             listener.TakeForgotten(site->Site());
             byName.erase(site->Site());
             sites.erase(site);
         }
         site = next;
     }
-    return requests;
+    return steps;
 }
 } // namespace Zent::Discovery::Fleet

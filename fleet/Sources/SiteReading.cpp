@@ -60,7 +60,7 @@ void SiteReading::Take(const Topic& topic, std::string_view bytes, bool isRetain
         hasStreamed = hasStreamed || isRetained;
         if (isAnswer)
         {
-            requests.push_back({topics.Device(topic.Device), true});
+            steps.push_back({Step::StepKind::Unsubscribe, topics.Device(topic.Device)});
         }
         TakeRecord(topic.Device, bytes, isAnswer || !isRetained);
         break;
@@ -73,7 +73,7 @@ void SiteReading::Take(const Topic& topic, std::string_view bytes, bool isRetain
     }
 }
 
-std::vector<ReadingRequest> SiteReading::Conclude(Time now)
+std::vector<Conversation::Step> SiteReading::Conclude(Time now)
 {
     const bool isSilent = now >= NextTime();
     if (phase == Phase::Streaming && (isSilent || HasAll()))
@@ -96,10 +96,10 @@ std::vector<ReadingRequest> SiteReading::Conclude(Time now)
         lastDoubt = now;
         Doubt();
     }
-    return std::exchange(requests, {});
+    return std::exchange(steps, {});
 }
 
-std::vector<ReadingRequest> SiteReading::Advance(Time now, const ReadingAllowance& allowance)
+std::vector<Conversation::Step> SiteReading::Advance(Time now, const ReadingAllowance& allowance)
 {
     if (phase == Phase::Starting)
     {
@@ -108,12 +108,12 @@ std::vector<ReadingRequest> SiteReading::Advance(Time now, const ReadingAllowanc
         text = "not read yet";
         listener.TakeSite(*this);
     }
-    if (phase == Phase::Heads && HasAnswers() && allowance.IsStream)
+    if (phase == Phase::Heads && HasAnswers() && (allowance.IsStream || HasNearlyAll()))
     {
-        phase = Phase::Streaming;
+        phase = HasNearlyAll() ? Phase::Keeping : Phase::Streaming;
         hasStreamed = false;
         lastProgress = now;
-        Begin(topics.AllDevices());
+        Begin(topics.AllDevices(), HasNearlyAll() ? Step::StepKind::Follow : Step::StepKind::Subscribe);
         if (scope == ReadingScope::Events)
         {
             Begin(topics.Events());
@@ -126,7 +126,7 @@ std::vector<ReadingRequest> SiteReading::Advance(Time now, const ReadingAllowanc
         open.insert(topic);
         Begin(topic);
     }
-    return std::exchange(requests, {});
+    return std::exchange(steps, {});
 }
 
 SiteReading::Time SiteReading::NextTime() const
@@ -157,18 +157,18 @@ void SiteReading::Disconnect()
     absences = 0;
     open.clear();
     subscribed.clear();
-    requests.clear();
+    steps.clear();
     state.reset();
     text = "no connection to the broker";
     listener.TakeSite(*this);
 }
 
-std::vector<ReadingRequest> SiteReading::End()
+std::vector<Conversation::Step> SiteReading::End()
 {
-    std::vector<ReadingRequest> ends;
+    std::vector<Step> ends;
     for (const std::string& filter : subscribed)
     {
-        ends.push_back({filter, true});
+        ends.push_back({Step::StepKind::Unsubscribe, filter});
     }
     return ends;
 }
@@ -356,6 +356,13 @@ bool SiteReading::HasAnswers() const
     return !isSettled && phase != Phase::Starting && phase != Phase::Streaming && open.empty() && Wanted(1).empty();
 }
 
+/// Whether so little is new since an earlier connection that it is asked for alone, which takes more of the broker for
+/// each record than to have all of them come.
+bool SiteReading::HasNearlyAll() const
+{
+    return !held.empty() && IsToldWhole() && missing.size() <= told.size() / 4;
+}
+
 std::string SiteReading::Shortfall() const
 {
     if (!manifest.HasHead())
@@ -367,13 +374,13 @@ std::string SiteReading::Shortfall() const
                           " received";
 }
 
-void SiteReading::Begin(std::string filter)
+void SiteReading::Begin(std::string filter, Step::StepKind kind)
 {
     if (!filter.starts_with(topics.Device("")) || filter == topics.AllDevices())
     {
         subscribed.insert(filter);
     }
-    requests.push_back({std::move(filter)});
+    steps.push_back({kind, std::move(filter)});
 }
 
 /// Topics to ask for now.
@@ -409,7 +416,7 @@ void SiteReading::GiveUpOpen()
     {
         if (!subscribed.contains(topic))
         {
-            requests.push_back({topic, true});
+            steps.push_back({Step::StepKind::Unsubscribe, topic});
         }
     }
 }

@@ -12,6 +12,8 @@
 using namespace Zent::Discovery::Fleet;
 using namespace std::chrono_literals;
 using Scope = SiteReading::ReadingScope;
+using Step = Conversation::Step;
+using Kind = Step::StepKind;
 
 namespace
 {
@@ -97,13 +99,13 @@ public:
         }
     }
 
-    /// Breaks the connection, and has lost everything.
-    void LoseAll()
+    void BreakConnection()
     {
-        retained.clear();
         subscribed.clear();
         reading.Disconnect();
     }
+
+    void LoseAll() { retained.clear(); }
 
     /// Lets the reading go on for so long, or until it is over; nothing takes any time but silence.
     void Serve(std::optional<SiteReading::Time> duration = {})
@@ -112,12 +114,12 @@ public:
         while (duration ? now < end : !reading.IsOver())
         {
             bool isAnswered = false;
-            for (const ReadingRequest& request : reading.Advance(now))
+            for (const Step& step : reading.Advance(now))
             {
-                request.IsEnd ? subscribed.erase(request.Filter) : subscribed.insert(request.Filter).second;
+                step.Kind == Kind::Unsubscribe ? subscribed.erase(step.Topic) : subscribed.insert(step.Topic).second;
                 const auto isQuestion = [](const std::string& each) { return each.find("/devices/0") < each.size(); };
                 MostAsked = std::max(MostAsked, std::size_t(std::ranges::count_if(subscribed, isQuestion)));
-                isAnswered = (!request.IsEnd && Answer(request.Filter)) || isAnswered;
+                isAnswered = (step.Kind == Kind::Subscribe && Answer(step.Topic)) || isAnswered;
             }
             if (!isAnswered && !reading.IsOver())
             {
@@ -129,8 +131,9 @@ public:
     }
 
     std::size_t Limit = 1000;
-    std::size_t MostAsked = 0; // for records alone, at a time
-    bool IsDropping = false;   // what is published
+    std::size_t RecordsGiven = 0; // that were there before
+    std::size_t MostAsked = 0;    // for records alone, at a time
+    bool IsDropping = false;      // what is published
     SiteReading::Time now{0};
 
 private:
@@ -149,6 +152,7 @@ private:
         {
             if (Matches(topic, filter) && given++ < Limit)
             {
+                RecordsGiven += std::size_t(topic.find("/devices/") < topic.size());
                 reading.Take(topic, text, true, now);
             }
         }
@@ -320,6 +324,40 @@ TEST(ReadingTest, WhatWasDroppedLaterIsAskedForAndSaidAndLookedForAgain)
               (Texts{"b disconnected", "b 01 is removed", "b 02 is removed", R"(b 00 present{"HostName":"press"})"}));
 }
 
+TEST(ReadingTest, OverAnotherConnectionOnlyTheDifferenceComes)
+{
+    Fixture<Notes> fixture(Scope::Events);
+    auto& [found, reading, broker] = fixture;
+    broker.PutSite("b", 1500);
+    broker.Serve();
+    found.Take();
+    broker.BreakConnection();
+    found.Take();
+    broker.RecordsGiven = 0;
+    const SiteTopics topics("b");
+    broker.Put(topics.Device(Id(7)), Record("other").ToJson());
+    broker.Put(topics.Device(Id(8)), "");
+    Manifest::Revisions told;
+    for (std::size_t i = 0; i < 1500; ++i)
+    {
+        told.emplace(Id(i), Record(i == 7 ? "other" : "press").Revision());
+    }
+    told.erase(Id(8));
+    broker.PutManifest("b", told);
+    broker.Serve(1min);
+    EXPECT_EQ(found.Take(),
+              (Texts{"b ready, not read yet", "b 08 is removed", R"(b 07 present{"HostName":"other"})", "b ready"}));
+    EXPECT_EQ(broker.RecordsGiven, 1U);
+    broker.Put(topics.Device(Id(9)), Record("late").ToJson());
+    EXPECT_EQ(found.Take(), (Texts{R"(b 09 present{"HostName":"late"})"}));
+
+    broker.BreakConnection();
+    broker.PutSite("b", 1500, Record("all others"));
+    broker.Serve(1min);
+    EXPECT_GT(broker.RecordsGiven, 1000U) << "too many to be asked for alone";
+    EXPECT_TRUE(reading.Shortfalls().empty());
+}
+
 TEST(ReadingTest, ABrokerThatHasLostEverythingTakesNoDeviceAwayBeforeItsAgentIsBack)
 {
     Fixture<Notes> fixture(Scope::Events);
@@ -329,6 +367,7 @@ TEST(ReadingTest, ABrokerThatHasLostEverythingTakesNoDeviceAwayBeforeItsAgentIsB
     broker.Serve();
     found.Take();
     broker.LoseAll();
+    broker.BreakConnection();
     EXPECT_EQ(found.Take(),
               (Texts{"a unknown, no connection to the broker", "b unknown, no connection to the broker"}));
     broker.Serve(1min);

@@ -38,14 +38,17 @@ public:
     std::optional<int> Subscribe(const std::string& filter) override;
     void Unsubscribe(const std::string& filter) override;
 
+    /// As Subscribe, but nothing comes that is retained.
+    std::optional<int> Follow(const std::string& filter);
+
     /// What has happened since, the oldest first.
     std::deque<BrokerNews> Take();
 
     /// How many messages were dropped so far.
     std::size_t Lost() const;
 
-    /// Says goodbye: the broker publishes no will, unless it takes nothing more for seconds. Returns once the thread has
-    /// ended.
+    /// Says goodbye: the broker publishes no will, unless it takes nothing more for seconds. Returns once the thread
+    /// has ended.
     void Close();
 
 private:

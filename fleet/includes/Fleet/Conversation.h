@@ -22,7 +22,8 @@ public:
     {
         enum class StepKind
         {
-            Subscribe,
+            Subscribe, // what is retained there comes, and then what is published
+            Follow,    // only what is published from now on comes
             Unsubscribe,
             Publish // acknowledged
         };

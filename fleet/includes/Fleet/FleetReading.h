@@ -18,7 +18,8 @@ namespace Zent::Discovery::Fleet
 class FleetReading final
 {
 public:
-    using Time = SiteReading::Time;
+    using Time = Conversation::Time;
+    using Step = Conversation::Step;
 
     /// Nothing tells how many sites there are. Where a broker with the settings that it comes with gives no more
     /// states, there may be others.
@@ -38,7 +39,7 @@ public:
     void Take(std::string_view topic, std::string_view bytes, bool isRetained, Time now);
 
     /// What is to be asked for now, on a connection that is there.
-    std::vector<ReadingRequest> Advance(Time now);
+    std::vector<Step> Advance(Time now);
 
     /// When to call Advance again, at the latest, unless a message comes before.
     Time NextTime() const;
@@ -74,7 +75,7 @@ private:
     SiteReading& Add(const std::string& site);
     SiteReading* Find(const Topic& topic, bool isThere);
     Time SearchEnd() const;
-    std::vector<ReadingRequest> Forget();
+    std::vector<Step> Forget();
 
     const SiteReading::ReadingScope scope;
     const bool isOpen; // to sites that nobody has named

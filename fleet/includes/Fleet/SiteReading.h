@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Fleet/Conversation.h"
 #include "Fleet/DeviceRecord.h"
 #include "Fleet/Manifest.h"
 #include "Fleet/ReadingListener.h"
@@ -17,21 +18,15 @@
 
 namespace Zent::Discovery::Fleet
 {
-/// What a reader is to do next on its connection to a broker.
-struct ReadingRequest
-{
-    std::string Filter;
-    bool IsEnd = false; // of the subscription, which begins otherwise
-};
-
 /// Reads a site from a broker that may give a subscriber less than it has, and tell nobody: lets all records come, and
 /// those that change later, compares them with the manifest, and asks for what is missing topic by topic. Goes on for
-/// as long as it is advanced. Keeps no records but their revisions. One thread.
+/// as long as it is advanced. Keeps no records but their revisions, by which it has only those come again over another
+/// connection that have changed. One thread.
 class SiteReading final
 {
 public:
-    /// Since any moment, by a clock that is never set back.
-    using Time = std::chrono::milliseconds;
+    using Time = Conversation::Time;
+    using Step = Conversation::Step;
 
     enum class ReadingScope
     {
@@ -82,10 +77,10 @@ public:
 
     /// Concludes from silence, and from what has come: questions without an answer are over. What is not to be asked
     /// for any more; before Advance.
-    std::vector<ReadingRequest> Conclude(Time now);
+    std::vector<Step> Conclude(Time now);
 
     /// What is to be asked for now; begins with the first call.
-    std::vector<ReadingRequest> Advance(Time now, const ReadingAllowance& allowance);
+    std::vector<Step> Advance(Time now, const ReadingAllowance& allowance);
 
     /// When to call Conclude again, at the latest, unless a message comes before.
     Time NextTime() const;
@@ -97,7 +92,7 @@ public:
     void Disconnect();
 
     /// What it has subscribed to, so that nothing more comes.
-    std::vector<ReadingRequest> End();
+    std::vector<Step> End();
 
     /// Whether it has something to ask for or to wait for.
     bool IsBusy() const { return !isSettled; }
@@ -158,8 +153,9 @@ private:
     bool IsToldWhole() const;
     bool HasAll() const;
     bool HasAnswers() const;
+    bool HasNearlyAll() const;
     std::string Shortfall() const;
-    void Begin(std::string filter);
+    void Begin(std::string filter, Step::StepKind kind = Step::StepKind::Subscribe);
     std::vector<std::string> Wanted(std::size_t most) const;
     void GiveUpOpen();
     void Settle();
@@ -174,7 +170,7 @@ private:
     bool isSettled = false;   // nothing is open or wanted, until something comes
     bool isRead = false;
     unsigned silences = 0;
-    std::vector<ReadingRequest> requests;
+    std::vector<Step> steps;
     std::map<std::string, unsigned> attempts; // by topic
     std::set<std::string> open;               // topics that were asked for and have not come
     std::set<std::string> subscribed;         // filters that stay so: what is told there changes
