@@ -44,6 +44,10 @@ JsonText Members(const JournalEntry& entry)
     {
         json.Text("Undoes", entry.Undoes);
     }
+    if (!entry.Exchange.empty())
+    {
+        json.Text("Exchange", entry.Exchange);
+    }
     return json;
 }
 
@@ -60,6 +64,17 @@ bool HasComeTrue(std::string_view verdict)
 }
 } // namespace
 
+JournalEntry JournalEntry::Of(const ChangeReport& report, std::string time)
+{
+    const ChangeRequest& request = report.Request;
+    const bool isByAddress = request.Kind == ChangeRequest::ChangeKind::RenameAt;
+    return {.Time = std::move(time),
+            .MACAddress = report.MACAddress(),
+            .IPAddress = isByAddress ? request.Interface.IPAddress : "",
+            .Before = report.Before ? std::optional(request.SettingsOf(*report.Before)) : std::nullopt,
+            .After = request.Settings()};
+}
+
 std::string JournalEntry::Id() const
 {
     return Time + "/" + Subject();
@@ -75,11 +90,23 @@ const char* JournalEntry::StateName() const
     return IsUndone ? "undone" : IsOpen() ? "open" : "done";
 }
 
-std::string JournalEntry::UndoingRequest() const
+std::string JournalEntry::RequestFor(const std::string& settings) const
 {
-    const std::string members = Before->substr(1); // behind the brace
+    const std::string members = settings.substr(1); // behind the brace
     return '{' + JsonText::Quoted(IPAddress.empty() ? "MACAddress" : "IPAddress") + ':' + JsonText::Quoted(Subject()) +
            (members == "}" ? "" : ",") + members;
+}
+
+std::string JournalEntry::TextOf(const std::string& settings) const
+{
+    try
+    {
+        return ChangeRequest::Parse(RequestFor(settings)).ToString();
+    }
+    catch (const std::invalid_argument&) // somebody has edited the journal
+    {
+        return settings;
+    }
 }
 
 std::string JournalEntry::ToJson() const
@@ -119,7 +146,8 @@ void Journal::Feed(std::string_view line)
                        .IPAddress = MemberText(object, "IPAddress"),
                        .Before = Settings(object, "Before"),
                        .After = Settings(object, "After").value_or(""),
-                       .Undoes = MemberText(object, "Undoes")};
+                       .Undoes = MemberText(object, "Undoes"),
+                       .Exchange = MemberText(object, "Exchange")};
     if (entry.Time.empty() || entry.After.empty())
     {
         throw std::invalid_argument("the line tells neither a change nor the end of one");
@@ -127,12 +155,27 @@ void Journal::Feed(std::string_view line)
     Begin(std::move(entry));
 }
 
-const JournalEntry* Journal::NewestToUndo(std::string_view macAddress) const
+std::vector<const JournalEntry*> Journal::NewestToUndo(std::string_view macAddress) const
 {
-    const auto found = std::find_if(entries.rbegin(), entries.rend(), [macAddress](const JournalEntry& entry) {
+    const auto newest = std::find_if(entries.rbegin(), entries.rend(), [macAddress](const JournalEntry& entry) {
         return entry.CanBeUndone() && (macAddress.empty() || entry.MACAddress == macAddress);
     });
-    return found == entries.rend() ? nullptr : &*found;
+    std::vector<const JournalEntry*> found;
+    if (newest != entries.rend() && newest->Exchange.empty())
+    {
+        found.push_back(&*newest);
+    }
+    else if (newest != entries.rend())
+    {
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+        {
+            if (entry->CanBeUndone() && entry->Exchange == newest->Exchange)
+            {
+                found.push_back(&*entry);
+            }
+        }
+    }
+    return found;
 }
 
 std::vector<const JournalEntry*> Journal::OpenEntries() const

@@ -45,6 +45,10 @@ bool PlanOrder::Place(Item& item, SitePlan& plan)
         Release(item.For.value_or(item.What.Now), item.What.Holder);
         AddHolder(item.What.Wanted, item.What.Holder);
         plan.Steps.push_back({item.What.Request});
+        for (std::size_t i = item.Aside; item.For && i < plan.Steps.size(); ++i)
+        {
+            plan.Steps[i].Exchange = item.Aside + 1;
+        }
     }
     return item.State == MoveState::Planned;
 }
@@ -99,6 +103,7 @@ bool PlanOrder::StepAside(Item& item, SitePlan& plan)
         Release(item.What.Now, item.What.Holder);
         AddHolder(temporary->Value, item.What.Holder);
         item.For = temporary->Value;
+        item.Aside = plan.Steps.size();
         plan.Steps.push_back({std::move(temporary->Request), true});
     }
     return temporary.has_value();

@@ -2,6 +2,7 @@
 
 #include "Inventory/SitePlan.h"
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <optional>
@@ -63,6 +64,7 @@ private:
         Move What;
         MoveState State = MoveState::Waiting;
         std::optional<std::string> For = {}; // the value that it has for a while
+        std::size_t Aside = 0;               // the step that gives it, which begins the exchange
     };
 
     bool Place(Item& item, SitePlan& plan);

@@ -230,12 +230,11 @@ SitePlan SitePlan::For(const SiteFile& site, std::span<const Device* const> devi
     Planner planner(site, devices, options, plan);
     planner.PlanNames();
     std::deque<Step> names(plan.Steps.begin(), plan.Steps.end());
-    plan.Steps.clear();
     if (options.What == Scope::All)
     {
         planner.PlanAddresses();
     }
-    std::deque<Step> addresses(plan.Steps.begin(), plan.Steps.end());
+    std::deque<Step> addresses(plan.Steps.begin() + static_cast<std::ptrdiff_t>(names.size()), plan.Steps.end());
     plan.Steps.clear();
     for (const SiteEntry& entry : site.Entries())
     {

@@ -29,7 +29,9 @@ class KillTest(TestCase):
                     console.kill()
                 if "open" in [change["State"] for change in self.console_documents("undo", "--list")]:
                     broken_off += 1
-                    self.assertIn("was broken off", self.console("refresh", device.mac)[1])
+                    self.assertRegex(self.console("refresh", device.mac)[1],
+                                     f"the change of {device.mac} at [^ ]+ to the address 10.1.0.10/16 without a gateway was "
+                                     f"broken off: [^,]+ undo --mac {device.mac} gives back the address {device.ip}/8")  # fmt: skip
                     self.console("undo", "--yes")
                 self.assertEqual(self.address(device), device.ip, f"killed after {moment:.3f} s")
             self.assertGreater(broken_off, 0)

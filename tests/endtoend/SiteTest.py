@@ -32,6 +32,7 @@ class SiteTest(TestCase):
 
     def test_devices_exchange_names_and_addresses(self):
         self.start()
+        before = self.export()
         entries = self.export()
         first, second = entries[0], entries[2]
         for key in ("HostName", "IPAddress"):
@@ -50,6 +51,10 @@ class SiteTest(TestCase):
         self.assertEqual([each["MACAddress"] for each in changes], 2 * order)
         self.assertEqual(self.console("site", "apply", str(self.file))[1], "nothing to change\n")
         self.assertEqual(len(self.console_documents("undo", "--list")), len(changes))
+        undone = self.console_documents("undo", "--yes", "--mac", second["MACAddress"])
+        self.assertEqual([each["Change"]["MACAddress"] for each in undone], order)
+        self.console("undo", "--yes")
+        self.assertEqual(self.export(), before)
 
     def test_nothing_is_sent_after_a_failure(self):
         self.start("--refuse")

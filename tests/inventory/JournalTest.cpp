@@ -37,22 +37,22 @@ TEST(JournalTest, UndoTakesBackOneChangeAfterTheOther)
     EXPECT_TRUE(journal.OpenEntries().empty());
     EXPECT_EQ(journal.Entries().front().After, first.After);
 
-    ASSERT_NE(journal.NewestToUndo(), nullptr);
-    EXPECT_EQ(journal.NewestToUndo()->UndoingRequest(), R"({"IPAddress":"10.2.0.5","HostName":"b"})");
+    ASSERT_EQ(journal.NewestToUndo().size(), 1u);
+    EXPECT_EQ(journal.NewestToUndo().front()->UndoingRequest(), R"({"IPAddress":"10.2.0.5","HostName":"b"})");
     EXPECT_EQ(first.UndoingRequest(), R"({"MACAddress":"02:00:00:00:00:01","HostName":"a"})");
-    EXPECT_EQ(journal.NewestToUndo("02:00:00:00:00:02"), nullptr);
+    EXPECT_TRUE(journal.NewestToUndo("02:00:00:00:00:02").empty());
 
     const JournalEntry inVain = Rename(4, "c", "b", second.Id());
     const JournalEntry brokenOff = Rename(5, "c", "b", second.Id());
     const JournalEntry undoing = Rename(6, "c", "b", second.Id());
     journal.Feed(Journal::BeginLine(inVain));
     journal.Feed(Journal::EndLine(inVain, "no-answer"));
-    EXPECT_EQ(journal.NewestToUndo()->Time, second.Time);
+    EXPECT_EQ(journal.NewestToUndo().front()->Time, second.Time);
     journal.Feed(Journal::BeginLine(brokenOff));
     EXPECT_EQ(journal.OpenEntries().size(), 1u);
     journal.Feed(Journal::BeginLine(undoing));
     journal.Feed(Journal::EndLine(undoing, "applied"));
-    EXPECT_EQ(journal.NewestToUndo()->Time, first.Time);
+    EXPECT_EQ(journal.NewestToUndo().front()->Time, first.Time);
     EXPECT_TRUE(journal.OpenEntries().empty());
 
     Journal again;
@@ -61,7 +61,28 @@ TEST(JournalTest, UndoTakesBackOneChangeAfterTheOther)
         again.Feed(line);
     }
     EXPECT_EQ(again.Lines(), journal.Lines());
-    EXPECT_EQ(again.NewestToUndo()->Time, first.Time);
+    EXPECT_EQ(again.NewestToUndo().front()->Time, first.Time);
+}
+
+TEST(JournalTest, AnExchangeIsTakenBackAsAWhole)
+{
+    const JournalEntry aside = Rename(1, "a", "swap"), other = Rename(2, "b", "a"), last = Rename(3, "swap", "b");
+    const JournalEntry later = Rename(4, "b", "c");
+    Journal journal;
+    for (JournalEntry entry : {aside, other, last, later})
+    {
+        entry.MACAddress.back() = entry.Time == other.Time ? '2' : '1';
+        entry.Exchange = entry.Time == later.Time ? "" : aside.Id();
+        journal.Feed(Journal::BeginLine(entry));
+        journal.Feed(Journal::EndLine(entry, "applied"));
+    }
+    EXPECT_EQ(journal.NewestToUndo().size(), 1u);
+    std::string before;
+    for (const JournalEntry* const entry : journal.NewestToUndo("02:00:00:00:00:02"))
+    {
+        before += entry->BeforeText() + ", ";
+    }
+    EXPECT_EQ(before, R"(the name "swap", the name "b", the name "a", )");
 }
 
 TEST(JournalTest, RefusesBrokenLinesAndKeepsTheRest)

@@ -64,7 +64,8 @@ std::string TextOf(const SitePlan& plan)
     for (const SitePlan::Step& step : plan.Steps)
     {
         text += step.Request.Interface.MACAddress.back();
-        text += (step.IsTemporary ? "~" : "=") + step.Request.HostName + step.Request.Interface.IPAddress + " ";
+        text += (step.IsTemporary ? "~" : "=") + step.Request.HostName + step.Request.Interface.IPAddress;
+        text += (step.Exchange == 0 ? "" : "+") + std::string(" ");
     }
     for (const SitePlan::Obstacle& obstacle : plan.Obstacles)
     {
@@ -158,11 +159,11 @@ TEST(SitePlanTest, NobodyTakesWhatAnotherOneStillHas)
     for (const auto& [entries, plan] : std::map<std::string, std::string>{
              {Entry("1", "b", "10.0.0.1") + Entry("2", "C", "10.0.0.2") + Entry("3", "e", "10.0.0.3"), "3=e 2=C 1=b "},
              // Exchanged: one steps aside.
-             {Entry("1", "b", "10.0.0.1") + Entry("2", "A", "10.0.0.2"), "1~swap-000001 2=A 1=b "},
+             {Entry("1", "b", "10.0.0.1") + Entry("2", "A", "10.0.0.2"), "1~swap-000001+ 2=A+ 1=b+ "},
              {Entry("1", "a", "10.0.0.2") + Entry("2", "b", "10.0.0.3") + Entry("3", "c", "10.0.0.1"),
-              "1~10.0.0.253 3=10.0.0.1 2=10.0.0.3 1=10.0.0.2 "},
+              "1~10.0.0.253+ 3=10.0.0.1+ 2=10.0.0.3+ 1=10.0.0.2+ "},
              {Entry("1", "a", "10.0.0.253") + Entry("2", "b", "10.0.0.3") + Entry("3", "c", "10.0.0.2"),
-              "1=10.0.0.253 2~10.0.0.252 3=10.0.0.2 2=10.0.0.3 "},
+              "1=10.0.0.253 2~10.0.0.252+ 3=10.0.0.2+ 2=10.0.0.3+ "},
              // A chain that ends in an exchange.
              {Entry("4", "a", "10.0.0.4") + Entry("1", "b", "10.0.0.1") + Entry("2", "a2", "10.0.0.2"),
               "2=a2 1=b 4=a "},
@@ -186,9 +187,9 @@ TEST(SitePlanTest, KeepsToWhatItMayUse)
     devices.Add("1", "a", "10.0.0.1", true).Add("2", "b", "10.0.0.2");
     const SiteFile site = SiteOf(Entry("1", "a", "10.0.0.2") + Entry("2", "b", "10.0.0.1"));
     EXPECT_EQ(TextOf(SitePlan::For(site, devices.All(), {.Reserved = {"10.0.0.253"}})),
-              "1~10.0.0.252 2=10.0.0.1 1=10.0.0.2 ");
+              "1~10.0.0.252+ 2=10.0.0.1+ 1=10.0.0.2+ ");
     EXPECT_EQ(TextOf(SitePlan::For(site, devices.All(), {.SpareAddress = "10.0.0.9"})),
-              "1~10.0.0.9 2=10.0.0.1 1=10.0.0.2 ");
+              "1~10.0.0.9+ 2=10.0.0.1+ 1=10.0.0.2+ ");
     EXPECT_EQ(TextOf(SitePlan::For(site, devices.All(), {.SpareAddress = "10.0.0.2"})),
               "!2address-taken !1address-taken ");
     EXPECT_EQ(TextOf(SitePlan::For(site, devices.All(), {.What = SitePlan::Scope::Names})), "");

@@ -1,10 +1,10 @@
 #include "Commands/ChangeRun.h"
 
-#include "Commands/ChangeJournal.h"
 #include "Commands/CommandContext.h"
 #include "Show/Output.h"
 #include "Terminal/LineInput.h"
 #include "Text/TerminalText.h"
+#include "Text/TimeText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -88,7 +88,7 @@ ExitStatus ChangeRun::CarryOut(const std::vector<Wanted>& plan, const Manner& ma
     Steps steps;
     for (const Wanted& wanted : plan)
     {
-        steps.push_back({wanted.Request, wanted.Undoes, {.Id = 0, .Request = wanted.Request}});
+        steps.push_back({wanted, {.Id = 0, .Request = wanted.Request}});
     }
     bool isAllowed = CheckValues(steps);
     if (isAllowed)
@@ -341,7 +341,13 @@ void ChangeRun::Note(Step& step, const ChangeReport& report)
     {
         return; // the library did not take it the first time
     }
-    step.Entry = ChangeJournal::Begin(report, step.Undoes, context);
+    JournalEntry& entry = step.Entry.emplace(JournalEntry::Of(report, TimeText::Utc(std::chrono::system_clock::now())));
+    entry.Undoes = step.Undoes;
+    if (step.Exchange != 0)
+    {
+        entry.Exchange = exchanges.try_emplace(step.Exchange, entry.Id()).first->second;
+    }
+    context.WriteJournal(Journal::BeginLine(entry));
 }
 
 void ChangeRun::EndEntries(std::span<const Step> steps)
@@ -393,7 +399,7 @@ void ChangeRun::TakeBack(Steps& steps)
         const std::optional<ChangeRequest> undo = step->Report.Undo();
         if (step->Entry && undo)
         {
-            back.push_back({*undo, step->Entry->Id(), {.Id = 0, .Request = *undo}});
+            back.push_back({{*undo, step->Entry->Id()}, {.Id = 0, .Request = *undo}});
             origins.push_back(&*step);
         }
     }

@@ -8,7 +8,9 @@
 #include "Programs/SessionDriver.h"
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -28,7 +30,8 @@ public:
     struct Wanted
     {
         Inventory::ChangeRequest Request;
-        std::string Undoes = {}; // the Id of the journal's entry that it takes back; then it is right whatever it is
+        std::string Undoes = {};  // the Id of the journal's entry that it takes back; then it is right whatever it is
+        std::size_t Exchange = 0; // the same for all of one exchange, which are taken back together; 0 for no exchange
     };
 
     /// How to go about it.
@@ -61,10 +64,8 @@ public:
 
 private:
     /// A change on its way through the run.
-    struct Step
+    struct Step : Wanted
     {
-        Inventory::ChangeRequest Request;
-        std::string Undoes;
         Inventory::ChangeReport Report;
         std::optional<Inventory::JournalEntry> Entry = {};     // once it is sent
         std::optional<Inventory::ChangeReport> TakenBack = {}; // what has come of that
@@ -95,8 +96,9 @@ private:
     const ChangeSettings& settings;
     const std::chrono::milliseconds timeout;
     bool hasLooked = false;
-    bool isOnTrial = false;   // what is sent stays open in the journal until the user has confirmed
-    bool isTidyingUp = false; // interruptions no longer count
+    bool isOnTrial = false;                       // what is sent stays open in the journal until the user has confirmed
+    bool isTidyingUp = false;                     // interruptions no longer count
+    std::map<std::size_t, std::string> exchanges; // the Ids of their first entries
     Programs::SessionDriver driver;
     std::unique_ptr<LineInput> input; // made for the first question
 };

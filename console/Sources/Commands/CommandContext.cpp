@@ -14,6 +14,22 @@ using Zent::Discovery::Programs::SystemNetwork;
 
 namespace Zent::Discovery::Console
 {
+namespace
+{
+/// A change whose program was killed or lost its power, and what the user can do.
+std::string Describe(const Inventory::JournalEntry& entry)
+{
+    std::string remedy = "what was before is unknown; ";
+    if (entry.CanBeUndone() || !entry.Undoes.empty())
+    {
+        remedy = "discovery-console undo" + (entry.MACAddress.empty() ? "" : " --mac " + entry.MACAddress) +
+                 (entry.Undoes.empty() ? " gives back " + entry.BeforeText() : " tries again") + ", ";
+    }
+    return "the change of " + entry.Subject() + " at " + entry.Time + " to " + entry.AfterText() +
+           " was broken off: " + remedy + "discovery-console undo --keep leaves it";
+}
+} // namespace
+
 CommandContext::CommandContext(const ProgramOptions& options, MessageQueue& messages, Output& output)
     : options(options)
     , messages(messages)
@@ -102,11 +118,7 @@ void CommandContext::TellOpenChanges()
         const Inventory::Journal changes = journal.Read([this](const std::string& text) { output.Complain(text); });
         for (const Inventory::JournalEntry* entry : changes.OpenEntries())
         {
-            output.Complain(
-                "the change of " + entry->Subject() + " at " + entry->Time + " to " + entry->After +
-                " was broken off: " +
-                (entry->CanBeUndone() ? "discovery-console undo takes it back, " : "what was before is unknown; ") +
-                "discovery-console undo --keep leaves it");
+            output.Complain(Describe(*entry));
         }
     }
     catch (const std::runtime_error& error)

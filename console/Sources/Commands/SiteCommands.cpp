@@ -267,7 +267,7 @@ bool SiteApplyCommand::Accept(const SitePlan& plan, std::vector<ChangeRun::Wante
 {
     for (const SitePlan::Step& step : plan.Steps)
     {
-        wanted.push_back({.Request = step.Request});
+        wanted.push_back({.Request = step.Request, .Exchange = step.Exchange});
         if (step.IsTemporary)
         {
             output.Conclude(TerminalText::Plain(step.Request.Interface.MACAddress + " takes " +

@@ -1,8 +1,8 @@
 #include "Commands/SiteGuard.h"
 
-#include "Commands/ChangeJournal.h"
 #include "Commands/CommandContext.h"
 #include "Show/IWatchView.h"
+#include "Text/TimeText.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,6 +10,7 @@
 using Zent::Discovery::Inventory::ChangeReport;
 using Zent::Discovery::Inventory::Event;
 using Zent::Discovery::Inventory::Journal;
+using Zent::Discovery::Inventory::JournalEntry;
 using Zent::Discovery::Inventory::SitePlan;
 using Zent::Discovery::Inventory::Time;
 
@@ -31,7 +32,7 @@ SiteGuard::SiteGuard(SiteState& state, bool repairsNames, CommandContext& contex
     driver.OnRequest([this](std::int64_t id) {
         if (id == change && !entry) // the library may not take it the first time
         {
-            entry = ChangeJournal::Begin(*this->driver.Session().ChangeState(id), "", this->context);
+            Note(*this->driver.Session().ChangeState(id));
         }
     });
 }
@@ -49,6 +50,10 @@ void SiteGuard::Heard(const Event& event, IWatchView& view)
     if (entry)
     {
         context.WriteJournal(Journal::EndLine(*entry, report.VerdictName()));
+        if (!isTemporary && exchange.ends_with(entry->Subject()))
+        {
+            exchange.clear(); // who stepped aside was the last to take a name
+        }
     }
     entry.reset();
     change.reset();
@@ -107,5 +112,14 @@ void SiteGuard::Repair(IWatchView& view)
         change = driver.Session().StartChange(next->Request, {.Look = std::nullopt}, driver.Now());
         nextRepair = driver.Now();
     }
+}
+
+/// Keeps in the journal what is sent next.
+void SiteGuard::Note(const ChangeReport& report)
+{
+    entry = JournalEntry::Of(report, TimeText::Utc(std::chrono::system_clock::now()));
+    exchange = isTemporary ? entry->Id() : exchange;
+    entry->Exchange = exchange;
+    context.WriteJournal(Journal::BeginLine(*entry));
 }
 } // namespace Zent::Discovery::Console

@@ -37,6 +37,7 @@ public:
 
 private:
     void Repair(IWatchView& view);
+    void Note(const Inventory::ChangeReport& report);
 
     SiteState& state;
     const bool repairsNames;
@@ -48,6 +49,7 @@ private:
     std::optional<std::int64_t> change; // the repair that is under way
     bool isTemporary = false;           // it gives a name for a while
     std::optional<Inventory::JournalEntry> entry;
+    std::string exchange;                                       // the Id of its first entry while one goes on
     std::unordered_map<std::string, Inventory::Time> notBefore; // when to repair a device again, by its MAC address
     std::unordered_set<std::string> told;                       // obstacles
 };

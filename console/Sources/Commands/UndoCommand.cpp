@@ -8,7 +8,7 @@
 #include "Text/TerminalText.h"
 #include "Text/TextTable.h"
 
-#include <stdexcept>
+#include <vector>
 
 using Zent::Discovery::Inventory::AddressText;
 using Zent::Discovery::Inventory::ChangeRequest;
@@ -42,19 +42,23 @@ ExitStatus UndoCommand::Run(CommandContext& context)
     {
         return Keep(context, journal);
     }
-    const JournalEntry* const entry = journal.NewestToUndo(AddressText::MAC(macAddress));
-    if (entry == nullptr)
+    std::vector<ChangeRun::Wanted> plan;
+    for (const JournalEntry* const entry : journal.NewestToUndo(AddressText::MAC(macAddress)))
+    {
+        plan.push_back({ChangeRequest::Parse(entry->UndoingRequest()), entry->Id()});
+    }
+    if (plan.empty())
     {
         context.Out().Complain("the journal " + context.Options().Journal + " has no change" +
                                (macAddress.empty() ? "" : " of " + AddressText::MAC(macAddress)) + " to undo");
         return ExitStatus::Usage;
     }
-    const ChangeRun::Wanted wanted{ChangeRequest::Parse(entry->UndoingRequest()), entry->Id()};
     if (!context.CanBroadcast())
     {
         return ExitStatus::NoAnswer;
     }
-    return ChangeRun(context, settings).CarryOut({wanted}, {.Asks = true, .NeedsAnswer = true});
+    return ChangeRun(context, settings)
+        .CarryOut(plan, {.OneByOne = plan.size() > 1, .Asks = true, .NeedsAnswer = true});
 }
 
 void UndoCommand::List(CommandContext& context, const Journal& journal)
@@ -68,7 +72,7 @@ void UndoCommand::List(CommandContext& context, const Journal& journal)
             output.PrintLine(TerminalText::Json(entry.ToJson()));
         }
         table.AddRow(
-            {entry.Time, entry.Subject(), entry.Verdict, entry.StateName(), entry.Before.value_or(""), entry.After});
+            {entry.Time, entry.Subject(), entry.Verdict, entry.StateName(), entry.BeforeText(), entry.AfterText()});
     }
     if (!output.IsJson())
     {

@@ -364,14 +364,8 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalBegin(DiscoveryInventoryJo
             {
                 throw std::out_of_range("no change with the id " + std::to_string(change) + " goes on");
             }
-            JournalEntry entry{.Time = time,
-                               .MACAddress = report->MACAddress(),
-                               .After = report->Request.Settings(),
-                               .Undoes = std::string(OrNothing(undoes))};
-            if (report->Before != nullptr)
-            {
-                entry.Before = report->Request.SettingsOf(*report->Before);
-            }
+            JournalEntry entry = JournalEntry::Of(*report, time);
+            entry.Undoes = OrNothing(undoes);
             journal->Text = Journal::BeginLine(entry);
             journal->Entries.Feed(journal->Text);
             journal->Open.insert_or_assign(change, std::move(entry));
@@ -421,11 +415,12 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalUndo(DiscoveryInventoryJou
 {
     return Guard(
         [&] {
-            const JournalEntry* const entry = journal->Entries.NewestToUndo(OrNothing(macAddress));
+            const std::vector<const JournalEntry*> newest = journal->Entries.NewestToUndo(OrNothing(macAddress));
             *json = nullptr;
-            if (entry != nullptr)
+            if (!newest.empty())
             {
-                journal->Text = R"({"Entry":)" + entry->ToJson() + R"(,"Request":)" + entry->UndoingRequest() + "}";
+                const JournalEntry& entry = *newest.front();
+                journal->Text = R"({"Entry":)" + entry.ToJson() + R"(,"Request":)" + entry.UndoingRequest() + "}";
                 *json = journal->Text.c_str();
             }
         },

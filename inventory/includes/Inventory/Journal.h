@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Inventory/ChangeReport.h"
+
 #include <cstddef>
 #include <deque>
 #include <optional>
@@ -13,12 +15,16 @@ namespace Zent::Discovery::Inventory
 /// has but for its MAC address.
 struct JournalEntry
 {
+    /// Of a change that is about to be sent.
+    static JournalEntry Of(const ChangeReport& report, std::string time);
+
     std::string Time;                       // when it was sent, as the host program writes times
     std::string MACAddress;                 // of the interface; empty when nobody knew it
     std::string IPAddress = {};             // where the device was told, if not by its MAC address
     std::optional<std::string> Before = {}; // settings; nothing when nobody knew them
     std::string After = {};                 // settings that were sent
     std::string Undoes = {};                // the Id of the change that this one takes back; empty as a rule
+    std::string Exchange = {};              // the Id of the first of those that exchange names or addresses with this
     std::string Verdict = {};               // empty while it is open
     bool IsUndone = false;                  // by a later entry
 
@@ -39,11 +45,20 @@ struct JournalEntry
 
     /// The request that takes it back: {"MACAddress":"..", or "IPAddress", and the settings of Before}.
     /// Only with a Before.
-    std::string UndoingRequest() const;
+    std::string UndoingRequest() const { return RequestFor(*Before); }
 
-    /// {"Time":"..","MACAddress":"..","IPAddress":"..","Before":{..},"After":{..},"Undoes":"..","Verdict":"..","State":"done","Id":".."};
-    /// what is not known is left out.
+    /// Settings for people: the name "press-4"; empty when they are not known.
+    std::string BeforeText() const { return Before ? TextOf(*Before) : ""; }
+
+    std::string AfterText() const { return TextOf(After); }
+
+    /// {"Time":"..","MACAddress":"..","IPAddress":"..","Before":{..},"After":{..},"Undoes":"..","Exchange":"..",
+    /// "Verdict":"..","State":"done","Id":".."}; what is not known is left out.
     std::string ToJson() const;
+
+private:
+    std::string RequestFor(const std::string& settings) const;
+    std::string TextOf(const std::string& settings) const;
 };
 
 /// Remembers changes of devices, so that they can be taken back. A journal is a text of lines, which its host program
@@ -66,9 +81,10 @@ public:
     /// The oldest first. Valid until the next Feed.
     const std::deque<JournalEntry>& Entries() const { return entries; }
 
-    /// The newest change that can be undone, of the interface with that MAC address in the library's form or of any;
-    /// null when there is none. Valid until the next Feed.
-    const JournalEntry* NewestToUndo(std::string_view macAddress = {}) const;
+    /// The newest change that can be undone, of the interface with that MAC address in the library's form or of any,
+    /// and what else can be undone of its exchange, the newest first; empty when there is none. Valid until the next
+    /// Feed.
+    std::vector<const JournalEntry*> NewestToUndo(std::string_view macAddress = {}) const;
 
     /// Those of which nobody knows what has come, the oldest first. Valid until the next Feed.
     std::vector<const JournalEntry*> OpenEntries() const;

@@ -4,6 +4,7 @@
 #include "Inventory/ChangeRequest.h"
 #include "Inventory/SiteFile.h"
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -39,6 +40,7 @@ public:
     {
         ChangeRequest Request; // in its normal form
         bool IsTemporary = false;
+        std::size_t Exchange = 0; // the same for the steps of one exchange; 0 when it is part of none
     };
 
     /// A change that cannot be.
