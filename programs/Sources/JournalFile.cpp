@@ -88,6 +88,7 @@ void Shorten(const std::string& path)
     const std::filesystem::path next = PathOf(path + ".new");
     std::filesystem::remove(next);
     PrivateFile::Append(next, text);
+    std::filesystem::permissions(next, std::filesystem::status(PathOf(path)).permissions()); // as its user wants them
     std::filesystem::rename(next, PathOf(path));
 }
 

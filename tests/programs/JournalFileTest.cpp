@@ -45,6 +45,8 @@ TEST(JournalFileTest, WritersAtTheSameTimeLoseNothingWhenTheFileIsShortened)
     const Tests::TemporaryFolder folder;
     const std::string path = folder.PathOf("journal");
     JournalFile(path).Append(Journal::BeginLine(Rename("open")));
+    std::filesystem::permissions(path, std::filesystem::perms::others_read, std::filesystem::perm_options::add);
+    const std::filesystem::perms rights = std::filesystem::status(path).permissions();
     Tests::RunOnThreads(2, [&path](int thread) {
         const JournalFile file(path);
         for (int i = 0; i < 40; ++i)
@@ -56,6 +58,7 @@ TEST(JournalFileTest, WritersAtTheSameTimeLoseNothingWhenTheFileIsShortened)
         }
     });
     EXPECT_LT(std::filesystem::file_size(path), JournalFile::MaximumBytes);
+    EXPECT_EQ(std::filesystem::status(path).permissions(), rights);
     const Journal journal = JournalFile(path).Read([](const std::string& text) { ADD_FAILURE() << text; });
     ASSERT_EQ(journal.OpenEntries().size(), 1u);
     EXPECT_EQ(journal.OpenEntries().front()->Time, "open");
