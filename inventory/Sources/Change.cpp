@@ -130,7 +130,7 @@ void Change::Advance(Time now)
     case Phase::Sending:
         if (isTimeUp)
         {
-            Refuse(ChangeRefusal::RefusalCode::SendFailed, "the library has not taken the request", now);
+            Fail("the library has not taken the request", now);
         }
         else if (openWish == 0 && now >= nextStep)
         {
@@ -160,6 +160,11 @@ void Change::Stop(Time now)
     {
         Refuse(ChangeRefusal::RefusalCode::LeftOut, report.Subject() + " was sent nothing before it was stopped", now);
     }
+}
+
+void Change::Fail(const std::string& reason, Time now)
+{
+    Refuse(ChangeRefusal::RefusalCode::SendFailed, reason, now);
 }
 
 Time Change::NextTime(Time now) const

@@ -178,6 +178,26 @@ std::vector<const JournalEntry*> Journal::NewestToUndo(std::string_view macAddre
     return found;
 }
 
+std::string Journal::ToJson() const
+{
+    std::string text;
+    for (const JournalEntry& entry : entries)
+    {
+        text += (text.empty() ? "[" : ",") + entry.ToJson();
+    }
+    return text.empty() ? "[]" : text + "]";
+}
+
+std::string Journal::NewestToJson(std::string_view macAddress) const
+{
+    const std::vector<const JournalEntry*> newest = NewestToUndo(macAddress);
+    return newest.empty() ? "null"
+                          : JsonText()
+                                .Raw("Entry", newest.front()->ToJson())
+                                .Raw("Request", newest.front()->UndoingRequest())
+                                .Take();
+}
+
 std::vector<const JournalEntry*> Journal::OpenEntries() const
 {
     std::vector<const JournalEntry*> open;

@@ -160,6 +160,18 @@ void Session::StopChange(std::int64_t id, Time time)
     TellOfChanges();
 }
 
+void Session::FailChange(std::int64_t id, const std::string& reason)
+{
+    for (Change& change : changes)
+    {
+        if (change.Report().Id == id)
+        {
+            change.Fail(reason, now);
+        }
+    }
+    TellOfChanges();
+}
+
 const ChangeReport* Session::ChangeState(std::int64_t id) const
 {
     const auto found = std::ranges::find(changes, id, [](const Change& change) { return change.Report().Id; });

@@ -299,6 +299,29 @@ class InventoryTest(TestCase):
             self.assertEqual(self.search("10000"), ("complete", {"press-4", two.name}))
         self.assertIn("is no MAC address", self.host.call("give-name", "press-4", "02:00"))
 
+    def test_the_next_host_takes_back_what_the_journal_has(self):
+        journal = self.folder / "changes"
+        self.host.must("inventory", "10000", str(journal))
+        with Simulator("--count", "2", "--no-hello") as simulator:
+            one, two = simulator.devices
+            for name, device in (("press-4", one), ("press-5", two), ("press-6", one)):
+                self.assertEqual(self.change("give-name", name, device.mac)[0], "applied")
+            self.assertEqual(self.change("give-back"), ["applied", "press-6"])
+            self.host.end()
+            journal.write_text(journal.read_text() + '{"Time":"2026')  # as a power cut leaves it
+            with Host(self.folder) as self.host:
+                self.host.open()
+                self.host.must("start")
+                self.host.must("inventory", "10000", str(journal))
+                self.assertEqual(self.change("give-back-newest", one.mac), ["applied", "press-4"])
+                self.assertIn("no change to undo", self.host.call("give-back-newest", one.mac))
+                self.host.must("journal")
+                states = [f"{one.mac}:undone", f"{two.mac}:done", f"{one.mac}:undone"]
+                self.assertEqual(self.host.note("journal").split(), states + [f"{one.mac}:done"] * 2)
+                self.assertIn("cannot read the journal", self.host.call("inventory", "0", str(self.folder)))
+                self.host.must("inventory", "0", str(journal / "none"))
+                self.assertEqual(self.change("give-name", "press-7", two.mac), ["notsent", "press-5", "send-failed"])
+
     def test_a_search_does_not_end_with_that_of_a_change_which_makes_way(self):
         self.host.must("inventory", "0")
         with Simulator("--count", "1", "--no-hello") as simulator:

@@ -38,12 +38,15 @@ static class CSharpHost
         { "configure", Configure },
         { "provider", words => session.InitBroadcastProvider(words) },
         { "min-version", words => session.SetMinCompatibleVersion(words[0]) },
-        { "inventory", words => Watch(int.Parse(words[0])) },
+        { "inventory", words => Watch(int.Parse(words[0]), words.Skip(1).FirstOrDefault()) },
         { "search", Search },
         { "devices", words => Say("devices" + Listed(inventory.Devices)) },
         { "give-name", words => Change(() => inventory.RenameAsync(words[0], words[1])) },
         { "give-name-in-background", words => Task.Run(() => Commands["give-name"](words)) },
         { "give-back", words => Change(() => inventory.UndoAsync(last)) },
+        { "give-back-newest", words => Change(() => inventory.UndoNewestAsync(words[0])) },
+        { "journal", words => Say("journal" + string.Concat(inventory.Journal.Select(each =>
+            " " + each.MacAddress + (each.IsOpen ? ":open" : each.IsUndone ? ":undone" : ":done")))) },
         { "held", words => Say(inventory.IsPortHeld ? "held yes" : "held no") },
         { "on", words => { lock (Actions) Actions[words[0]] = words[1]; } },
         { "release", words => Released.Set() },
@@ -78,9 +81,9 @@ static class CSharpHost
         session.InitBroadcastProvider(addresses);
     }
 
-    static void Watch(int askEvery)
+    static void Watch(int askEvery, string journal)
     {
-        inventory = new Inventory(session, new InventoryOptions { AskEvery = askEvery });
+        inventory = new Inventory(session, new InventoryOptions { AskEvery = askEvery, Journal = journal });
         inventory.Appeared += (sender, args) =>
         {
             Say("appeared " + args.Device.HostName);

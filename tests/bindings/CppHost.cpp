@@ -77,6 +77,7 @@ private:
         inventory.reset();
         Zent::Discovery::InventoryOptions inventoryOptions;
         inventoryOptions.AskEvery = std::chrono::milliseconds(std::stoi(words[0]));
+        inventoryOptions.Journal = words.size() > 1 ? words[1] : "";
         inventory = std::make_unique<DiscoveryInventorySession>(*session, inventoryOptions);
         inventory->OnAppeared([this](const DeviceChange& change) { Handle("appeared", change.Description.HostName); });
         inventory->OnLeft([this](const DeviceChange& change) { Handle("left", change.Description.HostName); });
@@ -241,6 +242,17 @@ private:
         {"give-name-in-background",
          [this](const Arguments& words) { changer = std::thread([=] { commands.at("give-name")(words); }); }},
         {"give-back", [this](const Arguments&) { Change([&] { return inventory->Undo(last); }); }},
+        {"give-back-newest",
+         [this](const Arguments& words) { Change([&] { return inventory->UndoNewest(words.at(0)); }); }},
+        {"journal",
+         [this](const Arguments&) {
+             std::string text = "journal";
+             for (const auto& each : inventory->Journal())
+             {
+                 text += " " + each.MACAddress + (each.IsOpen ? ":open" : each.IsUndone ? ":undone" : ":done");
+             }
+             Say(text);
+         }},
         {"held", [this](const Arguments&) { Say(inventory->IsPortHeld() ? "held yes" : "held no"); }},
         {"on", [this](const Arguments& words) { SetAction(words[0], words[1]); }},
         {"release", [this](const Arguments&) { Release(); }},

@@ -67,9 +67,9 @@ def open_session(log, *addresses):
     )
 
 
-def open_inventory(ask_every):
+def open_inventory(ask_every, journal=None):
     global inventory
-    inventory = Inventory(session, AskEvery=int(ask_every))
+    inventory = Inventory(session, journal=journal, AskEvery=int(ask_every))
     threading.Thread(target=tell, args=(inventory.changes(),), daemon=True).start()
 
 
@@ -105,6 +105,11 @@ def change(start):
     say("outcome", last.verdict.value.replace("-", ""), *((last.before or {}).values()), last.code)
 
 
+def show_journal():
+    states = ("open" if each.is_open else "undone" if each.is_undone else "done" for each in inventory.journal)
+    say("journal", *(f"{each.mac_address}:{state}" for each, state in zip(inventory.journal, states)))
+
+
 def close_in_background():
     threading.Thread(target=lambda: say("closed", outcome(session.close)), daemon=True).start()
 
@@ -132,6 +137,8 @@ COMMANDS = {
         target=outcome, args=(COMMANDS["give-name"], *names), daemon=True
     ).start(),
     "give-back": lambda: change(lambda outcome: inventory.undo(outcome)),
+    "give-back-newest": lambda mac: change(lambda _: inventory.undo(mac_address=mac)),
+    "journal": show_journal,
     "held": lambda: say("held", "yes" if inventory.is_port_held else "no"),
     "on": actions.__setitem__,
     "release": release.set,

@@ -1,7 +1,7 @@
 #include "Commands/InventoryReader.h"
 
+#include "Programs/TimeText.h"
 #include "Programs/WrongArgument.h"
-#include "Text/TimeText.h"
 #include "support/DeviceDocuments.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +12,7 @@ using namespace Zent::Discovery::Console;
 using DeviceDocuments::Document;
 using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceList;
+using Zent::Discovery::Programs::TimeText;
 using Zent::Discovery::Programs::WrongArgument;
 
 namespace

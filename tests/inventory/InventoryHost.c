@@ -154,6 +154,9 @@ static void TestRefusals(DiscoveryInventory* session)
     CHECK(DiscoveryInventoryCreate("{\"Misses\":0}", &none) == invalidFormat);
     CHECK(none == NULL);
     CHECK(strcmp(DiscoveryInventoryGetLastError(), "options: \"Misses\" 0 is no whole number from 1 to 1000") == 0);
+    CHECK(DiscoveryInventoryCreate("{\"Journal\":\".\"}", &none) == 58);
+    CHECK(strncmp(DiscoveryInventoryGetLastError(), "cannot read the journal .: ", 27) == 0);
+    CHECK(DiscoveryInventoryKeptChanges(session, NULL, &text) == 0 && text == NULL);
     CHECK(DiscoveryInventoryCreate("{\n \"Misses\":}", &none) == invalidFormat);
     CHECK(strstr(DiscoveryInventoryGetLastError(), "line 2, column 11") != NULL);
     CHECK(DiscoveryInventoryCreate("{\"misses\":1}", &none) == invalidFormat);

@@ -24,7 +24,7 @@
 
 namespace Zent::Discovery
 {
-/// Options that the library DiscoveryInventory has refused; the text names the member and what it may be.
+/// The library DiscoveryInventory has refused options, whose member the text names, or cannot read the journal.
 class InventoryError : public std::runtime_error
 {
 public:
@@ -44,6 +44,10 @@ struct InventoryOptions
     std::chrono::milliseconds AnswerTime{1000};  ///< from such a question to the next one
     unsigned Misses = 8;                         ///< so many of them unanswered and the device is gone
     std::vector<std::string> AcceptedConflicts;  ///< not told, such as ip:10.0.0.5 or name:press-4
+
+    /// A file that keeps each change before it is sent, and what has come of it, so that it can be taken back later;
+    /// empty for none. Other programs, such as discovery-console, may keep the same one at the same time.
+    std::string Journal;
 };
 
 /// How to search.
@@ -90,6 +94,10 @@ public:
                   mailbox->Put({static_cast<int>(kind), hostJson});
               }))
     {
+        for (const std::string& line : options.Journal.empty() ? std::vector<std::string>() : ReadBrokenLines())
+        {
+            Guard([&line] { throw InventoryError(line); }); // which tells of it
+        }
         session.AddListener(listener);
         thread = std::thread([this] { Run(); });
     }
@@ -188,7 +196,33 @@ public:
             throw InventoryError("it is not known what the device had before the change");
         }
         options.Look = false;
-        return Change(outcome.UndoRequest.substr(1, outcome.UndoRequest.size() - 2), options, ",\"GivesBack\":true");
+        return Change(outcome.UndoRequest.substr(1, outcome.UndoRequest.size() - 2), options,
+                      ",\"GivesBack\":true," + MemberOf("Undoes", outcome.Entry));
+    }
+
+    /// The same for the newest change of the journal that is not taken back, as after the host has started anew; of the
+    /// interface with that MAC address, or without one of any.
+    /// @throws as Rename does, and InventoryError when there is no such change, or the journal cannot be read.
+    ChangeOutcome UndoNewest(const std::string& macAddress = "", const ChangeOptions& options = ChangeOptions())
+    {
+        const std::string kept = ReadJournal(macAddress);
+        const JsonView newest = JsonView(kept)["Newest"];
+        ChangeOutcome outcome{};
+        outcome.UndoRequest = newest["Request"].Raw();
+        outcome.Entry = newest["Entry"]["Id"].Text();
+        if (outcome.Entry.empty())
+        {
+            throw InventoryError("the journal has no change to undo");
+        }
+        return Undo(outcome, options);
+    }
+
+    /// The changes that the journal has, the oldest first.
+    /// @throws InventoryError when the inventory keeps no journal, or it cannot be read.
+    std::vector<JournalEntry> Journal() const
+    {
+        const std::string kept = ReadJournal("");
+        return JsonView(kept)["Entries"].Map(&DiscoveryRecords::ReadEntry);
     }
 
     /// Set what is called from now on; an empty function for nothing.
@@ -334,8 +368,8 @@ private:
                                  ",\"StaleAfter\":" + std::to_string(options.StaleAfter.count()) +
                                  ",\"AnswerTime\":" + std::to_string(options.AnswerTime.count()) +
                                  ",\"Misses\":" + std::to_string(options.Misses) +
-                                 ",\"AcceptedConflicts\":" + ArrayOf(options.AcceptedConflicts) +
-                                 ",\"AskSystem\":true}";
+                                 ",\"AcceptedConflicts\":" + ArrayOf(options.AcceptedConflicts) + "," +
+                                 MemberOf("Journal", options.Journal) + ",\"AskSystem\":true}";
         ::DiscoveryInventory* inventory = nullptr;
         Check(DiscoveryInventoryCreate(text.c_str(), &inventory));
         return Engine(inventory);
@@ -354,6 +388,20 @@ private:
     static std::string MemberOf(const std::string& name, const std::string& value)
     {
         return DiscoverySession::Quoted(name) + ":" + DiscoverySession::Quoted(value);
+    }
+
+    std::string ReadJournal(const std::string& macAddress) const
+    {
+        const std::lock_guard<std::mutex> lock(engineLock);
+        const char* text = nullptr;
+        Check(DiscoveryInventoryKeptChanges(engine.get(), macAddress.c_str(), &text));
+        return text != nullptr ? text : throw InventoryError("the inventory keeps no journal");
+    }
+
+    std::vector<std::string> ReadBrokenLines() const
+    {
+        const std::string kept = ReadJournal("");
+        return JsonView(kept)["Broken"].Map([](const JsonView& line) { return line.Text(); });
     }
 
     void RefuseInHandler(const std::string& what) const

@@ -133,6 +133,21 @@ struct ChangeOutcome
     std::string Code;                  ///< why it was not sent, such as name-taken
     std::string Text;                  ///< the same for people
     std::string UndoRequest;           ///< gives back what the device had; empty when that is not known
+    std::string Entry;                 ///< the Id of its entry in the journal; empty when it has none
+};
+
+/// A change of a device as the journal has it.
+struct JournalEntry
+{
+    std::string Id;
+    std::string Time;                     ///< when it was sent, in UTC, such as 2026-03-09T14:07:09.250Z
+    std::string MACAddress;               ///< of the interface that was meant; empty when it was not known
+    std::optional<std::string> Before;    ///< what the device had, as in ChangeOutcome
+    std::string After;                    ///< what it was to have
+    std::optional<ChangeVerdict> Verdict; ///< nothing when nobody knows
+    bool IsOpen;                          ///< nobody knows: the program that sent it ended before it could tell
+    bool IsUndone;                        ///< it is taken back
+    std::string Undoes;                   ///< the Id of the change that this one has taken back; empty as a rule
 };
 
 /// A change has ended with another verdict than Applied.
@@ -356,15 +371,29 @@ public:
     /// Of the event ChangeEnded.
     static ChangeOutcome ReadOutcome(const JsonView& event)
     {
-        constexpr std::string_view Verdicts[] = {"applied", "reboot-needed", "refused", "no-answer", "not-sent"};
         const JsonView change = event["Change"];
-        return {static_cast<ChangeVerdict>(IndexOf(Verdicts, change["Verdict"].Text())),
+        return {ReadVerdict(change).value_or(ChangeVerdict::NoAnswer),
                 change["MACAddress"].Text(),
                 change["Before"].RawIfThere(),
                 change["After"].RawIfThere(),
                 change["Code"].Text(),
                 change["Text"].Text(),
-                std::string(event["Undo"].Raw())};
+                std::string(event["Undo"].Raw()),
+                event["Entry"].Text()};
+    }
+
+    static JournalEntry ReadEntry(const JsonView& entry)
+    {
+        const std::string state = entry["State"].Text();
+        return {entry["Id"].Text(),
+                entry["Time"].Text(),
+                entry["MACAddress"].Text(),
+                entry["Before"].RawIfThere(),
+                std::string(entry["After"].Raw()),
+                ReadVerdict(entry),
+                state == "open",
+                state == "undone",
+                entry["Undoes"].Text()};
     }
 
 private:
@@ -377,6 +406,13 @@ private:
             ++index;
         }
         return index;
+    }
+
+    static std::optional<ChangeVerdict> ReadVerdict(const JsonView& change)
+    {
+        constexpr std::string_view Verdicts[] = {"applied", "reboot-needed", "refused", "no-answer", "not-sent"};
+        const std::size_t index = IndexOf(Verdicts, change["Verdict"].Text());
+        return index == std::size(Verdicts) ? std::nullopt : std::optional(static_cast<ChangeVerdict>(index));
     }
 
     static NICSettings ReadNic(const JsonView& nic)

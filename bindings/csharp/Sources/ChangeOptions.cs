@@ -29,6 +29,9 @@ namespace Zent.Discovery
         [DataMember]
         internal bool GivesBack { get; set; }
 
+        [DataMember(EmitDefaultValue = false)]
+        internal string Undoes { get; set; }
+
         [DataMember(Name = "Timeout", EmitDefaultValue = false)]
         private long? TimeoutMilliseconds
         {

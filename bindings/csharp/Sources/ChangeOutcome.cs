@@ -9,8 +9,7 @@ namespace Zent.Discovery
     public sealed class ChangeOutcome
     {
         /// <summary>What has come of it.</summary>
-        public Verdict Verdict =>
-            (Verdict)Enum.Parse(typeof(Verdict), verdict.Replace("-", ""), ignoreCase: true);
+        public Verdict Verdict => ParseVerdict(verdict).Value;
 
         /// <summary>The address of the interface that was meant; null when it is not known.</summary>
         [DataMember(Name = "MACAddress")]
@@ -41,6 +40,15 @@ namespace Zent.Discovery
 
         // The request that gives back what the device had; null when that is not known.
         internal IDictionary<string, string> UndoRequest { get; set; }
+
+        // The Id of its entry in the journal; null when it has none.
+        internal string Entry { get; set; }
+
+        // Null when the text is none.
+        internal static Verdict? ParseVerdict(string text)
+        {
+            return Enum.TryParse(text?.Replace("-", ""), true, out Verdict verdict) ? verdict : (Verdict?)null;
+        }
 
         [DataMember(Name = "Verdict")]
         private string verdict = null;

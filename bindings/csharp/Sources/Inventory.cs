@@ -2,6 +2,7 @@ using System;
 using System.Collections.Concurrent;
 using System.Collections.Generic;
 using System.Diagnostics;
+using System.IO;
 using System.Linq;
 using System.Text;
 using System.Threading;
@@ -50,6 +51,7 @@ namespace Zent.Discovery
         /// is taken from the program's folder, as packages put it there, or wherever the system finds it.
         /// </param>
         /// <exception cref="ArgumentException">An option is not possible; the text names it.</exception>
+        /// <exception cref="IOException">The journal cannot be read.</exception>
         /// <exception cref="DllNotFoundException">The library cannot be loaded.</exception>
         /// <exception cref="EntryPointNotFoundException">It is another library.</exception>
         public Inventory(DiscoverySession session, InventoryOptions options = null, string libraryPath = null)
@@ -63,6 +65,10 @@ namespace Zent.Discovery
             networks = options.Networks?.ToArray();
             library = new InventoryLibrary(libraryPath);
             library.Check(library.Create(Document(options), out handle));
+            foreach (string line in options.Journal == null ? new string[0] : ReadJournal(null).Broken)
+            {
+                Trace.TraceWarning(line);
+            }
             thread = new Thread(Run) { IsBackground = true, Name = "discovery inventory" };
             thread.Start();
             session.DocumentReceived += Listen;
@@ -115,6 +121,11 @@ namespace Zent.Discovery
                 return ReadDevices(snapshot);
             }
         }
+
+        /// <summary>The changes that the journal has, the oldest first.</summary>
+        /// <exception cref="InvalidOperationException">The inventory keeps no journal, or is closed.</exception>
+        /// <exception cref="IOException">The journal cannot be read.</exception>
+        public IList<JournalEntry> Journal => ReadJournal(null).Entries;
 
         /// <summary>
         /// Whether another program receives what devices send, too; then none is told to be gone.
@@ -195,14 +206,26 @@ namespace Zent.Discovery
             {
                 throw new ArgumentException("it is not known what the device had before the change", nameof(outcome));
             }
-            return ChangeAsync(outcome.UndoRequest, new ChangeOptions
+            return UndoAsync(outcome.UndoRequest, outcome.Entry, options);
+        }
+
+        /// <summary>
+        /// The same for the newest change of the journal that is not taken back, as after the host has started anew.
+        /// </summary>
+        /// <param name="macAddress">Of the interface whose change is meant; null for any.</param>
+        /// <param name="options">How to change; null for the usual way.</param>
+        /// <exception cref="InvalidOperationException">
+        /// There is no such change, the inventory keeps no journal, or is closed.
+        /// </exception>
+        /// <exception cref="IOException">The journal cannot be read.</exception>
+        public Task<ChangeOutcome> UndoNewestAsync(string macAddress = null, ChangeOptions options = null)
+        {
+            InventoryDocuments.NewestChange newest = ReadJournal(macAddress).Newest;
+            if (newest == null)
             {
-                Look = false,
-                Timeout = options?.Timeout,
-                RebootTimeout = options?.RebootTimeout,
-                Force = options?.Force ?? false,
-                GivesBack = true
-            });
+                throw new InvalidOperationException("the journal has no change to undo");
+            }
+            return UndoAsync(newest.Request, newest.Entry.Id, options);
         }
 
         /// <summary>
@@ -223,6 +246,37 @@ namespace Zent.Discovery
         private static IDictionary<string, string> Request(string key, string address, string property, string value)
         {
             return new Dictionary<string, string> { { key, address }, { property, value } };
+        }
+
+        private Task<ChangeOutcome> UndoAsync(IDictionary<string, string> request, string entry, ChangeOptions options)
+        {
+            return ChangeAsync(request, new ChangeOptions
+            {
+                Look = false,
+                Timeout = options?.Timeout,
+                RebootTimeout = options?.RebootTimeout,
+                Force = options?.Force ?? false,
+                GivesBack = true,
+                Undoes = entry
+            });
+        }
+
+        private InventoryDocuments.KeptChanges ReadJournal(string macAddress)
+        {
+            byte[] mac = NativeLibrary.Bytes(macAddress ?? "", nameof(macAddress));
+            lock (native)
+            {
+                if (handle == IntPtr.Zero)
+                {
+                    throw new ObjectDisposedException(nameof(Inventory));
+                }
+                library.Check(library.KeptChanges(handle, mac, out IntPtr text));
+                if (text == IntPtr.Zero)
+                {
+                    throw new InvalidOperationException("the inventory keeps no journal");
+                }
+                return Json.Read<InventoryDocuments.KeptChanges>(NativeLibrary.TextBytes(text));
+            }
         }
 
         private Task<ChangeOutcome> ChangeAsync<T>(T request, ChangeOptions options)
@@ -495,6 +549,7 @@ namespace Zent.Discovery
                 changes.Remove(what.Id);
             }
             what.Change.UndoRequest = what.Undo;
+            what.Change.Entry = what.Entry;
             if (what.Change.Verdict == Verdict.Applied)
             {
                 change.TrySetResult(what.Change);

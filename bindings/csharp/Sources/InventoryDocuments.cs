@@ -45,6 +45,32 @@ namespace Zent.Discovery
 
             [DataMember]
             public IDictionary<string, string> Undo { get; private set; }
+
+            [DataMember]
+            public string Entry { get; private set; }
+        }
+
+        [DataContract]
+        internal sealed class KeptChanges
+        {
+            [DataMember]
+            public IList<JournalEntry> Entries { get; private set; }
+
+            [DataMember]
+            public NewestChange Newest { get; private set; }
+
+            [DataMember]
+            public IList<string> Broken { get; private set; }
+        }
+
+        [DataContract]
+        internal sealed class NewestChange
+        {
+            [DataMember]
+            public JournalEntry Entry { get; private set; }
+
+            [DataMember]
+            public IDictionary<string, string> Request { get; private set; }
         }
 
         [DataContract]

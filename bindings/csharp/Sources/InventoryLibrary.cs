@@ -1,4 +1,5 @@
 using System;
+using System.IO;
 
 namespace Zent.Discovery
 {
@@ -18,8 +19,10 @@ namespace Zent.Discovery
         public readonly StartSearchFunction StartSearch;
         public readonly SearchStateFunction SearchState;
         public readonly StartChangeFunction StartChange;
+        public readonly KeptChangesFunction KeptChanges;
 
         private const int OutOfMemory = 27;
+        private const int IO = 58;
 
         private readonly GetLastErrorFunction getLastError;
 
@@ -41,16 +44,20 @@ namespace Zent.Discovery
             Bind(out StartSearch, "DiscoveryInventoryStartSearch", 2 * word + 8);
             Bind(out SearchState, "DiscoveryInventorySearchState", 3 * word);
             Bind(out StartChange, "DiscoveryInventoryStartChange", 4 * word + 8);
+            Bind(out KeptChanges, "DiscoveryInventoryKeptChanges", 3 * word);
             Bind(out getLastError, "DiscoveryInventoryGetLastError", 0);
         }
 
         /// <exception cref="ArgumentException">Options or a document are refused.</exception>
+        /// <exception cref="IOException">The journal cannot be read.</exception>
         public void Check(int code)
         {
             if (code != 0)
             {
                 string text = Text(getLastError());
-                throw code == OutOfMemory ? (Exception)new OutOfMemoryException(text) : new ArgumentException(text);
+                throw code == OutOfMemory ? new OutOfMemoryException(text)
+                    : code == IO ? new IOException(text)
+                    : (Exception)new ArgumentException(text);
             }
         }
     }

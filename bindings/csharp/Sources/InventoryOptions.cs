@@ -37,6 +37,13 @@ namespace Zent.Discovery
         [DataMember(EmitDefaultValue = false)]
         public IList<string> AcceptedConflicts { get; set; }
 
+        /// <summary>
+        /// A file that keeps each change before it is sent, and what has come of it, so that it can be taken back later.
+        /// Other programs, such as discovery-console, may keep the same one at the same time. Usually none.
+        /// </summary>
+        [DataMember(EmitDefaultValue = false)]
+        public string Journal { get; set; }
+
         // Routes, lost answers, networks and who holds the port are the library's business.
         [DataMember]
         private bool AskSystem { get; set; } = true;

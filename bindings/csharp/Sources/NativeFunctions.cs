@@ -52,6 +52,9 @@ namespace Zent.Discovery
     internal delegate int StartChangeFunction(IntPtr inventory, byte[] request, byte[] options, long now, out long id);
 
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]
+    internal delegate int KeptChangesFunction(IntPtr inventory, byte[] macAddress, out IntPtr json);
+
+    [UnmanagedFunctionPointer(CallingConvention.StdCall)]
     internal delegate int GetTextFunction(IntPtr inventory, out IntPtr text);
 
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]

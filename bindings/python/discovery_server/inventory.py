@@ -10,6 +10,8 @@ The devices can be changed, too; each change is checked before it is sent, and l
 
     outcome = inventory.rename("press-4", mac_address="00:1A:2B:3C:4D:5E")
     inventory.undo(outcome)
+
+An inventory that keeps a journal can take changes back later, too, as after a start anew: inventory.undo().
 """
 
 from __future__ import annotations
@@ -21,6 +23,7 @@ import enum
 import functools
 import json
 import logging
+import os
 import queue
 import threading
 import time
@@ -43,6 +46,7 @@ __all__ = [
     "IncompleteSearchError",
     "Inventory",
     "InventoryError",
+    "JournalEntry",
     "Outcome",
     "Verdict",
 ]
@@ -181,6 +185,28 @@ class Outcome:
     text: str = ""
     """The same for people."""
     _undo: Optional[Dict[str, str]] = None
+    _entry: str = ""  # in the journal
+
+
+@dataclass(frozen=True)
+class JournalEntry:
+    """A change of a device as the journal has it."""
+
+    id: str
+    time: str
+    """When it was sent, in UTC, such as 2026-03-09T14:07:09.250Z."""
+    mac_address: str
+    """Of the interface that was meant; "" when it was not known."""
+    before: Optional[Dict[str, str]]
+    """What the device had, as in Outcome; None when it was not known."""
+    after: Dict[str, str]
+    """What it was to have."""
+    verdict: Optional[Verdict]
+    is_open: bool
+    """Whether nobody knows what has come of it: the program that sent it ended before it could tell."""
+    is_undone: bool
+    undoes: str
+    """The id of the change that this one has taken back; "" as a rule."""
 
 
 class ChangeFailedError(Exception):
@@ -214,6 +240,7 @@ class _Wish(ctypes.Structure):
 _NO_WISH, _ASK_ALL, _ASK_MAC, _ASK_IP = range(4)
 _RENAME, _RENAME_AT, _CONFIGURE = range(6, 9)
 _OUT_OF_MEMORY = 27
+_IO = 58
 _TEXT = ctypes.POINTER(ctypes.c_char_p)
 _FUNCTIONS: Functions = {
     "AdvanceTime": (ctypes.c_void_p, ctypes.c_longlong),
@@ -222,6 +249,7 @@ _FUNCTIONS: Functions = {
     "Feed": (ctypes.c_void_p, ctypes.c_int, ctypes.c_char_p, ctypes.c_longlong),
     "Free": (ctypes.c_void_p,),
     "GetLastError": (),
+    "KeptChanges": (ctypes.c_void_p, ctypes.c_char_p, _TEXT),
     "NextEvent": (ctypes.c_void_p, _TEXT),
     "NextTime": (ctypes.c_void_p, ctypes.POINTER(ctypes.c_longlong)),
     "NextWish": (ctypes.c_void_p, ctypes.POINTER(_Wish)),
@@ -261,6 +289,8 @@ class _Library(NativeLibrary):
         code = self.functions[f"DiscoveryInventory{name}"](*arguments)
         if code == _OUT_OF_MEMORY:
             raise MemoryError
+        if code == _IO:
+            raise OSError(self._last_error().decode("utf-8", "replace"))
         if code != 0:
             raise InventoryError(self._last_error().decode("utf-8", "replace"))
 
@@ -278,6 +308,7 @@ class Inventory:
         *,
         library: Optional[Path] = None,
         networks: Optional[Iterable[str]] = None,
+        journal: Optional[Path] = None,
         **options: Any,
     ) -> None:
         """Begins to listen; with the usual options all devices are asked at once and again every ten seconds.
@@ -287,8 +318,10 @@ class Inventory:
         networks: whose addresses a search may ask one by one when answers were lost, such as "192.168.1.10/24".
             Without it those of this machine, but for loopback and what bears a name that container engines,
             hypervisors and tunnels give.
+        journal: a file that keeps each change before it is sent, and what has come of it, so that it can be taken back
+            later. Other programs, such as discovery-console, may keep the same one at the same time.
         options: of the library's session, such as AskEvery=5000 and AcceptedConflicts=["ip:10.0.0.5"].
-        Raises LibraryError, and InventoryError when an option is not possible.
+        Raises LibraryError, OSError when the journal cannot be read, and InventoryError when an option is not possible.
         """
         self._session = session
         self._search_options = {} if networks is None else {"Networks": _list(networks)}
@@ -302,7 +335,11 @@ class Inventory:
         self._outcomes: Dict[int, Optional[Outcome]] = {}  # of changes that somebody waits for
         self._is_port_held = False
         self._receivers: List[Callable[[Optional[Change]], None]] = []
+        if journal is not None:
+            options["Journal"] = os.fspath(journal)
         self._library.call("Create", json.dumps({"AskSystem": True, **options}).encode(), ctypes.byref(self._handle))
+        for line in self._kept()["Broken"] if journal is not None else ():
+            _logger.warning("%s", line)
         self._thread = threading.Thread(target=self._run, name="discovery inventory", daemon=True)
         self._thread.start()
         session._add_listener(self._listen)
@@ -333,6 +370,11 @@ class Inventory:
             if self._handle is None:
                 return []
             return [self._device(row) for row in self._read("Snapshot")["Devices"]]
+
+    @property
+    def journal(self) -> List[JournalEntry]:
+        """The changes that the journal has, the oldest first. Raises OSError, and InventoryError without a journal."""
+        return [_entry(each) for each in self._kept()["Entries"]]
 
     @property
     def is_port_held(self) -> bool:
@@ -419,16 +461,32 @@ class Inventory:
         """
         return self._change(dict(settings), _change_options(look, timeout, reboot_timeout, force))
 
-    def undo(self, outcome: Outcome, *, timeout: float = 3, reboot_timeout: Optional[float] = None) -> Outcome:
+    def undo(
+        self,
+        outcome: Optional[Outcome] = None,
+        *,
+        mac_address: Optional[str] = None,
+        timeout: float = 3,
+        reboot_timeout: Optional[float] = None,
+    ) -> Outcome:
         """Gives a device back what it had before a change, whatever has come of that one.
 
-        The keyword arguments are those of rename. Raises ChangeFailedError likewise, and InventoryError when it is not
-        known what the device had.
+        outcome: of the change. Without it, it is the newest one of the journal that is not taken back.
+        mac_address: then of the interface whose newest change is meant.
+        The other arguments are those of rename. Raises ChangeFailedError likewise, InventoryError when it is not known
+        what the device had or there is no such change, and OSError when the journal cannot be read.
         """
-        if outcome._undo is None:
+        if outcome is not None:
+            request, entry = outcome._undo, outcome._entry
+        else:
+            newest = self._kept(mac_address or "")["Newest"]
+            if newest is None:
+                raise InventoryError("the journal has no change to undo")
+            request, entry = newest["Request"], newest["Entry"]["Id"]
+        if request is None:
             raise InventoryError("it is not known what the device had before the change")
         options = _change_options(False, timeout, reboot_timeout, False)
-        return self._change(outcome._undo, {**options, "GivesBack": True})
+        return self._change(request, {**options, "GivesBack": True, "Undoes": entry})
 
     def changes(self, timeout: Optional[float] = None) -> Iterator[Change]:
         """Yields what happens from now on.
@@ -609,9 +667,18 @@ class Inventory:
                 for receiver in self._receivers:
                     receiver(change)
 
-    def _read(self, function: str) -> Any:
+    def _kept(self, mac_address: str = "") -> Dict[str, Any]:
+        with self._lock:
+            if self._handle is None:
+                raise InventoryError("the inventory is closed")
+            kept: Optional[Dict[str, Any]] = self._read("KeptChanges", mac_address.encode())
+        if kept is None:
+            raise InventoryError("the inventory keeps no journal")
+        return kept
+
+    def _read(self, function: str, *arguments: Any) -> Any:
         text = ctypes.c_char_p()
-        self._library.call(function, self._handle, ctypes.byref(text))
+        self._library.call(function, self._handle, *arguments, ctypes.byref(text))
         return None if text.value is None else json.loads(text.value.decode("utf-8", "replace"))
 
     def _device(self, row: Dict[str, Any]) -> Device:
@@ -640,6 +707,22 @@ def _outcome(event: Dict[str, Any]) -> Outcome:
         change.get("Code", ""),
         change.get("Text", ""),
         event.get("Undo"),
+        event.get("Entry", ""),
+    )
+
+
+def _entry(entry: Dict[str, Any]) -> JournalEntry:
+    verdicts = {verdict.value: verdict for verdict in Verdict}
+    return JournalEntry(
+        entry["Id"],
+        entry["Time"],
+        entry["MACAddress"],
+        entry.get("Before"),
+        entry["After"],
+        verdicts.get(entry.get("Verdict", "")),
+        entry["State"] == "open",
+        entry["State"] == "undone",
+        entry.get("Undoes", ""),
     )
 
 

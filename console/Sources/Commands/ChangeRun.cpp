@@ -1,10 +1,10 @@
 #include "Commands/ChangeRun.h"
 
 #include "Commands/CommandContext.h"
+#include "Programs/TimeText.h"
 #include "Show/Output.h"
 #include "Terminal/LineInput.h"
 #include "Text/TerminalText.h"
-#include "Text/TimeText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,7 +21,7 @@ using Zent::Discovery::Inventory::Event;
 using Zent::Discovery::Inventory::Journal;
 using Zent::Discovery::Inventory::JournalEntry;
 using Zent::Discovery::Inventory::Time;
-using Zent::Discovery::Inventory::Wish;
+using Zent::Discovery::Programs::TimeText;
 
 namespace Zent::Discovery::Console
 {

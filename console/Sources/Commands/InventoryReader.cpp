@@ -1,10 +1,10 @@
 #include "Commands/InventoryReader.h"
 
 #include "Inventory/Network.h"
+#include "Programs/TimeText.h"
 #include "Programs/WrongArgument.h"
 #include "Text/JsonFile.h"
 #include "Text/TextFile.h"
-#include "Text/TimeText.h"
 
 #include <initializer_list>
 #include <optional>
@@ -14,6 +14,7 @@ using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceList;
 using Zent::Discovery::Inventory::DeviceMessage;
 using Zent::Discovery::Inventory::Network;
+using Zent::Discovery::Programs::TimeText;
 using Zent::Discovery::Programs::WrongArgument;
 
 namespace Zent::Discovery::Console

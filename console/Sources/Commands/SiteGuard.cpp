@@ -1,8 +1,8 @@
 #include "Commands/SiteGuard.h"
 
 #include "Commands/CommandContext.h"
+#include "Programs/TimeText.h"
 #include "Show/IWatchView.h"
-#include "Text/TimeText.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,6 +13,7 @@ using Zent::Discovery::Inventory::Journal;
 using Zent::Discovery::Inventory::JournalEntry;
 using Zent::Discovery::Inventory::SitePlan;
 using Zent::Discovery::Inventory::Time;
+using Zent::Discovery::Programs::TimeText;
 
 namespace Zent::Discovery::Console
 {

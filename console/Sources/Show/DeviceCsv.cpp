@@ -1,12 +1,13 @@
 #include "Show/DeviceCsv.h"
 
 #include "Inventory/DeviceColumn.h"
-#include "Text/TimeText.h"
+#include "Programs/TimeText.h"
 
 #include <string_view>
 
 using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceColumn;
+using Zent::Discovery::Programs::TimeText;
 
 namespace Zent::Discovery::Console
 {

@@ -1,10 +1,10 @@
 #include "Show/Output.h"
 
+#include "Programs/TimeText.h"
 #include "Show/DeviceCsv.h"
 #include "Terminal/HostPlatform.h"
 #include "Text/CsvText.h"
 #include "Text/TerminalText.h"
-#include "Text/TimeText.h"
 
 #include <cerrno>
 #include <ostream>
@@ -13,6 +13,7 @@
 
 using Zent::Discovery::Inventory::Device;
 using Zent::Discovery::Inventory::DeviceMessage;
+using Zent::Discovery::Programs::TimeText;
 
 namespace Zent::Discovery::Console
 {

@@ -2,6 +2,7 @@
 
 #include "Inventory/Journal.h"
 #include "Inventory/Session.h"
+#include "KeptChanges.h"
 #include "OptionsReader.h"
 #include "Programs/SystemAnswers.h"
 
@@ -23,6 +24,7 @@ struct DiscoveryInventory
 {
     Session Engine;
     std::optional<SystemAnswers> System = {}; // when the host leaves the system to the session
+    std::optional<KeptChanges> Kept = {};     // when there is a journal
     std::string Text = {};
     std::optional<Wish> LastWish = {};
 };
@@ -43,6 +45,7 @@ enum ResultCode : int
     ArgumentNull = 9,
     ArgumentOutOfRange = 10,
     OutOfMemory = 27,
+    IO = 58,
     InvalidFormat = static_cast<int>(0xC0090114)
 };
 
@@ -75,6 +78,10 @@ int Guard(TAction&& action, const TArguments*... arguments) noexcept
     catch (const std::bad_alloc&)
     {
         return Fail(OutOfMemory, "out of memory");
+    }
+    catch (const std::runtime_error& error)
+    {
+        return Fail(IO, error.what());
     }
     catch (const std::exception& error)
     {
@@ -142,11 +149,24 @@ int NumberOf(Wish::WishKind kind)
 std::optional<Wish> NextWishOf(DiscoveryInventory& session)
 {
     std::optional<Wish> wish = session.Engine.NextWish();
-    while (wish && session.System && SystemAnswers::Answer(session.Engine, *wish))
+    while (wish && ((session.System && SystemAnswers::Answer(session.Engine, *wish)) ||
+                    (session.Kept && wish->IsRequestOfChange() && !session.Kept->Begin(wish->Change, session.Engine))))
     {
         wish = session.Engine.NextWish();
     }
     return wish;
+}
+
+/// With the Id of the entry of a change that the session keeps.
+std::string JsonOf(const Event& event, DiscoveryInventory& session)
+{
+    std::string json = event.ToJson();
+    const std::string entry = event.Outcome && session.Kept ? session.Kept->End(*event.Outcome) : "";
+    if (!entry.empty())
+    {
+        json.insert(json.size() - 1, R"(,"Entry":")" + entry + '"');
+    }
+    return json;
 }
 
 /// Keeps the text for the host.
@@ -163,8 +183,9 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryCreate(const char* optionsJson, D
         [&] {
             *session = nullptr;
             OptionsReader::SessionOptions options = OptionsReader::ReadSessionOptions(OrNothing(optionsJson));
-            *session = new DiscoveryInventory{Session(std::move(options.Table)),
-                                              options.AskSystem ? std::optional(SystemAnswers()) : std::nullopt};
+            *session = new DiscoveryInventory{
+                Session(std::move(options.Table)), options.AskSystem ? std::optional(SystemAnswers()) : std::nullopt,
+                options.Journal.empty() ? std::nullopt : std::optional(KeptChanges(std::move(options.Journal)))};
         },
         session);
 }
@@ -234,7 +255,7 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryNextEvent(DiscoveryInventory* ses
     return Guard(
         [&] {
             const std::optional<Event> event = session->Engine.NextEvent();
-            *eventJson = event ? Give(session, event->ToJson()) : nullptr;
+            *eventJson = event ? Give(session, JsonOf(*event, *session)) : nullptr;
         },
         session, eventJson);
 }
@@ -308,7 +329,7 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryCheckChange(DiscoveryInventory* s
     return Guard(
         [&] {
             const std::optional<ChangeRefusal> refusal = session->Engine.CheckChange(
-                ChangeRequest::Parse(requestJson), OptionsReader::ReadChangeOptions(OrNothing(optionsJson)));
+                ChangeRequest::Parse(requestJson), OptionsReader::ReadChangeOptions(OrNothing(optionsJson)).Change);
             *refusalJson = refusal ? Give(session, refusal->ToJson()) : nullptr;
         },
         session, requestJson, refusalJson);
@@ -319,8 +340,13 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryStartChange(
 {
     return Guard(
         [&] {
-            *id = session->Engine.StartChange(ChangeRequest::Parse(requestJson),
-                                              OptionsReader::ReadChangeOptions(OrNothing(optionsJson)), TimeOf(now));
+            OptionsReader::StartOptions options = OptionsReader::ReadChangeOptions(OrNothing(optionsJson));
+            *id =
+                session->Engine.StartChange(ChangeRequest::Parse(requestJson), std::move(options.Change), TimeOf(now));
+            if (session->Kept && !options.Undoes.empty())
+            {
+                session->Kept->SetUndoes(*id, std::move(options.Undoes));
+            }
         },
         session, requestJson, id);
 }
@@ -333,6 +359,14 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryChangeState(DiscoveryInventory* s
             *json = report == nullptr ? nullptr : Give(session, report->ToJson());
         },
         session, json);
+}
+
+int DISCOVERY_INVENTORY_CALL DiscoveryInventoryKeptChanges(DiscoveryInventory* session,
+                                                           const char* macAddress,
+                                                           const char** json)
+{
+    return Guard([&] { *json = session->Kept ? Give(session, session->Kept->ToJson(OrNothing(macAddress))) : nullptr; },
+                 session, json);
 }
 
 int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalCreate(DiscoveryInventoryJournal** journal)
@@ -398,12 +432,7 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalEntries(DiscoveryInventory
 {
     return Guard(
         [&] {
-            std::string text;
-            for (const JournalEntry& entry : journal->Entries.Entries())
-            {
-                text += (text.empty() ? "[" : ",") + entry.ToJson();
-            }
-            journal->Text = text.empty() ? "[]" : text + "]";
+            journal->Text = journal->Entries.ToJson();
             *json = journal->Text.c_str();
         },
         journal, json);
@@ -415,14 +444,8 @@ int DISCOVERY_INVENTORY_CALL DiscoveryInventoryJournalUndo(DiscoveryInventoryJou
 {
     return Guard(
         [&] {
-            const std::vector<const JournalEntry*> newest = journal->Entries.NewestToUndo(OrNothing(macAddress));
-            *json = nullptr;
-            if (!newest.empty())
-            {
-                const JournalEntry& entry = *newest.front();
-                journal->Text = R"({"Entry":)" + entry.ToJson() + R"(,"Request":)" + entry.UndoingRequest() + "}";
-                *json = journal->Text.c_str();
-            }
+            journal->Text = journal->Entries.NewestToJson(OrNothing(macAddress));
+            *json = journal->Text == "null" ? nullptr : journal->Text.c_str();
         },
         journal, json);
 }

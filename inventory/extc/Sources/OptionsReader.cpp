@@ -75,6 +75,16 @@ public:
         value = member == nullptr ? value : member->get<bool>();
     }
 
+    void Text(const char* key, std::string& value)
+    {
+        const json* const member = Find(key);
+        if (member != nullptr && !member->is_string())
+        {
+            Refuse(Named(key, *member) + " is no text");
+        }
+        value = member == nullptr ? value : member->get<std::string>();
+    }
+
     std::vector<std::string> Texts(const char* key)
     {
         std::vector<std::string> texts;
@@ -185,6 +195,7 @@ OptionsReader::SessionOptions OptionsReader::ReadSessionOptions(std::string_view
     members.Number("Misses", 1, 1000, table.Misses);
     table.AcceptedConflicts = members.Texts("AcceptedConflicts");
     members.Flag("AskSystem", options.AskSystem);
+    members.Text("Journal", options.Journal);
     members.RefuseOthers();
     return options;
 }
@@ -203,9 +214,10 @@ SearchOptions OptionsReader::ReadSearchOptions(std::string_view text, std::vecto
     return options;
 }
 
-ChangeOptions OptionsReader::ReadChangeOptions(std::string_view text)
+OptionsReader::StartOptions OptionsReader::ReadChangeOptions(std::string_view text)
 {
-    ChangeOptions options;
+    StartOptions start;
+    ChangeOptions& options = start.Change;
     Members members(text);
     bool looks = true;
     members.Flag("Look", looks);
@@ -214,9 +226,10 @@ ChangeOptions OptionsReader::ReadChangeOptions(std::string_view text)
     members.Number("RebootTimeout", 0, Day, rebootTimeout);
     members.Flag("Force", options.Force);
     members.Flag("GivesBack", options.GivesBack);
+    members.Text("Undoes", start.Undoes);
     members.RefuseOthers();
     options.Look = looks ? options.Look : std::nullopt;
     options.RebootTimeout = rebootTimeout < Time{0} ? std::nullopt : std::optional(rebootTimeout);
-    return options;
+    return start;
 }
 } // namespace Zent::Discovery::Inventory

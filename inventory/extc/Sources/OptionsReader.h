@@ -5,6 +5,7 @@
 #include "Inventory/Network.h"
 #include "Inventory/SearchOptions.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,12 +22,20 @@ public:
     {
         DeviceTableOptions Table;
         bool AskSystem = false;
+        std::string Journal = {}; // a file; empty for none
     };
 
     static SessionOptions ReadSessionOptions(std::string_view json);
 
     /// The networks are those of a text that names none.
     static SearchOptions ReadSearchOptions(std::string_view json, std::vector<Network> networks);
-    static ChangeOptions ReadChangeOptions(std::string_view json);
+
+    struct StartOptions
+    {
+        ChangeOptions Change;
+        std::string Undoes = {}; // the Id of the journal's entry that it takes back
+    };
+
+    static StartOptions ReadChangeOptions(std::string_view json);
 };
 } // namespace Zent::Discovery::Inventory

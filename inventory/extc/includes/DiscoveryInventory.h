@@ -7,7 +7,7 @@
  *
  * It stands beside DiscoveryServer.ExtC, which talks with the devices, and does nothing by itself: the host feeds a
  * session with the documents of its callbacks and with the time, carries out the session's wishes, and takes its
- * events. It starts no thread, reads no clock, and opens no socket unless its options let it ask the system.
+ * events. It starts no thread, reads no clock, and opens no socket or file unless its options let it.
  *
  * @par Sample
  * TakeMessage, TellTime, HasRoute, CountLost and Show are the host's.
@@ -69,7 +69,8 @@
  *     Changed and Returned may have "Changes":[{"Property":"HostName","Before":"a","After":"b"}], in which what was not
  *     there is left out; Conflict has "Conflict":{"Kind":"mac"|"ip"|"name","Value":"10.0.0.5","Count":2,
  *     "First":{document},"Second":{document}}, the two of a search have "Search":{report}, and ChangeEnded has "Id",
- *     "Change":{outcome} and, when it is known what the device had, "Undo":{request}, which gives it back.
+ *     "Change":{outcome} and, when it is known what the device had, "Undo":{request}, which gives it back. Where the
+ *     session keeps a journal and the request was sent, "Entry":".." is the Id of its entry there.
  *
  * @par Reports
  *     {"Devices":1000,"Rounds":[{"Asked":"all","Answers":981,"New":981,"Lost":12},...],"LostHere":12,
@@ -90,7 +91,7 @@
  *     Code is bad-name (empty, only blanks, with control characters, no UTF-8 or over 255 bytes), name-read-only (the
  *     device says so), unknown-device (it has not answered), name-taken, bad-mask, bad-address (of a network,
  *     broadcast, multicast, loopback), gateway-outside (of the interface's network), address-taken, no-route (to the IP
- *     address of a device) or send-failed (the library took no request in time).
+ *     address of a device) or send-failed (the library took no request in time, or the journal cannot be written).
  *
  * @par Text
  *     All text is 8-bit and ends with NUL. Options are JSON; unknown members are refused. Text from a device is passed
@@ -114,6 +115,7 @@
  *                  9  ArgumentNull
  *                 10  ArgumentOutOfRange
  *                 27  OutOfMemory
+ *                 58  IO                  the journal's file cannot be read or written
  *         0xC0090114  Invalid Format      options or a document are not what they should be
  *
  * @par Binary interface
@@ -177,6 +179,9 @@ extern "C"
      *      "AnswerTime":1000,        milliseconds from such a question to the next one
      *      "Misses":8,               so many of them unanswered and the device is gone
      *      "AcceptedConflicts":[],   not told, such as "ip:10.0.0.5", "name:press-4" or "mac:00:1A:2B:3C:4D:5E"
+     *      "Journal":"",             a file, in UTF-8, in which each change is kept before the host has the wish for
+     *                                its request, and again when it has ended. Other programs may keep the same file at
+     *                                the same time. It is made so that only its user may read it.
      *      "AskSystem":false}        true: what only the system knows the session finds out by itself, in the process
      *                                of the library: whether there is a route, how many datagrams were lost, whether
      *                                another program holds the port, whether the machine has lost its networks, and
@@ -400,7 +405,8 @@ extern "C"
      *      "RebootTimeout":60000, the same for a device that takes the change when it starts anew; without this member
      *                             only one that falls silent is waited for so long, another one for Timeout
      *      "Force":false,         goes on after unknown-device, name-taken and address-taken
-     *      "GivesBack":false}     the request gives back what the device had before, which is right whatever it is
+     *      "GivesBack":false,     the request gives back what the device had before, which is right whatever it is
+     *      "Undoes":""}           the Id of the entry of the session's journal that the change takes back
      *
      * @param session     the session.
      * @param requestJson the request.
@@ -425,7 +431,33 @@ extern "C"
                                                                                        long long id,
                                                                                        const char** json);
 
-    /** Remembers changes over the end of the host. The host keeps its lines, in a file for instance. */
+    /**
+     * Reads the session's journal:
+     *
+     *     {"Entries":[{"Time":"..","MACAddress":"..","IPAddress":"..","Before":{..},"After":{..},"Undoes":"..",
+     *                  "Exchange":"..","Verdict":"..","State":"done","Id":".."}],
+     *      "Newest":{"Entry":{..},"Request":{..}},
+     *      "Broken":["changes: line 7 is broken and left out: ..."]}
+     *
+     * Entries are all changes, the oldest first. IPAddress is that by which a device was renamed, Undoes the Id of the
+     * entry that the change has taken back, and Exchange the same in changes by which devices exchange names or
+     * addresses; State is open (nobody knows what has come of it), done or undone; what is not known is left out.
+     * Newest is the newest change that can be undone, or null; its request is for DiscoveryInventoryStartChange with
+     * the options GivesBack, and Undoes with the Id.
+     *
+     * @param session    the session.
+     * @param macAddress of the interface whose change the newest is to be; null or empty for any.
+     * @param json       where the document is put; null when the session keeps no journal.
+     * @return 0, or a result code.
+     */
+    DISCOVERY_INVENTORY_API int DISCOVERY_INVENTORY_CALL DiscoveryInventoryKeptChanges(DiscoveryInventory* session,
+                                                                                       const char* macAddress,
+                                                                                       const char** json);
+
+    /**
+     * Remembers changes over the end of the host, which keeps its lines itself, in a database for instance. In a file
+     * the option Journal of a session keeps them.
+     */
     typedef struct DiscoveryInventoryJournal DiscoveryInventoryJournal;
 
     /**
@@ -489,10 +521,7 @@ extern "C"
     /**
      * Gives all entries, the oldest first:
      *
-     *     [{"Time":"..","MACAddress":"..","Before":{..},"After":{..},"Undoes":"..","Verdict":"..","State":"done",
-     *       "Id":".."}]
-     *
-     * State is open (nobody knows what has come of it), done or undone; what is not known is left out.
+     *     [{"Time":"..","MACAddress":"..",...}], as DiscoveryInventoryKeptChanges has them
      *
      * @param journal the journal.
      * @param json    where the array is put.
@@ -502,8 +531,8 @@ extern "C"
     DiscoveryInventoryJournalEntries(DiscoveryInventoryJournal* journal, const char** json);
 
     /**
-     * Gives the newest change that is not undone, and how to undo it: {"Id":"..","Request":{..}}, of which the request
-     * is for DiscoveryInventoryStartChange with the option GivesBack.
+     * Gives the newest change that is not undone, and how to undo it: {"Entry":{..},"Request":{..}}, of which the
+     * request is for DiscoveryInventoryStartChange with the option GivesBack.
      *
      * @param journal    the journal.
      * @param macAddress of the interface whose change is meant, 00:1A:2B:3C:4D:5E; null or empty for any.

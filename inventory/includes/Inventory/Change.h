@@ -56,6 +56,9 @@ public:
     /// Ends it as it is.
     void Stop(Time now);
 
+    /// Ends it because its request cannot be sent.
+    void Fail(const std::string& reason, Time now);
+
     /// Whether it has passed the checks and not ended.
     bool IsUnderWay() const { return phase != Phase::Preparing && !IsOver(); }
 

@@ -86,6 +86,12 @@ public:
     /// Feed.
     std::vector<const JournalEntry*> NewestToUndo(std::string_view macAddress = {}) const;
 
+    /// [{..},{..}]: all entries, the oldest first.
+    std::string ToJson() const;
+
+    /// {"Entry":{..},"Request":{..}}: the newest change that can be undone, and the request that does so, or null.
+    std::string NewestToJson(std::string_view macAddress) const;
+
     /// Those of which nobody knows what has come, the oldest first. Valid until the next Feed.
     std::vector<const JournalEntry*> OpenEntries() const;
 

@@ -77,6 +77,9 @@ public:
     /// Ends the change as it is, with its event; nothing happens when it has ended.
     void StopChange(std::int64_t id, Time now);
 
+    /// Ends a change, with the code send-failed and the reason, whose request the host program cannot send.
+    void FailChange(std::int64_t id, const std::string& reason);
+
     /// Of a change that has not ended; null for others. Valid until the next call of another operation.
     const ChangeReport* ChangeState(std::int64_t id) const;
 

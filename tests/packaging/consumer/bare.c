@@ -39,6 +39,7 @@ static void (*const volatile Functions[])(void) = {
     FUNCTION(DiscoveryInventoryJournalFeed),
     FUNCTION(DiscoveryInventoryJournalFree),
     FUNCTION(DiscoveryInventoryJournalUndo),
+    FUNCTION(DiscoveryInventoryKeptChanges),
     FUNCTION(DiscoveryInventoryNextEvent),
     FUNCTION(DiscoveryInventoryNextTime),
     FUNCTION(DiscoveryInventoryNextWish),

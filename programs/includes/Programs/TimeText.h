@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Programs
 {
-/// Times as texts. Main thread only.
+/// Times as texts. Any thread.
 class TimeText final
 {
 public:
@@ -18,4 +18,4 @@ public:
     /// The time that Utc has written; nothing for any other text.
     static std::optional<std::chrono::system_clock::time_point> ParseUtc(const std::string& text);
 };
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Programs

@@ -1,8 +1,8 @@
-#include "Text/TimeText.h"
+#include "Programs/TimeText.h"
 
 #include <cstdio>
 
-namespace Zent::Discovery::Console
+namespace Zent::Discovery::Programs
 {
 std::string TimeText::Utc(std::chrono::system_clock::time_point time)
 {
@@ -39,4 +39,4 @@ std::optional<std::chrono::system_clock::time_point> TimeText::ParseUtc(const st
                                                        std::chrono::milliseconds(milliseconds);
     return Utc(time) == text ? std::optional(time) : std::nullopt;
 }
-} // namespace Zent::Discovery::Console
+} // namespace Zent::Discovery::Programs
