@@ -180,13 +180,4 @@ TEST_F(ExtCTest, WithinACallbackNothingWaitsForTheThreadThatRunsIt)
     EXPECT_NE(std::string::npos, Log().find("StopServer must not be called within a callback."));
 }
 
-TEST_F(ExtCTest, TwoHundredStartsAndStopsLeaveThePortFree)
-{
-    ASSERT_EQ(0, Server().Initialize(LogPath().c_str(), DiscoveryLogNone));
-    for (int round = 0; round < 200; ++round)
-    {
-        ASSERT_EQ(0, Server().StartServer());
-        ASSERT_EQ(0, Server().StopServer());
-    }
-}
 } // namespace

@@ -141,39 +141,6 @@ TEST_F(LifeCycleFaultTest, LongNoMomentOfARestartOutlastsAStop)
     }
 }
 
-TEST_F(LifeCycleFaultTest, ACallbackIsRefusedWhatWouldWaitForARestartThatWaitsForIt)
-{
-    static std::atomic<int> refusals;
-    Gate callback;
-    refusals = 0;
-    ASSERT_NO_FATAL_FAILURE(Serve());
-    callbackGate = &callback;
-    callbackBody = [] {
-        constexpr int InvalidOperation = 30;
-        refusals += ExtC::StartServer() == InvalidOperation ? 1 : 0;
-        refusals += ExtC::StopServer() == InvalidOperation ? 1 : 0;
-        refusals += ExtC::Terminate() == InvalidOperation ? 1 : 0;
-        refusals += ExtC::Initialize("unused.log", DiscoveryLogNone) == InvalidOperation ? 1 : 0;
-    };
-    ASSERT_TRUE(HelloArrives());
-    LoseSocket();
-    EXPECT_TRUE(WaitForLine("Stopping Task Processor"));
-    callbackGate = nullptr;
-    callback.Open();
-    EXPECT_TRUE(HelloArrives());
-    EXPECT_EQ(4, refusals);
-    EXPECT_EQ(1, Count(Restart));
-}
-
-TEST_F(LifeCycleFaultTest, ACallbackMayMakeRequests)
-{
-    ASSERT_NO_FATAL_FAILURE(Serve());
-    callbackBody = [] { EXPECT_EQ(0, ExtC::RefreshClient("00:1A:2B:3C:4D:5E")); };
-    ASSERT_TRUE(HelloArrives());
-    EXPECT_TRUE(device.Hears("00:1A:2B:3C:4D:5E"));
-    EXPECT_FALSE(LogTellsOfAFailure()) << Log();
-}
-
 TEST_F(LifeCycleFaultTest, LongAStopSaysThatItWaitsForACallbackAndASecondOneReturnsNoEarlier)
 {
     Gate callback;
@@ -256,28 +223,6 @@ TEST_F(LifeCycleFaultTest, ALossWhileARestartFailsIsAnsweredByTheNextOne)
     EXPECT_EQ(1, Count("Restart failed, trying again in 1 s"));
     EXPECT_EQ(2, Count(Restart));
     EXPECT_EQ(0, ExtC::StopServer()); // the last thread at the gate has left it
-}
-
-TEST_F(LifeCycleFaultTest, ReportsOfUnreachablePortsAreNoLoss)
-{
-    ASSERT_EQ(0, Initialize());
-    Faults::Fail(Call::Receive, 1, 3, SocketError::ConnectionReset);
-    ASSERT_EQ(0, ExtC::StartServer());
-    EXPECT_TRUE(HelloArrives());
-    EXPECT_EQ(3, Count("remote peer returned a \"Port Unreachable\" ICMP packet."));
-    EXPECT_EQ(0, Count(Restart));
-}
-
-TEST_F(LifeCycleFaultTest, ARestartWaitsForThePort)
-{
-    ASSERT_NO_FATAL_FAILURE(Serve());
-    ASSERT_TRUE(HelloArrives());
-    Faults::Fail(Call::Bind, 1, 2, SocketError::AddressAlreadyInUse);
-    LoseSocket();
-    EXPECT_TRUE(WaitForLine("No socket for the restart yet, trying again in 2 s"));
-    EXPECT_TRUE(HelloArrives());
-    EXPECT_TRUE(DiscoverArrives());
-    EXPECT_EQ(1, Count("No socket for the restart yet, trying again in 1 s"));
 }
 
 TEST_F(LifeCycleFaultTest, ARestartStartsOnTheSocketThatItHasTriedThePortWith)
@@ -363,17 +308,6 @@ TEST_F(LifeCycleFaultTest, AStopCancelsTheWaitForThePort)
     ExpectStopped();
     EXPECT_EQ(0, ExtC::StartServer());
     EXPECT_TRUE(HelloArrives());
-}
-
-TEST_F(LifeCycleFaultTest, ALossIsAnsweredOnceThereIsAThreadForIt)
-{
-    ASSERT_NO_FATAL_FAILURE(Serve());
-    ASSERT_TRUE(HelloArrives());
-    Faults::Fail(Call::CreateThread, 1);
-    LoseSocket();
-    EXPECT_TRUE(WaitForLine("Failed to start the background operation"));
-    EXPECT_TRUE(HelloArrives());
-    EXPECT_EQ(1, Count(Restart));
 }
 
 TEST_F(LifeCycleFaultTest, LongARestartOutlivesAFailureOfEachOfItsCalls)

@@ -21,7 +21,6 @@ using std::chrono::seconds;
 using Tests::ProcessState;
 using Tests::Server;
 
-constexpr std::uint16_t ServerPort = 12001;
 constexpr int TaskLimit = 512;
 constexpr milliseconds ServiceLimit{TIME_SCALE * 1000}; // what service may take after a flood, as StopLimit
 
@@ -51,18 +50,6 @@ protected:
         delay = 0;
         EXPECT_EQ(0, Server().Terminate());
         EXPECT_TRUE(Tests::Device::IsServerPortFree());
-    }
-
-    /// Takes the server's socket away, and waits until it has another one and serves.
-    void LoseSocket()
-    {
-        const std::uint64_t lost = Tests::SocketOn(ServerPort);
-        ASSERT_TRUE(Tests::ShutDownSocketOn(ServerPort));
-        ASSERT_TRUE(Tests::WaitUntil([&] {
-            const std::uint64_t now = Tests::SocketOn(ServerPort);
-            return now != 0 && now != lost;
-        }));
-        ASSERT_TRUE(IsServedWithin(seconds(10)));
     }
 
     static void Start()
@@ -160,18 +147,6 @@ TEST_F(CycleTest, LongThreeThousandStartsAndStopsUseNothingUp)
     EXPECT_TRUE(IsServedWithin(seconds(10)));
     ASSERT_EQ(0, Server().StopServer());
     ExpectNoMoreThan(warm);
-}
-
-TEST_F(CycleTest, EveryLostSocketIsReplacedOnceAndTheHostNeedNotKnow)
-{
-    ASSERT_TRUE(IsServedWithin(seconds(10)));
-    const ProcessState before = Tests::CurrentState();
-    for (int loss = 0; loss < 3; ++loss)
-    {
-        ASSERT_NO_FATAL_FAILURE(LoseSocket());
-    }
-    EXPECT_EQ(3, folder.Count("restart triggered"));
-    ExpectNoMoreThan(before);
 }
 
 TEST_F(CycleTest, LongAStopDuringAFloodWaitsForNothingThatWaits)

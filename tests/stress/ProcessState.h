@@ -17,7 +17,4 @@ ProcessState CurrentState();
 /// Shuts the socket down that is bound to the port at every address, as a failing network would; false when there is
 /// none. Not while the server is started or stopped: the port may seem taken for a moment.
 bool ShutDownSocketOn(std::uint16_t port);
-
-/// What tells the socket that is bound to the port at every address from others before and after it; 0 for none.
-std::uint64_t SocketOn(std::uint16_t port);
 } // namespace Tests

@@ -1,7 +1,6 @@
 #include "ProcessState.h"
 
 #include <arpa/inet.h>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -60,24 +59,5 @@ bool ShutDownSocketOn(std::uint16_t port)
     }
     close(self);
     return isDone;
-}
-
-std::uint64_t SocketOn(std::uint16_t port)
-{
-    std::ifstream table("/proc/self/net/udp");
-    std::string line;
-    std::getline(table, line);
-    while (std::getline(table, line))
-    {
-        unsigned address = 0;
-        unsigned bound = 0;
-        unsigned long long inode = 0;
-        if (std::sscanf(line.c_str(), "%*s %x:%x %*s %*s %*s %*s %*s %*s %*s %llu", &address, &bound, &inode) == 3 &&
-            address == INADDR_ANY && bound == port)
-        {
-            return inode;
-        }
-    }
-    return 0;
 }
 } // namespace Tests
