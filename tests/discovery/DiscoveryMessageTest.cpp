@@ -139,6 +139,11 @@ TEST(DiscoveryMessageTest, MissingMembersOfAKindAreRejectedWithItsLine)
                    "No Host key !!! => BAD MESSAGE FORMAT !");
     ExpectRejected(Envelope("Hello") + R"(,"Host":{"HostName":"box","DeviceType":"","Products":[]}})",
                    "SignatureBroadcastMessage", "Failed to parse Host !!! => BAD MESSAGE FORMAT !");
+    std::string badNIC = NIC;
+    badNIC.replace(badNIC.find("255"), 3, "256");
+    ExpectRejected(Envelope("Hello") + R"(,"Host":{"HostName":"box","DeviceType":"","NICs":[)" + badNIC +
+                       R"(],"Products":[]}})",
+                   "SignatureBroadcastMessage", "Failed to parse Host !!! => BAD MESSAGE FORMAT !");
     ExpectRejected(Envelope("SendYourSignature") + "}", "SendYourSignatureMessage",
                    "No targeted MAC address !!! => BAD MESSAGE FORMAT !");
     ExpectRejected(Envelope("ChangeYourIPConfig") + R"(,"NewNICConfigs":{}})", "ChangeYourIPConfigMessage",

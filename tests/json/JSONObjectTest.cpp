@@ -6,9 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <string>
 #include <thread>
 #include <utility>
@@ -171,33 +168,5 @@ TEST(JSONObjectTest, ThreadsMayParseAtTheSameTime)
     {
         thread.join();
     }
-}
-
-TEST(JSONObjectTest, ALargeTextHoldsUpNobodyElse)
-{
-    using Clock = std::chrono::steady_clock;
-    std::string large = "{\"a\":[1";
-    while (large.size() < 4'000'000)
-    {
-        large += ",1";
-    }
-    large += "]}";
-    std::atomic<bool> isDone{false};
-    Clock::duration largest{};
-    std::thread reader([&] {
-        const auto start = Clock::now();
-        Parse(large);
-        largest = Clock::now() - start;
-        isDone = true;
-    });
-    Clock::duration longestWait{};
-    while (!isDone)
-    {
-        const auto start = Clock::now();
-        Parse("{}");
-        longestWait = std::max(longestWait, Clock::now() - start);
-    }
-    reader.join();
-    EXPECT_LT(longestWait, largest / 2);
 }
 } // namespace

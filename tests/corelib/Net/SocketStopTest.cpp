@@ -24,7 +24,7 @@ TEST(SocketStopTest, CloseAndShutdownWakeABlockedReceiver)
     }
 }
 
-TEST(SocketStopTest, StopUnderTrafficEndsEveryThreadWithOneOfTwoReasons)
+TEST(SocketStopTest, StopUnderTrafficByManyEndsEveryThreadWithOneOfTwoReasons)
 {
     const SmartPointer<Socket> device = OpenLoopback();
     const IPEndPoint deviceEnd = LoopbackEnd(*device);
@@ -38,23 +38,10 @@ TEST(SocketStopTest, StopUnderTrafficEndsEveryThreadWithOneOfTwoReasons)
         receiver.AwaitStart();
         otherSender.AwaitStart();
 
-        socket->Shutdown(SocketShutdown::Both);
-        socket->Close();
-
-        for (Repeater* const repeater : {&receiver, &sender, &otherSender})
+        if (cycle % 2 == 0)
         {
-            const String ending = repeater->Ending();
-            ASSERT_TRUE(ending == "closed" || ending == "Shutdown") << ending.View();
+            socket->Shutdown(SocketShutdown::Both);
         }
-    }
-}
-
-TEST(SocketStopTest, ManyThreadsMayClose)
-{
-    for (int cycle = 0; cycle < 50; ++cycle)
-    {
-        const SmartPointer<Socket> socket = OpenLoopback();
-        Repeater receiver([&] { ReceiveText(*socket); });
         std::vector<std::thread> closers;
         for (int index = 0; index < 4; ++index)
         {
@@ -64,7 +51,11 @@ TEST(SocketStopTest, ManyThreadsMayClose)
         {
             closer.join();
         }
-        ASSERT_EQ(receiver.Ending(), "closed");
+        for (Repeater* const repeater : {&receiver, &sender, &otherSender})
+        {
+            const String ending = repeater->Ending();
+            ASSERT_TRUE(ending == "closed" || ending == "Shutdown") << ending.View();
+        }
     }
 }
 } // namespace
