@@ -18,6 +18,7 @@ from endtoend import (
     main,
     message,
     rows,
+    setting,
     wait_until,
 )
 from networks import HERE, Cable, End, Machine, Occupant
@@ -309,20 +310,22 @@ class InterfaceTest(TestCase):
             self.assertIn("no-interface: no network interface takes part; left out: lo", errors)
 
     def test_a_cable_plugged_in_while_watching_is_searched(self):
-        with self.start_console("watch", "--json") as console:
-            wait_until(lambda: "---Listening..." in self.log_text(), "the start of the server")
-            with self.cable() as cable:
-                cable.unplug()
-                link = ["ip", "link", "show", cable.near.name]
-                wait_until(lambda: b"NO-CARRIER" in subprocess.check_output(link), "the loss of the carrier")
-                with self.simulator():
-                    cable.plug()
-                    start = time.monotonic()
-                    document = json.loads(console.line_with('"Message"'))
-                    self.assertEqual(document["SourceNIC"]["IPAddress"], "10.1.0.10")
-                    self.assertLess(time.monotonic() - start, 2)
-            console.interrupt()
-            self.assertEqual(console.wait(), 0)
+        with self.cable() as cable, self.simulator():
+            if setting("suffix"):  # Wine does not tell whether there is a carrier
+                unplug, plug = cable.near.down, cable.near.up
+            else:
+                unplug, plug = cable.unplug, cable.plug
+            unplug()
+            wait_until(lambda: not cable.near.has_carrier(), "the loss of the carrier")
+            with self.start_console("watch", "--json") as console:
+                wait_until(lambda: "---Listening..." in self.log_text(), "the start of the server")
+                plug()
+                start = time.monotonic()
+                document = json.loads(console.line_with('"Message"'))
+                self.assertEqual(document["SourceNIC"]["IPAddress"], "10.1.0.10")
+                self.assertLess(time.monotonic() - start, 2)
+                console.interrupt()
+                self.assertEqual(console.wait(), 0)
 
     def test_watch_tells_a_device_that_died_from_a_network_that_changed(self):
         devices = ("--count", "2", "--network", "10.1.0.10/24", "--no-hello", "--verbose")
