@@ -21,7 +21,7 @@ constexpr int MaximumSweeps = 2;    // they load the network, and look like an a
 constexpr int ListPasses = 2;       // an answer may be lost on its way
 constexpr Time Patience{1000};      // of a sweep that finds nobody
 constexpr double Negligible = 0.05; // devices unseen
-constexpr double Improbable = 0.005;
+constexpr double Improbable = 0.002;
 constexpr std::size_t RoundBits = 64;
 
 /// How many devices nobody has seen, by Chao's estimator: from how many were seen in exactly one and two rounds.
@@ -396,17 +396,26 @@ double Search::ChanceOfMissing() const
 {
     const std::uint64_t all = RoundsOfAll();
     const auto known = static_cast<double>(answerers);
-    double missed = known;
+    double rounds = 0;
+    double missed = 0; // of the known ones in all of these rounds
     for (std::size_t i = 0; i < report.Rounds.size(); ++i)
     {
         const SearchReport::Round& round = report.Rounds[i];
         if (round.Asked == Question::All)
         {
             const bool isAll = i < RoundBits && (all >> i & 1) != 0;
-            // A quarter more than were missed: a round of few devices proves less than one of many.
-            missed *= ((isAll ? 0 : known - static_cast<double>(round.Answers)) + 0.25) / (known + 1);
+            missed += isAll ? 0 : std::max(known - static_cast<double>(round.Answers), 0.0);
+            ++rounds;
         }
     }
-    return missed;
+    // Who was missed once is the more likely to be missed again, the less is known of the chance: the rule of
+    // succession, with a guess that answers are rarely lost.
+    constexpr double Guess = 0.1;
+    double unseen = known;
+    for (double before = 0; before < rounds; ++before)
+    {
+        unseen *= (missed + Guess + before) / (known * rounds + Guess + 1 + before);
+    }
+    return unseen;
 }
 } // namespace Zent::Discovery::Inventory
