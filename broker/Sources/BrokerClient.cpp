@@ -79,9 +79,10 @@ void AddTo(Properties& properties, const Publication& publication)
 
 std::string ReasonOf(int code)
 {
-    return code == MOSQ_ERR_ERRNO ? std::strerror(errno) // NOLINT(concurrency-mt-unsafe)
-           : code == MOSQ_ERR_EAI ? "the name is not known"
-                                  : mosquitto_strerror(code);
+    return code == MOSQ_ERR_ERRNO && errno == 0 ? "the connection was lost"
+           : code == MOSQ_ERR_ERRNO             ? std::strerror(errno) // NOLINT(concurrency-mt-unsafe)
+           : code == MOSQ_ERR_EAI               ? "the name is not known"
+                                                : mosquitto_strerror(code);
 }
 
 bool IsError(int reasonCode)
@@ -230,18 +231,32 @@ std::optional<int> BrokerConnection::Client::Publish(const Publication& publicat
 
 std::optional<int> BrokerConnection::Client::Subscribe(const std::string& filter)
 {
-    return SubscribeWith(MQTT_SUB_OPT_NO_LOCAL, filter);
+    return SubscribeWith(AtLeastOnce, 0, {filter});
 }
 
 std::optional<int> BrokerConnection::Client::Follow(const std::string& filter)
 {
-    return SubscribeWith(MQTT_SUB_OPT_NO_LOCAL | MQTT_SUB_OPT_SEND_RETAIN_NEVER, filter);
+    return SubscribeWith(AtLeastOnce, MQTT_SUB_OPT_SEND_RETAIN_NEVER, {filter});
 }
 
-std::optional<int> BrokerConnection::Client::SubscribeWith(int options, const std::string& filter)
+std::optional<int> BrokerConnection::Client::Search(const std::string& filter, const std::string& endMark)
 {
+    return SubscribeWith(AtMostOnce, 0, endMark.empty() ? std::vector{filter} : std::vector{filter, endMark});
+}
+
+/// All of the filters in one request, so that the broker has no time to send in between.
+std::optional<int> BrokerConnection::Client::SubscribeWith(int quality,
+                                                           int options,
+                                                           const std::vector<std::string>& filters)
+{
+    std::vector<char*> texts;
+    for (const std::string& filter : filters)
+    {
+        texts.push_back(const_cast<char*>(filter.c_str())); // the library changes nothing there
+    }
     int number = 0;
-    const int result = mosquitto_subscribe_v5(handle.get(), &number, filter.c_str(), AtLeastOnce, options, nullptr);
+    const int result = mosquitto_subscribe_multiple(handle.get(), &number, static_cast<int>(texts.size()), texts.data(),
+                                                    quality, options | MQTT_SUB_OPT_NO_LOCAL, nullptr);
     return result == MOSQ_ERR_SUCCESS ? std::optional(number) : std::nullopt;
 }
 

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 struct mosquitto;
 struct mosquitto_message;
@@ -41,13 +42,14 @@ public:
     std::optional<int> Publish(const Publication& publication);
     std::optional<int> Subscribe(const std::string& filter);
     std::optional<int> Follow(const std::string& filter);
+    std::optional<int> Search(const std::string& filter, const std::string& endMark);
     void Unsubscribe(const std::string& filter);
 
     /// Loop ends soon.
     void SayGoodbye();
 
 private:
-    std::optional<int> SubscribeWith(int options, const std::string& filter);
+    std::optional<int> SubscribeWith(int quality, int options, const std::vector<std::string>& filters);
     void PrepareTls();
     void PrepareWill();
     void OnLog(int level, const std::string& text);

@@ -70,6 +70,12 @@ std::optional<int> BrokerConnection::Follow(const std::string& filter)
     return client != nullptr && client->IsAccepted() ? client->Follow(filter) : std::nullopt;
 }
 
+std::optional<int> BrokerConnection::Search(const std::string& filter, const std::string& endMark)
+{
+    const Lock guard(clientLock);
+    return client != nullptr && client->IsAccepted() ? client->Search(filter, endMark) : std::nullopt;
+}
+
 void BrokerConnection::Unsubscribe(const std::string& filter)
 {
     const Lock guard(clientLock);

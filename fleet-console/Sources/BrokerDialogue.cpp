@@ -140,6 +140,8 @@ std::optional<int> BrokerDialogue::Do(BrokerConnection& connection, Conversation
         return connection.Subscribe(step.Topic);
     case Kind::Follow:
         return connection.Follow(step.Topic);
+    case Kind::Search:
+        return connection.Search(step.Topic, step.EndMark);
     case Kind::Unsubscribe:
         connection.Unsubscribe(step.Topic);
         return std::nullopt;

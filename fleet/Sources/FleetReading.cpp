@@ -4,6 +4,7 @@
 #include <iterator>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace Zent::Discovery::Fleet
 {
@@ -39,9 +40,9 @@ void FleetReading::Take(std::string_view topic, std::string_view bytes, bool isR
     {
         return;
     }
-    if (phase == Phase::Searching && found.insert(parsed->Site).second)
+    if (phase != Phase::Reading && isRetained)
     {
-        lastFound = now;
+        TakeFound(parsed->Site, now);
     }
     try
     {
@@ -57,14 +58,18 @@ std::vector<Conversation::Step> FleetReading::Advance(Time now)
 {
     if (phase == Phase::Starting && isOpen)
     {
-        phase = Phase::Searching;
-        lastFound = now;
-        return {{Step::StepKind::Subscribe, SiteTopics::AllStates()}};
+        return {Search(Phase::Searching, now)};
     }
-    if (phase == Phase::Searching && now < SearchEnd())
+    if ((phase == Phase::Searching || phase == Phase::Counting) && now < SearchEnd())
     {
         return {};
     }
+    if (phase == Phase::Searching && !found.empty())
+    {
+        endMark = *found.begin();
+        return {Search(Phase::Counting, now)};
+    }
+    isCut = phase == Phase::Reading ? isCut : phase == Phase::Counting && !hasEndMark;
     phase = Phase::Reading;
     found.clear();
 
@@ -115,7 +120,6 @@ void FleetReading::Doubt()
 void FleetReading::Disconnect()
 {
     phase = Phase::Starting;
-    found.clear();
     std::ranges::for_each(sites, &SiteReading::Disconnect);
 }
 
@@ -143,10 +147,39 @@ std::vector<std::string> FleetReading::Shortfalls() const
 
 std::string FleetReading::HiddenSites() const
 {
-    return isOpen && sites.size() >= FewestCutSites
-               ? std::to_string(sites.size()) +
-                     " sites found, and there may be others: a broker with its usual settings gives no more at once"
-               : "";
+    const std::string count = std::to_string(sites.size()) + " sites found, ";
+    if (isCut)
+    {
+        return count + "and there may be others: the broker gives no more at once. Raise its max_queued_messages, or "
+                       "name the sites with --site";
+    }
+    const bool isFull = isOpen && sites.size() >= MaximumSites;
+    return isFull ? count + "and further ones are left out unless they are named with --site" : "";
+}
+
+/// Brokers drop what is too much for a reader behind that which they give: a state that is asked for once more behind
+/// all others comes only when all of them have come.
+FleetReading::Step FleetReading::Search(Phase next, Time now)
+{
+    phase = next;
+    lastFound = now;
+    foundBefore = std::exchange(found, {}).size();
+    hasEndMark = false;
+    return {.Kind = Step::StepKind::Search,
+            .Topic = SiteTopics::AllStates(),
+            .EndMark = phase == Phase::Counting ? SiteTopics(endMark).State() : ""};
+}
+
+void FleetReading::TakeFound(const std::string& site, Time now)
+{
+    if (found.insert(site).second)
+    {
+        lastFound = now;
+    }
+    else if (phase == Phase::Counting && site == endMark)
+    {
+        hasEndMark = true;
+    }
 }
 
 SiteReading& FleetReading::Add(const std::string& site)
@@ -170,8 +203,9 @@ SiteReading* FleetReading::Find(const Topic& topic, bool isThere)
 
 FleetReading::Time FleetReading::SearchEnd() const
 {
-    return phase == Phase::Starting ? Time(0)
-                                    : lastFound + (found.empty() ? SiteReading::AnswerTime : SiteReading::PauseTime);
+    return phase == Phase::Starting || (hasEndMark && found.size() >= foundBefore)
+               ? Time(0)
+               : lastFound + (found.empty() ? SiteReading::AnswerTime : SiteReading::PauseTime);
 }
 
 std::vector<Conversation::Step> FleetReading::Forget()

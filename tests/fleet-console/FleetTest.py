@@ -64,6 +64,8 @@ class FleetTest(endtoend.TestCase):
         self.assertEqual(json.loads(removed), {"Forgotten": {"Site": "a", "Removed": 3005, "Left": 0}})
         self.assertEqual([row[:3] for row in rows(self.fleet("sites")[0])], [["b", "lost", "2"]])
         self.assertEqual(rows(self.fleet("sites", "--filter", "state!=lost")[0]), [])
+        self.retain({topic: text for number in range(1100) for topic, text in site(f"n{number}", 0).items()})
+        self.assertEqual(len(rows(self.fleet("sites")[0])), 1101)
 
     def test_what_is_missing_is_said(self):
         broker = Broker(self.folder, "allow_anonymous true")

@@ -41,6 +41,10 @@ public:
     /// As Subscribe, but nothing comes that is retained.
     std::optional<int> Follow(const std::string& filter);
 
+    /// As Subscribe, unacknowledged, so that the broker gives more at once; and then what is retained at the topic
+    /// endMark, unless that is empty, though it may have come already.
+    std::optional<int> Search(const std::string& filter, const std::string& endMark);
+
     /// What has happened since, the oldest first.
     std::deque<BrokerNews> Take();
 

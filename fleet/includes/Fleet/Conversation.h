@@ -24,6 +24,7 @@ public:
         {
             Subscribe, // what is retained there comes, and then what is published
             Follow,    // only what is published from now on comes
+            Search,    // as Subscribe, unacknowledged, so that brokers give more at once; then EndMark once more
             Unsubscribe,
             Publish // acknowledged
         };
@@ -36,6 +37,7 @@ public:
         std::string ResponseTopic = {};
         std::string CorrelationData = {};
         std::optional<std::uint32_t> ExpirySeconds = {};
+        std::string EndMark = {}; // of Search: a topic, or nothing
     };
 
     /// What the broker says to a subscription or a publication.

@@ -21,11 +21,7 @@ public:
     using Time = Conversation::Time;
     using Step = Conversation::Step;
 
-    /// Nothing tells how many sites there are. Where a broker with the settings that it comes with gives no more
-    /// states, there may be others.
-    static constexpr std::size_t FewestCutSites = 1000;
-
-    /// Further ones are left out.
+    /// Further ones are left out, unless they are named.
     static constexpr std::size_t MaximumSites = 10000;
 
     /// So many topics are asked for at a time: brokers keep a thousand messages for a slow reader, and often fewer.
@@ -68,10 +64,13 @@ private:
     enum class Phase
     {
         Starting,
-        Searching, // the states of all sites are coming
+        Searching, // the states of all sites are coming, first those that show which there are
+        Counting,  // and then all of them again, with one of them behind the others
         Reading
     };
 
+    Step Search(Phase next, Time now);
+    void TakeFound(const std::string& site, Time now);
     SiteReading& Add(const std::string& site);
     SiteReading* Find(const Topic& topic, bool isThere);
     Time SearchEnd() const;
@@ -83,6 +82,10 @@ private:
     Phase phase = Phase::Starting;
     Time lastFound{0};
     std::set<std::string> found; // names, by the search that goes on
+    std::size_t foundBefore = 0; // by the one before
+    std::string endMark;         // the name of a site whose state comes last, once more
+    bool hasEndMark = false;     // it has come
+    bool isCut = false;          // the broker has not given all states
     std::list<SiteReading> sites;
     std::map<std::string, std::list<SiteReading>::iterator> byName;
     std::size_t unreadable = 0;
