@@ -1,4 +1,5 @@
-# What the package for Windows has besides: there is one for all of it, and Debian's tools do not make it.
+# The package for Windows, one .zip of all that is installed, and what else is in it.
+
 math(EXPR word_size "8 * ${CMAKE_SIZEOF_VOID_P}")
 if(word_size EQUAL 32)
   set(visual_studio_platform Win32)
@@ -41,3 +42,10 @@ foreach(target IN ITEMS extc inventory-extc)
         \"\${prefix}/${CMAKE_INSTALL_BINDIR}/$<TARGET_FILE_NAME:${target}>\"
       COMMAND_ERROR_IS_FATAL ANY)" COMPONENT dev)
 endforeach()
+
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_FILE_NAME "DiscoveryServer.ExtC-${PROJECT_VERSION}-win${word_size}")
+set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+include(CPack)
