@@ -8,7 +8,6 @@
 
 using Zent::Discovery::Broker::BrokerConnection;
 using Zent::Discovery::Broker::BrokerNews;
-using Zent::Discovery::Broker::BrokerSettings;
 using Zent::Discovery::Broker::Publication;
 using Zent::Discovery::Fleet::Conversation;
 using Zent::Discovery::Programs::MessageQueue;
@@ -25,10 +24,10 @@ constexpr std::chrono::hours LongestWait{1};
 class Dialogue final
 {
 public:
-    Dialogue(const BrokerSettings& settings, MessageQueue& waiter, Conversation& conversation)
-        : waiter(waiter)
+    Dialogue(CommandContext& context, Conversation& conversation)
+        : waiter(context.Waiter)
         , conversation(conversation)
-        , connection(settings, [&waiter] { waiter.Wake(); })
+        , connection(context.Broker, [&context] { context.Waiter.Wake(); })
     {
     }
 
@@ -126,9 +125,9 @@ Publication PublicationOf(Conversation::Step step)
 }
 } // namespace
 
-void BrokerDialogue::Hold(const BrokerSettings& settings, MessageQueue& waiter, Conversation& conversation)
+void BrokerDialogue::Hold(CommandContext& context, Conversation& conversation)
 {
-    Dialogue(settings, waiter, conversation).Run();
+    Dialogue(context, conversation).Run();
 }
 
 std::optional<int> BrokerDialogue::Do(BrokerConnection& connection, Conversation::Step step)

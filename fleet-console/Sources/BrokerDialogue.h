@@ -2,7 +2,7 @@
 
 #include "Broker/BrokerConnection.h"
 #include "Fleet/Conversation.h"
-#include "Programs/MessageQueue.h"
+#include "ICommand.h"
 
 #include <optional>
 
@@ -14,11 +14,9 @@ class BrokerDialogue final
 public:
     BrokerDialogue() = delete;
 
-    /// Lets the conversation come to its end; waiter is where the program waits, and is interrupted.
+    /// Lets the conversation come to its end, unless the user interrupts.
     /// @throws std::runtime_error when the broker cannot be reached, or the connection breaks.
-    static void Hold(const Broker::BrokerSettings& settings,
-                     Programs::MessageQueue& waiter,
-                     Fleet::Conversation& conversation);
+    static void Hold(CommandContext& context, Fleet::Conversation& conversation);
 
     /// Does a step on a connection. A number by which the broker's answer comes; nothing when none will.
     static std::optional<int> Do(Broker::BrokerConnection& connection, Fleet::Conversation::Step step);

@@ -2,13 +2,12 @@
 
 #include "BrokerDialogue.h"
 #include "Fleet/Conversation.h"
+#include "Show/Output.h"
 
 #include <stdexcept>
 
-using Zent::Discovery::Broker::BrokerSettings;
 using Zent::Discovery::Fleet::Conversation;
 using Zent::Discovery::Fleet::FleetReading;
-using Zent::Discovery::Programs::MessageQueue;
 
 namespace Zent::Discovery::FleetConsole
 {
@@ -47,9 +46,28 @@ private:
 };
 } // namespace
 
-void BrokerReader::Read(const BrokerSettings& settings, MessageQueue& waiter, FleetReading& reading)
+void BrokerReader::Read(CommandContext& context, FleetReading& reading)
 {
     ReadingConversation conversation(reading);
-    BrokerDialogue::Hold(settings, waiter, conversation);
+    BrokerDialogue::Hold(context, conversation);
+}
+
+ExitStatus BrokerReader::Conclude(CommandContext& context, const FleetReading& reading)
+{
+    if (context.Waiter.IsInterrupted())
+    {
+        context.Out.Complain("interrupted before everything was received");
+        return ExitStatus::Interrupted;
+    }
+    for (const std::string& text : reading.Shortfalls())
+    {
+        context.Out.Complain(text);
+    }
+    if (reading.Sites().empty())
+    {
+        context.Out.Complain("the broker has no site, or none that this user may read");
+        return ExitStatus::NoAnswer;
+    }
+    return reading.Shortfalls().empty() ? ExitStatus::Success : ExitStatus::Incomplete;
 }
 } // namespace Zent::Discovery::FleetConsole

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Broker/BrokerSettings.h"
 #include "Fleet/FleetReading.h"
-#include "Programs/MessageQueue.h"
+#include "ICommand.h"
 
 namespace Zent::Discovery::FleetConsole
 {
@@ -12,10 +11,11 @@ class BrokerReader final
 public:
     BrokerReader() = delete;
 
-    /// Lets the reading come to its end; waiter is where the program waits, and is interrupted.
+    /// Lets the reading come to its end, unless the user interrupts.
     /// @throws std::runtime_error when the broker cannot be reached, refuses, or the connection breaks.
-    static void Read(const Broker::BrokerSettings& settings,
-                     Programs::MessageQueue& waiter,
-                     Fleet::FleetReading& reading);
+    static void Read(CommandContext& context, Fleet::FleetReading& reading);
+
+    /// How a command ends that has shown what was read; says what is missing.
+    static ExitStatus Conclude(CommandContext& context, const Fleet::FleetReading& reading);
 };
 } // namespace Zent::Discovery::FleetConsole

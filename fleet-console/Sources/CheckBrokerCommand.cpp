@@ -38,7 +38,7 @@ void Hold(CommandContext& context, Conversation& conversation, const std::string
     if (!context.Waiter.IsInterrupted())
     {
         context.Out.ShowStatus(status);
-        BrokerDialogue::Hold(context.Broker, context.Waiter, conversation);
+        BrokerDialogue::Hold(context, conversation);
     }
 }
 
@@ -128,7 +128,7 @@ bool CheckBrokerCommand::CleanUp(CommandContext& context, const std::string& cli
         std::vector<std::string> topics = Probes::Topics(client);
         topics.push_back(Probes::LargestTopic(client));
         RetainedRemoval removal(Probes::Root(client), topics);
-        BrokerDialogue::Hold(context.Broker, context.Waiter, removal);
+        BrokerDialogue::Hold(context, removal);
         if (removal.IsOver() && removal.Trouble().empty())
         {
             return true;

@@ -55,7 +55,7 @@ std::vector<std::optional<Verdict>> CommandSending::Send(CommandContext& context
     context.Out.ShowStatus(status + ", for " + std::to_string(longest.count()) + " s at most");
     try
     {
-        BrokerDialogue::Hold(context.Broker, context.Waiter, exchange);
+        BrokerDialogue::Hold(context, exchange);
     }
     catch (const std::runtime_error& error)
     {

@@ -6,7 +6,6 @@
 #include "Fleet/FleetRecords.h"
 #include "Show/DeviceCsv.h"
 #include "Show/Output.h"
-#include "SitesCommand.h"
 #include "Text/TerminalText.h"
 
 #include <nlohmann/json.hpp>
@@ -176,10 +175,10 @@ ExitStatus DevicesCommand::Run(CommandContext& context)
 {
     FleetRecords records;
     FleetReading reading(context.Sites, SiteReading::ReadingScope::Devices, records);
-    BrokerReader::Read(context.Broker, context.Waiter, reading);
+    BrokerReader::Read(context, reading);
     const Rows rows = Gather(reading, records, context.Out);
     Show(selection.Of(rows.Devices, std::chrono::system_clock::now()), context.Out);
-    const ExitStatus status = SitesCommand::Conclude(reading, context);
+    const ExitStatus status = BrokerReader::Conclude(context, reading);
     return status == ExitStatus::Success && rows.IsCut ? ExitStatus::Incomplete : status;
 }
 } // namespace Zent::Discovery::FleetConsole

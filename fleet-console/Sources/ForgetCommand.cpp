@@ -50,7 +50,7 @@ ExitStatus ForgetCommand::Confirm(CommandContext& context) const
 {
     ReadingListener nobody;
     FleetReading reading({site}, SiteReading::ReadingScope::Summary, nobody);
-    BrokerReader::Read(context.Broker, context.Waiter, reading);
+    BrokerReader::Read(context, reading);
     if (context.Waiter.IsInterrupted())
     {
         return ExitStatus::Interrupted;
@@ -87,7 +87,7 @@ ExitStatus ForgetCommand::Remove(CommandContext& context) const
 {
     RetainedRemoval removal(SiteTopics(site).Prefix());
     context.Out.ShowStatus("Removing site " + site);
-    BrokerDialogue::Hold(context.Broker, context.Waiter, removal);
+    BrokerDialogue::Hold(context, removal);
     const std::string removed = std::to_string(removal.Removed());
     const std::string left = std::to_string(removal.Left());
     if (context.Out.IsJson())

@@ -79,7 +79,7 @@ RemoteChange::RemoteChange(CommandContext& context, const Settings& settings)
 bool RemoteChange::Look()
 {
     context.Out.ShowStatus("Reading the records of site " + site);
-    BrokerReader::Read(context.Broker, context.Waiter, reading);
+    BrokerReader::Read(context, reading);
     for (const std::string& text : reading.Shortfalls())
     {
         context.Out.Complain(text);

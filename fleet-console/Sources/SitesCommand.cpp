@@ -138,28 +138,9 @@ ExitStatus SitesCommand::Run(CommandContext& context)
 {
     ReadingListener nobody;
     FleetReading reading(context.Sites, SiteReading::ReadingScope::Summary, nobody);
-    BrokerReader::Read(context.Broker, context.Waiter, reading);
+    BrokerReader::Read(context, reading);
     const auto now = std::chrono::system_clock::now();
     Show(selection.Of(reading.Sites(), now), now, context.Out);
-    return Conclude(reading, context);
-}
-
-ExitStatus SitesCommand::Conclude(const FleetReading& reading, CommandContext& context)
-{
-    if (context.Waiter.IsInterrupted())
-    {
-        context.Out.Complain("interrupted before everything was received");
-        return ExitStatus::Interrupted;
-    }
-    for (const std::string& text : reading.Shortfalls())
-    {
-        context.Out.Complain(text);
-    }
-    if (reading.Sites().empty())
-    {
-        context.Out.Complain("the broker has no site, or none that this user may read");
-        return ExitStatus::NoAnswer;
-    }
-    return reading.Shortfalls().empty() ? ExitStatus::Success : ExitStatus::Incomplete;
+    return BrokerReader::Conclude(context, reading);
 }
 } // namespace Zent::Discovery::FleetConsole

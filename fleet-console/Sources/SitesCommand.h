@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Fleet/FleetReading.h"
+#include "Fleet/SiteReading.h"
 #include "ICommand.h"
 #include "Inventory/Column.h"
 #include "Inventory/Selection.h"
@@ -18,9 +18,6 @@ public:
     bool HasRows() const override { return true; }
 
     ExitStatus Run(CommandContext& context) override;
-
-    /// How a command ends that has read sites; says what is missing.
-    static ExitStatus Conclude(const Fleet::FleetReading& reading, CommandContext& context);
 
 private:
     Inventory::Selection<Inventory::Column<Fleet::SiteReading>> selection;
