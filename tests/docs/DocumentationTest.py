@@ -161,7 +161,7 @@ class DocumentTest(TestCase):
     def rule_sh(self, block, remaining):
         expected = self.take_output(remaining)
         if not is_windows():
-            self.run_commands(block.text, expected)
+            self.run_commands(self.tree.within(block.text), expected)
 
     def run_commands(self, text, expected):
         if ".whl" in text:
@@ -194,9 +194,8 @@ class DocumentTest(TestCase):
         self.run_commands("cmake --build host/build", None)
 
     def rule_toml(self, block, _):
-        """Settings of an agent; the files of its folder lie where the page has made them."""
-        text = block.text.replace('"/etc/discovery-agent/', f'"{self.tree.folder}/')
-        self.save(text, self.tree.folder / "agent.toml")
+        """Settings of an agent, whose files the page has put in place."""
+        self.save(self.tree.within(block.text), self.tree.folder / "agent.toml")
         self.run_commands("discovery-agent --check-config --config agent.toml", None)
 
     def rule_yaml(self, block, _):

@@ -15,7 +15,8 @@ LONG_SCRIPTS = (
     "scripts/abi", "scripts/demo", "scripts/install-dependencies", "scripts/lint", "scripts/plant-faults",
 )  # fmt: skip
 HEADERS = ("extc/includes", "inventory/extc/includes", "bindings/cpp/includes")
-PROGRAMS = ("cmake", "ctest", "gcc", "g++", "c++", "discovery-console")
+PROGRAMS = ("cmake", "ctest", "gcc", "g++", "c++", "discovery-console", "systemctl")
+PLACES = ("etc/mosquitto/certs", "etc/mosquitto/conf.d", "etc/discovery-agent")  # that packages make
 
 
 class Tree:
@@ -26,6 +27,8 @@ class Tree:
         self._link(source, self.folder, [pathlib.PurePath(script) for script in LONG_SCRIPTS])
         (self.folder / "build").mkdir()
         (self.folder / "build" / name).symlink_to(build)
+        for place in PLACES:
+            (self.folder / place).mkdir(parents=True)
         stand_ins = self.folder / "stand-ins"
         stand_ins.mkdir()
         for program in PROGRAMS:
@@ -44,6 +47,10 @@ class Tree:
             "LD_LIBRARY_PATH": str(build / "lib"),
             "PYTHONPATH": str(source / "bindings/python"),
         }
+
+    def within(self, text):
+        """The same with the machine's settings in this folder."""
+        return text.replace("/etc/", f"{self.folder}/etc/")
 
     def _link(self, source, target, scripts):
         """Links every entry; scripts that take long become stand-ins."""
