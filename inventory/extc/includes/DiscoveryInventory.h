@@ -179,9 +179,10 @@ extern "C"
      *      "AnswerTime":1000,        milliseconds from such a question to the next one
      *      "Misses":8,               so many of them unanswered and the device is gone
      *      "AcceptedConflicts":[],   not told, such as "ip:10.0.0.5", "name:press-4" or "mac:00:1A:2B:3C:4D:5E"
-     *      "Journal":"",             a file, in UTF-8, in which each change is kept before the host has the wish for
-     *                                its request, and again when it has ended. Other programs may keep the same file at
-     *                                the same time. It is made so that only its user may read it.
+     *      "Journal":"",             a file, in UTF-8, in which each change is kept: before the host has the wish for
+     *                                its request, and again before the host has the event of its end. Other programs
+     *                                may keep the same file at the same time. It is made so that only its user may
+     *                                read it.
      *      "AskSystem":false}        true: what only the system knows the session finds out by itself, in the process
      *                                of the library: whether there is a route, how many datagrams were lost, whether
      *                                another program holds the port, whether the machine has lost its networks, and
