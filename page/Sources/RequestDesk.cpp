@@ -92,7 +92,12 @@ Answer RequestDesk::Decide(const Request& request, const PageModel& model, const
     {
         return std::move(*refusal);
     }
-    return Serve(request, model, moment);
+    Answer answer = Serve(request, model, moment);
+    if (request.Method == "HEAD")
+    {
+        answer.Content = Answer::AnswerContent::Text; // the end of a stream takes bytes, and none may come here
+    }
+    return answer;
 }
 
 bool RequestDesk::IsHost(const Request& request) const

@@ -95,6 +95,9 @@ class PageTest(endtoend.TestCase):
         self.assertEqual(get("/devices.json", Host="evil.example")[0], 421)
         self.assertEqual(get("/devices.json", method="DELETE")[0], 405)
         self.assertEqual(get("/healthz")[0], 200)
+        with socket.create_connection(("127.0.0.1", PORT), TIMEOUT) as viewer:
+            viewer.sendall(b"HEAD /devices.json HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n")
+            self.assertEqual(viewer.makefile("rb").read().count(b"\r\n\r\n"), 1)  # nothing behind the headers
         for name in ("Content-Security-Policy", "X-Content-Type-Options", "Referrer-Policy", "Cache-Control"):
             self.assertIn(name, get("/")[1])
         start = json.loads(get("/devices.json")[2])["Event"]
