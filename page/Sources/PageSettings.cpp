@@ -1,6 +1,5 @@
 #include "Page/PageSettings.h"
 
-#include "HttpText.h"
 #include "InternetAddress.h"
 #include "PageSecrets.h"
 #include "Programs/WrongArgument.h"
@@ -11,6 +10,12 @@ using Zent::Discovery::Programs::WrongArgument;
 
 namespace Zent::Discovery::Page
 {
+namespace
+{
+/// Browsers write other letters in these, and nothing stands for several names.
+constexpr const char* NameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._";
+} // namespace
+
 void PageSettings::Check() const
 {
     const std::optional<InternetAddress> address = InternetAddress::Parse(Address, Port);
@@ -35,7 +40,7 @@ void PageSettings::Check() const
     }
     for (const std::string& name : Names)
     {
-        if (const std::optional<std::string> host = HttpText::HostOf(name); !host || host->size() != name.size())
+        if (name.empty() || name.find_first_not_of(NameCharacters) != std::string::npos)
         {
             throw WrongArgument("\"" + name + "\" is no name that the page's machine can be called by");
         }
