@@ -37,6 +37,15 @@ void AutomaticRestart::Watch()
     carriedOver = HostRegistrations();
 }
 
+void AutomaticRestart::Settle()
+{
+    const Lock guard(lock);
+    if (state == State::Watching && !recovery.IsNull())
+    {
+        recovery->End();
+    }
+}
+
 void AutomaticRestart::Report(Kind kind)
 {
     if (!log.Guard("Failed to start the background operation", [&] { Begin(kind); }))

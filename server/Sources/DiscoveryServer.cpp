@@ -73,7 +73,7 @@ void DiscoveryServer::Start(const HostRegistrations& registrations)
     }
     if (restart.IsWaiting())
     {
-        StartInsteadOfRestart(OpenSocket(), registrations);
+        StartOrWaitAgain(OpenSocket(), registrations);
     }
     else
     {
@@ -114,7 +114,7 @@ bool DiscoveryServer::TryToRestart(const AutomaticRestart::Recovery& recovery, c
         return false;
     }
     LogStart();
-    StartInsteadOfRestart(openSocket, restart.CarriedOver());
+    StartOrWaitAgain(openSocket, restart.CarriedOver());
     return true;
 }
 
@@ -140,11 +140,12 @@ void DiscoveryServer::StartLocked(const SmartPointer<IDiscoverySocket>& openSock
     }
     restart.Watch(); // before the threads start: a loss while they do is one to answer
     StartWorkers();
+    restart.Settle();
     state = DiscoveryServiceState::Running;
 }
 
-void DiscoveryServer::StartInsteadOfRestart(const SmartPointer<IDiscoverySocket>& openSocket,
-                                            const HostRegistrations& registrations)
+void DiscoveryServer::StartOrWaitAgain(const SmartPointer<IDiscoverySocket>& openSocket,
+                                       const HostRegistrations& registrations)
 {
     try
     {

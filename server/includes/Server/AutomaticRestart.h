@@ -19,8 +19,8 @@ namespace Zent::Discovery::Server
 ///     Called    something was reported, and the thread is going to stop the server
 ///     Waiting   the thread stops the server and starts it again as soon as it can, with what is carried over
 ///
-/// The server calls Watch, WaitAgain and Cancel, and makes the tries of a recovery, under its lifecycle lock: a start
-/// or stop of the host application comes before a try or after it, and makes the next one superfluous.
+/// The server calls Watch, Settle, WaitAgain and Cancel, and makes the tries of a recovery, under its lifecycle lock: a
+/// start or stop of the host application comes before a try or after it, and makes the next one superfluous.
 ///
 /// Any thread; no operation but Cancellation's destructor waits.
 class AutomaticRestart final
@@ -43,8 +43,12 @@ public:
     /// carried over, which the components have got.
     void Watch();
 
-    /// The threads could not be started in place of a restart that waited: it goes on waiting, or one that a component
-    /// has called for meanwhile takes its place.
+    /// The threads run: the restart that they were started for, or in place of, is over. One that a component has
+    /// called for meanwhile is not.
+    void Settle();
+
+    /// The threads could not be started: the restart that they were to be started for, or in place of, goes on waiting,
+    /// or one that a component has called for meanwhile waits instead.
     void WaitAgain();
 
     /// A component's report. Does nothing unless Watching.

@@ -102,8 +102,8 @@ private:
                      const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
 
     /// StartLocked while a restart waits; when it fails, that goes on waiting.
-    void StartInsteadOfRestart(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
-                               const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
+    void StartOrWaitAgain(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
+                          const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     void StartWorkers() NFX_REQUIRES(lifecycleLock);
     void CreateComponents(const Nfx::System::SmartPointer<IDiscoverySocket>& openSocket,
                           const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
