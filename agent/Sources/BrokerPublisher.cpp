@@ -77,7 +77,7 @@ void BrokerPublisher::PublishEvent(const Fleet::SiteEvent& event)
 {
     if (phase == Phase::Serving && !Yields())
     {
-        Send(topics.Events(), event.ToJson(), false);
+        Send({topics.Events(), event.ToJson()});
     }
 }
 
@@ -88,7 +88,7 @@ void BrokerPublisher::Reply(const CommandMessage& message, const Fleet::Verdict&
         Publication reply{message.ResponseTopic, verdict.ToJson()};
         reply.CorrelationData = message.CorrelationData;
         reply.ExpirySeconds = static_cast<std::uint32_t>(Command::MaximumAge.count());
-        broker.Publish(reply);
+        Send(reply);
     }
 }
 
@@ -158,15 +158,17 @@ ISitePublisher::PublisherStatus BrokerPublisher::Status() const
     PublisherStatus status{phase != Phase::Disconnected, outbox.Waiting()};
     if (phase == Phase::Disconnected)
     {
-        status.Text = "no broker" + (trouble.empty() ? "" : ": " + trouble);
-        return status;
+        status.Text = trouble.empty() ? "connecting to the broker" : "no broker: " + trouble;
     }
-    status.Text = "broker connected, " + std::to_string(outbox.Waiting()) + " records waiting";
+    else
+    {
+        status.Text = "broker connected, " + std::to_string(outbox.Waiting()) + " records waiting";
+    }
     if (refused > 0)
     {
-        status.Text += ", " + std::to_string(refused) + " refused by the broker";
+        status.Text += ", " + std::to_string(refused) + " refused by the broker: " + refusal;
     }
-    if (other && !otherUntil)
+    if (phase != Phase::Disconnected && other && !otherUntil)
     {
         status.Text += ", another agent for this site on " + Log::Printable(other->Machine) +
                        (Yields() ? ": nothing is published here" : "");
@@ -193,10 +195,11 @@ void BrokerPublisher::Take(const BrokerNews& news, Time now)
         other.reset();
         otherUntil.reset();
         isAnnounced = false;
-        broker.Subscribe(topics.State());
+        requests.clear();
+        Subscribe(topics.State());
         if (takesCommands)
         {
-            broker.Subscribe(topics.Commands());
+            Subscribe(topics.Commands());
         }
         StartReading(now);
         break;
@@ -210,28 +213,37 @@ void BrokerPublisher::Take(const BrokerNews& news, Time now)
         unclaimed.clear();
         break;
     case BrokerNews::NewsKind::Delivered:
-        if (const auto found = underWay.extract(news.Number); found)
+        if (const auto found = requests.extract(news.Number); found && !found.mapped().Device.empty())
         {
-            outbox.Settle(found.mapped());
+            outbox.Settle(found.mapped().Device);
         }
         break;
     case BrokerNews::NewsKind::Refused:
         readingEnds = std::min(readingEnds, now + RetainedTime);
-        if (refused++ == 0)
-        {
-            log.Error("the broker has refused something that this agent needs: " + news.Text);
-        }
-        if (const auto found = underWay.extract(news.Number); found)
-        {
-            outbox.GiveUp(found.mapped());
-        }
+        TakeRefusal(news);
         break;
     case BrokerNews::NewsKind::Subscribed:
         readingEnds = std::min(readingEnds, now + RetainedTime);
+        requests.erase(news.Number);
         break;
     case BrokerNews::NewsKind::Received:
         TakeMessage(news.Message, now);
         break;
+    }
+}
+
+void BrokerPublisher::TakeRefusal(const BrokerNews& news)
+{
+    const auto found = requests.extract(news.Number);
+    const Request request = found ? std::move(found.mapped()) : Request{};
+    if (!request.Device.empty())
+    {
+        outbox.GiveUp(request.Device);
+    }
+    if (refused++ == 0)
+    {
+        refusal = request.Topic + ": " + news.Text;
+        log.Error("the broker has refused what this agent needs: " + refusal);
     }
 }
 
@@ -286,7 +298,7 @@ void BrokerPublisher::TakeManifest(std::size_t part, const std::string& bytes, T
     {
         if (asked.insert(missing).second)
         {
-            broker.Subscribe(topics.ManifestPart(missing));
+            Subscribe(topics.ManifestPart(missing));
             readingEnds = now + SubscriptionTime;
         }
     }
@@ -377,7 +389,7 @@ void BrokerPublisher::TakeUnclaimed(const std::string& id, const std::string& by
 void BrokerPublisher::StartReading(Time now)
 {
     BeginReading(now + SubscriptionTime);
-    broker.Subscribe(topics.Manifest());
+    Subscribe(topics.Manifest());
 }
 
 /// Somebody has removed the state, and whatever else there is of the site before or afterwards: once he is through with
@@ -392,7 +404,7 @@ void BrokerPublisher::StartAnew(Time now)
 void BrokerPublisher::BeginReading(Time end)
 {
     phase = Phase::Reading;
-    underWay.clear();
+    std::erase_if(requests, [](const auto& each) { return !each.second.Device.empty(); });
     unclaimed.clear();
     reader = {};
     asked.clear();
@@ -428,7 +440,7 @@ void BrokerPublisher::AskForUnclaimed(Time now)
         {
             return;
         }
-        if (!unclaimed.contains(id) && broker.Subscribe(topics.Device(id)))
+        if (!unclaimed.contains(id) && Subscribe(topics.Device(id)))
         {
             unclaimed.emplace(id, now + RetainedTime);
         }
@@ -439,12 +451,13 @@ void BrokerPublisher::SendRecords()
 {
     while (std::optional<Outbox::Record> record = outbox.Next())
     {
-        const std::optional<int> number = broker.Publish({topics.Device(record->Id), std::move(record->Text), true});
+        const std::string topic = topics.Device(record->Id);
+        const std::optional<int> number = broker.Publish({topic, std::move(record->Text), true});
         if (!number)
         {
             return; // the connection is lost: the next one begins with what is there
         }
-        underWay.emplace(*number, record->Id);
+        requests.emplace(*number, Request{topic, record->Id});
     }
 }
 
@@ -459,11 +472,11 @@ void BrokerPublisher::SendManifest(Time now)
     const std::vector<Manifest::Document> documents = Manifest::Write(outbox.There());
     for (const Manifest::Document& each : documents)
     {
-        Send(each.Part == 0 ? topics.Manifest() : topics.ManifestPart(each.Part), each.Json, true);
+        Send({each.Part == 0 ? topics.Manifest() : topics.ManifestPart(each.Part), each.Json, true});
     }
     for (std::size_t part = documents.size(); part <= toldParts; ++part)
     {
-        Send(topics.ManifestPart(part), "", true);
+        Send({topics.ManifestPart(part), "", true});
     }
     told = outbox.There();
     toldParts = documents.size() - 1;
@@ -477,12 +490,26 @@ void BrokerPublisher::SendState(SiteState::StateKind kind, bool isAcknowledged)
     state.Kind = kind;
     Publication publication{topics.State(), state.ToJson(), true};
     publication.IsAcknowledged = isAcknowledged;
-    broker.Publish(publication);
+    Send(publication);
 }
 
-void BrokerPublisher::Send(const std::string& topic, std::string payload, bool isRetained)
+/// False while there is no connection.
+bool BrokerPublisher::Subscribe(const std::string& topic)
 {
-    broker.Publish({topic, std::move(payload), isRetained});
+    const std::optional<int> number = broker.Subscribe(topic);
+    if (number)
+    {
+        requests.insert_or_assign(*number, Request{topic});
+    }
+    return number.has_value();
+}
+
+void BrokerPublisher::Send(const Publication& publication)
+{
+    if (const std::optional<int> number = broker.Publish(publication); number && publication.IsAcknowledged)
+    {
+        requests.insert_or_assign(*number, Request{publication.Topic});
+    }
 }
 
 bool BrokerPublisher::Yields() const

@@ -57,7 +57,15 @@ private:
         Serving
     };
 
+    /// A publication or a subscription.
+    struct Request
+    {
+        std::string Topic;
+        std::string Device = {}; // whose record is published
+    };
+
     void Take(const Broker::BrokerNews& news, Time now);
+    void TakeRefusal(const Broker::BrokerNews& news);
     void TakeMessage(const Broker::BrokerMessage& message, Time now);
     void TakeManifest(std::size_t part, const std::string& bytes, Time now);
     void TakeState(const Broker::BrokerMessage& message, Time now);
@@ -70,7 +78,8 @@ private:
     void SendRecords();
     void SendManifest(Time now);
     void SendState(Fleet::SiteState::StateKind kind, bool isAcknowledged);
-    void Send(const std::string& topic, std::string payload, bool isRetained);
+    bool Subscribe(const std::string& topic);
+    void Send(const Broker::Publication& publication);
     bool Yields() const;
 
     const Fleet::SiteTopics topics;
@@ -84,7 +93,7 @@ private:
     Phase phase = Phase::Disconnected;
     std::string trouble; // the last reason why there is no connection
     Fleet::Outbox outbox;
-    std::unordered_map<int, std::string> underWay; // ids of devices by the numbers of publications
+    std::unordered_map<int, Request> requests; // that the broker has not answered, by their numbers
     Fleet::ManifestReader reader;
     std::set<std::size_t> asked; // parts of the manifest
     Time readingEnds{0};
@@ -100,5 +109,6 @@ private:
     std::optional<Fleet::SiteState> other; // another agent of this site, which is there, too
     std::optional<Time> otherUntil;        // unless it says so until then
     std::size_t refused = 0;               // by the broker, on this connection
+    std::string refusal;                   // of these the first
 };
 } // namespace Zent::Discovery::Agent

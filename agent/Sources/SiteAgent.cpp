@@ -152,6 +152,7 @@ void SiteAgent::Run()
     LookAround(driver.Now());
     manager.TellReady();
     log.Info("site " + settings.Site + ": listening on UDP port " + std::to_string(ServerPort));
+    TellInterfaces();
     StartSearch();
     for (bool goesOn = true; goesOn;)
     {
@@ -267,6 +268,7 @@ void SiteAgent::LookAround(Time now)
     {
         knownChanges = changes;
         log.Info("network interfaces have changed");
+        TellInterfaces();
     }
     if (const std::size_t lost = connection ? connection->Lost() : 0; lost != knownLost)
     {
@@ -279,6 +281,19 @@ void SiteAgent::LookAround(Time now)
         ServePage();
     }
     inventory.RemoveOverdue(std::chrono::system_clock::now());
+}
+
+void SiteAgent::TellInterfaces()
+{
+    std::string addresses;
+    for (const std::string& each : host.Interfaces().AddressTexts())
+    {
+        addresses += (addresses.empty() ? "" : ", ") + each;
+    }
+    if (!addresses.empty())
+    {
+        log.Info("devices are asked from " + addresses);
+    }
 }
 
 /// Any user of the machine can take the page's port; the site is watched over all the same.
@@ -317,23 +332,25 @@ void SiteAgent::Report(Time now)
     figures.LastRound = driver.LastRound();
     const ISitePublisher::PublisherStatus world = publisher->Status();
     page->Update([&](Page::PageModel& model) {
-        model.SetSite(settings.Site, self.KindName(), world.Text + PortText());
+        model.SetSite(settings.Site, self.KindName(), world.Text + NetworkText());
         model.SetMetrics(figures.Metrics(connection ? std::optional(world) : std::nullopt, now));
         model.SetHealth(figures.IsPortBound ? "" : "UDP port " + std::to_string(ServerPort) + " is not bound",
                         std::chrono::steady_clock::now());
     });
 }
 
-std::string SiteAgent::PortText() const
+/// What is wrong with port and interfaces.
+std::string SiteAgent::NetworkText() const
 {
-    return portHolder.empty() ? "" : "; port shared with " + portHolder;
+    return (portHolder.empty() ? "" : "; port shared with " + portHolder) +
+           (isOffline ? "; no network interface takes part" : "");
 }
 
 std::string SiteAgent::StatusText() const
 {
     const SiteInventory::Counts counts = inventory.Count();
     return "site " + settings.Site + ": " + std::to_string(counts.Devices) + " devices, " +
-           std::to_string(counts.Away) + " of them gone; " + publisher->Status().Text + PortText() + PageText();
+           std::to_string(counts.Away) + " of them gone; " + publisher->Status().Text + NetworkText() + PageText();
 }
 
 std::string SiteAgent::PageText() const

@@ -50,7 +50,8 @@ private:
     void TakeNetwork(const Inventory::Event& event);
     void LookAround(Inventory::Time now);
     void Report(Inventory::Time now);
-    std::string PortText() const;
+    void TellInterfaces();
+    std::string NetworkText() const;
     std::string PageText() const;
     std::string StatusText() const;
 
