@@ -1,6 +1,7 @@
 #include "Settings.h"
 
 #include "Fleet/Topics.h"
+#include "Inventory/Event.h"
 #include "Programs/WrongArgument.h"
 #include "SettingsFile.h"
 
@@ -70,7 +71,10 @@ void Settings::Read(const std::string& path)
     file.Choice("", "log-level", Level,
                 {{"error", Log::LogLevel::Error}, {"warning", Log::LogLevel::Warning}, {"info", Log::LogLevel::Info}});
 
-    file.Text("discovery", "library", Session.Library);
+    if (file.Text("discovery", "library", Session.Library) && Session.Library.empty())
+    {
+        Session.Library = InstalledLibrary();
+    }
     file.Texts("discovery", "interfaces", Session.Interfaces.Names);
     file.Texts("discovery", "addresses", Session.Interfaces.Addresses);
     file.Flag("discovery", "all-interfaces", Session.Interfaces.All);
@@ -82,7 +86,8 @@ void Settings::Read(const std::string& path)
                  {"debug", DiscoveryLogDebug}});
     file.Number("discovery", "ask-every", AskEvery, 1, 3600);
     file.Flag("discovery", "sweep", Sweeps);
-    file.Texts("discovery", "accepted-conflicts", AcceptedConflicts);
+    file.Texts("discovery", "accepted-conflicts", AcceptedConflicts,
+               [](const std::string& text) { Inventory::Conflict::CheckText(text); });
 
     HasBroker = file.Text("broker", "host", Broker.Host) && !Broker.Host.empty();
     file.Flag("broker", "tls", Broker.UsesTls);
@@ -138,6 +143,10 @@ void Settings::Check() const
     if (Broker.CertificateFile.empty() != Broker.KeyFile.empty())
     {
         throw WrongArgument("certificate and key of the broker belong together");
+    }
+    if (Broker.User.empty() && !Broker.Password.empty())
+    {
+        throw WrongArgument("the password of the broker needs user");
     }
     if (!Broker.UsesTls && !(Broker.AuthorityFile.empty() && Broker.CertificateFile.empty()))
     {

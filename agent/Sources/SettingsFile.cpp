@@ -86,6 +86,23 @@ public:
         }
     }
 
+    std::string CheckedText(const toml::node& node, const char* name, const CheckText& check) const
+    {
+        const std::string& text = node.as_string()->get();
+        try
+        {
+            if (check)
+            {
+                check(text);
+            }
+        }
+        catch (const std::exception& error)
+        {
+            Refuse(node, std::string(name) + ": " + error.what());
+        }
+        return text;
+    }
+
     const toml::table& Root() const { return root; }
 
     [[noreturn]] void Refuse(const toml::source_position& place, const std::string& reason) const
@@ -123,23 +140,11 @@ bool SettingsFile::Text(const char* section, const char* name, std::string& valu
     {
         document->Refuse(*node, std::string(name) + " is no text");
     }
-    const std::string text = node->as_string()->get();
-    try
-    {
-        if (check)
-        {
-            check(text);
-        }
-    }
-    catch (const std::exception& error)
-    {
-        document->Refuse(*node, std::string(name) + ": " + error.what());
-    }
-    value = text;
+    value = document->CheckedText(*node, name, check);
     return true;
 }
 
-void SettingsFile::Texts(const char* section, const char* name, std::vector<std::string>& value)
+void SettingsFile::Texts(const char* section, const char* name, std::vector<std::string>& value, const CheckText& check)
 {
     const toml::node* const node = document->Find(section, name);
     if (node == nullptr)
@@ -157,7 +162,7 @@ void SettingsFile::Texts(const char* section, const char* name, std::vector<std:
         {
             document->Refuse(each, std::string(name) + " has an element that is no text");
         }
-        texts.push_back(each.as_string()->get());
+        texts.push_back(document->CheckedText(each, name, check));
     }
     value = std::move(texts);
 }

@@ -31,7 +31,7 @@ public:
 
     /// Sections without a name are the file itself.
     bool Text(const char* section, const char* name, std::string& value, const CheckText& check = {});
-    void Texts(const char* section, const char* name, std::vector<std::string>& value);
+    void Texts(const char* section, const char* name, std::vector<std::string>& value, const CheckText& check = {});
     void Flag(const char* section, const char* name, bool& value);
 
     void Number(const char* section, const char* name, std::uint16_t& value, std::int64_t least, std::int64_t most)

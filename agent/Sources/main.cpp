@@ -1,8 +1,11 @@
 #include "Log.h"
+#include "Programs/HostSession.h"
+#include "Programs/InterfaceChoice.h"
 #include "Programs/Interruption.h"
 #include "Programs/MessageQueue.h"
 #include "Programs/Process.h"
 #include "Programs/ProgramVersion.h"
+#include "Programs/SystemNetwork.h"
 #include "Programs/WrongArgument.h"
 #include "Settings.h"
 #include "SiteAgent.h"
@@ -19,9 +22,12 @@
 #include <string>
 
 using namespace Zent::Discovery::Agent;
+using Zent::Discovery::Programs::HostSession;
+using Zent::Discovery::Programs::InterfaceChoice;
 using Zent::Discovery::Programs::Interruption;
 using Zent::Discovery::Programs::MessageQueue;
 using Zent::Discovery::Programs::Process;
+using Zent::Discovery::Programs::SystemNetwork;
 using Zent::Discovery::Programs::WrongArgument;
 
 namespace
@@ -45,7 +51,8 @@ struct Options
     void AddTo(CLI::App& program)
     {
         program.add_option("--config", Config, "the file of settings; all of them have defaults")->type_name("FILE");
-        program.add_flag("--check-config", ChecksOnly, "say whether the settings are right, and end");
+        program.add_flag("--check-config", ChecksOnly,
+                         "say whether the agent could start with these settings on this machine, and end");
         program.add_option("--site", Site, "the site's name; this machine's without it")->type_name("NAME");
         program.add_option("--page-port", PagePort, "where the page is served; 0 for none")
             ->type_name("NUMBER")
@@ -114,6 +121,9 @@ int Run(int argc, const char* const* argv)
     const Settings settings = options.Read();
     if (options.ChecksOnly)
     {
+        // Whether the agent could start on this machine.
+        InterfaceChoice::Check(SystemNetwork::Interfaces(), settings.Session.Interfaces);
+        HostSession::Load(settings.Session.Library);
         std::cout << "the settings are right\n";
         return Success;
     }

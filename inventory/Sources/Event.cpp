@@ -2,6 +2,9 @@
 
 #include "JsonText.h"
 
+#include <algorithm>
+#include <stdexcept>
+
 namespace Zent::Discovery::Inventory
 {
 namespace
@@ -27,6 +30,17 @@ std::string JsonOf(const Conflict& conflict)
 std::string Conflict::ToString() const
 {
     return std::string(NameOf(Kind)) + ":" + Value;
+}
+
+void Conflict::CheckText(std::string_view text)
+{
+    constexpr std::string_view Kinds[] = {"mac:", "ip:", "name:"};
+    if (std::ranges::none_of(
+            Kinds, [text](std::string_view kind) { return text.starts_with(kind) && text.size() > kind.size(); }))
+    {
+        throw std::invalid_argument('"' + std::string(text) +
+                                    "\" is no conflict, such as mac:02:00:00:00:00:01, ip:10.0.0.5 or name:press-4");
+    }
 }
 
 const char* Event::KindName() const

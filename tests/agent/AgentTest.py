@@ -171,7 +171,7 @@ class AgentTest(endtoend.TestCase):
         subprocess.run([*program, str(example)], check=True, stdout=subprocess.DEVNULL)
         uncommented = self.folder / "agent.toml"
         text = re.sub(r"(?m)^# ([a-z-]+ =)", r"\1", example.read_text(encoding="utf-8"))
-        uncommented.write_text(text.replace('key = ""', ""), encoding="utf-8")
+        uncommented.write_text(text, encoding="utf-8")
         subprocess.run([*program, str(uncommented)], check=True, stdout=subprocess.DEVNULL)
 
     def test_settings_are_checked_with_their_place(self):
@@ -185,14 +185,16 @@ class AgentTest(endtoend.TestCase):
             return result.returncode, result.stderr.removeprefix(f"discovery-agent: {file}: ")
 
         self.assertEqual(check(SETTINGS), (0, ""))
-        status, reason = check(SETTINGS.replace('["127.0.0.1"]', '["192.0.2.7"]'), "--library", endtoend.library_path())
-        self.assertIn('discovery.addresses: "192.0.2.7" is no address of this machine', reason)
-        self.assertEqual(status, 2)
+        for option in ((), ("--library", endtoend.library_path())):
+            status, reason = check(SETTINGS.replace('["127.0.0.1"]', '["192.0.2.7"]'), *option)
+            self.assertIn('discovery.addresses: "192.0.2.7" is no address of this machine', reason)
+            self.assertEqual(status, 2)
         for text, expected in (
             ('site = "a/b"', "line 1, column 8: site: "),
             ("[broker]\nport = 70000", "line 2, column 8: port is no whole number from 1 to 65535"),
             ("[broker]\nprot = 1883", 'line 2, column 1: unknown setting "broker.prot"'),
             ('[discovery]\ninterfaces = "eth0"', "line 2, column 14: interfaces is no list of texts"),
+            ('[discovery]\naccepted-conflicts = ["x"]', 'line 2, column 23: accepted-conflicts: "x" is no conflict'),
             ('log-level = "loud"', 'line 1, column 13: "loud" is none of error, warning, info'),
             ("site = ", "line 1, column "),
         ):
@@ -207,6 +209,8 @@ class AgentTest(endtoend.TestCase):
         self.assertIn("letters, digits", check(SETTINGS, "--check-config", "--site", "a b")[1])
         missing = 'discovery-agent: [broker]: cannot read "/nowhere": No such file or directory\n'
         self.assertEqual(check("[broker]\ntls = true\nauthority = '/nowhere'"), (2, missing))
+        agent = self.enterContext(Agent(self.folder, "[page]\nport = 0"))
+        agent.told_with("no network interface takes part")
         status, reason = check('[broker]\nhost = "b"\ncommands = true')
         self.assertEqual(status, 2)
         self.assertIn("needs a broker with tls", reason)

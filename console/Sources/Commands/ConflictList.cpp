@@ -1,12 +1,10 @@
 #include "Commands/ConflictList.h"
 
+#include "Inventory/Event.h"
 #include "Text/TextFile.h"
 
-#include <algorithm>
-#include <array>
 #include <sstream>
 #include <stdexcept>
-#include <string_view>
 
 namespace Zent::Discovery::Console
 {
@@ -14,14 +12,15 @@ namespace
 {
 std::string Checked(const std::string& text, const std::string& place = "")
 {
-    constexpr std::array<std::string_view, 3> Kinds = {"mac:", "ip:", "name:"};
-    if (std::ranges::none_of(
-            Kinds, [&text](std::string_view kind) { return text.starts_with(kind) && text.size() > kind.size(); }))
+    try
     {
-        throw std::runtime_error(place + '"' + text +
-                                 "\" is no conflict, such as mac:02:00:00:00:00:01, ip:10.0.0.5 or name:press-4");
+        Inventory::Conflict::CheckText(text);
+        return text;
     }
-    return text;
+    catch (const std::invalid_argument& error)
+    {
+        throw std::runtime_error(place + error.what());
+    }
 }
 } // namespace
 

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Zent::Discovery::Inventory
@@ -33,6 +34,9 @@ struct Conflict
 
     /// As it stands in the list of accepted ones: mac:02:00:00:00:00:01, ip:10.0.0.5, name:press-4.
     std::string ToString() const;
+
+    /// @throws std::invalid_argument when no conflict stands there like that.
+    static void CheckText(std::string_view text);
 };
 
 /// Something that a session has to tell.
