@@ -41,11 +41,6 @@ DeviceRecord::DeviceState StateOf(const DeviceRow& row)
     return DeviceRecord::DeviceState::Present;
 }
 
-bool IsAway(const DeviceRecord& record)
-{
-    return record.State() == DeviceRecord::DeviceState::Gone || record.State() == DeviceRecord::DeviceState::Left;
-}
-
 const char* KindOf(const Event& event)
 {
     switch (event.Kind)
@@ -135,7 +130,7 @@ void SiteInventory::TakeUnclaimed(const std::string& id,
         return;
     }
     DeviceRecord& kept = records.emplace(id, *record).first->second;
-    if (isWhole && !IsAway(kept))
+    if (isWhole && !kept.IsAway())
     {
         CallGone(id, kept, now);
         return;
@@ -147,7 +142,7 @@ void SiteInventory::CallSilentGone(WallTime now)
 {
     for (auto& [id, record] : records)
     {
-        if (!rows.contains(id) && !IsAway(record))
+        if (!rows.contains(id) && !record.IsAway())
         {
             CallGone(id, record, now);
         }
@@ -217,7 +212,7 @@ const DeviceRecord* SiteInventory::Find(const std::string& id) const
 
 SiteInventory::Counts SiteInventory::Count() const
 {
-    const auto isAway = [](const auto& each) { return IsAway(each.second); };
+    const auto isAway = [](const auto& each) { return each.second.IsAway(); };
     return {records.size(), static_cast<std::size_t>(std::ranges::count_if(records, isAway))};
 }
 

@@ -16,7 +16,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
-#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>

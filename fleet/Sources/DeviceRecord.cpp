@@ -72,7 +72,7 @@ const char* DeviceRecord::StateName() const
 
 bool DeviceRecord::IsOverdue(WallTime now) const
 {
-    return (state == DeviceState::Gone || state == DeviceState::Left) && now - since > KeptAfterGone;
+    return IsAway() && now - since > KeptAfterGone;
 }
 
 std::string DeviceRecord::ToJson() const

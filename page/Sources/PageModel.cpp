@@ -48,9 +48,10 @@ std::string MatterOf(const std::string& conflict)
     return isSettledByHost ? Quoted(conflict.substr(colon + 1)) : "";
 }
 
-bool IsAway(const DeviceRecord& record)
+/// Whether the device has what a conflict is over.
+bool Holds(const DeviceRecord& record, const std::string& matter)
 {
-    return record.State() == DeviceRecord::DeviceState::Gone || record.State() == DeviceRecord::DeviceState::Left;
+    return record.Host().find(matter) != std::string::npos;
 }
 
 std::string ServerSentEvent(const char* kind, const std::string& id, const std::string& data)
@@ -101,21 +102,22 @@ void PageModel::SetDevice(const std::string& site, const std::string& id, const 
     const Key key(site, id);
     Device& device = devices[key];
     device.Record = record;
-    const bool isOver = !device.ConflictOver.empty() && record.Host().find(device.ConflictOver) == std::string::npos;
-    if (isOver || IsAway(record))
+    device.Changed = Touch(key, device.Changed);
+    if (!device.LastConflict.empty() && (record.IsAway() || !Holds(record, device.ConflictOver)))
     {
         device.LastConflict.clear();
-        device.ConflictOver.clear();
+        EndConflictOfOne(site, std::exchange(device.ConflictOver, ""));
     }
-    device.Changed = Touch(key, device.Changed);
 }
 
 void PageModel::RemoveDevice(const std::string& site, const std::string& id)
 {
     if (const auto found = devices.find({site, id}); found != devices.end())
     {
+        const std::string over = found->second.ConflictOver;
         NoteRemoved(found->first, found->second.Changed);
         devices.erase(found);
+        EndConflictOfOne(site, over);
     }
 }
 
@@ -161,6 +163,31 @@ void PageModel::TakeConflict(const SiteEvent& event)
             device.ConflictOver = conflict.is_string() ? MatterOf(conflict.get<std::string>()) : "";
             device.Changed = Touch(key, device.Changed);
         }
+    }
+}
+
+/// A device that is the only one left with what a conflict was over is in none any more.
+void PageModel::EndConflictOfOne(const std::string& site, const std::string& over)
+{
+    if (over.empty())
+    {
+        return;
+    }
+    std::vector<std::pair<const Key, Device>*> holders;
+    for (auto each = devices.lower_bound({site, ""}); each != devices.end() && each->first.first == site; ++each)
+    {
+        const DeviceRecord& record = *each->second.Record;
+        if (!record.IsAway() && Holds(record, over))
+        {
+            holders.push_back(&*each);
+        }
+    }
+    if (holders.size() == 1 && holders.front()->second.ConflictOver == over)
+    {
+        auto& [key, device] = *holders.front();
+        device.LastConflict.clear();
+        device.ConflictOver.clear();
+        device.Changed = Touch(key, device.Changed);
     }
 }
 

@@ -49,6 +49,9 @@ public:
     /// leaves alone what tells the same.
     const std::string& Revision() const { return revision; }
 
+    /// Whether it has gone or left.
+    bool IsAway() const { return state == DeviceState::Gone || state == DeviceState::Left; }
+
     /// Whether its time is over.
     bool IsOverdue(WallTime now) const;
 

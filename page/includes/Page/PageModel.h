@@ -138,6 +138,7 @@ private:
     void TouchDevicesOf(const std::string& site);
     void TakeChange(const Fleet::SiteEvent& event);
     void TakeConflict(const Fleet::SiteEvent& event);
+    void EndConflictOfOne(const std::string& site, const std::string& over);
     bool IsReady(const std::string& site) const;
     const char* StateNameOf(const std::string& site, const Device& device) const;
     std::string ElementOf(const std::string& site, const Site& each) const;
