@@ -47,6 +47,11 @@ void ForEachObject(const JSONObject& object, const char* key, TAction&& action)
 }
 } // namespace
 
+bool Device::Interface::HasMACAddress() const
+{
+    return MACAddress.find_first_not_of("0:") != std::string::npos;
+}
+
 Device::Device(DeviceMessage message)
     : Message(std::move(message))
 {

@@ -29,12 +29,6 @@ bool CanBeAsked(const std::string& text)
     return address && *address >= FirstOfNetworks && *address < FirstOfGroups;
 }
 
-/// Whether it is an address of one interface. Those without one, such as a loopback interface, have nothing but zeros.
-bool IsAddressOfOne(const std::string& text)
-{
-    return text.find_first_not_of("0:") != std::string::npos;
-}
-
 /// What tells a device from others: the addresses of its interfaces, the sending one first.
 std::vector<std::string> KeysOf(const Device& device)
 {
@@ -42,7 +36,7 @@ std::vector<std::string> KeysOf(const Device& device)
     std::unordered_set<std::string_view> known;
     for (const Device::Interface& interface : device.Interfaces())
     {
-        if (IsAddressOfOne(interface.MACAddress) && known.insert(interface.MACAddress).second)
+        if (interface.HasMACAddress() && known.insert(interface.MACAddress).second)
         {
             keys.push_back(interface.MACAddress);
         }

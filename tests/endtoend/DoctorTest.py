@@ -210,10 +210,13 @@ class ConflictTest(TestCase):
             for name, number, serial in (("twin", 1, "1"), ("twin", 2, "2"), ("other", 2, "3")):
                 answer = message("SignatureBroadcast", name, mac=f"02:00:00:00:00:0{number}", SerialNumber=serial)
                 answer["SourceNIC"]["IPAddress"] = f"127.0.0.{serial}"
+                loopback = {**answer["SourceNIC"], "MACAddress": "00:00:00:00:00:00", "IPAddress": "127.0.0.1"}
+                answer["Host"]["NICs"] = [answer["SourceNIC"], loopback]
                 peer.send(answer)
             finding = doctor.line_with('"conflict"')
             self.assertIn("the MAC address 02:00:00:00:00:02 belongs to 2 serial numbers", finding)
             self.assertIn("the name twin belongs to 2 devices", finding)
+            self.assertNotIn("address 00:00", finding)
             self.assertNotIn("IP address", finding)
             self.assertEqual(doctor.wait(), 5)
 

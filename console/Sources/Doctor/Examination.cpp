@@ -61,12 +61,15 @@ private:
 
 HeardDevice Heard(const Device& device)
 {
-    std::string address = device.MainInterface().MACAddress;
+    std::string lowest;
     for (const Device::Interface& interface : device.Interfaces())
     {
-        address = std::min(address, interface.MACAddress);
+        if (interface.HasMACAddress() && (lowest.empty() || interface.MACAddress < lowest))
+        {
+            lowest = interface.MACAddress;
+        }
     }
-    return {device.HostName, device.SerialNumber, address, device.MainInterface().IPAddress};
+    return {device.HostName, device.SerialNumber, lowest, device.MainInterface().IPAddress};
 }
 
 /// The library has split a log that grew too large.

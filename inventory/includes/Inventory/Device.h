@@ -20,6 +20,9 @@ public:
         std::string DefaultGateway = {};
         std::string MTU = {};
         std::string FriendlyName = {};
+
+        /// False for a loopback interface, for instance, whose address is nothing but zeros.
+        bool HasMACAddress() const;
     };
 
     struct Product
