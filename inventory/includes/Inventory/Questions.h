@@ -31,7 +31,8 @@ public:
     /// The library's queue takes 512 requests and messages.
     static constexpr std::size_t MaximumUnanswered = 400;
 
-    /// Questions to single devices are a millisecond apart on the average, and no more than these come at once.
+    /// Questions to single devices are a millisecond apart on the average. No more come at once than fall due while a
+    /// host program takes messages in a batch: with less, a sweep of a large network would take many times as long.
     static constexpr Time Distance{1};
     static constexpr Time MaximumCredit{20};
 
