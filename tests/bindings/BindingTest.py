@@ -307,7 +307,7 @@ class InventoryTest(TestCase):
             for name, device in (("press-4", one), ("press-5", two), ("press-6", one)):
                 self.assertEqual(self.change("give-name", name, device.mac)[0], "applied")
             self.assertEqual(self.change("give-back"), ["applied", "press-6"])
-            self.host.end()
+            self.host.must("close")
             journal.write_text(journal.read_text() + '{"Time":"2026')  # as a power cut leaves it
             with Host(self.folder) as self.host:
                 self.host.open()
