@@ -130,7 +130,7 @@ protected:
     Tests::Device device;
 };
 
-TEST_F(CycleTest, LongThreeThousandStartsAndStopsUseNothingUp)
+TEST_F(CycleTest, ThreeThousandStartsAndStopsUseNothingUp)
 {
     ProcessState warm{};
     for (int round = 0; round < 3000; ++round)
@@ -149,7 +149,7 @@ TEST_F(CycleTest, LongThreeThousandStartsAndStopsUseNothingUp)
     ExpectNoMoreThan(warm);
 }
 
-TEST_F(CycleTest, LongAStopDuringAFloodWaitsForNothingThatWaits)
+TEST_F(CycleTest, AStopDuringAFloodWaitsForNothingThatWaits)
 {
     delay = 5; // a full queue takes two and a half seconds
     std::thread flood([this] { Flood(seconds(4)); });
@@ -165,7 +165,7 @@ TEST_F(CycleTest, LongAStopDuringAFloodWaitsForNothingThatWaits)
     EXPECT_LT(0, folder.Count("Semaphore is full (512) !!! Ignoring this task..."));
 }
 
-TEST_F(CycleTest, LongAFloodOnASlowHostCostsWhatWaitsAndASecond)
+TEST_F(CycleTest, AFloodOnASlowHostCostsWhatWaitsAndASecond)
 {
     delay = 5;
     Flood(seconds(10));
