@@ -378,7 +378,7 @@ bool DeviceTable::Ask(Entry& entry, Time now)
 {
     const Device::Interface& interface = entry.Latest->MainInterface();
     const bool hasIP = entry.HasRoute && CanBeAsked(interface.IPAddress);
-    const bool wantsIP = hasIP && (entry.Misses % 2 == 1 || interface.MACAddress.empty());
+    const bool wantsIP = hasIP && (entry.Misses % 2 == 1 || !interface.HasMACAddress());
     if (wantsIP && questions.CanAskIP(now))
     {
         questions.AskIP(interface.IPAddress, now);
@@ -388,11 +388,11 @@ bool DeviceTable::Ask(Entry& entry, Time now)
         }
         askedByIP.insert_or_assign(interface.IPAddress, entry.Id);
     }
-    else if (!interface.MACAddress.empty() && questions.CanAskMAC(now))
+    else if (interface.HasMACAddress() && questions.CanAskMAC(now))
     {
         questions.AskMAC(interface.MACAddress, now);
     }
-    else if (hasIP || !interface.MACAddress.empty())
+    else if (hasIP || interface.HasMACAddress())
     {
         return false;
     }

@@ -56,7 +56,7 @@ void Search::Heard(std::uint64_t id, const Device& device, Time now)
         return;
     }
     const Device::Interface& source = device.MainInterface();
-    const std::string answerer = source.MACAddress.empty() ? std::to_string(id) : source.MACAddress;
+    const std::string answerer = source.HasMACAddress() ? source.MACAddress : std::to_string(id);
     for (const Device::Interface& interface : device.Interfaces())
     {
         if (const std::optional<IPv4> address = Network::ParseAddress(interface.IPAddress))
