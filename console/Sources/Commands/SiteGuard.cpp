@@ -51,9 +51,10 @@ void SiteGuard::Heard(const Event& event, IWatchView& view)
     if (entry)
     {
         context.WriteJournal(Journal::EndLine(*entry, report.VerdictName()));
-        if (!isTemporary && exchange.ends_with(entry->Subject()))
+        // Who stepped aside is the last to take a name, and who did not exchanges none.
+        if (isTemporary ? !isDone : exchange.ends_with(entry->Subject()))
         {
-            exchange.clear(); // who stepped aside was the last to take a name
+            exchange.clear();
         }
     }
     entry.reset();

@@ -115,7 +115,7 @@ void WatchCommand::Watch(
         {
             knownChanges = changes;
         }
-        if (now >= nextReason && driver.Session().Devices().Size() == 0)
+        if (now >= nextReason && !reason.valid() && driver.Session().Devices().Size() == 0)
         {
             reason = std::async(std::launch::async, &Doctor::Examination::ReasonForSilence,
                                 std::cref(context.Options()), Patience.count());
