@@ -39,13 +39,14 @@ std::string Shown(const SiteEvent& event, Json details)
     return R"({"Time":")" + UtcTime::ToText(event.When) + R"(","Details":)" + text + "}";
 }
 
-/// The address or name that a conflict such as "ip:10.0.0.5" is over, as it stands in a host; empty when it is over
-/// what a device always has.
+/// The member of a host that a conflict such as "ip:10.0.0.5" is over, as it stands there; empty when it is over what a
+/// device always has.
 std::string MatterOf(const std::string& conflict)
 {
-    const std::size_t colon = conflict.find(':');
-    const bool isSettledByHost = conflict.starts_with("ip:") || conflict.starts_with("name:");
-    return isSettledByHost ? Quoted(conflict.substr(colon + 1)) : "";
+    const std::string value = conflict.substr(conflict.find(':') + 1);
+    return conflict.starts_with("ip:")     ? R"("IPAddress":)" + Quoted(value)
+           : conflict.starts_with("name:") ? R"("HostName":)" + Quoted(value)
+                                           : "";
 }
 
 /// Whether the device has what a conflict is over.

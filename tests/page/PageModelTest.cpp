@@ -163,7 +163,7 @@ TEST(PageModelTest, ChangesAndConflictsStandBesideTheRecordUntilTheConflictIsOve
 
     model.SetDevice("s", Device, Record(R"({"IPAddress":"10.0.0.5","Name":"new"})"));
     EXPECT_TRUE(Document(model, 1)["Devices"][0].contains("Conflict"));
-    model.SetDevice("s", Device, Record(R"({"IPAddress":"10.0.0.50"})"));
+    model.SetDevice("s", Device, Record(R"({"IPAddress":"10.0.0.50","DefaultGateway":"10.0.0.5"})"));
     devices = Document(model, 1)["Devices"];
     EXPECT_FALSE(devices[0].contains("Conflict"));
     EXPECT_FALSE(devices[1].contains("Conflict")); // it is the only one now
