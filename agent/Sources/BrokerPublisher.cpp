@@ -242,7 +242,7 @@ void BrokerPublisher::TakeRefusal(const BrokerNews& news)
     }
     if (refused++ == 0)
     {
-        refusal = request.Topic + ": " + news.Text;
+        refusal = (request.Topic.empty() ? "" : request.Topic + ": ") + news.Text;
         log.Error("the broker has refused what this agent needs: " + refusal);
     }
 }
@@ -457,7 +457,7 @@ void BrokerPublisher::SendRecords()
         {
             return; // the connection is lost: the next one begins with what is there
         }
-        requests.emplace(*number, Request{topic, record->Id});
+        requests.insert_or_assign(*number, Request{topic, record->Id});
     }
 }
 

@@ -210,6 +210,7 @@ ChangeRequest CommandDesk::RequestOf(const Command& command) const
         const DeviceRow* const row = request.TargetIn(driver.Session().Devices());
         if (row == nullptr || inventory.IdOf(*row) != command.Device)
         {
+            command.CheckRevision(RecordOf(command.Device).Revision()); // the sender may have seen the interface
             throw Refusal("unknown-device", "the settings are for no interface of " + command.Device);
         }
         if (command.Kind == Command::CommandKind::Configure && request.Kind != ChangeRequest::ChangeKind::Configure)

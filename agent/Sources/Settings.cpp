@@ -144,7 +144,7 @@ void Settings::Check() const
     {
         throw WrongArgument("certificate and key of the broker belong together");
     }
-    if (Broker.User.empty() && !Broker.Password.empty())
+    if (HasBroker && Broker.User.empty() && !Broker.Password.empty())
     {
         throw WrongArgument("the password of the broker needs user");
     }

@@ -227,14 +227,14 @@ void SiteAgent::TakeEvents()
     }
 }
 
-/// A search of which the network was missing says nothing of those who were silent, either.
+/// A search during which no interface took part says nothing of those who were silent, either.
 void SiteAgent::TakeNetwork(const Event& event)
 {
     if (event.Kind == Event::EventKind::Offline)
     {
         isOffline = true;
         log.Warning("no network interface takes part; left out: " + host.Interfaces().LeftOut() +
-                    ": no device is called gone");
+                    "; no device is called gone");
     }
     else if (event.Kind == Event::EventKind::Online)
     {

@@ -44,7 +44,8 @@ public:
     /// Removes the records whose time is over.
     void RemoveOverdue(Fleet::WallTime now);
 
-    /// What the device of a row is called; empty when it has no MAC address.
+    /// What the device of a row is called; empty when it has no MAC address, or as long as none of its events was
+    /// taken.
     std::string IdOf(const Inventory::DeviceRow& row) const;
 
     /// Null when there is none.

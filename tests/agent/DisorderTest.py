@@ -151,7 +151,7 @@ class LongDisorderTest(TestCase):
 
         uplink.unplug()
         lan.unplug()
-        agent.line_with("no network interface takes part; left out: 10.8.0.1 (down): no device is called gone")
+        agent.line_with("no network interface takes part; left out: 10.8.0.1 (down); no device is called gone")
         lan.plug()
         agent.line_with("a network interface takes part again")
         simulator.behave("kill 1")
