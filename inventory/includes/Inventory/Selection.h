@@ -30,7 +30,7 @@ public:
     {
     }
 
-    /// All names but one, for a message to the user.
+    /// All names, or all but one, for a message to the user.
     std::string ColumnNames(std::string_view without = {}) const
     {
         std::string names;

@@ -7,8 +7,8 @@
 
 namespace Zent::Discovery::Programs
 {
-/// What a log of the library tells about what was dropped. How much one of a lower level tells is less: versions need
-/// Standard, senders and the refused priority Debug.
+/// What a log of the library tells about what was dropped. Not each level tells all of it: the versions need Standard,
+/// the senders and the refused priority Debug.
 struct LogSummary
 {
     std::size_t VersionDropped = 0;       // datagrams
