@@ -80,16 +80,33 @@ Journal Parse(const std::string& text, const std::string& path, const Complain& 
 /// With the lock held.
 void Shorten(const std::string& path)
 {
+    const std::filesystem::path next = PathOf(path + ".new");
+    std::filesystem::remove(next);
+    PrivateFile::CreateLike(next, PathOf(path)); // which may be another user's
     std::string text;
     for (const std::string& line : Parse(Content(path), path, [](const std::string& /*text*/) {}).Lines())
     {
         text += line + "\n";
     }
-    const std::filesystem::path next = PathOf(path + ".new");
-    std::filesystem::remove(next);
     PrivateFile::Append(next, text);
-    std::filesystem::permissions(next, std::filesystem::status(PathOf(path)).permissions()); // as its user wants them
     std::filesystem::rename(next, PathOf(path));
+}
+
+/// With the lock held. A file that cannot be shortened now goes on as it is: nothing in it is lost.
+void ShortenWhenTooLarge(const std::string& path)
+{
+    try
+    {
+        if (std::filesystem::file_size(PathOf(path)) > JournalFile::MaximumBytes)
+        {
+            Shorten(path);
+        }
+    }
+    catch (const std::system_error&)
+    {
+        std::error_code ignored;
+        std::filesystem::remove(PathOf(path + ".new"), ignored);
+    }
 }
 
 /// Whether the file ends within a line, as after a power cut.
@@ -140,10 +157,7 @@ void JournalFile::Append(const std::string& line) const
         }
         const FileLock lock(LockOf(path));
         PrivateFile::Append(place, (IsCutOff(place) ? "\n" : "") + line + "\n");
-        if (std::filesystem::file_size(place) > MaximumBytes)
-        {
-            Shorten(path);
-        }
+        ShortenWhenTooLarge(path);
     }
     catch (const std::system_error& error)
     {

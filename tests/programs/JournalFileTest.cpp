@@ -77,5 +77,9 @@ TEST(JournalFileTest, WritersAtTheSameTimeLoseNothingWhenTheFileIsShortened)
         EXPECT_TRUE(next == -1 || next == 40) << writer << next;
     }
     EXPECT_TRUE(journal.Entries().back().Time.ends_with("-39"));
+
+    std::filesystem::create_directories(path + ".new/in the way");
+    JournalFile(path).Append(Journal::BeginLine(Rename("long", std::string(JournalFile::MaximumBytes, 'x'))));
+    EXPECT_GT(std::filesystem::file_size(path), JournalFile::MaximumBytes);
 }
 } // namespace

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -48,6 +49,15 @@ void PrivateFile::Append(const std::filesystem::path& path, std::string_view tex
     }
     // What is no file on a disk, such as a pipe, cannot be synchronized.
     Descriptor::Check(fsync(file.value) == 0 || errno == EINVAL || errno == EROFS);
+}
+
+void PrivateFile::CreateLike(const std::filesystem::path& path, const std::filesystem::path& other)
+{
+    struct stat status = {};
+    Descriptor::Check(stat(other.c_str(), &status) == 0);
+    const Descriptor file(path, O_WRONLY | O_EXCL); // never what somebody has linked there to be given it
+    Descriptor::Check(fchown(file.value, status.st_uid, status.st_gid) == 0);
+    Descriptor::Check(fchmod(file.value, status.st_mode & ALLPERMS) == 0);
 }
 
 FileLock::FileLock(const std::filesystem::path& path)

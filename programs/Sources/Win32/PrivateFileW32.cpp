@@ -39,6 +39,12 @@ void PrivateFile::Append(const std::filesystem::path& path, std::string_view tex
     }
 }
 
+void PrivateFile::CreateLike(const std::filesystem::path& path, const std::filesystem::path& other)
+{
+    Append(path, "");
+    std::filesystem::permissions(path, std::filesystem::status(other).permissions());
+}
+
 FileLock::FileLock(const std::filesystem::path& path)
     : handle(reinterpret_cast<std::intptr_t>(Open(path, GENERIC_READ | GENERIC_WRITE)))
 {

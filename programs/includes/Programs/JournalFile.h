@@ -8,11 +8,12 @@
 
 namespace Zent::Discovery::Programs
 {
-/// The journal of changes in a file, which several programs may keep at the same time. Main thread only.
+/// The journal of changes in a file, which several programs may keep at the same time. Any thread.
 class JournalFile final
 {
 public:
-    /// A file that has grown beyond this is written anew with what the journal keeps.
+    /// A file that has grown beyond this is written anew with what the journal keeps, and stays that of its user; where
+    /// the system refuses that, it grows on.
     static constexpr std::size_t MaximumBytes = 2 * Inventory::Journal::MaximumBytes;
 
     /// path is UTF-8. Nothing is touched yet.

@@ -15,6 +15,10 @@ public:
     /// Appends the text to the file, which is made when it is not there, and returns once the disk has it.
     /// @throws std::system_error
     static void Append(const std::filesystem::path& path, std::string_view text);
+
+    /// Makes an empty file with the owner, the group and the rights of another one, which it is to replace.
+    /// @throws std::system_error when it is there, or this user may not give it away; then it may be left behind.
+    static void CreateLike(const std::filesystem::path& path, const std::filesystem::path& other);
 };
 
 /// Keeps other processes out, for as long as it lives, that hold a lock of the same name.
