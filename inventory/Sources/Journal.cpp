@@ -57,6 +57,14 @@ std::size_t SizeOf(const JournalEntry& entry)
            (entry.Verdict.empty() ? 0 : Journal::EndLine(entry, entry.Verdict).size() + 1);
 }
 
+const JournalEntry* Newest(const std::deque<JournalEntry>& entries, std::string_view macAddress)
+{
+    const auto newest = std::find_if(entries.rbegin(), entries.rend(), [macAddress](const JournalEntry& entry) {
+        return entry.CanBeUndone() && (macAddress.empty() || entry.MACAddress == macAddress);
+    });
+    return newest == entries.rend() ? nullptr : &*newest;
+}
+
 /// Whether the device has, or will have after a reboot, what was sent.
 bool HasComeTrue(std::string_view verdict)
 {
@@ -157,15 +165,13 @@ void Journal::Feed(std::string_view line)
 
 std::vector<const JournalEntry*> Journal::NewestToUndo(std::string_view macAddress) const
 {
-    const auto newest = std::find_if(entries.rbegin(), entries.rend(), [macAddress](const JournalEntry& entry) {
-        return entry.CanBeUndone() && (macAddress.empty() || entry.MACAddress == macAddress);
-    });
+    const JournalEntry* const newest = Newest(entries, macAddress);
     std::vector<const JournalEntry*> found;
-    if (newest != entries.rend() && newest->Exchange.empty())
+    if (newest != nullptr && newest->Exchange.empty())
     {
-        found.push_back(&*newest);
+        found.push_back(newest);
     }
-    else if (newest != entries.rend())
+    else if (newest != nullptr)
     {
         for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
         {
@@ -190,12 +196,10 @@ std::string Journal::ToJson() const
 
 std::string Journal::NewestToJson(std::string_view macAddress) const
 {
-    const std::vector<const JournalEntry*> newest = NewestToUndo(macAddress);
-    return newest.empty() ? "null"
-                          : JsonText()
-                                .Raw("Entry", newest.front()->ToJson())
-                                .Raw("Request", newest.front()->UndoingRequest())
-                                .Take();
+    const JournalEntry* const newest = Newest(entries, macAddress);
+    return newest == nullptr
+               ? "null"
+               : JsonText().Raw("Entry", newest->ToJson()).Raw("Request", newest->UndoingRequest()).Take();
 }
 
 std::vector<const JournalEntry*> Journal::OpenEntries() const

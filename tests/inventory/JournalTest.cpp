@@ -83,6 +83,8 @@ TEST(JournalTest, AnExchangeIsTakenBackAsAWhole)
         before += entry->BeforeText() + ", ";
     }
     EXPECT_EQ(before, R"(the name "swap", the name "b", the name "a", )");
+    EXPECT_TRUE(journal.NewestToJson("02:00:00:00:00:02")
+                    .ends_with(R"("Request":{"MACAddress":"02:00:00:00:00:02","HostName":"b"}})"));
 }
 
 TEST(JournalTest, RefusesBrokenLinesAndKeepsTheRest)

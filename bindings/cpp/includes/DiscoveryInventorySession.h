@@ -201,7 +201,8 @@ public:
     }
 
     /// The same for the newest change of the journal that is not taken back, as after the host has started anew; of the
-    /// interface with that MAC address, or without one of any.
+    /// interface with that MAC address, or without one of any. An exchange of names or addresses takes a call for each
+    /// of its changes, the newest first.
     /// @throws as Rename does, and InventoryError when there is no such change, or the journal cannot be read.
     ChangeOutcome UndoNewest(const std::string& macAddress = "", const ChangeOptions& options = ChangeOptions())
     {

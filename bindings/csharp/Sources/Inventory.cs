@@ -210,7 +210,8 @@ namespace Zent.Discovery
         }
 
         /// <summary>
-        /// The same for the newest change of the journal that is not taken back, as after the host has started anew.
+        /// The same for the newest change of the journal that is not taken back, as after the host has started anew. An
+        /// exchange of names or addresses takes a call for each of its changes, the newest first.
         /// </summary>
         /// <param name="macAddress">Of the interface whose change is meant; null for any.</param>
         /// <param name="options">How to change; null for the usual way.</param>

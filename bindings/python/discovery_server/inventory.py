@@ -472,7 +472,8 @@ class Inventory:
         """Gives a device back what it had before a change, whatever has come of that one.
 
         outcome: of the change. Without it, it is the newest one of the journal that is not taken back.
-        mac_address: then of the interface whose newest change is meant.
+        mac_address: then of the interface whose newest change is meant. An exchange of names or addresses takes
+            a call for each of its changes, the newest first.
         The other arguments are those of rename. Raises ChangeFailedError likewise, InventoryError when it is not known
         what the device had or there is no such change, and OSError when the journal cannot be read.
         """

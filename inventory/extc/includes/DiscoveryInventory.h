@@ -446,6 +446,11 @@ extern "C"
      * Newest is the newest change that can be undone, or null; its request is for DiscoveryInventoryStartChange with
      * the options GivesBack, and Undoes with the Id.
      *
+     * An exchange is taken back in several calls, one for each of its entries, the newest first, and each after the
+     * change of the one before has ended as applied: without a MAC address when nothing was changed since, and with
+     * that of the entry otherwise. A step whose name or address another device still has is refused as any other
+     * change (name-taken, address-taken).
+     *
      * @param session    the session.
      * @param macAddress of the interface whose change the newest is to be; null or empty for any.
      * @param json       where the document is put; null when the session keeps no journal.
@@ -533,7 +538,8 @@ extern "C"
 
     /**
      * Gives the newest change that is not undone, and how to undo it: {"Entry":{..},"Request":{..}}, of which the
-     * request is for DiscoveryInventoryStartChange with the option GivesBack.
+     * request is for DiscoveryInventoryStartChange with the option GivesBack. An exchange is taken back as with
+     * DiscoveryInventoryKeptChanges.
      *
      * @param journal    the journal.
      * @param macAddress of the interface whose change is meant, 00:1A:2B:3C:4D:5E; null or empty for any.

@@ -89,7 +89,8 @@ public:
     /// [{..},{..}]: all entries, the oldest first.
     std::string ToJson() const;
 
-    /// {"Entry":{..},"Request":{..}}: the newest change that can be undone, and the request that does so, or null.
+    /// {"Entry":{..},"Request":{..}}: the newest change that can be undone, of that interface or of any, and the
+    /// request that does so; or null. Of an exchange it is a single step.
     std::string NewestToJson(std::string_view macAddress) const;
 
     /// Those of which nobody knows what has come, the oldest first. Valid until the next Feed.
