@@ -319,6 +319,7 @@ class InventoryTest(TestCase):
                 states = [f"{one.mac}:undone", f"{two.mac}:done", f"{one.mac}:undone"]
                 self.assertEqual(self.host.note("journal").split(), states + [f"{one.mac}:done"] * 2)
                 self.assertIn("cannot read the journal", self.host.call("inventory", "0", str(self.folder)))
+                self.host.must("inventory", "0", "")
                 self.host.must("inventory", "0", str(journal / "none"))
                 self.assertEqual(self.change("give-name", "press-7", two.mac), ["notsent", "press-5", "send-failed"])
 

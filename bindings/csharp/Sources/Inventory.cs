@@ -65,12 +65,21 @@ namespace Zent.Discovery
             networks = options.Networks?.ToArray();
             library = new InventoryLibrary(libraryPath);
             library.Check(library.Create(Document(options), out handle));
-            foreach (string line in options.Journal == null ? new string[0] : ReadJournal(null).Broken)
+            try
             {
-                Trace.TraceWarning(line);
+                bool hasJournal = !string.IsNullOrEmpty(options.Journal);
+                foreach (string line in hasJournal ? ReadJournal(null).Broken : new string[0])
+                {
+                    Trace.TraceWarning(line);
+                }
+                thread = new Thread(Run) { IsBackground = true, Name = "discovery inventory" };
+                thread.Start();
             }
-            thread = new Thread(Run) { IsBackground = true, Name = "discovery inventory" };
-            thread.Start();
+            catch
+            {
+                library.Free(handle); // nobody can dispose of what was not made
+                throw;
+            }
             session.DocumentReceived += Listen;
         }
 

@@ -39,7 +39,8 @@ namespace Zent.Discovery
 
         /// <summary>
         /// A file that keeps each change before it is sent, and what has come of it, so that it can be taken back later.
-        /// Other programs, such as discovery-console, may keep the same one at the same time. Usually none.
+        /// Other programs, such as discovery-console, may keep the same one at the same time. Usually none, as
+        /// with an empty text.
         /// </summary>
         [DataMember(EmitDefaultValue = false)]
         public string Journal { get; set; }

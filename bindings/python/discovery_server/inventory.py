@@ -319,7 +319,8 @@ class Inventory:
             Without it those of this machine, but for loopback and what bears a name that container engines,
             hypervisors and tunnels give.
         journal: a file that keeps each change before it is sent, and what has come of it, so that it can be taken back
-            later. Other programs, such as discovery-console, may keep the same one at the same time.
+            later; none or an empty text for no journal. Other programs, such as discovery-console, may keep the same
+            one at the same time.
         options: of the library's session, such as AskEvery=5000 and AcceptedConflicts=["ip:10.0.0.5"].
         Raises LibraryError, OSError when the journal cannot be read, and InventoryError when an option is not possible.
         """
@@ -335,13 +336,17 @@ class Inventory:
         self._outcomes: Dict[int, Optional[Outcome]] = {}  # of changes that somebody waits for
         self._is_port_held = False
         self._receivers: List[Callable[[Optional[Change]], None]] = []
-        if journal is not None:
+        if journal:
             options["Journal"] = os.fspath(journal)
         self._library.call("Create", json.dumps({"AskSystem": True, **options}).encode(), ctypes.byref(self._handle))
-        for line in self._kept()["Broken"] if journal is not None else ():
-            _logger.warning("%s", line)
-        self._thread = threading.Thread(target=self._run, name="discovery inventory", daemon=True)
-        self._thread.start()
+        try:
+            for line in self._kept()["Broken"] if journal else ():
+                _logger.warning("%s", line)
+            self._thread = threading.Thread(target=self._run, name="discovery inventory", daemon=True)
+            self._thread.start()
+        except BaseException:
+            self._library.free(self._handle)  # nobody can close what was not made
+            raise
         session._add_listener(self._listen)
 
     def __enter__(self) -> Inventory:
