@@ -122,7 +122,9 @@ public:
             [this](const JsonView& row) { return DiscoveryRecords::ReadDevice(row, systemStart); });
     }
 
-    /// Whether another program receives what devices send, too; then none is told to be gone.
+    /// Whether another program receives what devices send, too; then none is told to be gone. While this machine has
+    /// lost all its networks (tunnels, point-to-point and container interfaces do not count), the inventory asks nobody
+    /// by itself, and none is told to be gone either.
     bool IsPortHeld() const { return isPortHeld; }
 
     /// Searches until all devices are found; by then the handlers were told of them. A search of another thread goes

@@ -137,7 +137,9 @@ namespace Zent.Discovery
         public IList<JournalEntry> Journal => ReadJournal(null).Entries;
 
         /// <summary>
-        /// Whether another program receives what devices send, too; then none is told to be gone.
+        /// Whether another program receives what devices send, too; then none is told to be gone. While this machine
+        /// has lost all its networks (tunnels, point-to-point and container interfaces do not count), the inventory
+        /// asks nobody by itself, and none is told to be gone either.
         /// </summary>
         public bool IsPortHeld => isPortHeld;
 

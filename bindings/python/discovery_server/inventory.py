@@ -383,7 +383,11 @@ class Inventory:
 
     @property
     def is_port_held(self) -> bool:
-        """Whether another program receives what devices send, too; then none is told to be gone."""
+        """Whether another program receives what devices send, too; then none is told to be gone.
+
+        While this machine has lost all its networks (tunnels, point-to-point and container interfaces do not count),
+        the inventory asks nobody by itself, and none is told to be gone either.
+        """
         with self._lock:
             return self._is_port_held
 

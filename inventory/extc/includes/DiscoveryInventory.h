@@ -187,7 +187,10 @@ extern "C"
      *                                of the library: whether there is a route, how many datagrams were lost, whether
      *                                another program holds the port, whether the machine has lost its networks, and
      *                                the Networks of a search whose options have none. The host has neither of the
-     *                                wishes IsReachable and CountLost.
+     *                                wishes IsReachable and CountLost. While the machine has lost all its networks
+     *                                (tunnels, point-to-point and container interfaces do not count) the session is
+     *                                as DiscoveryInventorySetOffline has it: it asks nobody by itself and tells of
+     *                                nobody that it is gone.
      *
      * @param optionsJson the options; null or empty for the usual ones.
      * @param session     where the session is put, or null when there is none; DiscoveryInventoryFree ends it.
