@@ -66,7 +66,7 @@ void AutomaticRestart::Begin(Kind kind)
     }
 }
 
-bool AutomaticRestart::IsDue(const Recovery& current, bool isServerRunning)
+bool AutomaticRestart::BeginTry(const Recovery& current, bool isServerRunning)
 {
     const Lock guard(lock);
     if (current.IsOverWithin(0))

@@ -96,7 +96,7 @@ bool DiscoveryServer::RestartFor(const AutomaticRestart::Recovery& recovery, std
 bool DiscoveryServer::TryToRestart(const AutomaticRestart::Recovery& recovery, const String& noSocket)
 {
     const Lock lock(lifecycleLock);
-    if (!restart.IsDue(recovery, IsRunning()))
+    if (!restart.BeginTry(recovery, IsRunning()))
     {
         return true;
     }

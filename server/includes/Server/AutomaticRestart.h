@@ -74,9 +74,9 @@ public:
         Nfx::System::SmartPointer<Recovery> cancelled;
     };
 
-    /// Asked before each try; the first makes Waiting of Called when the server runs. False when there is nothing to
-    /// restart any more.
-    bool IsDue(const Recovery& recovery, bool isServerRunning);
+    /// Before each try; the first makes Waiting of Called when the server runs. False when there is nothing to restart
+    /// any more.
+    bool BeginTry(const Recovery& recovery, bool isServerRunning);
 
     bool IsWaiting() const;
 
