@@ -73,6 +73,7 @@ void DiscoveryServer::Start(const HostRegistrations& registrations)
     }
     if (restart.IsWaiting())
     {
+        StopComponents(); // those that the restart could not stop
         StartOrWaitAgain(OpenSocket(), registrations);
     }
     else
@@ -210,7 +211,7 @@ void DiscoveryServer::Stop()
 {
     AutomaticRestart::Cancellation cancellation(restart);
     const Lock lock(lifecycleLock);
-    cancellation.Cancel();
+    CancelRestart(cancellation);
     StopLocked();
 }
 
@@ -218,11 +219,22 @@ void DiscoveryServer::StopIfRunning()
 {
     AutomaticRestart::Cancellation cancellation(restart);
     const Lock lock(lifecycleLock); // when another thread stops the server, this one returns after it, too
-    cancellation.Cancel();
+    CancelRestart(cancellation);
     if (state == DiscoveryServiceState::Running)
     {
         taskProcessor->ClearHandlers();
         StopLocked();
+    }
+}
+
+void DiscoveryServer::CancelRestart(AutomaticRestart::Cancellation& cancellation)
+{
+    const bool isHalfStopped = restart.IsWaiting() && state == DiscoveryServiceState::Stopping;
+    cancellation.Cancel();
+    if (isHalfStopped)
+    {
+        taskProcessor->ClearHandlers();
+        StopComponents();
     }
 }
 
@@ -314,7 +326,8 @@ bool DiscoveryServer::StopLeftover(const SmartPointer<TWorker>& worker)
 bool DiscoveryServer::HasFailed() const
 {
     const Lock lock(lifecycleLock);
-    return state == DiscoveryServiceState::Starting || state == DiscoveryServiceState::Stopping;
+    return (state == DiscoveryServiceState::Starting || state == DiscoveryServiceState::Stopping) &&
+           !restart.IsWaiting();
 }
 
 bool DiscoveryServer::IsRunning() const noexcept

@@ -271,6 +271,31 @@ TEST_F(LifeCycleFaultTest, AStartWhileARestartWaitsTakesItsPlaceOrChangesNothing
     }
 }
 
+TEST_F(LifeCycleFaultTest, AStopOrStartInPlaceOfARestartEndsWhatThatCouldNotStop)
+{
+    for (const bool isStopped : {true, false})
+    {
+        SCOPED_TRACE(isStopped);
+        ASSERT_EQ(0, ExtC::StartServer());
+        ASSERT_EQ(0, ExtC::InitBroadcastProvider("[\"127.0.0.1\"]"));
+        Faults::Fail(Call::Shutdown, 1, 1, SocketError::NetworkDown);
+        LoseSocket();
+        ASSERT_TRUE(WaitUntil([] { return Faults::FailedCalls() == 2; })); // the receiver's and the restart's
+        if (isStopped)
+        {
+            EXPECT_EQ(0, ExtC::StopServer());
+            ExpectStopped();
+        }
+        EXPECT_EQ(0, Initialize()); // is no reason to give up a restart that waits
+        EXPECT_EQ(0, ExtC::StartServer());
+        EXPECT_TRUE(HelloArrives());
+        EXPECT_TRUE(DiscoverArrives());
+        EXPECT_EQ(!isStopped, Count("Sending from 127.0.0.1...") > 0);
+        EXPECT_EQ(0, ExtC::Terminate());
+        Faults::Clear();
+    }
+}
+
 TEST_F(LifeCycleFaultTest, InitializeGetsRidOfAServerThatFailedToStart)
 {
     Faults::Fail(Call::Bind, 1, 1, SocketError::AddressAlreadyInUse);

@@ -39,8 +39,8 @@ public:
 
     /// Creates the components, installs the registrations and starts the threads. Refused with a log line when the
     /// server is starting or running; the registrations are added all the same. When it fails the state stays Starting
-    /// and only the destructor cleans up; but while an automatic restart waits, a start that fails, too, leaves
-    /// everything as it is.
+    /// and only the destructor cleans up; but an automatic restart that waits goes on waiting, with the registrations
+    /// of this start when only a thread was missing.
     /// @throws SocketException when the socket cannot be opened; OutOfMemoryException when a thread cannot be created.
     void Start(const HostRegistrations& registrations);
 
@@ -52,7 +52,8 @@ public:
     /// but another start or stop.
     void StopIfRunning();
 
-    /// True when a start or stop has failed, so that neither can succeed any more. Waits while one is under way.
+    /// True when a start or stop has failed, so that neither can succeed any more; not while a restart waits, which
+    /// repairs it. Waits while one is under way.
     bool HasFailed() const;
 
     /// True exactly in the state Running, so not while it starts, stops or waits for a restart.
@@ -109,6 +110,9 @@ private:
                           const HostRegistrations& registrations) NFX_REQUIRES(lifecycleLock);
     Nfx::System::SmartPointer<IDiscoverySocket> OpenSocket() const;
     void StopLocked() NFX_REQUIRES(lifecycleLock);
+
+    /// Ends a restart for good, and what it could not stop.
+    void CancelRestart(AutomaticRestart::Cancellation& cancellation) NFX_REQUIRES(lifecycleLock);
 
     /// Ends what there is. When it fails it may be called again.
     void StopComponents() NFX_REQUIRES(lifecycleLock);
