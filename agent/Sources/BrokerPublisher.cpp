@@ -219,12 +219,10 @@ void BrokerPublisher::Take(const BrokerNews& news, Time now)
         }
         break;
     case BrokerNews::NewsKind::Refused:
-        readingEnds = std::min(readingEnds, now + RetainedTime);
-        TakeRefusal(news);
+        TakeRefusal(TakeAnswered(news, now), news.Text);
         break;
     case BrokerNews::NewsKind::Subscribed:
-        readingEnds = std::min(readingEnds, now + RetainedTime);
-        requests.erase(news.Number);
+        TakeAnswered(news, now);
         break;
     case BrokerNews::NewsKind::Received:
         TakeMessage(news.Message, now);
@@ -232,17 +230,27 @@ void BrokerPublisher::Take(const BrokerNews& news, Time now)
     }
 }
 
-void BrokerPublisher::TakeRefusal(const BrokerNews& news)
+/// What the broker has answered; nothing when that is forgotten.
+BrokerPublisher::Request BrokerPublisher::TakeAnswered(const BrokerNews& news, Time now)
 {
     const auto found = requests.extract(news.Number);
-    const Request request = found ? std::move(found.mapped()) : Request{};
+    Request request = found ? std::move(found.mapped()) : Request{};
+    if (request.Topic.starts_with(topics.Manifest())) // what there is of it comes now, or not at all
+    {
+        readingEnds = std::min(readingEnds, now + RetainedTime);
+    }
+    return request;
+}
+
+void BrokerPublisher::TakeRefusal(const Request& request, const std::string& reason)
+{
     if (!request.Device.empty())
     {
         outbox.GiveUp(request.Device);
     }
     if (refused++ == 0)
     {
-        refusal = (request.Topic.empty() ? "" : request.Topic + ": ") + news.Text;
+        refusal = (request.Topic.empty() ? "" : request.Topic + ": ") + reason;
         log.Error("the broker has refused what this agent needs: " + refusal);
     }
 }
@@ -401,6 +409,7 @@ void BrokerPublisher::StartAnew(Time now)
     BeginReading(now + RemovalTime);
 }
 
+/// Forgets what the broker has. At the end of the time all that is not known from it by then is published.
 void BrokerPublisher::BeginReading(Time end)
 {
     phase = Phase::Reading;

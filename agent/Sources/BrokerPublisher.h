@@ -65,7 +65,8 @@ private:
     };
 
     void Take(const Broker::BrokerNews& news, Time now);
-    void TakeRefusal(const Broker::BrokerNews& news);
+    Request TakeAnswered(const Broker::BrokerNews& news, Time now);
+    void TakeRefusal(const Request& request, const std::string& reason);
     void TakeMessage(const Broker::BrokerMessage& message, Time now);
     void TakeManifest(std::size_t part, const std::string& bytes, Time now);
     void TakeState(const Broker::BrokerMessage& message, Time now);
